@@ -1,0 +1,93 @@
+// Largest and smallest encoded sizes, in bytes. Each function returns the position behind a value that begins
+// at `at`, counted from an alignment origin. Parameter headers count as 12 bytes, the extended form,
+// whichever travels.
+#pragma once
+
+#include "admin_types/derive/idl_types.h"
+#include "middleware/cdr_stream.h"
+
+#include <algorithm>
+
+namespace admin {
+
+enum class Bound { MAXIMUM, MINIMUM };
+
+constexpr std::size_t PARAMETER_HEADER_SIZE = 12;
+constexpr std::size_t SHORT_PARAMETER_HEADER_SIZE = 4;
+
+constexpr std::size_t aligned(std::size_t at, std::size_t alignment = 4) {
+    return at + ZULCdr_padding(at, alignment);
+}
+template <Bound bound>
+constexpr std::size_t listEnd(std::size_t at) {
+    return aligned(at) + (bound == Bound::MAXIMUM ? PARAMETER_HEADER_SIZE : SHORT_PARAMETER_HEADER_SIZE);
+}
+
+template <Bound bound>
+constexpr std::size_t endOf(Long, std::size_t at) {
+    return aligned(at) + 4;
+}
+template <Bound bound>
+constexpr std::size_t endOf(Boolean, std::size_t at) {
+    return at + 1;
+}
+template <Bound bound, class E>
+constexpr std::size_t endOf(Enum<E>, std::size_t at) {
+    return aligned(at) + 4;
+}
+template <Bound bound, std::uint32_t Length>
+constexpr std::size_t endOf(String<Length>, std::size_t at) {
+    return aligned(at) + 4 + (bound == Bound::MAXIMUM ? Length : 0) + 1;
+}
+template <Bound bound, std::uint32_t Elements, std::uint32_t Length>
+constexpr std::size_t endOf(StringSequence<Elements, Length>, std::size_t at) {
+    at = aligned(at) + 4;
+    for (std::uint32_t i = 0; bound == Bound::MAXIMUM && i < Elements; ++i) {
+        at = endOf<bound>(String<Length>{}, at);
+    }
+    return at;
+}
+template <Bound bound, class Record>
+constexpr std::size_t endOf(Union<Record>, std::size_t at) {
+    constexpr std::size_t discriminatorHeader =
+        bound == Bound::MAXIMUM ? PARAMETER_HEADER_SIZE : SHORT_PARAMETER_HEADER_SIZE;
+    at = aligned(at) + discriminatorHeader + 4;
+    at = aligned(at) + PARAMETER_HEADER_SIZE;
+    std::size_t end = 0;
+    visitWhile(Description<Record>::branches, [&end, at](const auto& branch, std::uint32_t) {
+        const std::size_t branchEnd =
+            endOf<bound>(typename std::remove_cvref_t<decltype(branch)>::Type{}, at);
+        const bool better = end == 0 || (bound == Bound::MAXIMUM ? branchEnd > end : branchEnd < end);
+        end = better ? branchEnd : end;
+        return true;
+    });
+    return listEnd<bound>(end);
+}
+template <Bound bound, class Record>
+constexpr std::size_t endOf(Struct<Record>, std::size_t at) {
+    constexpr bool isMutable = Description<Record>::form == WireForm::MUTABLE;
+    visitWhile(Description<Record>::members, [&at](const auto& member, std::uint32_t) {
+        if (isMutable) {
+            at = aligned(at) + PARAMETER_HEADER_SIZE;
+        }
+        at = endOf<bound>(typename std::remove_cvref_t<decltype(member)>::Type{}, at);
+        return true;
+    });
+    return isMutable ? listEnd<bound>(at) : at;
+}
+
+// The size of a value from the given alignment; with an encapsulation header, that header (aligned to 2) and
+// the value from alignment 0. An invalid identifier gives 1.
+template <Bound bound, class IdlType>
+constexpr std::size_t boundOf(IdlType type, bool includeEncapsulation, std::uint16_t encapsulationId,
+                              std::size_t currentAlignment) {
+    if (!includeEncapsulation) {
+        return endOf<bound>(type, currentAlignment) - currentAlignment;
+    }
+    if (!ZULEncapsulation_isValid(encapsulationId)) {
+        return 1;
+    }
+    return ZULCdr_padding(currentAlignment, 2) + ZUL_ENCAPSULATION_SIZE + endOf<bound>(type, 0);
+}
+
+} // namespace admin

@@ -1,0 +1,64 @@
+// Stamps the named data-type operations of one type (declared in data_types.h) from its IDL type. For source
+// files only.
+#pragma once
+
+#include "admin_types/derive/data.h"
+#include "admin_types/derive/type_codes.h"
+
+#define ZUL_DEFINE_DATA_TYPE(Type, IdlType)                                                                  \
+    const DDS_TypeCode* Type##_get_typecode() {                                                              \
+        return admin::typeCode(IdlType{});                                                                   \
+    }                                                                                                        \
+    bool Type##_initialize_w_params(Type* self, const DDS_TypeAllocationParams_t* params) {                  \
+        return self != nullptr && params != nullptr && admin::initialize(IdlType{}, *self, *params);         \
+    }                                                                                                        \
+    bool Type##_initialize_ex(Type* self, bool allocatePointers, bool allocateMemory) {                      \
+        const DDS_TypeAllocationParams_t params{.allocate_pointers = allocatePointers,                       \
+                                                .allocate_optional_members = 0,                              \
+                                                .allocate_memory = allocateMemory};                          \
+        return Type##_initialize_w_params(self, &params);                                                    \
+    }                                                                                                        \
+    bool Type##_initialize(Type* self) {                                                                     \
+        return Type##_initialize_ex(self, true, true);                                                       \
+    }                                                                                                        \
+    void Type##_finalize_w_params(Type* self, const DDS_TypeDeallocationParams_t* params) {                  \
+        if (self != nullptr && params != nullptr) {                                                          \
+            admin::finalize(IdlType{}, *self);                                                               \
+        }                                                                                                    \
+    }                                                                                                        \
+    void Type##_finalize_ex(Type* self, bool deletePointers) {                                               \
+        const DDS_TypeDeallocationParams_t params{.delete_pointers = deletePointers,                         \
+                                                  .delete_optional_members = 1};                             \
+        Type##_finalize_w_params(self, &params);                                                             \
+    }                                                                                                        \
+    void Type##_finalize(Type* self) {                                                                       \
+        Type##_finalize_ex(self, true);                                                                      \
+    }                                                                                                        \
+    void Type##_finalize_optional_members(Type*, bool) {}                                                    \
+    bool Type##_copy(Type* destination, const Type* source) {                                                \
+        return destination != nullptr && source != nullptr && admin::copy(IdlType{}, *destination, *source); \
+    }
+
+#define ZUL_DEFINE_RECORD(Type) ZUL_DEFINE_DATA_TYPE(Type, admin::Struct<Type>)
+#define ZUL_DEFINE_ENUMERATION(Type) ZUL_DEFINE_DATA_TYPE(Type, admin::Enum<Type>)
+#define ZUL_DEFINE_UNION(prefix)                                                                             \
+    ZUL_DEFINE_DATA_TYPE(prefix##Command, admin::Union<prefix##Command>)                                     \
+    prefix##CommandKind prefix##Command_getDefaultDiscriminator() {                                          \
+        return static_cast<prefix##CommandKind>(admin::Description<prefix##Command>::defaultDiscriminator);  \
+    }                                                                                                        \
+    bool prefix##Command_isCaseHandled(prefix##CommandKind discriminator) {                                  \
+        return !admin::visitSelected(admin::Description<prefix##Command>::branches, discriminator,           \
+                                     [](const auto&) { return false; });                                     \
+    }
+
+// All types of one module but its entity name.
+#define ZUL_DEFINE_MODULE(prefix)                                                                            \
+    ZUL_DEFINE_ENUMERATION(prefix##CommandKind)                                                              \
+    ZUL_DEFINE_ENUMERATION(prefix##CommandResponseKind)                                                      \
+    ZUL_DEFINE_RECORD(prefix##XmlUrl)                                                                        \
+    ZUL_DEFINE_RECORD(prefix##EntityDescription)                                                             \
+    ZUL_DEFINE_RECORD(prefix##PeerUpdateDescription)                                                         \
+    ZUL_DEFINE_UNION(prefix)                                                                                 \
+    ZUL_DEFINE_RECORD(prefix##CommandId)                                                                     \
+    ZUL_DEFINE_RECORD(prefix##CommandRequest)                                                                \
+    ZUL_DEFINE_RECORD(prefix##CommandResponse)

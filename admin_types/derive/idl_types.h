@@ -1,0 +1,130 @@
+// The IDL types that administration types are made of, as tags. Every operation of the family (data.h,
+// codec.h, bounds.h, print.h, type_codes.h) is one set of overloads on these tags; a record's operations
+// follow from its Description. `Value` is the C++ type that holds a value.
+#pragma once
+
+#include "middleware/basic_types.h"
+#include "middleware/sequence.h"
+
+#include <array>
+#include <cstdint>
+#include <tuple>
+#include <utility>
+
+namespace admin {
+
+struct Long {
+    using Value = DDS_Long;
+};
+
+struct Boolean {
+    using Value = DDS_Boolean;
+};
+
+template <std::uint32_t Bound>
+struct String {
+    using Value = char*;
+    static constexpr std::uint32_t bound = Bound;
+};
+
+// A typedef that a module may declare for entity names. Handled as the string it names, but for its type
+// code.
+template <class Module, std::uint32_t Bound>
+struct EntityNameOf : String<Bound> {};
+
+template <std::uint32_t Elements, std::uint32_t Bound>
+struct StringSequence {
+    using Value = DDS_StringSeq;
+    static constexpr std::uint32_t elements = Elements;
+    static constexpr std::uint32_t bound = Bound;
+};
+
+// An enumeration, struct or union, as its Description says.
+template <class Record>
+struct Enum {
+    using Value = Record;
+};
+template <class Record>
+struct Struct {
+    using Value = Record;
+};
+template <class Record>
+struct Union {
+    using Value = Record;
+};
+
+// How a struct travels.
+enum class WireForm {
+    FINAL,      // members in order, all of them
+    EXTENSIBLE, // members in order; trailing ones may be missing
+    MUTABLE,    // a parameter list
+};
+
+template <class T>
+struct Description; // specialised per record and enumeration, in descriptions.h
+
+// One member: its IDL type, and the path of member pointers that leads to it from the record.
+template <class IdlType, auto... Path>
+struct Member {
+    using Type = IdlType;
+    const char* name;
+
+    template <class Record>
+    static auto& get(Record& record) {
+        return follow(record, Path...);
+    }
+
+private:
+    template <class Part, class First, class... Rest>
+    static auto& follow(Part& part, First first, Rest... rest) {
+        if constexpr (sizeof...(rest) == 0) {
+            return part.*first;
+        } else {
+            return follow(part.*first, rest...);
+        }
+    }
+};
+
+// One union branch: a member with its id and labels, in the order in which its type code lists them.
+// `shortHeader` says that its parameter always goes under a short header.
+constexpr std::size_t MAX_LABELS = 5;
+template <class IdlType, auto... Path>
+struct Branch : Member<IdlType, Path...> {
+    std::uint32_t id;
+    std::array<DDS_Long, MAX_LABELS> labels; // 0 where unused: never a label
+    bool shortHeader = false;
+
+    constexpr bool isSelectedBy(DDS_Long discriminator) const {
+        for (DDS_Long label : labels) {
+            if (label != 0 && label == discriminator) {
+                return true;
+            }
+        }
+        return false;
+    }
+};
+
+struct Enumerator {
+    const char* name; // without the module's prefix
+    DDS_Long value;
+};
+
+// Calls `visit(member, index)` for each member of a tuple until one returns false; says whether all returned
+// true.
+template <class Members, class Visit, std::size_t... Index>
+constexpr bool visitWhile(const Members& members, Visit&& visit, std::index_sequence<Index...>) {
+    return (visit(std::get<Index>(members), static_cast<std::uint32_t>(Index)) && ...);
+}
+template <class... Types, class Visit>
+constexpr bool visitWhile(const std::tuple<Types...>& members, Visit&& visit) {
+    return visitWhile(members, visit, std::index_sequence_for<Types...>{});
+}
+// Calls `visit(branch)` for the branch that the discriminator selects; true when none is selected.
+template <class... Types, class Visit>
+constexpr bool visitSelected(const std::tuple<Types...>& branches, DDS_Long discriminator, Visit&& visit) {
+    return visitWhile(branches, [&](const auto& branch, std::uint32_t) {
+        return !branch.isSelectedBy(discriminator) || visit(branch);
+    });
+}
+
+} // namespace admin

@@ -1,0 +1,95 @@
+// Typed readers and writers: narrowing by type name, and the one routine behind every typed read and take.
+#pragma once
+
+#include "middleware/dds.h"
+#include "middleware/log.h"
+
+#include <cstring>
+
+namespace admin {
+
+// Compares the name of the type plugin behind the endpoint, not the name it is registered under: the
+// federation variant registers the routing module's types under names of its own.
+template <class Typed, class Untyped>
+Typed* narrow(Untyped* endpoint, const char* pluginTypeName, const char* typeName, const char* context,
+              const char* nullMessage, const char* wrongTypeMessage) {
+    if (endpoint == nullptr || pluginTypeName == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, nullMessage);
+        return nullptr;
+    }
+    if (std::strcmp(pluginTypeName, typeName) != 0) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ASSERTION_s, wrongTypeMessage);
+        return nullptr;
+    }
+    return reinterpret_cast<Typed*>(endpoint);
+}
+template <class Typed>
+Typed* narrowWriter(DDS_DataWriter* writer, const char* typeName) {
+    return narrow<Typed>(writer, DDS_DataWriter_get_plugin_type_name(writer), typeName, "TDataWriter_narrow",
+                         "null writer", "wrong type writer");
+}
+template <class Typed>
+Typed* narrowReader(DDS_DataReader* reader, const char* typeName) {
+    return narrow<Typed>(reader, DDS_DataReader_get_plugin_type_name(reader), typeName, "TDataReader_narrow",
+                         "null reader", "wrong type reader");
+}
+template <class Untyped, class Typed>
+Untyped* widen(Typed* endpoint, const char* context, const char* nullMessage) {
+    if (endpoint == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, nullMessage);
+    }
+    return reinterpret_cast<Untyped*>(endpoint);
+}
+
+template <class T>
+DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T>* data, DDS_SampleInfoSeq* infos,
+                            const DDS_ReadOrTakeParams& params, const char* context) {
+    if (data == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    ZULSequence::open(data, context);
+    const DDS_DataSeqView view{.length = data->length,
+                               .maximum = data->maximum,
+                               .has_ownership = data->owned,
+                               .contiguous_buffer = data->contiguous,
+                               .element_size = sizeof(T)};
+    DDS_ReceivedSamples received{};
+    const DDS_ReturnCode_t code = DDS_DataReader_read_or_take_untyped(reader, view, infos, params, &received);
+    if (code == DDS_RETCODE_NO_DATA) {
+        ZULSequence::set_length(data, 0, context);
+    }
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
+    if (!received.is_loan) {
+        return ZULSequence::set_length(data, received.count, context) ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
+    }
+    if (!ZULSequence::loan_discontiguous(data, reinterpret_cast<T**>(received.samples), received.count,
+                                         received.count, context)) {
+        DDS_DataReader_return_loan_untyped(reader, received.samples, received.count, infos);
+        return DDS_RETCODE_ERROR;
+    }
+    return DDS_RETCODE_OK;
+}
+
+template <class T>
+DDS_ReturnCode_t returnLoan(DDS_DataReader* reader, DDS_Sequence<T>* data, DDS_SampleInfoSeq* infos,
+                            const char* context) {
+    if (data == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    if (ZULSequence::has_ownership(data, context)) {
+        return DDS_RETCODE_OK; // nothing was loaned
+    }
+    const DDS_ReturnCode_t code = DDS_DataReader_return_loan_untyped(
+        reader, reinterpret_cast<void**>(data->discontiguous), data->length, infos);
+    if (code == DDS_RETCODE_OK && !ZULSequence::unloan(data, context)) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ANY_FAILURE_s, "unloan sequence");
+        return DDS_RETCODE_ERROR;
+    }
+    return code;
+}
+
+} // namespace admin

@@ -1,0 +1,156 @@
+// The DDS entities as far as this system calls them, under the standard's C names (OMG DDS 1.4, 2.2.2).
+// Implemented by `fastdds/`; tests link an implementation of their own that records and fails calls.
+//
+// Entities belong to whoever created them and go with their factory. A participant is created disabled and
+// starts to take part in its domain with DDS_Entity_enable, so that everything it contains exists before the
+// first sample can arrive. Creation and deletion run on one thread; writing and reading may run on any.
+#pragma once
+
+#include "middleware/basic_types.h"
+#include "middleware/qos.h"
+#include "middleware/sequence.h"
+#include "middleware/type_plugin.h"
+
+using DDS_DomainId_t = DDS_Long;
+using DDS_StatusMask = DDS_UnsignedLong;
+constexpr DDS_StatusMask DDS_STATUS_MASK_NONE = 0;
+constexpr DDS_StatusMask DDS_DATA_AVAILABLE_STATUS = 1U << 10;
+
+// Domain ids beyond this have no ports of their own (OMG DDS-RTPS 2.3, 9.6.1.1).
+constexpr DDS_DomainId_t DDS_DOMAIN_ID_MAX = 232;
+
+struct DDS_DomainParticipantFactory;
+struct DDS_Entity;
+struct DDS_DomainParticipant;
+struct DDS_Publisher;
+struct DDS_Subscriber;
+struct DDS_Topic;
+struct DDS_DataWriter;
+struct DDS_DataReader;
+struct DDS_DomainParticipantListener; // never used: the system installs none
+struct DDS_PublisherListener;
+struct DDS_SubscriberListener;
+struct DDS_TopicListener;
+struct DDS_DataWriterListener;
+
+// Sample, view and instance states (OMG DDS 1.4, 2.2.2.5.1).
+using DDS_SampleStateMask = DDS_UnsignedLong;
+using DDS_ViewStateMask = DDS_UnsignedLong;
+using DDS_InstanceStateMask = DDS_UnsignedLong;
+constexpr DDS_SampleStateMask DDS_ANY_SAMPLE_STATE = 0xFFFF;
+constexpr DDS_ViewStateMask DDS_ANY_VIEW_STATE = 0xFFFF;
+constexpr DDS_InstanceStateMask DDS_ANY_INSTANCE_STATE = 0xFFFF;
+
+struct DDS_SampleInfo {
+    DDS_SampleStateMask sample_state;
+    DDS_ViewStateMask view_state;
+    DDS_InstanceStateMask instance_state;
+    DDS_InstanceHandle_t instance_handle;
+    DDS_InstanceHandle_t publication_handle;
+    DDS_Boolean valid_data; // false: the sample carries no data, only a change of state
+};
+using DDS_SampleInfoSeq = DDS_Sequence<DDS_SampleInfo>;
+
+// Reader listener. The callbacks run on a thread of the reader's own and may block: writing and discovery go
+// on. A null callback is skipped.
+struct DDS_DataReaderListener {
+    void* listener_data;
+    void (*on_requested_deadline_missed)(void* listenerData, DDS_DataReader* reader);
+    void (*on_requested_incompatible_qos)(void* listenerData, DDS_DataReader* reader);
+    void (*on_sample_rejected)(void* listenerData, DDS_DataReader* reader);
+    void (*on_liveliness_changed)(void* listenerData, DDS_DataReader* reader);
+    void (*on_data_available)(void* listenerData, DDS_DataReader* reader);
+    void (*on_subscription_matched)(void* listenerData, DDS_DataReader* reader);
+    void (*on_sample_lost)(void* listenerData, DDS_DataReader* reader);
+};
+
+// Factory
+DDS_DomainParticipantFactory* DDS_DomainParticipantFactory_get_instance();
+// `qos` is an initialised record.
+DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(DDS_DomainParticipantFactory* self,
+                                                                          DDS_DomainParticipantQos* qos);
+// Null on failure, among them a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range.
+DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
+    DDS_DomainParticipantFactory* self, DDS_DomainId_t domainId, const DDS_DomainParticipantQos* qos,
+    const DDS_DomainParticipantListener* listener, DDS_StatusMask mask);
+// The participant must be empty.
+DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(DDS_DomainParticipantFactory* self,
+                                                                 DDS_DomainParticipant* participant);
+
+// Participant
+DDS_Entity* DDS_DomainParticipant_as_entity(DDS_DomainParticipant* self);
+// Starts the participant; again is harmless.
+DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self);
+DDS_ReturnCode_t DDS_DomainParticipant_get_default_datareader_qos(DDS_DomainParticipant* self,
+                                                                  DDS_DataReaderQos* qos);
+DDS_ReturnCode_t DDS_DomainParticipant_get_default_datawriter_qos(DDS_DomainParticipant* self,
+                                                                  DDS_DataWriterQos* qos);
+// `qos` is an initialised record; `wire_protocol` holds the values in force.
+DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant* self, DDS_DomainParticipantQos* qos);
+// Copies what it needs of the plugin.
+DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant* self, const char* typeName,
+                                                     const ZULTypePlugin* plugin);
+DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant* self, const char* typeName);
+DDS_Publisher* DDS_DomainParticipant_create_publisher(DDS_DomainParticipant* self,
+                                                      const DDS_PublisherQos* qos,
+                                                      const DDS_PublisherListener* listener,
+                                                      DDS_StatusMask mask);
+DDS_Subscriber* DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant* self,
+                                                        const DDS_SubscriberQos* qos,
+                                                        const DDS_SubscriberListener* listener,
+                                                        DDS_StatusMask mask);
+DDS_Topic* DDS_DomainParticipant_create_topic(DDS_DomainParticipant* self, const char* topicName,
+                                              const char* typeName, const DDS_TopicQos* qos,
+                                              const DDS_TopicListener* listener, DDS_StatusMask mask);
+// Ends the listeners first: none runs any more when this returns.
+DDS_ReturnCode_t DDS_DomainParticipant_delete_contained_entities(DDS_DomainParticipant* self);
+
+// Endpoints
+DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* topic,
+                                                const DDS_DataWriterQos* qos,
+                                                const DDS_DataWriterListener* listener, DDS_StatusMask mask);
+DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic* topic,
+                                                 const DDS_DataReaderQos* qos,
+                                                 const DDS_DataReaderListener* listener, DDS_StatusMask mask);
+// `sample` is a record of the writer's type. Blocks at most the writer's max_blocking_time.
+DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
+                                      const DDS_InstanceHandle_t* handle);
+DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter* self,
+                                                          DDS_InstanceHandleSeq* handles);
+DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,
+                                                         DDS_InstanceHandleSeq* handles);
+// Name of the type plugin behind an endpoint: the type of the records it carries, whatever name it is
+// registered under. Null for null. Valid as long as the endpoint.
+const char* DDS_DataWriter_get_plugin_type_name(const DDS_DataWriter* self);
+const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self);
+
+// The untyped read-or-take behind every typed read and take.
+struct DDS_ReadOrTakeParams {
+    bool take;            // remove the samples from the reader
+    DDS_Long max_samples; // at least 1, or DDS_LENGTH_UNLIMITED; one call returns at most the reader's
+                          // resource limit
+    DDS_SampleStateMask sample_states;
+    DDS_ViewStateMask view_states;
+    DDS_InstanceStateMask instance_states;
+};
+// What the caller's data sequence looks like; without a maximum the samples are loaned.
+struct DDS_DataSeqView {
+    DDS_Long length;
+    DDS_Long maximum;
+    bool has_ownership;
+    void* contiguous_buffer;
+    std::size_t element_size; // bytes
+};
+// Result: either a loan of `count` samples, to be given back with return_loan_untyped, or `count` samples
+// copied into the caller's buffer.
+struct DDS_ReceivedSamples {
+    bool is_loan;
+    void** samples;
+    DDS_Long count;
+};
+DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
+                                                     DDS_SampleInfoSeq* infos,
+                                                     const DDS_ReadOrTakeParams& params,
+                                                     DDS_ReceivedSamples* received);
+DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long count,
+                                                    DDS_SampleInfoSeq* infos);

@@ -1,0 +1,79 @@
+#include "middleware/fastdds/delivery_thread.h"
+
+#include "middleware/fastdds/status_bits.h"
+
+#include <csignal>
+
+namespace zul {
+
+namespace {
+
+using Callback = void (*DDS_DataReaderListener::*)(void*, DDS_DataReader*);
+struct Delivery {
+    DDS_StatusMask status;
+    Callback callback;
+};
+// Data comes last: a match is known before its first sample is delivered.
+constexpr Delivery DELIVERIES[] = {
+    {STATUS_SUBSCRIPTION_MATCHED, &DDS_DataReaderListener::on_subscription_matched},
+    {STATUS_REQUESTED_INCOMPATIBLE_QOS, &DDS_DataReaderListener::on_requested_incompatible_qos},
+    {STATUS_REQUESTED_DEADLINE_MISSED, &DDS_DataReaderListener::on_requested_deadline_missed},
+    {STATUS_LIVELINESS_CHANGED, &DDS_DataReaderListener::on_liveliness_changed},
+    {STATUS_SAMPLE_REJECTED, &DDS_DataReaderListener::on_sample_rejected},
+    {STATUS_SAMPLE_LOST, &DDS_DataReaderListener::on_sample_lost},
+    {DDS_DATA_AVAILABLE_STATUS, &DDS_DataReaderListener::on_data_available},
+};
+
+} // namespace
+
+DeliveryThread::DeliveryThread(DDS_DataReader* reader, const DDS_DataReaderListener& listener,
+                               DDS_StatusMask mask)
+    : reader_(reader), listener_(listener), mask_(mask) {
+    sigset_t all;
+    sigset_t previous;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &previous);
+    thread_ = std::thread([this] { run(); });
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+}
+
+void DeliveryThread::notify(DDS_StatusMask status) {
+    if ((status & mask_) != 0) {
+        const std::lock_guard lock(mutex_);
+        pending_ |= status;
+        wake_.notify_one();
+    }
+}
+
+void DeliveryThread::stop() {
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+        wake_.notify_one();
+    }
+    if (thread_.joinable()) {
+        thread_.join();
+    }
+}
+
+void DeliveryThread::run() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        wake_.wait(lock, [this] { return stopping_ || pending_ != 0; });
+        if (stopping_) {
+            return;
+        }
+        const DDS_StatusMask statuses = pending_;
+        pending_ = 0;
+        lock.unlock();
+        for (const Delivery& delivery : DELIVERIES) {
+            const auto callback = listener_.*delivery.callback;
+            if ((statuses & delivery.status) != 0 && callback != nullptr) {
+                callback(listener_.listener_data, reader_);
+            }
+        }
+        lock.lock();
+    }
+}
+
+} // namespace zul

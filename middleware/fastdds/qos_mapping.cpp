@@ -1,0 +1,103 @@
+#include "middleware/fastdds/qos_mapping.h"
+
+#include <algorithm>
+#include <fastdds/rtps/transport/UDPv4TransportDescriptor.h>
+#include <memory>
+
+namespace zul {
+
+namespace fast = eprosima::fastdds::dds;
+namespace rtps = eprosima::fastrtps::rtps;
+
+namespace {
+
+eprosima::fastrtps::Duration_t toLibrary(const DDS_Duration_t& duration) {
+    if (duration.sec == DDS_DURATION_INFINITE.sec) {
+        return eprosima::fastrtps::c_TimeInfinite;
+    }
+    return {duration.sec, duration.nanosec};
+}
+
+// The part that both endpoint kinds share. All topics here are keyless, so a limit on samples is a limit on
+// the samples of their one instance; the library's own instance limits would contradict it.
+template <class EndpointQos, class LibraryQos>
+void applyCommon(const EndpointQos& qos, LibraryQos& library) {
+    library.durability().kind = qos.durability.kind == DDS_VOLATILE_DURABILITY_QOS
+                                    ? fast::VOLATILE_DURABILITY_QOS
+                                    : fast::TRANSIENT_LOCAL_DURABILITY_QOS;
+    library.reliability().kind = qos.reliability.kind == DDS_RELIABLE_RELIABILITY_QOS
+                                     ? fast::RELIABLE_RELIABILITY_QOS
+                                     : fast::BEST_EFFORT_RELIABILITY_QOS;
+    library.reliability().max_blocking_time = toLibrary(qos.reliability.max_blocking_time);
+    library.history().kind = qos.history.kind == DDS_KEEP_ALL_HISTORY_QOS ? fast::KEEP_ALL_HISTORY_QOS
+                                                                          : fast::KEEP_LAST_HISTORY_QOS;
+    library.history().depth = qos.history.depth;
+    auto& limits = library.resource_limits();
+    limits.max_samples =
+        std::max<DDS_Long>(qos.resource_limits.max_samples, 0); // 0 is the library's "unlimited"
+    limits.max_instances = 1;
+    limits.max_samples_per_instance = limits.max_samples;
+    limits.allocated_samples = std::min<DDS_Long>(limits.max_samples, 4);
+    library.endpoint().history_memory_policy = rtps::PREALLOCATED_WITH_REALLOC_MEMORY_MODE;
+    library.data_sharing().off();
+}
+
+} // namespace
+
+void applyParticipantQos(const DDS_DomainParticipantQos& qos, fast::DomainParticipantQos& library) {
+    // Shared memory leaves files behind after a crash and is no faster here: UDPv4 alone, unless the
+    // operator's profile file names transports of its own.
+    auto& transport = library.transport();
+    if (transport.use_builtin_transports && transport.user_transports.empty()) {
+        transport.use_builtin_transports = false;
+        transport.user_transports.push_back(
+            std::make_shared<eprosima::fastdds::rtps::UDPv4TransportDescriptor>());
+    }
+    if (qos.participant_name.name != nullptr) {
+        library.name(qos.participant_name.name);
+    }
+    const auto& properties = qos.property.value;
+    for (DDS_Long i = 0; i < properties.length; ++i) {
+        rtps::Property property(properties.contiguous[i].name, properties.contiguous[i].value);
+        property.propagate(properties.contiguous[i].propagate != 0);
+        library.properties().properties().push_back(std::move(property));
+    }
+    library.entity_factory().autoenable_created_entities =
+        qos.entity_factory.autoenable_created_entities != 0;
+    // `database.shutdown_cleanup_period` has no counterpart: the library never lingers on deletion.
+}
+
+fast::DataWriterQos toLibrary(const DDS_DataWriterQos& qos) {
+    fast::DataWriterQos library;
+    applyCommon(qos, library);
+    // The library has no send window: with KEEP_ALL the history's `max_samples` is what bounds unacknowledged
+    // samples.
+    return library;
+}
+
+fast::DataReaderQos toLibrary(const DDS_DataReaderQos& qos) {
+    fast::DataReaderQos library;
+    applyCommon(qos, library);
+    // The library waits one fixed delay; the upper end of the wanted range is never exceeded.
+    library.reliable_reader_qos().times.heartbeatResponseDelay =
+        toLibrary(qos.rtps_reliable_reader.max_heartbeat_response_delay);
+    return library;
+}
+
+DDS_InstanceHandle_t toHandle(const rtps::InstanceHandle_t& handle) {
+    DDS_InstanceHandle_t result{};
+    std::copy_n(static_cast<const rtps::octet*>(handle.value), sizeof(result.value), result.value);
+    result.isValid = handle.isDefined() ? 1 : 0;
+    return result;
+}
+
+DDS_SampleInfo toSampleInfo(const fast::SampleInfo& info) {
+    return {.sample_state = static_cast<DDS_SampleStateMask>(info.sample_state),
+            .view_state = static_cast<DDS_ViewStateMask>(info.view_state),
+            .instance_state = static_cast<DDS_InstanceStateMask>(info.instance_state),
+            .instance_handle = toHandle(info.instance_handle),
+            .publication_handle = toHandle(info.publication_handle),
+            .valid_data = static_cast<DDS_Boolean>(info.valid_data ? 1 : 0)};
+}
+
+} // namespace zul

@@ -1,0 +1,200 @@
+// Data reader: its statuses are noted for the delivery thread; reading decodes into samples of the type's
+// pool.
+#include "middleware/fastdds/entities.h"
+#include "middleware/fastdds/qos_mapping.h"
+#include "middleware/fastdds/status_bits.h"
+
+#include <algorithm>
+#include <fastdds/dds/core/LoanableCollection.hpp>
+#include <fastdds/dds/subscriber/SampleInfo.hpp>
+
+namespace fast = eprosima::fastdds::dds;
+
+namespace {
+
+// Most samples of one read or take of a reader without a limit of its own.
+constexpr DDS_Long DEFAULT_MAX_SAMPLES_PER_READ = 32;
+
+// A collection that owns pointers to pooled samples: the library decodes into them and leaves out what it
+// cannot decode. (Its own loans would hand out undecodable samples as valid.)
+class PooledSamples final : public fast::LoanableCollection {
+public:
+    PooledSamples(const zul::TypeAdapter& adapter, DDS_Long count) : adapter_(adapter) {
+        samples_.reserve(static_cast<std::size_t>(count));
+        void* sample = nullptr;
+        while (static_cast<DDS_Long>(samples_.size()) < count &&
+               (sample = adapter.getReaderSample()) != nullptr) {
+            samples_.push_back(sample);
+        }
+        elements_ = samples_.data();
+        maximum_ = static_cast<size_type>(samples_.size());
+    }
+    ~PooledSamples() {
+        std::for_each(samples_.begin(), samples_.end(),
+                      [this](void* sample) { adapter_.returnReaderSample(sample); });
+    }
+    PooledSamples(const PooledSamples&) = delete;
+    PooledSamples& operator=(const PooledSamples&) = delete;
+
+    // Hands over the samples that were filled; the others go back to the pool.
+    std::vector<void*> release() {
+        std::vector<void*> filled(samples_.begin(), samples_.begin() + length_);
+        samples_.erase(samples_.begin(), samples_.begin() + length_);
+        return filled;
+    }
+
+private:
+    void resize(size_type /*newLength*/) override {} // never grows
+
+    const zul::TypeAdapter& adapter_;
+    std::vector<void*> samples_;
+};
+
+// The default limit matches what the reader asks of its pool; `limit` is what one call may return.
+DDS_Long samplesToAskFor(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, DDS_Long limit) {
+    if (params.max_samples != DDS_LENGTH_UNLIMITED) {
+        limit = std::min(limit, params.max_samples);
+    }
+    // What is unread is all that a take of any sample will find.
+    if (params.take && params.sample_states == DDS_ANY_SAMPLE_STATE) {
+        const auto unread =
+            static_cast<DDS_Long>(std::min<std::uint64_t>(self.reader->get_unread_count(), INT32_MAX));
+        limit = std::min(limit, std::max<DDS_Long>(unread, 1));
+    }
+    return limit;
+}
+
+} // namespace
+
+void DDS_DataReader::note(DDS_StatusMask status) {
+    if (delivery != nullptr) {
+        delivery->notify(status);
+    }
+}
+void DDS_DataReader::on_data_available(fast::DataReader* /*reader*/) {
+    note(DDS_DATA_AVAILABLE_STATUS);
+}
+void DDS_DataReader::on_subscription_matched(fast::DataReader* /*reader*/,
+                                             const fast::SubscriptionMatchedStatus& status) {
+    matched.update(zul::toHandle(status.last_publication_handle), status.current_count_change);
+    note(zul::STATUS_SUBSCRIPTION_MATCHED);
+}
+void DDS_DataReader::on_requested_deadline_missed(fast::DataReader* /*reader*/,
+                                                  const eprosima::fastrtps::RequestedDeadlineMissedStatus&) {
+    note(zul::STATUS_REQUESTED_DEADLINE_MISSED);
+}
+void DDS_DataReader::on_liveliness_changed(fast::DataReader* /*reader*/,
+                                           const eprosima::fastrtps::LivelinessChangedStatus&) {
+    note(zul::STATUS_LIVELINESS_CHANGED);
+}
+void DDS_DataReader::on_sample_rejected(fast::DataReader* /*reader*/,
+                                        const eprosima::fastrtps::SampleRejectedStatus&) {
+    note(zul::STATUS_SAMPLE_REJECTED);
+}
+void DDS_DataReader::on_requested_incompatible_qos(fast::DataReader* /*reader*/,
+                                                   const fast::RequestedIncompatibleQosStatus&) {
+    note(zul::STATUS_REQUESTED_INCOMPATIBLE_QOS);
+}
+void DDS_DataReader::on_sample_lost(fast::DataReader* /*reader*/, const fast::SampleLostStatus&) {
+    note(zul::STATUS_SAMPLE_LOST);
+}
+
+DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic* topic,
+                                                 const DDS_DataReaderQos* qos,
+                                                 const DDS_DataReaderListener* listener,
+                                                 DDS_StatusMask mask) {
+    auto reader = std::make_unique<DDS_DataReader>();
+    reader->adapter = topic->adapter;
+    reader->maxSamples = qos->resource_limits.max_samples > 0 ? qos->resource_limits.max_samples
+                                                              : DEFAULT_MAX_SAMPLES_PER_READ;
+    if (listener != nullptr) {
+        reader->delivery = std::make_unique<zul::DeliveryThread>(reader.get(), *listener, mask);
+    }
+    auto libraryQos = zul::toLibrary(*qos);
+    libraryQos.reader_resource_limits().max_samples_per_read = reader->maxSamples;
+    reader->reader =
+        self->subscriber->create_datareader(topic->topic, libraryQos, reader.get(), fast::StatusMask::all());
+    return reader->reader == nullptr ? nullptr : self->owner->readers.emplace_back(std::move(reader)).get();
+}
+
+DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
+                                                     DDS_SampleInfoSeq* infos,
+                                                     const DDS_ReadOrTakeParams& params,
+                                                     DDS_ReceivedSamples* received) {
+    if (self == nullptr || infos == nullptr || received == nullptr) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    const bool asLoan = data.maximum == 0;
+    const DDS_Long limit = asLoan ? self->maxSamples : std::min(self->maxSamples, data.maximum);
+    const DDS_Long wanted = samplesToAskFor(*self, params, limit);
+    PooledSamples samples(*self->adapter, wanted);
+    if (samples.maximum() == 0) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    fast::SampleInfoSeq libraryInfos(samples.maximum());
+    const auto sampleStates = static_cast<fast::SampleStateMask>(params.sample_states);
+    const auto viewStates = static_cast<fast::ViewStateMask>(params.view_states);
+    const auto instanceStates = static_cast<fast::InstanceStateMask>(params.instance_states);
+    const auto code =
+        zul::toReturnCode(params.take ? self->reader->take(samples, libraryInfos, samples.maximum(),
+                                                           sampleStates, viewStates, instanceStates)
+                                      : self->reader->read(samples, libraryInfos, samples.maximum(),
+                                                           sampleStates, viewStates, instanceStates));
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
+    const DDS_Long count = samples.length();
+    if (params.take && count == samples.maximum()) {
+        self->note(DDS_DATA_AVAILABLE_STATUS); // there may be more than this call could return
+    }
+    if (!ZULSequence::ensure_length(infos, count, count, __func__)) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    for (DDS_Long i = 0; i < count; ++i) {
+        ZULSequence::at(*infos, i) = zul::toSampleInfo(libraryInfos[i]);
+    }
+    *received = {.is_loan = asLoan, .samples = nullptr, .count = count};
+    std::vector<void*> filled = samples.release();
+    if (asLoan) {
+        void** address = filled.data();
+        const std::lock_guard lock(self->loansMutex);
+        self->loans.emplace(address, std::move(filled));
+        received->samples = address;
+        return DDS_RETCODE_OK;
+    }
+    bool copied = true;
+    auto* destination = static_cast<std::uint8_t*>(data.contiguous_buffer);
+    for (void* sample : filled) {
+        copied = copied && self->adapter->copyReaderSample(destination, sample);
+        destination += data.element_size;
+        self->adapter->returnReaderSample(sample);
+    }
+    return copied ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
+}
+
+DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long /*count*/,
+                                                    DDS_SampleInfoSeq* infos) {
+    if (self == nullptr || infos == nullptr) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    const std::lock_guard lock(self->loansMutex);
+    const auto loan = self->loans.find(samples);
+    if (loan == self->loans.end()) {
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
+    }
+    for (void* sample : loan->second) {
+        self->adapter->returnReaderSample(sample);
+    }
+    self->loans.erase(loan);
+    ZULSequence::set_length(infos, 0, __func__);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,
+                                                         DDS_InstanceHandleSeq* handles) {
+    return self == nullptr || handles == nullptr ? DDS_RETCODE_BAD_PARAMETER : self->matched.copyTo(handles);
+}
+
+const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self) {
+    return self == nullptr ? nullptr : self->adapter->plugin().typeName;
+}

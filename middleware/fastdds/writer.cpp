@@ -1,0 +1,66 @@
+// Data writer.
+#include "middleware/fastdds/entities.h"
+#include "middleware/fastdds/qos_mapping.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace fast = eprosima::fastdds::dds;
+
+namespace zul {
+
+void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(handles_, [&handle](const DDS_InstanceHandle_t& known) {
+        return std::memcmp(known.value, handle.value, sizeof(handle.value)) == 0;
+    });
+    if (change > 0) {
+        handles_.push_back(handle);
+    }
+}
+
+DDS_ReturnCode_t MatchedEndpoints::copyTo(DDS_InstanceHandleSeq* handles) const {
+    const std::lock_guard lock(mutex_);
+    const auto count = static_cast<DDS_Long>(handles_.size());
+    if (!ZULSequence::ensure_length(handles, count, count, __func__)) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    std::copy(handles_.begin(), handles_.end(), handles->contiguous);
+    return DDS_RETCODE_OK;
+}
+
+} // namespace zul
+
+void DDS_DataWriter::on_publication_matched(fast::DataWriter* /*writer*/,
+                                            const fast::PublicationMatchedStatus& status) {
+    matched.update(zul::toHandle(status.last_subscription_handle), status.current_count_change);
+}
+
+DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* topic,
+                                                const DDS_DataWriterQos* qos,
+                                                const DDS_DataWriterListener* /*listener*/,
+                                                DDS_StatusMask /*mask*/) {
+    auto writer = std::make_unique<DDS_DataWriter>();
+    writer->adapter = topic->adapter;
+    writer->writer = self->publisher->create_datawriter(topic->topic, zul::toLibrary(*qos), writer.get(),
+                                                        fast::StatusMask::publication_matched());
+    return writer->writer == nullptr ? nullptr : self->owner->writers.emplace_back(std::move(writer)).get();
+}
+
+DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
+                                      const DDS_InstanceHandle_t* /*handle*/) {
+    if (self == nullptr || sample == nullptr) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    // Keyless topics have one instance, whatever the handle. The library only reads the sample.
+    return zul::toReturnCode(self->writer->write(const_cast<void*>(sample), fast::HANDLE_NIL));
+}
+
+DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter* self,
+                                                          DDS_InstanceHandleSeq* handles) {
+    return self == nullptr || handles == nullptr ? DDS_RETCODE_BAD_PARAMETER : self->matched.copyTo(handles);
+}
+
+const char* DDS_DataWriter_get_plugin_type_name(const DDS_DataWriter* self) {
+    return self == nullptr ? nullptr : self->adapter->plugin().typeName;
+}

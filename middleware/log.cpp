@@ -1,0 +1,93 @@
+#include "middleware/log.h"
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <unistd.h>
+
+const ZULLogTemplate ZUL_LOG_ANY_s{0x2000000, "%s\n"};
+const ZULLogTemplate ZUL_LOG_ANY_FAILURE_s{0x2000001, "failure: %s\n"};
+const ZULLogTemplate ZUL_LOG_INIT_FAILURE_s{0x2000002, "failed to initialize %s\n"};
+const ZULLogTemplate ZUL_LOG_CREATION_FAILURE_s{0x2000003, "failed to create %s\n"};
+const ZULLogTemplate ZUL_LOG_DESTRUCTION_FAILURE_s{0x2000004, "failed to destroy %s\n"};
+const ZULLogTemplate ZUL_LOG_GET_FAILURE_s{0x2000005, "failed to get %s\n"};
+const ZULLogTemplate ZUL_LOG_ADD_FAILURE_s{0x2000006, "failed to add %s\n"};
+const ZULLogTemplate ZUL_LOG_REMOVE_FAILURE_s{0x2000007, "failed to remove %s\n"};
+const ZULLogTemplate ZUL_LOG_BAD_PARAMETER_s{0x2000008, "bad parameter: %s\n"};
+const ZULLogTemplate ZUL_LOG_ASSERTION_s{0x2000009, "refused: %s\n"};
+const ZULLogTemplate ZUL_LOG_ALLOCATION_FAILURE_d{0x200000A, "failed to allocate %d bytes\n"};
+const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRUCT_d{0x200000B, "out of memory for a structure of %d bytes\n"};
+const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRING_d{0x200000C, "out of memory for a string of %d characters\n"};
+const ZULLogTemplate ZUL_LOG_INSUFFICIENT_SPACE_dd{0x200000D,
+                                                   "insufficient space: %d available, %d needed\n"};
+const ZULLogTemplate ZUL_LOG_SEMAPHORE_TAKE_FAILURE{0x200000E, "failed to take semaphore\n"};
+const ZULLogTemplate ZUL_LOG_SEMAPHORE_GIVE_FAILURE{0x200000F, "failed to give semaphore\n"};
+
+namespace {
+
+std::atomic<std::uint32_t> g_middlewareMask{ZUL_LOG_LEVEL_ERROR};
+std::mutex g_sinkMutex;
+ZULLogSink g_sink = nullptr;
+void* g_sinkData = nullptr;
+
+// Replaces each %s and %d by the next argument; places without an argument stay as they are.
+void appendFormatted(std::string& line, std::string_view format, std::span<const ZULLogArgument> arguments) {
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        const bool isPlace = format[i] == '%' && i + 1 < format.size() &&
+                             (format[i + 1] == 's' || format[i + 1] == 'd') && next < arguments.size();
+        if (!isPlace) {
+            line += format[i];
+            continue;
+        }
+        const ZULLogArgument& argument = arguments[next++];
+        line += argument.isNumber() ? std::to_string(argument.number()) : std::string(argument.text());
+        ++i;
+    }
+}
+
+void writeLine(std::string_view line) {
+    const std::lock_guard lock(g_sinkMutex);
+    if (g_sink != nullptr) {
+        g_sink(g_sinkData, line);
+        return;
+    }
+    while (!line.empty()) {
+        const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+        if (written <= 0) {
+            return; // nowhere left to report to
+        }
+        line.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+} // namespace
+
+void ZULLog_emit(ZULLogLevel level, const char* context, const ZULLogTemplate& message,
+                 std::span<const ZULLogArgument> arguments) {
+    std::string line = level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [";
+    line += context;
+    line += "] ";
+    appendFormatted(line, message.format, arguments);
+    writeLine(line);
+}
+
+void ZULLog_emitDebug(const char* format, std::span<const ZULLogArgument> arguments) {
+    std::string line;
+    appendFormatted(line, format, arguments);
+    writeLine(line);
+}
+
+void ZULLog_setMiddlewareMask(std::uint32_t levels) {
+    g_middlewareMask.store(levels);
+}
+
+bool ZULLog_isMiddlewareEnabled(ZULLogLevel level) {
+    return (g_middlewareMask.load() & level) != 0;
+}
+
+void ZULLog_setSink(ZULLogSink sink, void* sinkData) {
+    const std::lock_guard lock(g_sinkMutex);
+    g_sink = sink;
+    g_sinkData = sinkData;
+}

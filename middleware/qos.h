@@ -1,0 +1,133 @@
+// QoS policies that the system sets or reads, with the OMG DDS standard's defaults (OMG DDS 1.4, 2.2.3), and
+// the protocol policies of the reliable endpoints. A QoS record that owns memory is put into its initial
+// state by
+// `_initialize` and released by `_finalize`, which tolerates a record that was never filled.
+#pragma once
+
+#include "middleware/basic_types.h"
+#include "middleware/sequence.h"
+
+enum DDS_ReliabilityQosPolicyKind { DDS_BEST_EFFORT_RELIABILITY_QOS, DDS_RELIABLE_RELIABILITY_QOS };
+struct DDS_ReliabilityQosPolicy {
+    DDS_ReliabilityQosPolicyKind kind;
+    DDS_Duration_t max_blocking_time;
+};
+
+enum DDS_DurabilityQosPolicyKind { DDS_VOLATILE_DURABILITY_QOS, DDS_TRANSIENT_LOCAL_DURABILITY_QOS };
+struct DDS_DurabilityQosPolicy {
+    DDS_DurabilityQosPolicyKind kind;
+};
+
+enum DDS_HistoryQosPolicyKind { DDS_KEEP_LAST_HISTORY_QOS, DDS_KEEP_ALL_HISTORY_QOS };
+struct DDS_HistoryQosPolicy {
+    DDS_HistoryQosPolicyKind kind;
+    DDS_Long depth;
+};
+
+// Each at least 1 or DDS_LENGTH_UNLIMITED.
+struct DDS_ResourceLimitsQosPolicy {
+    DDS_Long max_samples;
+    DDS_Long max_instances;
+    DDS_Long max_samples_per_instance;
+};
+
+struct DDS_EntityFactoryQosPolicy {
+    DDS_Boolean autoenable_created_entities;
+};
+
+struct DDS_PropertyQosPolicy_Property {
+    char* name;            // owned
+    char* value;           // owned
+    DDS_Boolean propagate; // visible to other participants in discovery
+};
+template <>
+struct ZULSequenceElement<DDS_PropertyQosPolicy_Property> {
+    using Property = DDS_PropertyQosPolicy_Property;
+    static bool initialize(Property& element, const DDS_TypeAllocationParams_t&) {
+        element = {};
+        return true;
+    }
+    static void finalize(Property& element, const DDS_TypeDeallocationParams_t&) {
+        DDS_String_free(element.name);
+        DDS_String_free(element.value);
+        element = {};
+    }
+    static bool copy(Property& destination, const Property& source) {
+        destination.propagate = source.propagate;
+        return ZULSequenceElement<char*>::copy(destination.name, source.name) &&
+               ZULSequenceElement<char*>::copy(destination.value, source.value);
+    }
+};
+struct DDS_PropertyQosPolicy {
+    DDS_Sequence<DDS_PropertyQosPolicy_Property> value;
+};
+constexpr DDS_Long DDS_PROPERTY_LIST_MAX = 32; // properties of one participant
+
+// Adds the property or replaces the one of that name. Out of resources when the list is full or memory
+// exhausted.
+DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPolicy* policy, const char* name,
+                                                             const char* value, DDS_Boolean propagate);
+// The value, valid until the policy changes, or null.
+const char* DDS_PropertyQosPolicyHelper_lookup_property(const DDS_PropertyQosPolicy* policy,
+                                                        const char* name);
+
+struct DDS_DomainParticipantQos {
+    DDS_EntityFactoryQosPolicy entity_factory;
+    struct {
+        char* name; // owned; null for none; at most 255 characters
+    } participant_name;
+    DDS_PropertyQosPolicy property;
+    struct {
+        DDS_Duration_t shutdown_cleanup_period; // how long deleting a participant may linger
+    } database;
+    struct {
+        DDS_UnsignedLong
+            rtps_host_id; // first and second word of the GUID prefix; 0 lets the middleware choose
+        DDS_UnsignedLong rtps_app_id;
+    } wire_protocol;
+};
+void DDS_DomainParticipantQos_initialize(DDS_DomainParticipantQos* self);
+void DDS_DomainParticipantQos_finalize(DDS_DomainParticipantQos* self);
+bool DDS_DomainParticipantQos_copy(DDS_DomainParticipantQos* self, const DDS_DomainParticipantQos* source);
+
+struct DDS_DataWriterQos {
+    DDS_DurabilityQosPolicy durability;
+    DDS_ReliabilityQosPolicy reliability;
+    DDS_HistoryQosPolicy history;
+    DDS_ResourceLimitsQosPolicy resource_limits;
+    struct {
+        DDS_Long min_send_window_size; // samples sent but not yet acknowledged
+        DDS_Long max_send_window_size;
+    } rtps_reliable_writer;
+};
+extern const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT;
+
+struct DDS_DataReaderQos {
+    DDS_DurabilityQosPolicy durability;
+    DDS_ReliabilityQosPolicy reliability;
+    DDS_HistoryQosPolicy history;
+    DDS_ResourceLimitsQosPolicy resource_limits;
+    struct {
+        DDS_Duration_t min_heartbeat_response_delay;
+        DDS_Duration_t max_heartbeat_response_delay;
+    } rtps_reliable_reader;
+};
+extern const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT;
+
+// Endpoint QoS owns no memory; these exist so that all QoS records are handled alike.
+inline void DDS_DataWriterQos_initialize(DDS_DataWriterQos* self) {
+    *self = DDS_DATAWRITER_QOS_DEFAULT;
+}
+inline void DDS_DataWriterQos_finalize(DDS_DataWriterQos*) {}
+inline void DDS_DataReaderQos_initialize(DDS_DataReaderQos* self) {
+    *self = DDS_DATAREADER_QOS_DEFAULT;
+}
+inline void DDS_DataReaderQos_finalize(DDS_DataReaderQos*) {}
+
+// Nothing of these is ever set by the system: their one value is the default.
+struct DDS_PublisherQos {};
+struct DDS_SubscriberQos {};
+struct DDS_TopicQos {};
+constexpr DDS_PublisherQos DDS_PUBLISHER_QOS_DEFAULT{};
+constexpr DDS_SubscriberQos DDS_SUBSCRIBER_QOS_DEFAULT{};
+constexpr DDS_TopicQos DDS_TOPIC_QOS_DEFAULT{};

@@ -1,0 +1,342 @@
+// Sequences: an owned or loaned, bounded array of elements (OMG IDL to C mapping, sequences). One record
+// shape and one implementation serve every element type; the named operations of a type are stamped from
+// these templates. A record of zeroes is a valid, not yet initialised sequence: every operation initialises
+// it on first use. Operations refuse bad arguments, log why under `context`, and leave the sequence as it
+// was.
+#pragma once
+
+#include "middleware/basic_types.h"
+#include "middleware/heap.h"
+#include "middleware/log.h"
+#include "middleware/strings.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+// How a sequence treats one element. The primary template suits elements without owned memory; a type with
+// strings or nested sequences specialises it.
+template <class T>
+struct ZULSequenceElement {
+    static bool initialize(T& element, const DDS_TypeAllocationParams_t&) {
+        element = T{};
+        return true;
+    }
+    static void finalize(T&, const DDS_TypeDeallocationParams_t&) {}
+    static bool copy(T& destination, const T& source) {
+        destination = source;
+        return true;
+    }
+};
+
+// Strings start absent; a copy reuses the buffer when there is none to grow.
+template <>
+struct ZULSequenceElement<char*> {
+    static bool initialize(char*& element, const DDS_TypeAllocationParams_t&) {
+        element = nullptr;
+        return true;
+    }
+    static void finalize(char*& element, const DDS_TypeDeallocationParams_t&) {
+        DDS_String_free(element);
+        element = nullptr;
+    }
+    static bool copy(char*& destination, char* const& source) {
+        const std::size_t length = source != nullptr ? std::strlen(source) : 0;
+        if (source == nullptr) {
+            DDS_String_free(destination);
+            destination = nullptr;
+        } else if (destination != nullptr && std::strlen(destination) >= length) {
+            std::memcpy(destination, source, length + 1);
+        } else {
+            char* fresh = DDS_String_dup(source);
+            if (fresh == nullptr) {
+                return false;
+            }
+            DDS_String_free(destination);
+            destination = fresh;
+        }
+        return true;
+    }
+};
+
+template <class T>
+struct DDS_Sequence {
+    using Element = T;
+    std::int32_t marker; // ZUL_SEQUENCE_MARKER once initialised
+    bool owned;          // the buffer belongs to this sequence
+    T* contiguous;       // elements, or
+    T** discontiguous;   // (loaned only) pointers to elements
+    DDS_Long maximum;
+    DDS_Long length; // 0..maximum
+    DDS_TypeAllocationParams_t elementAllocation;
+    DDS_TypeDeallocationParams_t elementDeallocation;
+    void* readToken1; // the middleware's, while a loan is outstanding
+    void* readToken2;
+};
+constexpr std::int32_t ZUL_SEQUENCE_MARKER = 29508;
+
+using DDS_StringSeq = DDS_Sequence<char*>;
+using DDS_InstanceHandleSeq = DDS_Sequence<DDS_InstanceHandle_t>;
+
+namespace ZULSequence {
+
+template <class T>
+void reset(DDS_Sequence<T>& self) {
+    self = DDS_Sequence<T>{};
+    self.marker = ZUL_SEQUENCE_MARKER;
+    self.owned = true;
+    self.elementAllocation = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
+    self.elementDeallocation = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
+}
+
+inline bool refuse(const char* context, const ZULLogTemplate& message, const char* argument) {
+    ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, message, argument);
+    return false;
+}
+
+// Every operation's first step: refuse null, initialise lazily. The lazy write is not a change a caller can
+// see, hence also done behind a pointer to const.
+template <class T>
+bool open(const DDS_Sequence<T>* self, const char* context) {
+    if (self == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "self");
+    }
+    if (self->marker != ZUL_SEQUENCE_MARKER) {
+        reset(const_cast<DDS_Sequence<T>&>(*self));
+    }
+    return true;
+}
+
+template <class T>
+T& at(const DDS_Sequence<T>& self, DDS_Long index) {
+    return self.discontiguous != nullptr ? *self.discontiguous[index] : self.contiguous[index];
+}
+
+template <class T>
+void freeElements(T* elements, DDS_Long count, const DDS_TypeDeallocationParams_t& params) {
+    for (DDS_Long i = 0; i < count; ++i) {
+        ZULSequenceElement<T>::finalize(elements[i], params);
+    }
+    ZULHeap_free(elements);
+}
+
+template <class T>
+bool initialize(DDS_Sequence<T>* self, const char* context) {
+    if (self == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "self");
+    }
+    reset(*self);
+    return true;
+}
+
+template <class T>
+DDS_Long get_maximum(const DDS_Sequence<T>* self, const char* context) {
+    return open(self, context) ? self->maximum : 0;
+}
+
+template <class T>
+DDS_Long get_length(const DDS_Sequence<T>* self, const char* context) {
+    return open(self, context) ? self->length : 0;
+}
+
+template <class T>
+bool has_ownership(const DDS_Sequence<T>* self, const char* context) {
+    return open(self, context) && self->owned;
+}
+
+// Replaces the owned buffer by one of `maximum` elements that keeps the elements that fit. All or nothing.
+template <class T>
+bool set_maximum(DDS_Sequence<T>* self, DDS_Long maximum, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (maximum < 0) {
+        return refuse(context, ZUL_LOG_ASSERTION_s, "max size must be positive");
+    }
+    if (!self->owned) {
+        return refuse(context, ZUL_LOG_ASSERTION_s, "buffer must not be loaned");
+    }
+    if (maximum == self->maximum) {
+        return true;
+    }
+    T* fresh = nullptr;
+    DDS_Long built = 0;
+    if (maximum > 0) {
+        fresh = ZULHeap_allocate<T>(static_cast<std::size_t>(maximum));
+        while (fresh != nullptr && built < maximum &&
+               ZULSequenceElement<T>::initialize(fresh[built], self->elementAllocation)) {
+            ++built;
+        }
+        if (fresh == nullptr || built < maximum) {
+            freeElements(fresh, built, self->elementDeallocation);
+            ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ALLOCATION_FAILURE_d,
+                              static_cast<unsigned long>(maximum) * sizeof(T));
+            return false;
+        }
+    }
+    const DDS_Long kept = std::min(self->length, maximum);
+    for (DDS_Long i = 0; i < kept; ++i) {
+        std::swap(fresh[i], self->contiguous[i]);
+    }
+    freeElements(self->contiguous, self->maximum, self->elementDeallocation);
+    self->contiguous = fresh;
+    self->maximum = maximum;
+    self->length = kept;
+    return true;
+}
+
+template <class T>
+bool set_length(DDS_Sequence<T>* self, DDS_Long length, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (length < 0 || length > self->maximum) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, self->maximum, length);
+        return false;
+    }
+    self->length = length;
+    return true;
+}
+
+// Sets the length, growing an owned buffer to `maximum` when it is too small. 0 <= length <= maximum.
+template <class T>
+bool ensure_length(DDS_Sequence<T>* self, DDS_Long length, DDS_Long maximum, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (length < 0 || length > maximum) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "length");
+    }
+    return (length <= self->maximum || set_maximum(self, maximum, context)) &&
+           set_length(self, length, context);
+}
+
+template <class T>
+T* get_reference(const DDS_Sequence<T>* self, DDS_Long index, const char* context) {
+    if (!open(self, context)) {
+        return nullptr;
+    }
+    if (index < 0 || index >= self->length) {
+        refuse(context, ZUL_LOG_ASSERTION_s, "index out of bounds");
+        return nullptr;
+    }
+    return &at(*self, index);
+}
+
+template <class T>
+bool checkLoan(const DDS_Sequence<T>* self, const void* buffer, DDS_Long length, DDS_Long maximum,
+               const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (self->maximum > 0) {
+        return refuse(context, ZUL_LOG_ASSERTION_s, "max size must be 0");
+    }
+    if (length < 0 || maximum < 0) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "negative argument");
+    }
+    if (length > maximum) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, maximum, length);
+        return false;
+    }
+    if (buffer == nullptr && maximum > 0) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "NULL buffer can't have non-zero maximum");
+    }
+    return true;
+}
+
+// Installs the caller's buffer, which must outlive the loan.
+template <class T>
+bool loan_contiguous(DDS_Sequence<T>* self, T* buffer, DDS_Long length, DDS_Long maximum,
+                     const char* context) {
+    if (!checkLoan(self, buffer, length, maximum, context)) {
+        return false;
+    }
+    self->contiguous = buffer;
+    self->maximum = maximum;
+    self->length = length;
+    self->owned = false;
+    return true;
+}
+
+template <class T>
+bool loan_discontiguous(DDS_Sequence<T>* self, T** buffer, DDS_Long length, DDS_Long maximum,
+                        const char* context) {
+    if (!checkLoan(self, buffer, length, maximum, context)) {
+        return false;
+    }
+    self->discontiguous = buffer;
+    self->maximum = maximum;
+    self->length = length;
+    self->owned = false;
+    return true;
+}
+
+// Detaches a loaned buffer: the sequence is owned and empty again.
+template <class T>
+bool unloan(DDS_Sequence<T>* self, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (self->owned) {
+        return refuse(context, ZUL_LOG_ASSERTION_s, "buffer must be loaned");
+    }
+    self->contiguous = nullptr;
+    self->discontiguous = nullptr;
+    self->maximum = 0;
+    self->length = 0;
+    self->owned = true;
+    return true;
+}
+
+// Releases an owned buffer. A loaned one must be unloaned first.
+template <class T>
+bool finalize(DDS_Sequence<T>* self, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (!self->owned) {
+        return refuse(context, ZUL_LOG_ASSERTION_s, "buffer must not be loaned");
+    }
+    return set_maximum(self, 0, context);
+}
+
+// Copies the elements; the destination must have room for them.
+template <class T>
+bool copy_no_alloc(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (source == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "src");
+    }
+    open(source, context);
+    if (source->length > self->maximum) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, self->maximum,
+                          source->length);
+        return false;
+    }
+    for (DDS_Long i = 0; i < source->length; ++i) {
+        if (!ZULSequenceElement<T>::copy(at(*self, i), at(*source, i))) {
+            return false;
+        }
+    }
+    self->length = source->length;
+    return true;
+}
+
+// The same, growing an owned destination when needed.
+template <class T>
+bool copy(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (source == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "src");
+    }
+    open(source, context);
+    return (self->maximum >= source->length || set_maximum(self, source->length, context)) &&
+           copy_no_alloc(self, source, context);
+}
+
+} // namespace ZULSequence

@@ -1,0 +1,124 @@
+#include "middleware/type_plugin.h"
+
+#include "middleware/heap.h"
+
+#include <algorithm>
+#include <mutex>
+#include <new>
+#include <vector>
+
+struct ZULParticipantData {};
+
+namespace {
+
+// Objects of one kind, kept for reuse. Lent ones stay known so that deleting the pool frees them too.
+template <class T>
+class Pool {
+public:
+    template <class Make>
+    T* get(Make make) {
+        const std::lock_guard lock(mutex_);
+        if (!free_.empty()) {
+            T* object = free_.back();
+            free_.pop_back();
+            return object;
+        }
+        T* object = make();
+        if (object != nullptr) {
+            all_.push_back(object);
+        }
+        return object;
+    }
+    void put(T* object) {
+        const std::lock_guard lock(mutex_);
+        if (object != nullptr && std::find(free_.begin(), free_.end(), object) == free_.end()) {
+            free_.push_back(object);
+        }
+    }
+    template <class Release>
+    void clear(Release release) {
+        std::for_each(all_.begin(), all_.end(), release);
+        all_.clear();
+        free_.clear();
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<T*> all_;
+    std::vector<T*> free_;
+};
+
+} // namespace
+
+struct ZULEndpointData {
+    ZULEndpointInfo info;
+    ZULEndpointDataOperations operations;
+    std::size_t maxSerializedSize = 0;
+    std::size_t bufferSize = 0;
+    Pool<void> samples{};
+    Pool<std::uint8_t> buffers{};
+};
+
+ZULParticipantData* ZULParticipantData_new() {
+    return ZULHeap_allocate<ZULParticipantData>();
+}
+
+void ZULParticipantData_delete(ZULParticipantData* data) {
+    ZULHeap_free(data);
+}
+
+ZULEndpointData* ZULEndpointData_new(const ZULEndpointInfo& info,
+                                     const ZULEndpointDataOperations& operations) {
+    void* memory = ZULHeap_allocate<ZULEndpointData>();
+    return memory == nullptr ? nullptr : new (memory) ZULEndpointData{.info = info, .operations = operations};
+}
+
+void ZULEndpointData_delete(ZULEndpointData* data) {
+    if (data != nullptr) {
+        data->samples.clear(data->operations.destroyData);
+        data->buffers.clear(ZULHeap_free);
+        data->~ZULEndpointData();
+        ZULHeap_free(data);
+    }
+}
+
+void* ZULEndpointData_createSample(ZULEndpointData* data) {
+    return data->operations.createData();
+}
+
+void ZULEndpointData_deleteSample(ZULEndpointData* data, void* sample) {
+    data->operations.destroyData(sample);
+}
+
+void* ZULEndpointData_getSample(ZULEndpointData* data) {
+    return data->samples.get(data->operations.createData);
+}
+
+void ZULEndpointData_returnSample(ZULEndpointData* data, void* sample) {
+    data->samples.put(sample);
+}
+
+bool ZULEndpointData_createBufferPool(ZULEndpointData* data, std::size_t maximumSize) {
+    data->bufferSize = maximumSize;
+    std::uint8_t* first = ZULEndpointData_getBuffer(data, maximumSize);
+    ZULEndpointData_returnBuffer(data, first);
+    return first != nullptr;
+}
+
+std::uint8_t* ZULEndpointData_getBuffer(ZULEndpointData* data, std::size_t size) {
+    return size > data->bufferSize
+               ? nullptr
+               : data->buffers.get([data] { return ZULHeap_allocate<std::uint8_t>(data->bufferSize); });
+}
+
+void ZULEndpointData_returnBuffer(ZULEndpointData* data, std::uint8_t* buffer) {
+    data->buffers.put(buffer);
+}
+
+std::size_t ZULEndpointData_maxSerializedSize(const ZULEndpointData* data) {
+    return data == nullptr ? 0 : data->maxSerializedSize;
+}
+
+void ZULEndpointData_setMaxSerializedSize(ZULEndpointData* data, std::size_t size) {
+    data->maxSerializedSize = size;
+}

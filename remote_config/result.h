@@ -1,0 +1,24 @@
+// The outcome of one command: the kind of the last response and the text gathered from all of them.
+#pragma once
+
+#include "middleware/basic_types.h"
+
+constexpr int ROUTER_RESULT_TEXT_MAX = 4096; // characters held inline
+
+// The caller owns the record; `text` refers to `textBuffer`, to a heap string that the record owns, or is
+// null.
+struct ROUTERRemoteConfigResult {
+    DDS_Long kind; // a CommandResponseKind value: 0 is OK
+    char textBuffer[ROUTER_RESULT_TEXT_MAX + 1];
+    char* text;
+};
+
+// Makes the record empty; `kind` is left as it is.
+void ROUTERRemoteConfigResult_initialize(ROUTERRemoteConfigResult* self);
+// Releases a heap text; the record is empty again.
+void ROUTERRemoteConfigResult_finalize(ROUTERRemoteConfigResult* self);
+// Appends a response's message, without a separator. An empty message adds nothing and leaves a null text
+// null; a first message is cut to ROUTER_RESULT_TEXT_MAX characters, by design. False, logged under
+// `context`, when memory is exhausted.
+bool ROUTERRemoteConfigResult_append(ROUTERRemoteConfigResult* self, const char* message,
+                                     const char* context);

@@ -1,0 +1,16 @@
+// The shell instance: one per process, filled from the command line, and the end flag of its loop.
+#pragma once
+
+#include "remote_config/client.h"
+
+#include <cstdio>
+
+struct ROUTERShellInstance {
+    std::int32_t domainId;
+    std::int32_t timeout; // seconds to wait for a response
+    std::FILE* input;     // standard input, or the command file
+    ROUTERRemoteConfigClient client;
+};
+
+extern ROUTERShellInstance ROUTERShell_g_instance;
+extern int ROUTERShell_g_terminate; // 1 ends the loop at the next turn

@@ -1,0 +1,104 @@
+#include "shell/loop.h"
+
+#include "middleware/semaphore.h"
+#include "product/product_info.h"
+#include "remote_config/exchange.h"
+#include "shell/dispatcher.h"
+#include "shell/line_reader.h"
+#include "shell/log.h"
+#include "shell/splitter.h"
+
+#include <cstring>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t LINE_LENGTH_MAX = 4094;          // characters accepted, line feed included
+constexpr std::int32_t COMMAND_FILE_DELAY_SECONDS = 3; // for routers to be discovered
+constexpr std::uint32_t ENDED_INPUT_PAUSE_NANOSECONDS = 250'000'000;
+// The context of initialize's messages is its sibling's name, deliberately.
+constexpr const char* CONTEXT = "ROUTERShell_finalize";
+
+void flushOutput() {
+    std::fflush(stdout);
+    std::clearerr(stdout); // output that is full or closed now may work again later
+}
+
+// Standard input that has ended for good would run its last command in a tight loop: pace it.
+void pauseAfterFailedRead(ROUTERShellReadStatus status, std::FILE* input) {
+    if (status == ROUTER_SHELL_READ_END && isatty(fileno(input)) == 0) {
+        ZULSleep(0, ENDED_INPUT_PAUSE_NANOSECONDS);
+    }
+}
+
+} // namespace
+
+bool ROUTERShell_initialize(ROUTERShellInstance* self) {
+    std::printf("Domain id %d, timeout %d\n", self->domainId, self->timeout);
+    flushOutput();
+    if (!ROUTERRemoteConfigClient_initialize(&self->client, self->domainId, self->timeout)) {
+        shellError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "initialize remote configuration client");
+        return false;
+    }
+    if (!ROUTERRemoteConfigClient_sendCommandAnnounce(&self->client)) {
+        shellError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "send command announce");
+        return false;
+    }
+    return true;
+}
+
+void ROUTERShell_main(ROUTERShellInstance* self) {
+    const bool isCommandFile = self->input != stdin;
+    ROUTERShellLineReader reader{.input = self->input, .pendingLength = 0, .pending = {}};
+    char line[ROUTER_SHELL_LINE_SIZE] = "";
+    char* words[ROUTER_SHELL_MAX_WORDS];
+    int wordCount = 0;
+
+    ROUTERShell_g_terminate = 0;
+    ROUTERLog_setBitmaps(0xFFFF, ZUL_LOG_LEVEL_ERROR);
+    if (isCommandFile) {
+        ZULSleep(COMMAND_FILE_DELAY_SECONDS, 0);
+    }
+    while (ROUTERShell_g_terminate == 0) {
+        std::printf("%s> ", ROUTER_getProductInfo()->productName);
+        flushOutput();
+        const ROUTERShellReadStatus status = ROUTERShellLineReader_read(&reader, line);
+        if (status == ROUTER_SHELL_READ_END && isCommandFile) {
+            break;
+        }
+        if (status != ROUTER_SHELL_READ_LINE) {
+            // The buffer stays as the last line's splitting left it, so its first word runs again by itself:
+            // deliberate.
+            pauseAfterFailedRead(status, self->input);
+        }
+        if (line[0] == '\0' || line[0] == '\n') {
+            continue;
+        }
+        if (std::strlen(line) > LINE_LENGTH_MAX) {
+            std::printf("Line too long\n");
+            continue;
+        }
+        ROUTERShell_createArgv(line, words, &wordCount);
+        if (wordCount == 0) {
+            continue;
+        }
+        if (isCommandFile) {
+            for (int i = 0; i < wordCount; ++i) {
+                std::printf("%s ", words[i]);
+            }
+            std::printf("\n");
+            flushOutput();
+        }
+        ROUTERShell_parseCommand(self, words, wordCount);
+        flushOutput();
+    }
+    ROUTERShell_g_terminate = 1;
+}
+
+bool ROUTERShell_finalize(ROUTERShellInstance* self) {
+    if (!ROUTERRemoteConfigClient_finalize(&self->client)) {
+        shellError(__func__, ZUL_LOG_ANY_FAILURE_s, "finalize remote configuration client");
+        return false;
+    }
+    return true;
+}

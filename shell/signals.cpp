@@ -1,0 +1,37 @@
+#include "shell/signals.h"
+
+#include "remote_config/exchange.h"
+#include "shell/instance.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
+
+int ROUTERShell_setSignalHandler(int signalNumber, void (*handler)(int)) {
+    struct sigaction action {};
+    if (sigaction(signalNumber, nullptr, &action) != 0) {
+        return -1;
+    }
+    if (action.sa_handler == SIG_IGN) {
+        return 0;
+    }
+    action = {};
+    action.sa_handler = handler;
+    sigfillset(&action.sa_mask);
+    return sigaction(signalNumber, &action, nullptr) == 0 ? 0 : -1;
+}
+
+void ROUTERShell_terminateWithSignal(int /*signalNumber*/) {
+    const int savedError = errno;
+    ROUTERRemoteConfigClient_abortResponseWait(&ROUTERShell_g_instance.client);
+    [[maybe_unused]] const ssize_t written = ::write(STDOUT_FILENO, "\n", 1);
+    errno = savedError;
+}
+
+bool ROUTERShell_installSignalHandlers() {
+    constexpr int SIGNALS[] = {SIGTERM, SIGHUP, SIGINT, SIGABRT, SIGPIPE};
+    return std::all_of(std::begin(SIGNALS), std::end(SIGNALS), [](int signalNumber) {
+        return ROUTERShell_setSignalHandler(signalNumber, ROUTERShell_terminateWithSignal) == 0;
+    });
+}

@@ -1,0 +1,13 @@
+// Signals: blocked in every thread of the middleware, handled on the main thread, where each ends the wait in
+// progress and nothing else.
+#pragma once
+
+// Installs the handler, without automatic restart of interrupted calls and with all signals blocked while it
+// runs. A signal that is ignored stays ignored. 0, or -1 on failure.
+int ROUTERShell_setSignalHandler(int signalNumber, void (*handler)(int));
+
+// The handler: aborts the running wait and writes one line feed. Async-signal-safe.
+void ROUTERShell_terminateWithSignal(int signalNumber);
+
+// Installs it for termination, hang-up, interrupt, abort and broken pipe. False at the first failure.
+bool ROUTERShell_installSignalHandlers();

@@ -1,0 +1,49 @@
+#include "utils/participant_qos.h"
+
+#include "middleware/strings.h"
+#include "middleware/version.h"
+#include "product/log_masks.h"
+#include "product/product_info.h"
+
+#include <cstring>
+#include <string>
+
+namespace {
+constexpr std::size_t PARTICIPANT_NAME_MAX = 254; // characters
+} // namespace
+
+bool ROUTERUtils_setParticipantName(DDS_DomainParticipantQos* qos, const char* name, const char* qualifier,
+                                    const char* suffix) {
+    std::string text = ROUTER_getProductInfo()->productName;
+    const std::size_t length =
+        text.size() + std::strlen(name) + std::strlen(qualifier) + std::strlen(suffix) + 3;
+    if (length <= PARTICIPANT_NAME_MAX) {
+        text.append(": ").append(name);
+        if (*qualifier != '\0' && *suffix != '\0') {
+            text.append(".").append(qualifier).append(suffix);
+        }
+    }
+    char* copy = DDS_String_dup(text.c_str());
+    if (copy == nullptr) {
+        // The context is another module's name, deliberately.
+        ROUTERLog_error(ROUTER_SUBMODULE_UTILS, "ROUTERCfgFileDomainRoute_setParticipantName",
+                        ZUL_LOG_OUT_OF_HEAP_STRING_d, length <= PARTICIPANT_NAME_MAX ? length : text.size());
+        return false;
+    }
+    DDS_String_free(qos->participant_name.name);
+    qos->participant_name.name = copy;
+    return true;
+}
+
+bool ROUTERUtils_setServiceVersion(DDS_DomainParticipantQos* qos) {
+    constexpr ZULProductVersion version{.major = 5, .minor = 1, .release = 0, .revision = 0};
+    char text[ZUL_PRODUCT_VERSION_TEXT_SIZE];
+    ZULProductVersion_toString(version, text);
+    if (DDS_PropertyQosPolicyHelper_assert_property(&qos->property, "zul.service.version", text, 1) !=
+        DDS_RETCODE_OK) {
+        ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_ADD_FAILURE_s,
+                        "zul.service.versionproperty");
+        return false;
+    }
+    return true;
+}
