@@ -104,8 +104,7 @@ bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
         const Response* response = nullptr;
         switch (awaitResponse(*self, response)) {
         case Wait::INTERRUPTED:
-            result->kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-            ZULString_copyBounded(result->textBuffer, sizeof(result->textBuffer), "Response not received");
+            ROUTERRemoteConfigClient_reportInterrupted(result);
             return true;
         case Wait::ERROR:
             remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
@@ -130,6 +129,11 @@ bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
             return released;
         }
     }
+}
+
+void ROUTERRemoteConfigClient_reportInterrupted(ROUTERRemoteConfigResult* result) {
+    result->kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
+    ZULString_copyBounded(result->textBuffer, sizeof(result->textBuffer), "Response not received");
 }
 
 bool ROUTERRemoteConfigClient_sendCommandAnnounce(ROUTERRemoteConfigClient* self) {

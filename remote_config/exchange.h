@@ -22,6 +22,9 @@ bool ROUTERRemoteConfigClient_sendCommandAnnounce(ROUTERRemoteConfigClient* self
 // Ends a pending wait; always true. May be called from a signal handler on the sending thread, at any moment.
 bool ROUTERRemoteConfigClient_abortResponseWait(ROUTERRemoteConfigClient* self);
 
+// Makes the result that of an interrupted wait.
+void ROUTERRemoteConfigClient_reportInterrupted(ROUTERRemoteConfigResult* result);
+
 // Ends the waiting state and releases a response that is being handed over, so that the listener does not
 // wait for a consumer that no longer comes.
 void ROUTERRemoteConfigClient_releaseResponses(ROUTERRemoteConfigClient* self);

@@ -4,12 +4,14 @@
 #include "middleware/strings.h"
 #include "remote_config/entity_commands.h"
 #include "remote_config/exchange.h"
+#include "remote_config/url_commands.h"
 #include "shell/help.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <span>
+#include <string_view>
 
 const char* const ROUTERShell_g_commandList[] = {"load",   "unload", "enable", "disable",  "update", "exit",
                                                  "quit",   "hello",  "help",   "history",  "clear",  "create",
@@ -35,7 +37,7 @@ enum class Outcome {
     NOTHING,
     SYNTAX_ERROR,
     ANSWERED,   // the result record holds the answer
-    UNANSWERED, // nobody answered, or the request was not sent
+    UNANSWERED, // nobody answered, or the request was not sent; the cause, if any, is already printed
 };
 
 Outcome answered(bool success) {
@@ -77,6 +79,85 @@ Outcome runAddPeer(const Line& line) {
                                                                 isFirst, line.words[4], &line.result));
 }
 
+// The word behind an XML URL says who reads a path: the router (also when it is absent) or the shell.
+bool readRemoteFlag(const Line& line, std::size_t position, bool& isRemote) {
+    const bool isLocal = ZULString_equalsIgnoreCase(line.wordOrEmpty(position), "local");
+    isRemote = !isLocal;
+    return isLocal || position >= line.words.size() ||
+           ZULString_equalsIgnoreCase(line.words[position], "remote");
+}
+
+// The outcome of a URL command's status; `xmlUrl` is the word that names a local file.
+Outcome reportStatus(int status, const char* xmlUrl) {
+    switch (status) {
+    case ROUTER_URL_COMMAND_OK:
+        return Outcome::ANSWERED;
+    case ROUTER_URL_COMMAND_FILE_OPEN_ERROR:
+        std::printf("Can't open local file %s\n", xmlUrl);
+        break;
+    case ROUTER_URL_COMMAND_FILE_READ_ERROR:
+        std::printf("Error reading local file\n");
+        break;
+    case ROUTER_URL_COMMAND_SEND_ERROR:
+        std::printf("Error sending request\n");
+        break;
+    default:
+        break;
+    }
+    return Outcome::UNANSWERED;
+}
+
+Outcome runLoad(const Line& line) {
+    bool isRemote = true;
+    if (!readRemoteFlag(line, 4, isRemote)) {
+        return Outcome::SYNTAX_ERROR;
+    }
+    return reportStatus(ROUTERRemoteConfigClient_sendCommandLoad(line.client(), line.words[1], line.words[2],
+                                                                 line.words[3], isRemote, &line.result),
+                        line.words[3]);
+}
+
+// A dupdate's sender returns a success flag, which is deliberately printed as if it were a status: a
+// successful one reads like a file that could not be opened.
+template <auto sender>
+Outcome runUpdate(const Line& line) {
+    bool isRemote = true;
+    if (!readRemoteFlag(line, 4, isRemote)) {
+        return Outcome::SYNTAX_ERROR;
+    }
+    const bool namesEntity = line.words.size() >= 4;
+    const char* entity = namesEntity ? line.words[2] : "";
+    const char* xmlUrl = line.words[namesEntity ? 3 : 2];
+    if (std::string_view(entity) == ".") {
+        entity = ""; // the router itself
+    }
+    return reportStatus(sender(line.client(), line.words[1], entity, xmlUrl, isRemote, &line.result), xmlUrl);
+}
+
+Outcome runCreate(const Line& line) {
+    struct EntityKind {
+        const char* name;
+        bool hasParent;
+    };
+    constexpr EntityKind KINDS[] = {
+        {"domain_route", false}, {"session", true}, {"topic_route", true}, {"auto_route", true}};
+    const auto* kind = std::find_if(std::begin(KINDS), std::end(KINDS), [&line](const EntityKind& known) {
+        return ZULString_equalsIgnoreCase(known.name, line.words[2]);
+    });
+    if (kind == std::end(KINDS)) {
+        return Outcome::SYNTAX_ERROR;
+    }
+    const std::size_t url = kind->hasParent ? 4 : 3;
+    bool isRemote = true;
+    if (line.words.size() <= url || !readRemoteFlag(line, url + 1, isRemote)) {
+        return Outcome::SYNTAX_ERROR;
+    }
+    // The kind itself is not passed on: what is created follows from the XML.
+    return answered(ROUTERRemoteConfigClient_sendCommandCreate(
+                        line.client(), line.words[1], kind->hasParent ? line.words[3] : "", line.words[url],
+                        isRemote, &line.result) == ROUTER_URL_COMMAND_OK);
+}
+
 Outcome runHello(const Line& line) {
     ROUTERRemoteConfigClient_sendCommandAnnounce(line.client()); // its outcome is not printed
     return Outcome::NOTHING;
@@ -88,6 +169,8 @@ Outcome runHelp(const Line&) {
 }
 
 constexpr std::size_t ANY = SIZE_MAX;
+constexpr const char* UPDATE_SYNTAX =
+    "Command syntax: update <target_router> [<entity_name>] <xml_url> [remote|local]";
 
 struct Command {
     std::array<const char*, 3> names; // compared without regard to case; null where unused
@@ -123,11 +206,21 @@ constexpr Command COMMANDS[] = {
      ANY,
      "Command syntax: resume <target_router> [<entity_name>]",
      runEntityCommand<ROUTERRemoteConfigClient_sendCommandResume>},
+    {{"update"}, 3, ANY, UPDATE_SYNTAX, runUpdate<ROUTERRemoteConfigClient_sendCommandUpdate>},
+    {{"dupdate"}, 3, ANY, UPDATE_SYNTAX, runUpdate<ROUTERRemoteConfigClient_sendCommandsDUE>},
     {{"unload"},
      2,
      2,
      "Command syntax: unload <target_router>",
      runRouterCommand<ROUTERRemoteConfigClient_sendCommandUnload>},
+    {{"load"}, 4, ANY, "Command syntax: load <target_router> <cfg_name> <xml_url> [remote|local]", runLoad},
+    {{"create"},
+     3,
+     ANY,
+     "Command syntax: create <target_router> domain_route|session|topic_route|auto_route "
+     "[<parent_entity_name>] "
+     "<xml_url> [remote|local]",
+     runCreate},
     {{"delete"},
      2,
      ANY,
@@ -190,6 +283,7 @@ void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordC
     }
     ROUTERRemoteConfigResult result{};
     ROUTERRemoteConfigResult_initialize(&result);
+    result.kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR; // what a refused argument is printed as
     const Line line{.shell = *self, .words = {words, static_cast<std::size_t>(wordCount)}, .result = result};
     const bool isCountRight =
         line.words.size() >= command->leastWords && line.words.size() <= command->mostWords;

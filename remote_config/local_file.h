@@ -1,0 +1,40 @@
+// Local files: streamed piece by piece, or read whole.
+#pragma once
+
+#include "middleware/semaphore.h"
+
+#include <cstddef>
+#include <span>
+
+enum ROUTERLocalFileStatus {
+    ROUTER_LOCAL_FILE_DATA, // the buffer is full
+    ROUTER_LOCAL_FILE_END,  // the end was reached; what was read before it stands in the buffer
+    ROUTER_LOCAL_FILE_ERROR,
+};
+
+// An open file; closed by its destructor.
+class ROUTERLocalFile {
+public:
+    // A pipe that nobody writes to counts as one that cannot be opened, so opening never blocks. A read waits
+    // at most `patience` for a pipe's next data, and ends with an error when a signal arrives meanwhile.
+    ROUTERLocalFile(const char* path, const ZULTime& patience);
+    ~ROUTERLocalFile();
+    ROUTERLocalFile(const ROUTERLocalFile&) = delete;
+    ROUTERLocalFile& operator=(const ROUTERLocalFile&) = delete;
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    // Fills `buffer` unless the file ends first; `length` is what was read, in bytes. Waits at most `patience` for a pipe's next data,
+    // and ends with an error when a signal arrives meanwhile. A pipe that nobody ever wrote to is an error, not an empty file.
+    ROUTERLocalFileStatus read(std::span<char> buffer, std::size_t& length);
+
+private:
+    bool awaitData() const;
+
+    int descriptor_;
+    bool isSilentPipe_ = false; // a pipe that has given nothing yet
+    ZULTime patience_;
+};
+
+// Reads a whole file into a new string, which the caller owns (DDS_String_free). Null, with a log line unless
+// reading failed, when it cannot be had.
+char* ROUTERRemoteConfig_readFile(const char* path);
