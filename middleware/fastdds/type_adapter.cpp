@@ -1,5 +1,7 @@
 #include "middleware/fastdds/type_adapter.h"
 
+#include "middleware/fastdds/type_announcement.h"
+
 namespace zul {
 
 // What every writer of this system sends; a type that travels as a parameter list promotes it.
@@ -15,9 +17,13 @@ TypeAdapter::TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin
     m_isGetKeyDefined = false;
     m_typeSize =
         static_cast<uint32_t>(plugin_.getSerializedSampleMaxSize(writerData_, true, WRITER_ENCAPSULATION, 0));
-    // A peer of another maker drops an endpoint that announces TypeInformation.
+    // A peer of another maker drops an endpoint that announces TypeInformation; the older description is
+    // harmless to it.
     auto_fill_type_information(false);
     auto_fill_type_object(false);
+    if (plugin_.typeCode != nullptr) {
+        announceType(*this, *plugin_.typeCode);
+    }
 }
 
 TypeAdapter::~TypeAdapter() {
