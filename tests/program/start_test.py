@@ -1,0 +1,86 @@
+"""Start-up: help, options, and what is printed and returned when the shell cannot start."""
+
+import os
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
+from processes import Program, Shell  # noqa: E402
+
+HELP = """ZUL {0} Service Shell 5.1a
+Usage: {1} [options]...
+
+Options:
+ -domainId  <integer>   Domain id for the remote configuration
+ -timeout   <seconds>   Max time to wait a remote response
+ -cmdFile   <file>      Run commands in this file
+ -help                  Displays this information
+"""
+
+
+def run(program, *arguments):
+    with Program(program, *arguments) as shell:
+        status, output = shell.wait()
+        return status, output, shell.log
+
+
+class Start(unittest.TestCase):
+    def test_help_comes_before_everything_else(self):
+        for arguments in (["-help"], ["-H"], ["-cmdFile", "-help"], ["nonsense", "-h"]):
+            self.assertEqual(run("zulrssh", *arguments), (255, HELP.format("Routing", "zulrssh"), ""), arguments)
+        self.assertEqual(run("zulfssh", "-h"), (255, HELP.format("Federation", "zulfssh"), ""))
+
+    def test_bad_options_are_named(self):
+        cases = {
+            ("-x", "1"): "'x'",
+            ("7",): "'7'",
+            ("-domainId", "7", "8"): "'8'",
+            ("-he",): "'he'",
+            ("-domainIdX", "1"): "'domainIdX'",
+            ("-domainId",): "'domainId'",
+            ("-dom",): "'dom'",
+            ("-domainId", "abc"): "'domainId'",
+            ("-t", "-"): "'timeout'",
+        }
+        for arguments, named in cases.items():
+            status, output, log = run("zulrssh", *arguments)
+            self.assertEqual((status, output), (255, ""), arguments)
+            self.assertIn(f"bad command-line parameter {named}\n", log, arguments)
+            self.assertIn("ERROR [main] failure: get command-line parameters\n", log)
+
+    def test_what_cannot_be_opened_or_joined(self):
+        missing = os.path.join(tempfile.gettempdir(), "no-such-command-file")
+        status, output, log = run("zulrssh", "-cmdFile", missing)
+        self.assertEqual((status, output), (255, ""))
+        self.assertIn(f"Could not open file {missing}\n", log)
+        for domain in ("233", "-1", "99999999999999999999"):
+            status, output, log = run("zulrssh", "-domainId", domain)
+            self.assertEqual(status, 255)
+            self.assertIn("is outside 0..232", log)
+            self.assertIn("[ROUTERShell_finalize] failure: initialize remote configuration client\n", log)
+            self.assertTrue(log.endswith("ERROR [main] failure: initialize shell\n"), log)
+
+    def test_defaults_abbreviations_and_repetition(self):
+        # The last value of a repeated option counts; what follows a number's digits does not.
+        for arguments, line in (
+            (["-d", "21", "-t", "7"], "Domain id 21, timeout 7\n"),
+            (["-", "21", "-DOM", "22x", "-timeout", "5", "-timeout", "-9"], "Domain id 22, timeout -9\n"),
+        ):
+            with Program("zulrssh", *arguments) as shell:
+                before, _ = shell.expect(r"ZUL Routing Service> ")
+                self.assertEqual(before, line)
+                shell.send("exit\n")
+                self.assertEqual(shell.wait(), (0, "Stopping...\n"))
+
+    def test_federation_shell(self):
+        with Shell(21, program="zulfssh") as shell:
+            shell.expect(r"ZUL Federation Service> ")
+            shell.send("help\nq\n")
+            before, _ = shell.expect(r"Stopping\.\.\.\n")
+            self.assertIn("load     - Load ZUL Federation Service XML configuration\n", before)
+            self.assertEqual(shell.wait()[0], 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
