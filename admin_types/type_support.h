@@ -4,13 +4,10 @@
 #pragma once
 
 #include "admin_types/data_types.h"
+#include "admin_types/sequences.h"
 #include "middleware/dds.h"
 
 #define ZUL_DECLARE_TYPE_SUPPORT(Type)                                                                       \
-    using Type##Seq = DDS_Sequence<Type>;                                                                    \
-    DDS_Long Type##Seq_get_length(const Type##Seq* self);                                                    \
-    Type* Type##Seq_get_reference(const Type##Seq* self, DDS_Long index);                                    \
-                                                                                                             \
     /* The caller owns the plugin; null when memory is exhausted. */                                         \
     ZULTypePlugin* Type##Plugin_new();                                                                       \
     void Type##Plugin_delete(ZULTypePlugin* plugin);                                                         \

@@ -5,7 +5,7 @@ const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT{
     .reliability = {DDS_RELIABLE_RELIABILITY_QOS, {0, 100'000'000}},
     .history = {DDS_KEEP_LAST_HISTORY_QOS, 1},
     .resource_limits = {DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED},
-    .rtps_reliable_writer = {32, 256},
+    .rtps_reliable_writer = {32, 256, {0, 100'000'000}},
 };
 
 const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT{
@@ -79,6 +79,7 @@ void DDS_DomainParticipantQos_finalize(DDS_DomainParticipantQos* self) {
 bool DDS_DomainParticipantQos_copy(DDS_DomainParticipantQos* self, const DDS_DomainParticipantQos* source) {
     self->entity_factory = source->entity_factory;
     self->database = source->database;
+    self->types = source->types;
     self->wire_protocol = source->wire_protocol;
     return ZULSequenceElement<char*>::copy(self->participant_name.name, source->participant_name.name) &&
            ZULSequence::copy(&self->property.value, &source->property.value, __func__);

@@ -80,9 +80,14 @@ struct DDS_DomainParticipantQos {
     struct {
         DDS_Duration_t shutdown_cleanup_period; // how long deleting a participant may linger
     } database;
+    // Whether the endpoints of this participant announce the members of their types. Off by default: a peer that
+    // announces a description too is matched only when both are the same to the last flag, never by name alone.
     struct {
-        DDS_UnsignedLong
-            rtps_host_id; // first and second word of the GUID prefix; 0 lets the middleware choose
+        DDS_Boolean announce_descriptions;
+    } types;
+    // First and second word of the GUID prefix; 0 lets the middleware choose.
+    struct {
+        DDS_UnsignedLong rtps_host_id;
         DDS_UnsignedLong rtps_app_id;
     } wire_protocol;
 };
@@ -98,6 +103,7 @@ struct DDS_DataWriterQos {
     struct {
         DDS_Long min_send_window_size; // samples sent but not yet acknowledged
         DDS_Long max_send_window_size;
+        DDS_Duration_t heartbeat_period; // how soon a reader learns that it missed a sample
     } rtps_reliable_writer;
 };
 extern const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT;

@@ -59,7 +59,7 @@ struct ZULSequenceElement<char*> {
     }
 };
 
-template <class T>
+template <class T, class Traits = ZULSequenceElement<T>>
 struct DDS_Sequence {
     using Element = T;
     std::int32_t marker; // ZUL_SEQUENCE_MARKER once initialised
@@ -80,9 +80,9 @@ using DDS_InstanceHandleSeq = DDS_Sequence<DDS_InstanceHandle_t>;
 
 namespace ZULSequence {
 
-template <class T>
-void reset(DDS_Sequence<T>& self) {
-    self = DDS_Sequence<T>{};
+template <class T, class Traits>
+void reset(DDS_Sequence<T, Traits>& self) {
+    self = DDS_Sequence<T, Traits>{};
     self.marker = ZUL_SEQUENCE_MARKER;
     self.owned = true;
     self.elementAllocation = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
@@ -96,32 +96,32 @@ inline bool refuse(const char* context, const ZULLogTemplate& message, const cha
 
 // Every operation's first step: refuse null, initialise lazily. The lazy write is not a change a caller can
 // see, hence also done behind a pointer to const.
-template <class T>
-bool open(const DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+bool open(const DDS_Sequence<T, Traits>* self, const char* context) {
     if (self == nullptr) {
         return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "self");
     }
     if (self->marker != ZUL_SEQUENCE_MARKER) {
-        reset(const_cast<DDS_Sequence<T>&>(*self));
+        reset(const_cast<DDS_Sequence<T, Traits>&>(*self));
     }
     return true;
 }
 
-template <class T>
-T& at(const DDS_Sequence<T>& self, DDS_Long index) {
+template <class T, class Traits>
+T& at(const DDS_Sequence<T, Traits>& self, DDS_Long index) {
     return self.discontiguous != nullptr ? *self.discontiguous[index] : self.contiguous[index];
 }
 
-template <class T>
+template <class Traits, class T>
 void freeElements(T* elements, DDS_Long count, const DDS_TypeDeallocationParams_t& params) {
     for (DDS_Long i = 0; i < count; ++i) {
-        ZULSequenceElement<T>::finalize(elements[i], params);
+        Traits::finalize(elements[i], params);
     }
     ZULHeap_free(elements);
 }
 
-template <class T>
-bool initialize(DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+bool initialize(DDS_Sequence<T, Traits>* self, const char* context) {
     if (self == nullptr) {
         return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "self");
     }
@@ -129,24 +129,24 @@ bool initialize(DDS_Sequence<T>* self, const char* context) {
     return true;
 }
 
-template <class T>
-DDS_Long get_maximum(const DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+DDS_Long get_maximum(const DDS_Sequence<T, Traits>* self, const char* context) {
     return open(self, context) ? self->maximum : 0;
 }
 
-template <class T>
-DDS_Long get_length(const DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+DDS_Long get_length(const DDS_Sequence<T, Traits>* self, const char* context) {
     return open(self, context) ? self->length : 0;
 }
 
-template <class T>
-bool has_ownership(const DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+bool has_ownership(const DDS_Sequence<T, Traits>* self, const char* context) {
     return open(self, context) && self->owned;
 }
 
 // Replaces the owned buffer by one of `maximum` elements that keeps the elements that fit. All or nothing.
-template <class T>
-bool set_maximum(DDS_Sequence<T>* self, DDS_Long maximum, const char* context) {
+template <class T, class Traits>
+bool set_maximum(DDS_Sequence<T, Traits>* self, DDS_Long maximum, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -164,11 +164,11 @@ bool set_maximum(DDS_Sequence<T>* self, DDS_Long maximum, const char* context) {
     if (maximum > 0) {
         fresh = ZULHeap_allocate<T>(static_cast<std::size_t>(maximum));
         while (fresh != nullptr && built < maximum &&
-               ZULSequenceElement<T>::initialize(fresh[built], self->elementAllocation)) {
+               Traits::initialize(fresh[built], self->elementAllocation)) {
             ++built;
         }
         if (fresh == nullptr || built < maximum) {
-            freeElements(fresh, built, self->elementDeallocation);
+            freeElements<Traits>(fresh, built, self->elementDeallocation);
             ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ALLOCATION_FAILURE_d,
                               static_cast<unsigned long>(maximum) * sizeof(T));
             return false;
@@ -178,15 +178,15 @@ bool set_maximum(DDS_Sequence<T>* self, DDS_Long maximum, const char* context) {
     for (DDS_Long i = 0; i < kept; ++i) {
         std::swap(fresh[i], self->contiguous[i]);
     }
-    freeElements(self->contiguous, self->maximum, self->elementDeallocation);
+    freeElements<Traits>(self->contiguous, self->maximum, self->elementDeallocation);
     self->contiguous = fresh;
     self->maximum = maximum;
     self->length = kept;
     return true;
 }
 
-template <class T>
-bool set_length(DDS_Sequence<T>* self, DDS_Long length, const char* context) {
+template <class T, class Traits>
+bool set_length(DDS_Sequence<T, Traits>* self, DDS_Long length, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -199,8 +199,8 @@ bool set_length(DDS_Sequence<T>* self, DDS_Long length, const char* context) {
 }
 
 // Sets the length, growing an owned buffer to `maximum` when it is too small. 0 <= length <= maximum.
-template <class T>
-bool ensure_length(DDS_Sequence<T>* self, DDS_Long length, DDS_Long maximum, const char* context) {
+template <class T, class Traits>
+bool ensure_length(DDS_Sequence<T, Traits>* self, DDS_Long length, DDS_Long maximum, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -211,8 +211,8 @@ bool ensure_length(DDS_Sequence<T>* self, DDS_Long length, DDS_Long maximum, con
            set_length(self, length, context);
 }
 
-template <class T>
-T* get_reference(const DDS_Sequence<T>* self, DDS_Long index, const char* context) {
+template <class T, class Traits>
+T* get_reference(const DDS_Sequence<T, Traits>* self, DDS_Long index, const char* context) {
     if (!open(self, context)) {
         return nullptr;
     }
@@ -223,8 +223,8 @@ T* get_reference(const DDS_Sequence<T>* self, DDS_Long index, const char* contex
     return &at(*self, index);
 }
 
-template <class T>
-bool checkLoan(const DDS_Sequence<T>* self, const void* buffer, DDS_Long length, DDS_Long maximum,
+template <class T, class Traits>
+bool checkLoan(const DDS_Sequence<T, Traits>* self, const void* buffer, DDS_Long length, DDS_Long maximum,
                const char* context) {
     if (!open(self, context)) {
         return false;
@@ -246,8 +246,8 @@ bool checkLoan(const DDS_Sequence<T>* self, const void* buffer, DDS_Long length,
 }
 
 // Installs the caller's buffer, which must outlive the loan.
-template <class T>
-bool loan_contiguous(DDS_Sequence<T>* self, T* buffer, DDS_Long length, DDS_Long maximum,
+template <class T, class Traits>
+bool loan_contiguous(DDS_Sequence<T, Traits>* self, T* buffer, DDS_Long length, DDS_Long maximum,
                      const char* context) {
     if (!checkLoan(self, buffer, length, maximum, context)) {
         return false;
@@ -259,8 +259,8 @@ bool loan_contiguous(DDS_Sequence<T>* self, T* buffer, DDS_Long length, DDS_Long
     return true;
 }
 
-template <class T>
-bool loan_discontiguous(DDS_Sequence<T>* self, T** buffer, DDS_Long length, DDS_Long maximum,
+template <class T, class Traits>
+bool loan_discontiguous(DDS_Sequence<T, Traits>* self, T** buffer, DDS_Long length, DDS_Long maximum,
                         const char* context) {
     if (!checkLoan(self, buffer, length, maximum, context)) {
         return false;
@@ -273,8 +273,8 @@ bool loan_discontiguous(DDS_Sequence<T>* self, T** buffer, DDS_Long length, DDS_
 }
 
 // Detaches a loaned buffer: the sequence is owned and empty again.
-template <class T>
-bool unloan(DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+bool unloan(DDS_Sequence<T, Traits>* self, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -290,8 +290,8 @@ bool unloan(DDS_Sequence<T>* self, const char* context) {
 }
 
 // Releases an owned buffer. A loaned one must be unloaned first.
-template <class T>
-bool finalize(DDS_Sequence<T>* self, const char* context) {
+template <class T, class Traits>
+bool finalize(DDS_Sequence<T, Traits>* self, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -302,8 +302,9 @@ bool finalize(DDS_Sequence<T>* self, const char* context) {
 }
 
 // Copies the elements; the destination must have room for them.
-template <class T>
-bool copy_no_alloc(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const char* context) {
+template <class T, class Traits>
+bool copy_no_alloc(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source,
+                   const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -317,7 +318,7 @@ bool copy_no_alloc(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const c
         return false;
     }
     for (DDS_Long i = 0; i < source->length; ++i) {
-        if (!ZULSequenceElement<T>::copy(at(*self, i), at(*source, i))) {
+        if (!Traits::copy(at(*self, i), at(*source, i))) {
             return false;
         }
     }
@@ -326,8 +327,8 @@ bool copy_no_alloc(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const c
 }
 
 // The same, growing an owned destination when needed.
-template <class T>
-bool copy(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const char* context) {
+template <class T, class Traits>
+bool copy(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -337,6 +338,106 @@ bool copy(DDS_Sequence<T>* self, const DDS_Sequence<T>* source, const char* cont
     open(source, context);
     return (self->maximum >= source->length || set_maximum(self, source->length, context)) &&
            copy_no_alloc(self, source, context);
+}
+
+// ---- arrays ----
+
+// Copies `length` elements of an array into the sequence, or the sequence into an array with room for
+// `length` elements, which must be initialised records.
+template <class T, class Traits>
+bool from_array(DDS_Sequence<T, Traits>* self, const T* array, DDS_Long length, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    DDS_Sequence<T, Traits> view{};
+    if (!loan_contiguous(&view, const_cast<T*>(array), length, length, context)) {
+        return refuse(context, ZUL_LOG_ANY_FAILURE_s, "loan contiguous array");
+    }
+    const bool copied =
+        copy(self, &view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "copying array sequence");
+    return (unloan(&view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "unloan contiguous array")) &&
+           copied;
+}
+template <class T, class Traits>
+bool to_array(const DDS_Sequence<T, Traits>* self, T* array, DDS_Long length, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    DDS_Sequence<T, Traits> view{};
+    if (!loan_contiguous(&view, array, length, length, context)) {
+        return refuse(context, ZUL_LOG_ANY_FAILURE_s, "loan contiguous array");
+    }
+    const bool copied = copy_no_alloc(&view, self, context) ||
+                        refuse(context, ZUL_LOG_ANY_FAILURE_s, "copying array sequence");
+    return (unloan(&view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "unloan contiguous array")) &&
+           copied;
+}
+
+// ---- parameters and internals ----
+
+// A shallow copy of an element, whose memory stays the sequence's; an empty one when the index is out of
+// bounds.
+template <class T, class Traits>
+T get(const DDS_Sequence<T, Traits>* self, DDS_Long index, const char* context) {
+    const T* element = get_reference(self, index, context);
+    return element != nullptr ? *element : T{};
+}
+
+// Reads or sets how elements are allocated or deallocated. Allocation can be set only while the sequence has
+// no elements.
+template <class Params, class T, class Traits>
+bool get_params(const DDS_Sequence<T, Traits>* self, Params DDS_Sequence<T, Traits>::*field, Params* params,
+                const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (params == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "params");
+    }
+    *params = self->*field;
+    return true;
+}
+template <class T, class Traits>
+bool set_allocation_params(DDS_Sequence<T, Traits>* self, const DDS_TypeAllocationParams_t* params,
+                           const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (params == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "params");
+    }
+    if (self->maximum != 0) {
+        return refuse(
+            context, ZUL_LOG_ASSERTION_s,
+            "Member allocation parameters can be configured only when the maximum size of the sequence is 0");
+    }
+    self->elementAllocation = *params;
+    return true;
+}
+template <class T, class Traits>
+bool set_deallocation_params(DDS_Sequence<T, Traits>* self, const DDS_TypeDeallocationParams_t* params,
+                             const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (params == nullptr) {
+        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "params");
+    }
+    self->elementDeallocation = *params;
+    return true;
+}
+template <class T, class Traits>
+bool set_pointers_allocation(DDS_Sequence<T, Traits>* self, bool allocatePointers, const char* context) {
+    if (!open(self, context)) {
+        return false;
+    }
+    if (self->maximum != 0) {
+        return refuse(
+            context, ZUL_LOG_ASSERTION_s,
+            "Pointers allocation policy can be configured only when the maximum size of the sequence is 0");
+    }
+    self->elementAllocation.allocate_pointers = allocatePointers ? 1 : 0;
+    return true;
 }
 
 } // namespace ZULSequence

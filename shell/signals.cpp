@@ -6,7 +6,21 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <ctime>
 #include <unistd.h>
+
+namespace {
+
+// A write to a pipe without reader raises the signal that is being handled: left pending, it would be handled for ever.
+void takeBackBrokenPipe() {
+    sigset_t brokenPipe;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    constexpr timespec NOW{0, 0};
+    sigtimedwait(&brokenPipe, nullptr, &NOW);
+}
+
+} // namespace
 
 int ROUTERShell_setSignalHandler(int signalNumber, void (*handler)(int)) {
     struct sigaction action {};
@@ -25,7 +39,9 @@ int ROUTERShell_setSignalHandler(int signalNumber, void (*handler)(int)) {
 void ROUTERShell_terminateWithSignal(int /*signalNumber*/) {
     const int savedError = errno;
     ROUTERRemoteConfigClient_abortResponseWait(&ROUTERShell_g_instance.client);
-    [[maybe_unused]] const ssize_t written = ::write(STDOUT_FILENO, "\n", 1);
+    if (::write(STDOUT_FILENO, "\n", 1) < 0 && errno == EPIPE) {
+        takeBackBrokenPipe();
+    }
     errno = savedError;
 }
 

@@ -6,12 +6,6 @@
 #include "admin_types/derive/typed_endpoints.h"
 
 #define ZUL_DEFINE_TYPE_SUPPORT(Type, TypeName)                                                              \
-    DDS_Long Type##Seq_get_length(const Type##Seq* self) {                                                   \
-        return ZULSequence::get_length(self, __func__);                                                      \
-    }                                                                                                        \
-    Type* Type##Seq_get_reference(const Type##Seq* self, DDS_Long index) {                                   \
-        return ZULSequence::get_reference(self, index, __func__);                                            \
-    }                                                                                                        \
     ZULTypePlugin* Type##Plugin_new() {                                                                      \
         return admin::EndpointOperations<admin::Struct<Type>>::newPlugin(TypeName);                          \
     }                                                                                                        \

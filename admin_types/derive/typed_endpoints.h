@@ -41,8 +41,8 @@ Untyped* widen(Typed* endpoint, const char* context, const char* nullMessage) {
     return reinterpret_cast<Untyped*>(endpoint);
 }
 
-template <class T>
-DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T>* data, DDS_SampleInfoSeq* infos,
+template <class T, class Traits>
+DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const DDS_ReadOrTakeParams& params, const char* context) {
     if (data == nullptr) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");
@@ -73,8 +73,8 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T>* data, DDS_S
     return DDS_RETCODE_OK;
 }
 
-template <class T>
-DDS_ReturnCode_t returnLoan(DDS_DataReader* reader, DDS_Sequence<T>* data, DDS_SampleInfoSeq* infos,
+template <class T, class Traits>
+DDS_ReturnCode_t returnLoan(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const char* context) {
     if (data == nullptr) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");

@@ -65,7 +65,8 @@ DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant* self
     if (self == nullptr || typeName == nullptr || plugin == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    auto adapter = std::make_shared<zul::TypeAdapter>(typeName, *plugin);
+    auto adapter =
+        std::make_shared<zul::TypeAdapter>(typeName, *plugin, self->qos.types.announce_descriptions != 0);
     if (!adapter->isComplete()) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }

@@ -7,7 +7,7 @@ namespace zul {
 // What every writer of this system sends; a type that travels as a parameter list promotes it.
 constexpr std::uint16_t WRITER_ENCAPSULATION = ZUL_ENCAPSULATION_CDR_LE;
 
-TypeAdapter::TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin)
+TypeAdapter::TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin, bool announceDescription)
     : plugin_(plugin), participantData_(plugin.onParticipantAttached()) {
     if (participantData_ != nullptr) {
         writerData_ = plugin_.onEndpointAttached(participantData_, {ZUL_ENDPOINT_WRITER});
@@ -21,7 +21,7 @@ TypeAdapter::TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin
     // harmless to it.
     auto_fill_type_information(false);
     auto_fill_type_object(false);
-    if (plugin_.typeCode != nullptr) {
+    if (announceDescription && plugin_.typeCode != nullptr) {
         announceType(*this, *plugin_.typeCode);
     }
 }

@@ -10,7 +10,7 @@ namespace zul {
 
 class TypeAdapter final : public eprosima::fastdds::dds::TopicDataType {
 public:
-    TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin);
+    TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin, bool announceDescription);
     ~TypeAdapter() override;
 
     // Both endpoint datas exist. When false the adapter must not be registered.

@@ -1,7 +1,6 @@
 // What a participant that knows nothing of the administration types learns of them from discovery alone.
+#include "admin_types/type_support.h"
 #include "product/product_info.h"
-#include "remote_config/client.h"
-#include "remote_config/exchange.h"
 
 #include <condition_variable>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
@@ -48,6 +47,49 @@ private:
     std::map<std::string, types::CompleteTypeObject> objects_;
 };
 
+// A participant that was asked to announce its types, with a reader of each.
+struct AnnouncingParticipant {
+    DDS_DomainParticipantFactory* factory = DDS_DomainParticipantFactory_get_instance();
+    DDS_DomainParticipant* participant = nullptr;
+
+    explicit AnnouncingParticipant(const ROUTERProductInfo& product) {
+        DDS_DomainParticipantQos qos;
+        DDS_DomainParticipantQos_initialize(&qos);
+        qos.types.announce_descriptions = 1;
+        participant = DDS_DomainParticipantFactory_create_participant(factory, DOMAIN, &qos, nullptr, 0);
+        DDS_DomainParticipantQos_finalize(&qos);
+        auto* subscriber =
+            DDS_DomainParticipant_create_subscriber(participant, &DDS_SUBSCRIBER_QOS_DEFAULT, nullptr, 0);
+        const bool isRouting = ROUTER_getProductId() == ROUTER_PRODUCT_ROUTING_SERVICE;
+        addReader(subscriber, ZUL_RoutingService_Administration_CommandRequestPlugin_new(),
+                  isRouting ? nullptr : ZUL_FederationService_Administration_CommandRequest_get_typecode(),
+                  product.administrationRequestTypeName, product.administrationRequestTopicName);
+        addReader(subscriber, ZUL_RoutingService_Administration_CommandResponsePlugin_new(),
+                  isRouting ? nullptr : ZUL_FederationService_Administration_CommandResponse_get_typecode(),
+                  product.administrationResponseTypeName, product.administrationResponseTopicName);
+        DDS_Entity_enable(DDS_DomainParticipant_as_entity(participant));
+    }
+    ~AnnouncingParticipant() {
+        EXPECT_EQ(DDS_DomainParticipant_delete_contained_entities(participant), DDS_RETCODE_OK);
+        EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory, participant), DDS_RETCODE_OK);
+    }
+    AnnouncingParticipant(const AnnouncingParticipant&) = delete;
+    AnnouncingParticipant& operator=(const AnnouncingParticipant&) = delete;
+
+private:
+    void addReader(DDS_Subscriber* subscriber, ZULTypePlugin* plugin, const DDS_TypeCode* typeCode,
+                   const char* typeName, const char* topicName) const {
+        plugin->typeCode = typeCode != nullptr ? typeCode : plugin->typeCode;
+        EXPECT_EQ(DDS_DomainParticipant_register_type(participant, typeName, plugin), DDS_RETCODE_OK);
+        ZULHeap_free(plugin);
+        auto* topic = DDS_DomainParticipant_create_topic(participant, topicName, typeName,
+                                                         &DDS_TOPIC_QOS_DEFAULT, nullptr, 0);
+        EXPECT_NE(
+            DDS_Subscriber_create_datareader(subscriber, topic, &DDS_DATAREADER_QOS_DEFAULT, nullptr, 0),
+            nullptr);
+    }
+};
+
 class Announcement : public testing::TestWithParam<int> {};
 
 } // namespace
@@ -64,8 +106,8 @@ TEST_P(Announcement, NamesMembersAndBoundsAreListed) {
     ASSERT_NE(observer, nullptr);
     observer->enable();
 
-    auto* client = ROUTERRemoteConfigClient_new(DOMAIN, 0);
-    ASSERT_NE(client, nullptr);
+    AnnouncingParticipant announcing(product);
+    ASSERT_NE(announcing.participant, nullptr);
     const types::CompleteTypeObject request = listener.wait(product.administrationRequestTopicName);
     const types::CompleteTypeObject response = listener.wait(product.administrationResponseTopicName);
 
@@ -89,7 +131,6 @@ TEST_P(Announcement, NamesMembersAndBoundsAreListed) {
     EXPECT_EQ(parts[2].common().member_type_id().string_ldefn().bound(), 4096U);
     EXPECT_EQ(parts[3].common().member_type_id()._d(), types::TK_BOOLEAN);
 
-    ROUTERRemoteConfigClient_delete(client);
     EXPECT_EQ(factory->delete_participant(observer)(), 0U);
     ROUTER_setProductId(ROUTER_PRODUCT_ROUTING_SERVICE);
 }

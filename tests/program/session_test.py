@@ -19,12 +19,12 @@ class Terminal(unittest.TestCase):
     def test_commands_control_d_and_exit(self):
         with Router(DOMAIN) as router, Shell(DOMAIN, "-timeout", "3", terminal=True) as shell:
             self.assertIn(f"Domain id {DOMAIN}, timeout 3\n", shell.prompt())
-            shell.connect()
+            shell.connect(router)
             self.assertRegex(shell.run("DISABLE r1 DefaultDomainRoute"), r"\AResult: .+\n\Z")
             router.expect(r"DISABLE[^\n]*DefaultDomainRoute")
             self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
+            self.assertEqual(shell.run(""), "")
             self.assertRegex(shell.run("enable r1 nobody"), r"\AError: .*nobody.*\n\Z")
-            self.assertEqual(shell.run(""), "\n")
             # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
             for _ in range(2):
                 shell.send(b"\x04")
@@ -34,22 +34,23 @@ class Terminal(unittest.TestCase):
             self.assertEqual((status, output), (0, "exit\nStopping...\n"))
 
     def test_control_c_at_the_prompt_while_waiting_and_while_sleeping(self):
-        with Router(DOMAIN, "r1", "--silent"), Shell(DOMAIN, "-timeout", "2147483647", terminal=True) as shell:
+        with Router(DOMAIN, "r1", "--silent") as router, Shell(
+                DOMAIN, "-timeout", "2147483647", terminal=True) as shell:
             shell.prompt()
+            while "ANNOUNCE" not in router.output:  # until the router has discovered the shell
+                self.assertEqual(shell.run("hello"), "")
+                router.read(0.1)
             self.assertEqual(shell.run("get"), GET_SYNTAX)
-            shell.send(b"\x03")
-            self.assertEqual(shell.prompt().replace("^C", ""), "\n" + GET_SYNTAX)
-            for command, printed in (("get r1", "Result: (null)\n"), ("sleep 1000", ""), ("sleep", "")):
+            self.assertEqual(shell.interrupt_until("ZUL Routing Service> ").replace("^C", ""), "\n" + GET_SYNTAX)
+            shell.send("get r1\n")
+            router.expect("GET")
+            self.assertEqual(shell.interrupt_until("ZUL Routing Service> ").replace("^C", ""),
+                             "get r1\n\nResult: (null)\n")
+            for command in ("sleep 1000", "sleep"):
                 shell.send(command + "\n")
-                shell.expect(command + "\n")
-                # The wait may not have begun yet: interrupt until it ends.
-                end = time.monotonic() + 20
-                while "> " not in shell.output and time.monotonic() < end:
-                    shell.send(b"\x03")
-                    shell._pump(0.3)
-                self.assertEqual(shell.prompt().replace("^C", "").lstrip("\n"), printed, command)
-            # Interrupts that came too late ran the last word once more: whatever they did, the shell still ends.
-            shell.send("\nexit\n")
+                shell.wait_until_sleeping()
+                self.assertEqual(shell.interrupt_until("ZUL Routing Service> ").replace("^C", ""), command + "\n\n")
+            shell.send("exit\n")
             shell.expect(r"Stopping\.\.\.\n")
             self.assertEqual(shell.wait()[0], 0)
 
@@ -59,8 +60,8 @@ class Pipe(unittest.TestCase):
         with Program("zulrssh", "-domainId", DOMAIN) as shell:
             shell.expect("> ")
             for number in SIGNALS:
-                shell.signal(number)
-                shell.expect(r"\n.*> ")
+                # One that arrives before the read has begun does not interrupt it: repeat until it does.
+                shell.signal_until(number, "\n.*> ")
             shell.send("exit\n")
             self.assertEqual(shell.wait()[0], 0)
 

@@ -3,16 +3,19 @@
 Every wait is on a condition with a deadline; every process is ended by its id when its context ends.
 """
 
+import fcntl
 import os
 import pty
 import re
 import select
 import signal
 import subprocess
+import termios
 import time
 
 BIN = os.environ.get("ZUL_BIN", "build/bin")
 DEADLINE_SECONDS = 30
+CLOCK_NANOSLEEP = {"x86_64": "230", "aarch64": "115"}.get(os.uname().machine, "230")  # system call
 
 
 class Program:
@@ -30,7 +33,7 @@ class Program:
             self.write_end = self.read_end
             self.process = subprocess.Popen(
                 arguments, stdin=slave, stdout=slave, stderr=error_write, env=environment,
-                start_new_session=True, preexec_fn=preexec)
+                start_new_session=True, preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
             os.close(slave)
         else:
             self.process = subprocess.Popen(
@@ -67,7 +70,25 @@ class Program:
     def signal(self, number):
         os.kill(self.process.pid, number)
 
-    def _pump(self, timeout):
+    def signal_until(self, number, pattern):
+        """Sends the signal again and again until the pattern is printed; returns the text before it."""
+        return self._repeat_until(lambda: self.signal(number), pattern)
+
+    def interrupt_until(self, pattern):
+        """Types Ctrl-C until the pattern is printed; returns the text before it."""
+        return self._repeat_until(lambda: self.send(b"\x03"), pattern)
+
+    def _repeat_until(self, action, pattern):
+        end = time.monotonic() + DEADLINE_SECONDS
+        while time.monotonic() < end:
+            action()
+            try:
+                return self.expect(pattern, 0.5)[0]
+            except AssertionError:
+                pass
+        return self.expect(pattern, 0)[0]
+
+    def read(self, timeout):
         """Reads what is there; False when all output has ended."""
         ends = [end for end in (self.read_end, self.error_end) if end is not None]
         ready, _, _ = select.select(ends, [], [], timeout)
@@ -85,6 +106,15 @@ class Program:
                 self.output += data.replace("\r\n", "\n")
         return alive
 
+    def wait_until_sleeping(self):
+        """Waits until the program's main thread sleeps on a clock."""
+        end = time.monotonic() + DEADLINE_SECONDS
+        while time.monotonic() < end:
+            with open(f"/proc/{self.process.pid}/syscall", encoding="ascii") as state:
+                if state.read().split()[0] == CLOCK_NANOSLEEP:
+                    return
+        raise AssertionError("it never slept")
+
     def expect(self, pattern, seconds=DEADLINE_SECONDS):
         """Waits for a match of the regular expression; returns the text before it and the match."""
         end = time.monotonic() + seconds
@@ -94,24 +124,24 @@ class Program:
                 before = self.output[: match.start()]
                 self.output = self.output[match.end():]
                 return before, match
-            if time.monotonic() > end or not self._pump(0.1):
+            if time.monotonic() > end or not self.read(0.1):
                 raise AssertionError(
                     f"{pattern!r} was not printed. Output: {self.output[-2000:]!r}\nLog: {self.log[-2000:]!r}")
 
     def wait(self, seconds=DEADLINE_SECONDS):
         """Waits for the end; returns exit status and the rest of the output."""
         end = time.monotonic() + seconds
-        while self._pump(0.05) and time.monotonic() < end:
+        while self.read(0.05) and time.monotonic() < end:
             if self.process.poll() is not None:
                 while select.select([e for e in (self.read_end, self.error_end) if e is not None], [], [], 0)[0]:
                     before = (self.output, self.log)
-                    if not self._pump(0) or before == (self.output, self.log):
+                    if not self.read(0) or before == (self.output, self.log):
                         break
                 break
         status = self.process.wait(max(0.1, end - time.monotonic()))
         while select.select([self.error_end], [], [], 0)[0]:
             before = self.log
-            self._pump(0)
+            self.read(0)
             if self.log == before:
                 break
         return status, self.output
@@ -122,6 +152,7 @@ class Router(Program):
 
     def __init__(self, domain, name="r1", *options):
         super().__init__("zul-practice-router", "--domain", domain, "--name", name, *options)
+        self.name = name
         self.expect(r"ready: [^\n]*\n")
 
 
@@ -143,13 +174,20 @@ class Shell(Program):
             printed = printed[len(command) + 1:]  # the terminal's echo
         return printed
 
-    def connect(self, router="r1"):
-        """Waits until the router has discovered the shell and answers it."""
-        end = time.monotonic() + DEADLINE_SECONDS
-        while time.monotonic() < end:
-            if not self.run(f"enable {router} NoSuchEntity").startswith("No response"):
-                return
-        raise AssertionError(f"{router} never answered")
+    def connect(self, router):
+        """Waits until router and shell have discovered each other, in both directions."""
+        while "ANNOUNCE" not in router.output:
+            self.run("hello")
+            router.read(0.05)
+        for _ in range(5):
+            self.send(f"enable {router.name} NoSuchEntity\n")
+            try:
+                if self.expect(re.escape(self.PROMPT), 10)[0].startswith("Error: "):
+                    return
+            except AssertionError:  # the answer went astray
+                self.signal_until(signal.SIGINT, re.escape(self.PROMPT))
+                self.run("foo")
+        raise AssertionError(f"{router.name} never answered")
 
 
 SIGNALS = (signal.SIGTERM, signal.SIGHUP, signal.SIGINT, signal.SIGABRT, signal.SIGPIPE)

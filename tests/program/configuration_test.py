@@ -1,0 +1,144 @@
+"""Configuration as XML through both programs: every form of a URL, every outcome line, and what the router makes of it."""
+
+import os
+import pathlib
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
+from processes import Router, Shell  # noqa: E402
+
+DOMAIN = 26
+EXAMPLES = pathlib.Path(os.environ.get("ZUL_SOURCE", ".")) / "examples"
+ROUTE = ('<domain_route name="Second"><participant_1><domain_id>3</domain_id></participant_1>'
+         '<participant_2><domain_id>4</domain_id></participant_2></domain_route>')
+
+
+class FederationShell(Shell):
+    PROMPT = "ZUL Federation Service> "
+
+
+class Configuration(unittest.TestCase):
+    def setUp(self):
+        self.folder = self.enterContext(tempfile.TemporaryDirectory())
+
+    def file(self, text, name="file.xml"):
+        path = os.path.join(self.folder, name)
+        with open(path, "w", encoding="utf-8") as out:
+            out.write(text)
+        return path
+
+    def shell(self, router, kind=Shell, program="zulrssh"):
+        shell = self.enterContext(kind(DOMAIN, "-timeout", "20", program=program))
+        shell.prompt()
+        shell.connect(router)
+        return shell
+
+    def test_every_command_in_both_variants(self):
+        for kind, program, element, options in (
+                (Shell, "zulrssh", "routing_service", []),
+                (FederationShell, "zulfssh", "federation_service", ["--federation"])):
+            name = element + "_1"
+            router = self.enterContext(Router(DOMAIN, name, "--save-dir", self.folder, *options))
+            shell = self.shell(router, kind, program)
+            ok = r"\AResult: .+\n\Z"
+            self.assertRegex(shell.run(f"update {name} . domain_route.participant_2.domain_id=5"), ok)
+            # A typed assignment runs to the end of its line, line feed included.
+            self.assertRegex(shell.run(f"get {name}"), r"<domain_id>5\s*</domain_id>")
+            self.assertRegex(shell.run(f"create {name} domain_route {self.file(ROUTE)} local"), ok)
+            self.assertIn('<domain_route name="Second">', shell.run(f"get {name}"))
+            session = 'str://"<session name="S1"></session>"'
+            self.assertRegex(shell.run(f"create {name} session Second {session}"), ok)
+            self.assertRegex(shell.run(f"add_peer {name} Second p2 udpv4://127.0.0.1,,other"), ok)
+            for command in ("disable", "enable", "pause", "resume", "delete"):
+                self.assertRegex(shell.run(f"{command} {name} Second::S1"), ok, command)
+            self.assertRegex(shell.run(f"enable {name} Second::S1"), r"\AError: .*Second::S1.*\n\Z")
+            saved = shell.run(f"save {name}")
+            path = next(word for word in saved.split() if word.endswith(".xml"))
+            self.assertIn('name="Second"', pathlib.Path(self.folder, os.path.basename(path)).read_text("utf-8"))
+            # What was saved is loaded again: by the router itself, and sent in pieces of a large file.
+            large = self.file(pathlib.Path(self.folder, os.path.basename(path)).read_text("utf-8")
+                              + "<!-- " + "\u00e9 comment " * 9000 + "-->\n", "large.xml")
+            self.assertRegex(shell.run(f"unload {name}"), ok)
+            self.assertRegex(shell.run(f"get {name}"), r"\AError: .+\n\Z")
+            for form in (f"{large} remote", f"file://{large}", f"file://{large} local"):
+                self.assertRegex(shell.run(f"load {name} BuiltinDefault {form}"), ok, form)
+                self.assertIn('name="Second"', shell.run(f"get {name}"))
+
+    def test_outcome_lines(self):
+        router = self.enterContext(Router(DOMAIN, "r1"))
+        shell = self.shell(router)
+        load = "Command syntax: load <target_router> <cfg_name> <xml_url> [remote|local]\n"
+        update = "Command syntax: update <target_router> [<entity_name>] <xml_url> [remote|local]\n"
+        create = ("Command syntax: create <target_router> domain_route|session|topic_route|auto_route "
+                  "[<parent_entity_name>] <xml_url> [remote|local]\n")
+        missing = os.path.join(self.folder, "missing.xml")
+        no_response = "No response received\n"
+        fifo = os.path.join(self.folder, "fifo")
+        os.mkfifo(fifo)
+        before = shell.run("get r1")
+        cases = {
+            "load r1 c": load,
+            "load r1 c f elsewhere": load,
+            "update r1": update,
+            "dupdate r1 . f.xml here": update,
+            "create r1 session dr1": create,
+            "create r1 participant x y": create,
+            "add_peer r1 dr1 p3 list":
+                "Command syntax: add_peer <target_router> <domain_route_name> p1|p2 <peer_list>\n",
+            f"load r1 c {missing} LOCAL": f"Can't open local file {missing}\n" + no_response,
+            f"update r1 . {missing} local": f"Can't open local file {missing}\n" + no_response,
+            f"create r1 domain_route {missing} local": no_response,
+            f"load r1 c {self.folder} local": "Error reading local file\n" + no_response,
+            f"load r1 c {fifo} local": "Error reading local file\n" + no_response,
+            "load nobody c f": "Error sending request\n" + no_response,
+            "load r1 " + "c" * 256 + " f": "Error: cfgName too long\n",
+            "update r1 " + "e" * 256 + " f": "Error: entityName too long\n",
+            "create r1 session " + "e" * 255 + " f": "Error: parentEntityName too long\n",
+            "update r1 x.xml": None,
+        }
+        with shell.__class__(DOMAIN, "-timeout", "1") as hasty:
+            hasty.prompt()
+            hasty.connect(router)
+            for command, expected in cases.items():
+                printed = hasty.run(command)
+                if expected is None:
+                    self.assertRegex(printed, r"\AError: .*x\.xml.*\n\Z")
+                else:
+                    self.assertEqual(printed, expected, command)
+        self.assertEqual(shell.run("get r1"), before)
+
+    def test_dupdate_pairs_its_outcome_as_it_does(self):
+        router = self.enterContext(Router(DOMAIN, "r1"))
+        shell = self.shell(router)
+        assignment = "domain_route.participant_1.domain_id=9"
+        # Its success reads like a file that could not be opened; nothing of the update is lost.
+        self.assertRegex(shell.run(f"dupdate r1 DefaultDomainRoute {assignment}"),
+                         r"(?s)\ACan't open local file domain_route\..*\nNo response received\n\Z")
+        self.assertRegex(shell.run("get r1"), r"<domain_id>9\s*</domain_id>")
+        for line in (r"DISABLE[^\n]*invocation (\d+)", r"UPDATE[^\n]*invocation (\d+)", r"ENABLE[^\n]*invocation (\d+)"):
+            router.expect(line)
+
+    def test_faulty_documents_change_nothing(self):
+        router = self.enterContext(Router(DOMAIN, "r1"))
+        shell = self.shell(router)
+        before = shell.run("get r1")
+        documents = [
+            ("<dds><routing_service name='c'>", r"\AError: "),
+            ("<dds>\n<routing_service/>\n</dds>", r"\AError: .*line 2"),
+            ("", r"\AError: "),
+            ('<!DOCTYPE dds [<!ENTITY a "b">]><dds>&a;</dds>', r"\AError: "),
+        ]
+        for text, expected in documents:
+            self.assertRegex(shell.run(f"load r1 c {self.file(text)} local"), expected, text)
+            self.assertEqual(shell.run("get r1"), before, text)
+        for example in sorted(EXAMPLES.glob("*.xml")):
+            text = example.read_text("utf-8")
+            if "<routing_service name=" in text:
+                name = text.split('<routing_service name="')[1].split('"')[0]
+                self.assertRegex(shell.run(f"load r1 {name} {example} local"), r"\AResult: ", example.name)
+
+
+if __name__ == "__main__":
+    unittest.main()
