@@ -7,6 +7,7 @@
 #include "middleware/fastdds/delivery_thread.h"
 #include "middleware/fastdds/type_adapter.h"
 
+#include <chrono>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/publisher/DataWriter.hpp>
 #include <fastdds/dds/publisher/DataWriterListener.hpp>
@@ -51,6 +52,7 @@ struct DDS_Topic {
 struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     eprosima::fastdds::dds::DataWriter* writer = nullptr;
     zul::AdapterPtr adapter;
+    std::chrono::nanoseconds maxBlockingTime{0};
     zul::MatchedEndpoints matched;
 
     void on_publication_matched(eprosima::fastdds::dds::DataWriter* writer,

@@ -42,6 +42,8 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* 
                                                 DDS_StatusMask /*mask*/) {
     auto writer = std::make_unique<DDS_DataWriter>();
     writer->adapter = topic->adapter;
+    writer->maxBlockingTime = std::chrono::seconds(qos->reliability.max_blocking_time.sec) +
+                              std::chrono::nanoseconds(qos->reliability.max_blocking_time.nanosec);
     writer->writer = self->publisher->create_datawriter(topic->topic, zul::toLibrary(*qos), writer.get(),
                                                         fast::StatusMask::publication_matched());
     return writer->writer == nullptr ? nullptr : self->owner->writers.emplace_back(std::move(writer)).get();
@@ -52,8 +54,15 @@ DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
     if (self == nullptr || sample == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    // Keyless topics have one instance, whatever the handle. The library only reads the sample.
-    return zul::toReturnCode(self->writer->write(const_cast<void*>(sample), fast::HANDLE_NIL));
+    // A write that waits for room is woken with an early time-out when all its samples are acknowledged at
+    // once, because the library then looks for a sample to remove and finds none: there is room, try again.
+    const auto deadline = std::chrono::steady_clock::now() + self->maxBlockingTime;
+    DDS_ReturnCode_t code = DDS_RETCODE_OK;
+    do {
+        // Keyless topics have one instance, whatever the handle. The library only reads the sample.
+        code = zul::toReturnCode(self->writer->write(const_cast<void*>(sample), fast::HANDLE_NIL));
+    } while (code == DDS_RETCODE_TIMEOUT && std::chrono::steady_clock::now() < deadline);
+    return code;
 }
 
 DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter* self,
