@@ -182,7 +182,7 @@ class Shell(Program):
         for _ in range(5):
             self.send(f"enable {router.name} NoSuchEntity\n")
             try:
-                if self.expect(re.escape(self.PROMPT), 10)[0].startswith("Error: "):
+                if "Error: " in self.expect(re.escape(self.PROMPT), 10)[0]:
                     return
             except AssertionError:  # the answer went astray
                 self.signal_until(signal.SIGINT, re.escape(self.PROMPT))
