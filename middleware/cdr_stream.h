@@ -65,6 +65,12 @@ struct ZULCdrOutput {
         position += padding;
         return true;
     }
+    // Aligns when `size` bytes fit behind the padding.
+    bool reserve(std::size_t alignment, std::size_t size) {
+        const std::size_t room = capacity - position;
+        const std::size_t padding = ZULCdr_padding(position - origin, alignment);
+        return padding <= room && size <= room - padding && align(alignment);
+    }
     bool put8(std::uint8_t value) {
         if (capacity - position < 1) {
             return false;
@@ -76,7 +82,7 @@ struct ZULCdrOutput {
         return true;
     }
     bool put16(std::uint16_t value) {
-        if (!align(2) || capacity - position < 2) {
+        if (!reserve(2, 2)) {
             return false;
         }
         if (data != nullptr) {
@@ -86,7 +92,7 @@ struct ZULCdrOutput {
         return true;
     }
     bool put32(std::uint32_t value) {
-        if (!align(4) || capacity - position < 4) {
+        if (!reserve(4, 4)) {
             return false;
         }
         if (data != nullptr) {

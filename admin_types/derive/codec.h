@@ -133,7 +133,7 @@ template <std::uint32_t Elements, std::uint32_t Bound>
 bool deserialize(StringSequence<Elements, Bound>, ZULCdrInput& stream, DDS_StringSeq& value) {
     std::uint32_t count = 0;
     if (!stream.get32(count) ||
-        count > static_cast<std::uint32_t>(ZULSequence::get_maximum(&value, __func__))) {
+        count > static_cast<std::uint32_t>(ZULSequence::get_maximum(&value, STRING_SEQUENCE))) {
         return false;
     }
     for (std::uint32_t i = 0; i < count; ++i) {

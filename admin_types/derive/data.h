@@ -15,6 +15,8 @@ namespace admin {
 using Allocation = DDS_TypeAllocationParams_t;
 using Deallocation = DDS_TypeDeallocationParams_t;
 
+constexpr const char* STRING_SEQUENCE = "DDS_StringSeq"; // context of what a string sequence refuses
+
 inline bool initialize(Long, DDS_Long& value, const Allocation&) {
     value = 0;
     return true;
@@ -42,10 +44,10 @@ bool initialize(String<Bound>, char*& value, const Allocation& params) {
 template <std::uint32_t Elements, std::uint32_t Bound>
 bool initialize(StringSequence<Elements, Bound>, DDS_StringSeq& value, const Allocation& params) {
     if (params.allocate_memory == 0) {
-        return ZULSequence::set_length(&value, 0, __func__);
+        return ZULSequence::set_length(&value, 0, STRING_SEQUENCE);
     }
     ZULSequence::reset(value);
-    if (!ZULSequence::set_maximum(&value, static_cast<DDS_Long>(Elements), __func__)) {
+    if (!ZULSequence::set_maximum(&value, static_cast<DDS_Long>(Elements), STRING_SEQUENCE)) {
         return false;
     }
     for (std::uint32_t i = 0; i < Elements; ++i) {
@@ -67,7 +69,7 @@ void finalize(String<Bound>, char*& value) {
 }
 template <std::uint32_t Elements, std::uint32_t Bound>
 void finalize(StringSequence<Elements, Bound>, DDS_StringSeq& value) {
-    ZULSequence::finalize(&value, __func__);
+    ZULSequence::finalize(&value, STRING_SEQUENCE);
 }
 template <class Record>
 void finalize(Struct<Record>, Record& record) {
@@ -141,9 +143,9 @@ bool copy(String<Bound>, char*& destination, char* const& source) {
 // into.
 template <std::uint32_t Elements, std::uint32_t Bound>
 bool copy(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const DDS_StringSeq& source) {
-    const DDS_Long length = ZULSequence::get_length(&source, __func__);
+    const DDS_Long length = ZULSequence::get_length(&source, STRING_SEQUENCE);
     if (length > static_cast<DDS_Long>(Elements) ||
-        !ZULSequence::ensure_length(&destination, length, static_cast<DDS_Long>(Elements), __func__)) {
+        !ZULSequence::ensure_length(&destination, length, static_cast<DDS_Long>(Elements), STRING_SEQUENCE)) {
         return false;
     }
     for (DDS_Long i = 0; i < length; ++i) {

@@ -1,0 +1,205 @@
+// Semaphores, strings, the log, the property policy, the version text.
+#include "middleware/heap.h"
+#include "middleware/qos.h"
+#include "middleware/semaphore.h"
+#include "middleware/strings.h"
+#include "middleware/version.h"
+#include "tests/middleware/captured_log.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+using std::chrono::steady_clock;
+constexpr ZULTime FIFTH_OF_A_SECOND{0, 0x33333333};
+
+struct Semaphore : testing::Test {
+    ~Semaphore() override { ZULSemaphore_delete(semaphore); }
+    ZULSemaphoreStatus take(const ZULTime& span) {
+        return ZULSemaphore_take(semaphore, ZULDeadline_after(span));
+    }
+    ZULSemaphore* semaphore = ZULSemaphore_new({.initialCount = 1});
+};
+
+TEST_F(Semaphore, WaitsOnlyAsLongAsTold) {
+    for (const std::int32_t seconds : {0, -1, INT32_MIN}) {
+        EXPECT_EQ(take({seconds, 0}), ZUL_SEMAPHORE_OK) << seconds; // what is there is taken
+        const auto start = steady_clock::now();
+        EXPECT_EQ(take({seconds, 0}), ZUL_SEMAPHORE_TIMEOUT) << seconds;
+        EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(1));
+        EXPECT_EQ(ZULSemaphore_give(semaphore), ZUL_SEMAPHORE_OK);
+    }
+    EXPECT_EQ(take({0, 0}), ZUL_SEMAPHORE_OK);
+    const auto start = steady_clock::now();
+    EXPECT_EQ(take(FIFTH_OF_A_SECOND), ZUL_SEMAPHORE_TIMEOUT);
+    EXPECT_GE(steady_clock::now() - start, std::chrono::milliseconds(199));
+}
+
+TEST_F(Semaphore, EndsWithAGiveFromAnotherThread) {
+    EXPECT_EQ(take({0, 0}), ZUL_SEMAPHORE_OK);
+    for (const std::int32_t seconds : {60, ZUL_TIME_FOREVER_SEC}) {
+        std::thread giver([this] { ZULSemaphore_give(semaphore); });
+        EXPECT_EQ(take({seconds, 0}), ZUL_SEMAPHORE_OK);
+        giver.join();
+    }
+}
+
+std::atomic<long> g_handled{0};
+
+// Signals keep coming for as long as the wait lasts: one that started anew after each would not end in time.
+TEST_F(Semaphore, SignalNeitherEndsNorProlongsTheWait) {
+    EXPECT_EQ(take({0, 0}), ZUL_SEMAPHORE_OK);
+    struct sigaction action {};
+    struct sigaction previous {};
+    action.sa_handler = [](int) {
+        ++g_handled;
+    };
+    ASSERT_EQ(sigaction(SIGUSR1, &action, &previous), 0);
+    std::atomic<bool> isDone{false};
+    const auto start = steady_clock::now();
+    std::thread sender([&isDone, start, waiter = pthread_self()] {
+        long sent = 0;
+        while (!isDone && steady_clock::now() - start < std::chrono::seconds(20)) {
+            if (g_handled == sent) {
+                ++sent;
+                pthread_kill(waiter, SIGUSR1);
+            }
+            std::this_thread::yield();
+        }
+    });
+    EXPECT_EQ(take(FIFTH_OF_A_SECOND), ZUL_SEMAPHORE_TIMEOUT);
+    const auto elapsed = steady_clock::now() - start;
+    isDone = true;
+    sender.join();
+    sigaction(SIGUSR1, &previous, nullptr);
+    EXPECT_GE(elapsed, std::chrono::milliseconds(199));
+    EXPECT_LT(elapsed, std::chrono::seconds(10));
+    EXPECT_GT(g_handled, 1);
+}
+
+TEST(Strings, CompareAndCut) {
+    const struct {
+        const char* left;
+        const char* right;
+        bool equal;
+    } pairs[] = {{"ENABLE", "enable", true}, {"", "", true},          {"enable", "enables", false},
+                 {"\xC4", "\xE4", false},    {"@[`{", "`{@[", false}, {"r1_-9", "R1_-9", true}};
+    for (const auto& pair : pairs) {
+        EXPECT_EQ(ZULString_equalsIgnoreCase(pair.left, pair.right), pair.equal) << pair.left;
+    }
+    for (const auto& [size, cut] : {std::pair{1U, ""}, {4U, "abc"}, {6U, "abcde"}, {9U, "abcde"}}) {
+        const auto buffer = std::make_unique<char[]>(size);
+        ZULString_copyBounded(buffer.get(), size, "abcde");
+        EXPECT_STREQ(buffer.get(), cut);
+    }
+    EXPECT_EQ(DDS_String_dup(nullptr), nullptr);
+    EXPECT_EQ(DDS_String_alloc(SIZE_MAX), nullptr);
+}
+
+TEST(Strings, TokenizersDoNotDisturbEachOther) {
+    char outer[] = "..a b.c..";
+    char* outerPosition = nullptr;
+    std::string seen;
+    for (char* part = ZULString_tokenize(outer, ".", &outerPosition); part != nullptr;
+         part = ZULString_tokenize(nullptr, ".", &outerPosition)) {
+        char* innerPosition = nullptr;
+        for (char* word = ZULString_tokenize(part, " ", &innerPosition); word != nullptr;
+             word = ZULString_tokenize(nullptr, " ", &innerPosition)) {
+            seen += std::string("<") + word + ">";
+        }
+    }
+    EXPECT_EQ(seen, "<a><b><c>");
+}
+
+TEST(Log, FillsTemplatesAndKeepsToItsMask) {
+    CapturedLog log;
+    ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_INSUFFICIENT_SPACE_dd, 2, 3);
+    EXPECT_EQ(log.take(), "ERROR [op] insufficient space: 2 available, 3 needed\n");
+    ZULLog_message(ZUL_LOG_LEVEL_WARNING, "op", ZUL_LOG_ANY_s, "100% %s %d");
+    EXPECT_EQ(log.take(), "WARNING [op] 100% %s %d\n"); // an argument is no template
+    ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_ANY_s, static_cast<const char*>(nullptr));
+    EXPECT_EQ(log.take(), "ERROR [op] (null)\n");
+    ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_ANY_s); // too few: the place stays
+    EXPECT_EQ(log.take(), "ERROR [op] %s\n");
+    ZULLog_debug("%s: %d\n", "id", -7LL);
+    EXPECT_EQ(log.take(), "id: -7\n");
+
+    for (const std::uint32_t mask : {0U, 1U, 2U, 3U}) {
+        ZULLog_setMiddlewareMask(mask);
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
+        EXPECT_EQ(log.take().empty(), (mask & 1) == 0) << mask;
+        ZULLog_middleware(ZUL_LOG_LEVEL_WARNING, "op", ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
+        EXPECT_EQ(log.take().empty(), (mask & 2) == 0) << mask;
+    }
+    ZULLog_setMiddlewareMask(ZUL_LOG_LEVEL_ERROR);
+}
+
+TEST(Log, GoesToStandardError) {
+    testing::internal::CaptureStderr();
+    ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_ANY_FAILURE_s, "x");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "ERROR [op] failure: x\n");
+}
+
+TEST(Properties, AreAddedReplacedAndLimited) {
+    CapturedLog log; // exhausted memory is reported
+    DDS_DomainParticipantQos qos;
+    DDS_DomainParticipantQos_initialize(&qos);
+    const auto put = [&qos](const std::string& name, const char* value) {
+        return DDS_PropertyQosPolicyHelper_assert_property(&qos.property, name.c_str(), value, 1);
+    };
+    EXPECT_EQ(put("version", "1"), DDS_RETCODE_OK);
+    EXPECT_EQ(put("version", "5.1.0"), DDS_RETCODE_OK);
+    EXPECT_EQ(qos.property.value.length, 1);
+    EXPECT_STREQ(DDS_PropertyQosPolicyHelper_lookup_property(&qos.property, "version"), "5.1.0");
+    EXPECT_EQ(DDS_PropertyQosPolicyHelper_lookup_property(&qos.property, "Version"), nullptr);
+    EXPECT_EQ(put("x", nullptr), DDS_RETCODE_BAD_PARAMETER);
+
+    for (long n = 0;; ++n) { // exhausted anywhere: nothing is added, nothing lost
+        ZULHeap_failAfter(n);
+        const DDS_ReturnCode_t code = put("name", "value");
+        ZULHeap_failAfter(-1);
+        if (code == DDS_RETCODE_OK) {
+            EXPECT_EQ(n, 3); // name, value, the longer list
+            break;
+        }
+        ASSERT_EQ(code, DDS_RETCODE_OUT_OF_RESOURCES);
+        ASSERT_EQ(qos.property.value.length, 1);
+    }
+    for (int i = 2; i < DDS_PROPERTY_LIST_MAX; ++i) {
+        ASSERT_EQ(put(std::to_string(i), "v"), DDS_RETCODE_OK);
+    }
+    EXPECT_EQ(put("one more", "v"), DDS_RETCODE_OUT_OF_RESOURCES);
+    EXPECT_EQ(put("31", "replaced"), DDS_RETCODE_OK); // the full list can still be changed
+
+    DDS_DomainParticipantQos copied;
+    DDS_DomainParticipantQos_initialize(&copied);
+    qos.participant_name.name = DDS_String_dup("shell");
+    ASSERT_TRUE(DDS_DomainParticipantQos_copy(&copied, &qos));
+    DDS_DomainParticipantQos_finalize(&qos);
+    EXPECT_STREQ(copied.participant_name.name, "shell");
+    EXPECT_STREQ(DDS_PropertyQosPolicyHelper_lookup_property(&copied.property, "31"), "replaced");
+    EXPECT_EQ(copied.property.value.contiguous[0].propagate, 1);
+    DDS_DomainParticipantQos_finalize(&copied);
+}
+
+TEST(Version, RendersNumbersAndLetters) {
+    const struct {
+        ZULProductVersion version;
+        const char* text;
+    } rows[] = {{{5, 1, 0, 0}, "5.1.0"},
+                {{5, 1, 9, 2}, "5.1.9 rev 2"},
+                {{5, 1, 'a', 0}, "5.1.a"},
+                {{127, -128, 'z', 127}, "127.-128.z rev 127"}};
+    for (const auto& row : rows) {
+        char text[ZUL_PRODUCT_VERSION_TEXT_SIZE];
+        ZULProductVersion_toString(row.version, text);
+        EXPECT_STREQ(text, row.text);
+    }
+    EXPECT_TRUE(std::isprint(ZULProductVersion_get().release));
+}
+
+} // namespace
