@@ -1,0 +1,117 @@
+// zul-practice-router: options, start, the wait for a signal, and the end of everything in reverse order.
+// Exit status: 0 after a signal, --help or --version; 1 when the router cannot start; 2 for a bad command
+// line.
+#include "middleware/version.h"
+#include "practice_router/options.h"
+#include "practice_router/worker.h"
+#include "practice_router/xml_url.h"
+#include "product/product_info.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <sys/stat.h>
+#include <thread>
+
+namespace {
+
+constexpr const char* PROGRAM = "zul-practice-router";
+constexpr int EXIT_CANNOT_START = 1;
+constexpr int EXIT_BAD_USAGE = 2;
+
+int fail(int status, const std::string& what) {
+    std::fprintf(stderr, "%s: %s\n", PROGRAM, what.c_str());
+    return status;
+}
+
+// False with `error` filled when the start document cannot be used.
+bool loadStartDocument(PracticeRouter& router, const std::string& file, std::string& error) {
+    std::string xml = *ROUTER_getProductInfo()->builtinDefaultConfiguration;
+    if (!file.empty()) {
+        std::optional<std::string> content = PracticeXmlUrl_readFile(file, error);
+        if (!content) {
+            return false;
+        }
+        xml = std::move(*content);
+    }
+    const PracticeAnswer answer = PracticeConfiguration_loadFirst(router.configuration, xml);
+    error = (file.empty() ? "the builtin default configuration" : file) + ": " + answer.text;
+    return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
+}
+
+// The whole path of an existing directory; empty when it is none.
+std::string directoryAt(const std::string& path) {
+    struct stat status {};
+    const std::unique_ptr<char, decltype(&std::free)> whole(realpath(path.c_str(), nullptr), &std::free);
+    return whole != nullptr && stat(whole.get(), &status) == 0 && S_ISDIR(status.st_mode) ? whole.get() : "";
+}
+
+// Every thread, also those of the middleware, inherits the mask: signals are for the main thread's wait only.
+sigset_t blockSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, nullptr);
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&ending, signalNumber);
+    }
+    return ending;
+}
+
+int run(const PracticeOptions& options, PracticeRouter& router) {
+    const sigset_t ending = blockSignals();
+    PracticeRequestQueue queue;
+    PracticeEndpoints endpoints;
+    std::string error;
+    if (!PracticeEndpoints_create(endpoints, options.domain, options.name, queue, error) ||
+        !PracticeEndpoints_enable(endpoints, error)) {
+        PracticeRequestQueue_close(queue);
+        PracticeEndpoints_close(endpoints);
+        return fail(EXIT_CANNOT_START, error);
+    }
+    std::printf("ready: %s in domain %d\n", options.name.c_str(), static_cast<int>(options.domain));
+    std::fflush(stdout);
+    std::thread worker([&] { PracticeWorker_run(router, queue, endpoints, options); });
+    int signalNumber = 0;
+    sigwait(&ending, &signalNumber);
+    PracticeRequestQueue_close(queue);
+    worker.join();
+    PracticeEndpoints_close(endpoints);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    PracticeOptions options;
+    std::string error;
+    if (!PracticeOptions_parse(options, argc, argv, error)) {
+        return fail(EXIT_BAD_USAGE, error);
+    }
+    if (options.showsHelp) {
+        std::fputs(PracticeOptions_help().c_str(), stdout);
+        return 0;
+    }
+    if (options.showsVersion) {
+        char version[ZUL_PRODUCT_VERSION_TEXT_SIZE];
+        ZULProductVersion_toString(ZULProductVersion_get(), version);
+        std::printf("%s %s\n", PROGRAM, version);
+        return 0;
+    }
+    const std::string saveDirectory = directoryAt(options.saveDirectory);
+    if (saveDirectory.empty()) {
+        return fail(EXIT_BAD_USAGE,
+                    "--save-dir " + options.saveDirectory + " is no directory; name an existing one");
+    }
+    ROUTER_setProductId(options.isFederation ? ROUTER_PRODUCT_FEDERATION_SERVICE
+                                             : ROUTER_PRODUCT_ROUTING_SERVICE);
+    PracticeRouter router{
+        .name = options.name, .saveDirectory = saveDirectory, .configuration = {}, .uploads = {}};
+    router.uploads.countsOnly = options.countsOnly;
+    if (!loadStartDocument(router, options.configurationFile, error)) {
+        return fail(EXIT_CANNOT_START, error);
+    }
+    return run(options, router);
+}

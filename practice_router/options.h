@@ -1,0 +1,36 @@
+// Command line of the practice router.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Misbehaviour on demand, for trying out and testing clients.
+struct PracticeFaults {
+    std::int32_t delayMilliseconds = 0; // before each answer
+    bool isSilent = false;              // requests are acted on but never answered
+    std::int32_t parts = 1;             // every answer goes out in at least so many parts
+    bool duplicates = false;            // each response goes out twice
+    bool wrongInvocation = false;       // before each answer one to the request before it
+    std::int32_t garbage = 0;           // undecodable samples before each answer
+};
+
+struct PracticeOptions {
+    std::int32_t domain = 0;
+    std::string name = "practice";
+    bool isFederation = false;
+    std::string saveDirectory = ".";
+    std::string configurationFile; // empty: the builtin default configuration
+    bool countsOnly = false;
+    bool isVerbose = false;
+    bool showsHelp = false;
+    bool showsVersion = false;
+    PracticeFaults faults;
+};
+
+// False, with a message that says what to do, when an argument is unknown, lacks its value or has a bad one.
+// A value follows its option as the next argument or after "=".
+bool PracticeOptions_parse(PracticeOptions& self, int count, const char* const* arguments,
+                           std::string& error);
+
+// The help text: usage and one line for each option.
+std::string PracticeOptions_help();

@@ -1,0 +1,53 @@
+// The command line: each kind of option, and what is said about bad ones.
+#include "practice_router/options.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+bool parse(std::vector<const char*> arguments, PracticeOptions& options, std::string& error) {
+    arguments.insert(arguments.begin(), "zul-practice-router");
+    return PracticeOptions_parse(options, static_cast<int>(arguments.size()), arguments.data(), error);
+}
+
+TEST(Options, AreTakenInBothForms) {
+    PracticeOptions options;
+    std::string error;
+    EXPECT_TRUE(
+        parse({"--domain", "232", "--name=a=b", "--silent", "--parts=100", "--garbage", "5"}, options, error))
+        << error;
+    EXPECT_EQ(options.domain, 232);
+    EXPECT_EQ(options.name, "a=b");
+    EXPECT_TRUE(options.faults.isSilent);
+    EXPECT_EQ(options.faults.parts, 100);
+    EXPECT_EQ(options.faults.garbage, 5);
+    EXPECT_NE(PracticeOptions_help().find("--wrong-invocation"), std::string::npos);
+}
+
+TEST(Options, AreRefusedWithWhatToDo) {
+    const std::string longName(255, 'n');
+    const std::pair<std::vector<const char*>, const char*> cases[] = {
+        {{"--bogus"}, "unknown option --bogus; --help"},
+        {{"-h"}, "unknown option -h"},
+        {{"--domain"}, "needs a value: --domain N"},
+        {{"--domain", "233"}, "give an integer from 0 to 232"},
+        {{"--domain", "-1"}, "give an integer from 0 to 232"},
+        {{"--domain", "5x"}, "give an integer"},
+        {{"--domain", "99999999999"}, "give an integer"},
+        {{"--domain="}, "give an integer"},
+        {{"--name", ""}, "1 to 254 characters"},
+        {{"--name", longName.c_str()}, "1 to 254 characters"},
+        {{"--silent=yes"}, "takes no value"},
+        {{"--parts", "0"}, "from 1 to"},
+    };
+    for (const auto& [arguments, message] : cases) {
+        PracticeOptions options;
+        std::string error;
+        EXPECT_FALSE(parse(arguments, options, error)) << message;
+        EXPECT_NE(error.find(message), std::string::npos) << error;
+    }
+}
+
+} // namespace

@@ -1,0 +1,119 @@
+// Pieces of long texts: put together in order, dropped when anything comes between them, never mixed up.
+#include "practice_router/upload.h"
+#include "practice_router/xml_url.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr auto LOAD = ZUL_ROUTING_SERVICE_COMMAND_LOAD;
+constexpr auto UPDATE = ZUL_ROUTING_SERVICE_COMMAND_UPDATE;
+constexpr auto GET = ZUL_ROUTING_SERVICE_COMMAND_GET;
+
+PracticeRequest piece(std::int32_t app, std::int32_t invocation,
+                      ZUL_RoutingService_Administration_CommandKind kind, const std::string& content,
+                      bool isFinal) {
+    return {.id = {7, app, invocation},
+            .target = "r1",
+            .kind = kind,
+            .entity = "E",
+            .isFinal = isFinal,
+            .content = content,
+            .peers = {}};
+}
+
+TEST(Upload, IsTheSumOfItsOwnPieces) {
+    struct Step {
+        PracticeRequest request;
+        const char* finished; // null: nothing yet
+    };
+    const Step steps[] = {
+        {piece(1, 1, LOAD, "whole", true), "whole"},
+        {piece(1, 2, LOAD, "a", false), nullptr},
+        {piece(2, 2, LOAD, "x", false), nullptr}, // another client with the same invocation
+        {piece(1, 2, LOAD, "b", false), nullptr},
+        {piece(1, 2, LOAD, "", true), "ab"},
+        {piece(2, 2, LOAD, "y", true), "xy"},
+        {piece(1, 3, LOAD, "lost", false), nullptr},
+        {piece(1, 4, LOAD, "c", false), nullptr}, // other id: begins anew
+        {piece(1, 4, UPDATE, "d", true), "d"},    // other kind: begins anew
+        {piece(1, 4, LOAD, "e", true), "e"},      // and has dropped the load
+        {piece(1, 5, LOAD, "lost", false), nullptr},
+        {piece(1, 6, GET, "", true), nullptr},     // another request of that client
+        {piece(1, 5, LOAD, "tail", true), "tail"}, // without its beginning
+        {piece(1, 7, LOAD, "f", false), nullptr},
+        {piece(2, 3, GET, "", true), nullptr}, // a request of another client disturbs nobody
+        {piece(1, 7, LOAD, "g", true), "fg"},
+    };
+    PracticeUploads uploads;
+    for (const Step& step : steps) {
+        if (step.request.kind == GET) {
+            PracticeUploads_interrupt(uploads, step.request);
+            continue;
+        }
+        const auto upload = PracticeUploads_add(uploads, step.request);
+        ASSERT_EQ(upload.has_value(), step.finished != nullptr) << step.request.content;
+        if (upload) {
+            EXPECT_EQ(upload->text, step.finished);
+            EXPECT_EQ(upload->entity, "E");
+        }
+    }
+    EXPECT_TRUE(uploads.pending.empty());
+}
+
+TEST(Upload, IsBoundedInSizeAndNumber) {
+    const std::string block(4096, 'x');
+    PracticeUploads uploads;
+    std::size_t sent = 0;
+    for (; sent <= PRACTICE_UPLOAD_MAX_SIZE; sent += block.size()) {
+        ASSERT_FALSE(PracticeUploads_add(uploads, piece(1, 1, LOAD, block, false)));
+    }
+    EXPECT_EQ(uploads.pending.front().text, "");
+    const auto tooLarge = PracticeUploads_add(uploads, piece(1, 1, LOAD, "end", true));
+    ASSERT_TRUE(tooLarge);
+    EXPECT_TRUE(tooLarge->isTooLarge);
+    EXPECT_EQ(tooLarge->bytes, sent + 3);
+
+    for (std::int32_t app = 0; app <= static_cast<std::int32_t>(PRACTICE_MAX_PENDING_UPLOADS); ++app) {
+        PracticeUploads_add(uploads, piece(app, 1, LOAD, "head ", false));
+    }
+    EXPECT_EQ(uploads.pending.size(), PRACTICE_MAX_PENDING_UPLOADS);
+    EXPECT_EQ(PracticeUploads_add(uploads, piece(0, 1, LOAD, "tail", true))->text, "tail")
+        << "the one that rested longest is dropped";
+    EXPECT_EQ(PracticeUploads_add(uploads, piece(1, 1, LOAD, "tail", true))->text, "head tail");
+
+    uploads.countsOnly = true;
+    PracticeUploads_add(uploads, piece(1, 2, LOAD, block, false));
+    const auto counted = PracticeUploads_add(uploads, piece(1, 2, LOAD, "end", true));
+    EXPECT_EQ(counted->bytes, block.size() + 3);
+    EXPECT_EQ(counted->pieces, 2U);
+    EXPECT_EQ(counted->text, "");
+}
+
+TEST(XmlUrl, LosesItsSchemeAndQuotesOrIsRefused) {
+    struct Case {
+        const char* url;
+        const char* xml; // null: refused
+    };
+    const Case cases[] = {
+        {"str://\"<a b=\"c\"/>\"", "<a b=\"c\"/>"},
+        {"str://<a/>", "<a/>"},
+        {"str:// \"<a/>\" \r\n", "<a/>"},
+        {"str://\"\"", ""},
+        {"str://\"<a/>", nullptr},
+        {"str://\"", nullptr},
+        {"<a/>\"", nullptr},
+        {"", nullptr},
+        {"file:///dev", nullptr},
+        {"file:///dev/zero", nullptr},
+        {"file://", nullptr},
+    };
+    for (const Case& c : cases) {
+        std::string error;
+        const auto xml = PracticeXmlUrl_read(c.url, error);
+        EXPECT_EQ(xml, c.xml != nullptr ? std::optional<std::string>(c.xml) : std::nullopt) << c.url;
+        EXPECT_EQ(error.empty(), c.xml != nullptr) << c.url;
+    }
+}
+
+} // namespace
