@@ -22,6 +22,9 @@ const ZULLogTemplate ZUL_LOG_INSUFFICIENT_SPACE_dd{0x200000D,
                                                    "insufficient space: %d available, %d needed\n"};
 const ZULLogTemplate ZUL_LOG_SEMAPHORE_TAKE_FAILURE{0x200000E, "failed to take semaphore\n"};
 const ZULLogTemplate ZUL_LOG_SEMAPHORE_GIVE_FAILURE{0x200000F, "failed to give semaphore\n"};
+const ZULLogTemplate ZUL_LOG_XML_PARSE_FAILURE_ds{0x2000010, "XML line %d: %s\n"};
+const ZULLogTemplate ZUL_LOG_XML_ILLEGAL_VALUE_d{0x2000011, "XML line %d: illegal value\n"};
+const ZULLogTemplate ZUL_LOG_XML_INTERNAL_FAILURE_s{0x2000012, "XML reader failed: %s\n"};
 
 namespace {
 

@@ -31,6 +31,9 @@ extern const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRING_d;  // characters of the 
 extern const ZULLogTemplate ZUL_LOG_INSUFFICIENT_SPACE_dd; // available, needed
 extern const ZULLogTemplate ZUL_LOG_SEMAPHORE_TAKE_FAILURE;
 extern const ZULLogTemplate ZUL_LOG_SEMAPHORE_GIVE_FAILURE;
+extern const ZULLogTemplate ZUL_LOG_XML_PARSE_FAILURE_ds; // line number of the document, what is wrong there
+extern const ZULLogTemplate ZUL_LOG_XML_ILLEGAL_VALUE_d;  // line number of the document
+extern const ZULLogTemplate ZUL_LOG_XML_INTERNAL_FAILURE_s; // what the reader could not do
 
 // One argument of a template. The text is borrowed for the call; a null text prints as "(null)".
 class ZULLogArgument {

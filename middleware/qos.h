@@ -80,8 +80,9 @@ struct DDS_DomainParticipantQos {
     struct {
         DDS_Duration_t shutdown_cleanup_period; // how long deleting a participant may linger
     } database;
-    // Whether the endpoints of this participant announce the members of their types. Off by default: a peer that
-    // announces a description too is matched only when both are the same to the last flag, never by name alone.
+    // Whether the endpoints of this participant announce the members of their types. Off by default: a peer
+    // that announces a description too is matched only when both are the same to the last flag, never by name
+    // alone.
     struct {
         DDS_Boolean announce_descriptions;
     } types;

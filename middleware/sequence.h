@@ -174,7 +174,7 @@ bool set_maximum(DDS_Sequence<T, Traits>* self, DDS_Long maximum, const char* co
             return false;
         }
     }
-    const DDS_Long kept = std::min(self->length, maximum);
+    const DDS_Long kept = fresh != nullptr ? std::min(self->length, maximum) : 0;
     for (DDS_Long i = 0; i < kept; ++i) {
         std::swap(fresh[i], self->contiguous[i]);
     }

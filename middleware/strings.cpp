@@ -39,7 +39,7 @@ bool ZULString_equalsIgnoreCase(std::string_view left, std::string_view right) {
 
 void ZULString_copyBounded(char* buffer, std::size_t size, std::string_view text) {
     const std::size_t length = std::min(text.size(), size - 1);
-    std::memcpy(buffer, text.data(), length);
+    std::copy_n(text.begin(), length, buffer);
     buffer[length] = '\0';
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 const DDS_TypeCode* DDS_TypeCode_primitive(DDS_TCKind kind) {
     static const auto codes = [] {
@@ -17,39 +18,36 @@ const DDS_TypeCode* DDS_TypeCode_primitive(DDS_TCKind kind) {
 
 namespace {
 
-using PairPath = std::vector<std::pair<const DDS_TypeCode*, const DDS_TypeCode*>>;
+// Pairs compared or under comparison. A pair met again counts as equal: if it is not, the comparison has
+// failed anyway.
+using ComparedPairs = std::set<std::pair<const DDS_TypeCode*, const DDS_TypeCode*>>;
 
-bool equalCodes(const DDS_TypeCode* left, const DDS_TypeCode* right, PairPath& path);
+bool equalCodes(const DDS_TypeCode* left, const DDS_TypeCode* right, ComparedPairs& compared);
 
-bool equalMembers(const DDS_TypeCodeMember& a, const DDS_TypeCodeMember& b, PairPath& path) {
+bool equalMembers(const DDS_TypeCodeMember& a, const DDS_TypeCodeMember& b, ComparedPairs& compared) {
     return a.name == b.name && a.id == b.id && a.labels == b.labels && a.isDefault == b.isDefault &&
            a.value == b.value && a.isKey == b.isKey && a.isRequired == b.isRequired &&
-           equalCodes(a.type, b.type, path);
+           equalCodes(a.type, b.type, compared);
 }
 
-// `path` holds the pairs under comparison, so that a recursive type ends.
-bool equalCodes(const DDS_TypeCode* left, const DDS_TypeCode* right, PairPath& path) {
-    const std::pair pair{left, right};
-    if (left == right || std::find(path.begin(), path.end(), pair) != path.end()) {
+bool equalCodes(const DDS_TypeCode* left, const DDS_TypeCode* right, ComparedPairs& compared) {
+    if (left == nullptr || right == nullptr) {
+        return left == right;
+    }
+    if (left == right || !compared.emplace(left, right).second) {
         return true;
     }
-    if (left == nullptr || right == nullptr) {
-        return false;
-    }
-    path.push_back(pair);
-    const bool equal =
-        left->kind == right->kind && left->name == right->name &&
-        left->extensibility == right->extensibility && left->bound == right->bound &&
-        left->dimensions == right->dimensions && equalCodes(left->content, right->content, path) &&
-        std::equal(left->members.begin(), left->members.end(), right->members.begin(), right->members.end(),
-                   [&path](const auto& a, const auto& b) { return equalMembers(a, b, path); });
-    path.pop_back();
-    return equal;
+    return left->kind == right->kind && left->name == right->name &&
+           left->extensibility == right->extensibility && left->bound == right->bound &&
+           left->dimensions == right->dimensions && equalCodes(left->content, right->content, compared) &&
+           std::equal(left->members.begin(), left->members.end(), right->members.begin(),
+                      right->members.end(),
+                      [&compared](const auto& a, const auto& b) { return equalMembers(a, b, compared); });
 }
 
 } // namespace
 
 bool DDS_TypeCode_equals(const DDS_TypeCode* left, const DDS_TypeCode* right) {
-    PairPath path;
-    return equalCodes(left, right, path);
+    ComparedPairs compared;
+    return equalCodes(left, right, compared);
 }

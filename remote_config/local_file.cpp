@@ -13,8 +13,7 @@
 #include <unistd.h>
 
 ROUTERLocalFile::ROUTERLocalFile(const char* path, const ZULTime& patience)
-    : descriptor_(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC)),
-      patience_(patience) {
+    : descriptor_(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC)), patience_(patience) {
     struct stat status {};
     isSilentPipe_ = isOpen() && fstat(descriptor_, &status) == 0 && S_ISFIFO(status.st_mode);
 }

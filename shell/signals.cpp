@@ -11,7 +11,8 @@
 
 namespace {
 
-// A write to a pipe without reader raises the signal that is being handled: left pending, it would be handled for ever.
+// A write to a pipe without reader raises the signal that is being handled: left pending, it would be handled
+// for ever.
 void takeBackBrokenPipe() {
     sigset_t brokenPipe;
     sigemptyset(&brokenPipe);

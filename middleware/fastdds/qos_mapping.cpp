@@ -70,7 +70,8 @@ void applyParticipantQos(const DDS_DomainParticipantQos& qos, fast::DomainPartic
 fast::DataWriterQos toLibrary(const DDS_DataWriterQos& qos) {
     fast::DataWriterQos library;
     applyCommon(qos, library);
-    library.reliable_writer_qos().times.heartbeatPeriod = toLibrary(qos.rtps_reliable_writer.heartbeat_period);
+    library.reliable_writer_qos().times.heartbeatPeriod =
+        toLibrary(qos.rtps_reliable_writer.heartbeat_period);
     // The library has no send window: with KEEP_ALL the history's `max_samples` is what bounds unacknowledged
     // samples.
     return library;

@@ -1,0 +1,135 @@
+#include "middleware/xml/type_grammar.h"
+
+#include <algorithm>
+
+namespace xml_types {
+
+namespace {
+
+#define ZUL_XML_DEFINITIONS                                                                                  \
+    "include const forward_dcl module struct union enum typedef valuetype sparse_valuetype"
+#define ZUL_XML_TYPE_OPTIONS "nonBasicTypeName stringMaxLength sequenceMaxLength arrayDimensions"
+
+// Lists are words with one blank between them.
+struct ElementForm {
+    std::string_view tag;
+    std::string_view required; // attributes
+    std::string_view optional; // attributes
+    std::string_view children;
+};
+constexpr ElementForm ELEMENTS[] = {
+    {"types", "", "", ZUL_XML_DEFINITIONS},
+    {"module", "name", "", ZUL_XML_DEFINITIONS},
+    {"include", "file", "", ""},
+    {"const", "name type value", "nonBasicTypeName", ""},
+    {"forward_dcl", "name kind", "", ""},
+    {"struct", "name", "baseType extensibility nested", "member"},
+    {"member", "name type", ZUL_XML_TYPE_OPTIONS " key optional id visibility", ""},
+    {"union", "name", "extensibility nested", "discriminator case"},
+    {"discriminator", "type", "nonBasicTypeName key", ""},
+    {"case", "", "", "caseDiscriminator member"},
+    {"caseDiscriminator", "value", "", ""},
+    {"enum", "name", "extensibility", "enumerator"},
+    {"enumerator", "name", "value", ""},
+    {"typedef", "name type", ZUL_XML_TYPE_OPTIONS, ""},
+    {"valuetype", "name", "baseType modifier extensibility", "member"},
+    {"sparse_valuetype", "name", "baseType modifier", "member"},
+};
+#undef ZUL_XML_DEFINITIONS
+#undef ZUL_XML_TYPE_OPTIONS
+
+// Attributes whose value is one of a few words.
+struct AttributeWords {
+    std::string_view attribute;
+    std::string_view words;
+};
+constexpr AttributeWords WORDS[] = {
+    {"key", "true false"},
+    {"optional", "true false"},
+    {"nested", "true false"},
+    {"visibility", "public private"},
+    {"modifier", "none custom abstract truncatable"},
+    {"extensibility", "final appendable extensible mutable"},
+    {"kind", "struct union enum valuetype sparse_valuetype"},
+};
+
+// Calls `visit` for each word of a list while it returns true.
+template <class Visit>
+bool eachWord(std::string_view list, const Visit& visit) {
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find(' '), list.size());
+        if (!visit(list.substr(0, end))) {
+            return false;
+        }
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return true;
+}
+
+bool contains(std::string_view list, std::string_view word) {
+    return !eachWord(list, [word](std::string_view each) { return each != word; });
+}
+
+// Letters, digits, "_" and "-", not starting with a digit or "-".
+bool isName(std::string_view text) {
+    const auto isLetter = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+    };
+    const auto isNamePart = [isLetter](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-';
+    };
+    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isNamePart);
+}
+
+bool checkAttribute(const ZULXMLObject& element, const ElementForm& form, const ZULXMLAttribute& given,
+                    ZULXMLError& error) {
+    const std::string name = given.name;
+    const std::string value = given.value;
+    if (!contains(form.required, name) && !contains(form.optional, name)) {
+        return error.set(element.line, "<" + std::string(form.tag) + "> has no attribute '" + name + "'");
+    }
+    for (const AttributeWords& row : WORDS) {
+        if (row.attribute == name && !contains(row.words, value)) {
+            std::string message = "the attribute " + name;
+            message.append(" is '").append(value).append("'; it must be one of: ").append(row.words);
+            return error.set(element.line, std::move(message));
+        }
+    }
+    return name != "name" || isName(value) ||
+           error.set(element.line, "'" + value + "' is no name; use letters, digits, '_' and '-'");
+}
+
+} // namespace
+
+bool checkForm(const ZULXMLObject& element, ZULXMLError& error) {
+    const auto* form =
+        std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),
+                     [&element](const ElementForm& row) { return row.tag == element.tagName; });
+    const std::string tag = "<" + std::string(element.tagName) + ">";
+    if (form == std::end(ELEMENTS)) {
+        return error.set(element.line, tag + " has no place in a types section");
+    }
+    if (element.text != nullptr) {
+        return error.set(element.line, tag + " must not hold text");
+    }
+    const bool hasRequired = eachWord(form->required, [&](std::string_view name) {
+        return ZULXMLObject_getAttribute(&element, name) != nullptr ||
+               error.set(element.line, tag + " needs the attribute '" + std::string(name) + "'");
+    });
+    if (!hasRequired) {
+        return false;
+    }
+    for (std::size_t i = 0; i < element.attributeCount; ++i) {
+        if (!checkAttribute(element, *form, element.attributes[i], error)) {
+            return false;
+        }
+    }
+    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
+        if (!contains(form->children, child->tagName)) {
+            return error.set(child->line, "<" + std::string(child->tagName) + "> cannot stand in " + tag);
+        }
+    }
+    return true;
+}
+
+} // namespace xml_types

@@ -1,0 +1,21 @@
+// The form of a types section: which attributes, words and children its elements take.
+#pragma once
+
+#include "middleware/xml/document.h"
+
+namespace xml_types {
+
+// Checks the element by itself, its children by their tags only. False, with the line and what is wrong, when
+// it does not follow the form.
+bool checkForm(const ZULXMLObject& element, ZULXMLError& error);
+
+// The value of an attribute that `checkForm` has found, or "" when it is not given.
+inline std::string_view attribute(const ZULXMLObject& element, std::string_view name) {
+    const char* value = ZULXMLObject_getAttribute(&element, name);
+    return value != nullptr ? std::string_view(value) : std::string_view();
+}
+inline bool isTrue(const ZULXMLObject& element, std::string_view name) {
+    return attribute(element, name) == "true";
+}
+
+} // namespace xml_types

@@ -1,0 +1,244 @@
+#include "middleware/xml/type_reader.h"
+
+#include "middleware/xml/parser.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+namespace xml_types {
+
+const TypeReader::Definition TypeReader::DEFINITIONS[] = {
+    {"include", &TypeReader::readInclude, DDS_TK_NULL},
+    {"module", &TypeReader::readModule, DDS_TK_NULL},
+    {"const", &TypeReader::readConstant, DDS_TK_NULL},
+    {"forward_dcl", &TypeReader::readForward, DDS_TK_NULL},
+    {"typedef", &TypeReader::readTypedef, DDS_TK_NULL},
+    {"enum", &TypeReader::readEnum, DDS_TK_ENUM},
+    {"struct", &TypeReader::readRecord, DDS_TK_STRUCT},
+    {"valuetype", &TypeReader::readRecord, DDS_TK_VALUE},
+    {"sparse_valuetype", &TypeReader::readRecord, DDS_TK_SPARSE},
+    {"union", &TypeReader::readUnion, DDS_TK_UNION},
+};
+
+const TypeReader::Definition* TypeReader::findDefinition(std::string_view tag) {
+    for (const Definition& definition : DEFINITIONS) {
+        if (definition.tag == tag) {
+            return &definition;
+        }
+    }
+    return nullptr;
+}
+
+bool TypeReader::read(const ZULXMLDocument& document) {
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(document.path.c_str(), nullptr), std::free);
+    if (real != nullptr) {
+        included_.insert(real.get());
+    }
+    if (!readSections(document, "") || !checkTypes(symbols_, error_)) {
+        return false;
+    }
+    for (const auto& [name, symbol] : symbols_.all()) {
+        if (symbol.kind == SymbolKind::TYPE) {
+            types_.byName.emplace(name, symbol.type);
+        }
+    }
+    return true;
+}
+
+bool TypeReader::readSections(const ZULXMLDocument& document, Scope scope) {
+    const ZULXMLDocument* outer = std::exchange(document_, &document);
+    bool isRead = true;
+    for (const ZULXMLObject* section = document.root->children.first; isRead && section != nullptr;
+         section = section->next) {
+        isRead = std::strcmp(section->tagName, "types") != 0 ||
+                 (checkForm(*section, error_) && readDefinitions(*section, scope));
+    }
+    document_ = outer;
+    return isRead;
+}
+
+bool TypeReader::readDefinitions(Element parent, Scope scope) {
+    for (const ZULXMLObject* child = parent.children.first; child != nullptr; child = child->next) {
+        if (!checkForm(*child, error_) || !(this->*findDefinition(child->tagName)->read)(*child, scope)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Each file is taken in once, so that files which include each other come to an end.
+bool TypeReader::readInclude(Element element, Scope scope) {
+    const std::string file(attribute(element, "file"));
+    if (document_->path.empty()) {
+        return fail(element, "include works only in a document that is read from a file");
+    }
+    const std::size_t slash = document_->path.rfind('/');
+    const bool isRelative = !file.starts_with('/') && slash != std::string::npos;
+    const std::string path = isRelative ? document_->path.substr(0, slash + 1) + file : file;
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
+    if (real == nullptr) {
+        return fail(element, "cannot include '" + file + "': " + std::system_category().message(errno));
+    }
+    if (included_.size() >= INCLUDES_MAX) {
+        return fail(element, "more than " + std::to_string(INCLUDES_MAX) + " files are included");
+    }
+    if (!included_.insert(real.get()).second) {
+        return true;
+    }
+    const std::unique_ptr<ZULXMLDocument, void (*)(ZULXMLDocument*)> other(
+        ZULXMLParser_readFile(nullptr, real.get()), ZULXMLDocument_delete);
+    if (other == nullptr) {
+        return fail(element, "out of memory");
+    }
+    if (other->root == nullptr) {
+        error_ = other->error;
+    } else if (readSections(*other, scope)) {
+        return true;
+    }
+    error_.text = "in '" + file + "', line " + std::to_string(error_.line) + ": " + error_.text;
+    error_.line = element.line;
+    return false;
+}
+
+bool TypeReader::readModule(Element element, Scope scope) {
+    const std::string name = scopedName(scope, attribute(element, "name"));
+    const Symbol* known = symbols_.find(name);
+    const bool isReopened = known != nullptr && known->kind == SymbolKind::MODULE;
+    return (isReopened ||
+            symbols_.add(name, {.kind = SymbolKind::MODULE, .line = element.line}, error_) != nullptr) &&
+           readDefinitions(element, name);
+}
+
+bool TypeReader::readConstant(Element element, Scope scope) {
+    Symbol constant{.kind = SymbolKind::CONSTANT, .line = element.line, .isDiscrete = true};
+    const std::string text(attribute(element, "value"));
+    const Symbol* other = symbols_.resolve(scope, text);
+    const bool namesConstant = other != nullptr && other->kind == SymbolKind::CONSTANT;
+    const DDS_TypeCode* type = elementTypeOf(element, scope);
+    if (type == nullptr) {
+        return false;
+    }
+    type = underlyingType(type);
+    bool isValid = false;
+    if (type->kind == DDS_TK_ENUM) {
+        isValid = namesConstant && other->enumeration == type;
+        constant.value = isValid ? other->value : Integer{};
+        constant.enumeration = type;
+    } else if (const TypeWord* word = findTypeWord(attribute(element, "type")); word == nullptr) {
+        return fail(element, "a const is of a basic type or an enum");
+    } else if (word->isDiscrete()) {
+        const std::optional<Integer> value = valueOf(*word, scope, text);
+        isValid = value.has_value();
+        constant.value = value.value_or(Integer{});
+    } else {
+        isValid = namesConstant || isOtherLiteral(*word, text);
+        constant.isDiscrete = false;
+    }
+    if (!isValid) {
+        return fail(element, "'" + text + "' is no value of the type of this const");
+    }
+    return symbols_.add(scopedName(scope, attribute(element, "name")), constant, error_) != nullptr;
+}
+
+bool TypeReader::readForward(Element element, Scope scope) {
+    const std::string name = scopedName(scope, attribute(element, "name"));
+    const DDS_TCKind kind = findDefinition(attribute(element, "kind"))->kind;
+    const Symbol* known = symbols_.find(name);
+    if (known != nullptr && known->kind == SymbolKind::TYPE && known->type->kind == kind) {
+        return true; // announced once more
+    }
+    const Symbol symbol{
+        .kind = SymbolKind::TYPE, .line = element.line, .type = newCode({.kind = kind, .name = name})};
+    return symbols_.add(name, symbol, error_) != nullptr;
+}
+
+Symbol* TypeReader::beginType(Element element, Scope scope, DDS_TCKind kind) {
+    const std::string name = scopedName(scope, attribute(element, "name"));
+    Symbol* symbol = symbols_.find(name);
+    const bool isAnnounced = symbol != nullptr && symbol->kind == SymbolKind::TYPE && !symbol->isDefined &&
+                             symbol->type->kind == kind;
+    if (isAnnounced) {
+        symbol->line = element.line;
+    } else {
+        symbol = symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line}, error_);
+        if (symbol == nullptr) {
+            return nullptr;
+        }
+        symbol->type = newCode({.kind = kind, .name = name});
+    }
+    const std::string_view word = attribute(element, "extensibility");
+    symbol->type->extensibility = word == "final"     ? DDS_FINAL_EXTENSIBILITY
+                                  : word == "mutable" ? DDS_MUTABLE_EXTENSIBILITY
+                                                      : DDS_EXTENSIBLE_EXTENSIBILITY;
+    return symbol;
+}
+
+bool TypeReader::readTypedef(Element element, Scope scope) {
+    const DDS_TypeCode* type = typeOf(element, scope);
+    Symbol* symbol = type != nullptr ? beginType(element, scope, DDS_TK_ALIAS) : nullptr;
+    if (symbol == nullptr) {
+        return false;
+    }
+    symbol->type->content = type;
+    symbol->isDefined = true;
+    return true;
+}
+
+// Enumerators are names of the scope in which their enum stands.
+bool TypeReader::readEnum(Element element, Scope scope) {
+    Symbol* symbol = beginType(element, scope, DDS_TK_ENUM);
+    if (symbol == nullptr) {
+        return false;
+    }
+    std::set<std::int32_t> values;
+    Integer next;
+    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
+        if (!checkForm(*child, error_)) {
+            return false;
+        }
+        const std::string_view text = attribute(*child, "value");
+        const bool isGiven = ZULXMLObject_getAttribute(child, "value") != nullptr;
+        const std::optional<Integer> value = isGiven ? integerOf(scope, text) : next;
+        const std::optional<std::int32_t> number = value ? toInt32(*value) : std::nullopt;
+        if (!number || !values.insert(*number).second) {
+            return fail(
+                *child,
+                "the value of this enumerator must be a 32-bit integer or a const, used once in the enum");
+        }
+        symbol->type->members.push_back({.name = std::string(attribute(*child, "name")),
+                                         .id = static_cast<std::int32_t>(symbol->type->members.size()),
+                                         .value = *number});
+        const Symbol enumerator{.kind = SymbolKind::CONSTANT,
+                                .line = child->line,
+                                .isDiscrete = true,
+                                .value = *value,
+                                .enumeration = symbol->type};
+        if (symbols_.add(scopedName(scope, attribute(*child, "name")), enumerator, error_) == nullptr) {
+            return false;
+        }
+        next = value->negative ? Integer{value->magnitude > 1, value->magnitude - 1}
+                               : Integer{false, value->magnitude + 1};
+    }
+    symbol->isDefined = true;
+    return !symbol->type->members.empty() || fail(element, "an enum needs an enumerator");
+}
+
+} // namespace xml_types
+
+bool ZULXMLTypeReader_read(const ZULXMLDocument* document, ZULXMLTypeSet* types, ZULXMLError* error) {
+    return xml_types::TypeReader(*types, *error).read(*document);
+}
+
+ZULXMLTypesStatus ZULXMLTypeReader_check(const void* data, std::size_t size, ZULXMLError* error) {
+    const std::unique_ptr<ZULXMLDocument, void (*)(ZULXMLDocument*)> document(
+        ZULXMLParser_readText(nullptr, {static_cast<const char*>(data), size}), ZULXMLDocument_delete);
+    if (document == nullptr || document->root == nullptr) {
+        *error = document != nullptr ? document->error : ZULXMLError{0, "out of memory"};
+        return ZUL_XML_TYPES_BAD_DOCUMENT;
+    }
+    ZULXMLTypeSet types;
+    return ZULXMLTypeReader_read(document.get(), &types, error) ? ZUL_XML_TYPES_OK
+                                                                : ZUL_XML_TYPES_BAD_DEFINITION;
+}

@@ -1,0 +1,207 @@
+#include "middleware/xml/type_reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace xml_types {
+
+// Members of a sparse value type are recognised by their ids and need not be there, keys excepted.
+bool TypeReader::readRecord(Element element, Scope scope) {
+    Symbol* symbol = beginType(element, scope, findDefinition(element.tagName)->kind);
+    if (symbol == nullptr) {
+        return false;
+    }
+    DDS_TypeCode& code = *symbol->type;
+    if (code.kind == DDS_TK_SPARSE) {
+        code.extensibility = DDS_MUTABLE_EXTENSIBILITY;
+    }
+    const bool hasMembers = element.children.count > 0;
+    if (hasMembers && attribute(element, "modifier") == "abstract") {
+        return fail(element, "an abstract value type has no members");
+    }
+    Record record;
+    if (!readBase(element, scope, code, record)) {
+        return false;
+    }
+    if (code.kind == DDS_TK_STRUCT && !hasMembers && code.content == nullptr) {
+        return fail(element, "a struct without a baseType needs a member");
+    }
+    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
+        if (!readMember(*child, scope, code, record)) {
+            return false;
+        }
+    }
+    records_.emplace(&code, std::move(record));
+    symbol->isDefined = true;
+    return true;
+}
+
+bool TypeReader::readBase(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
+    if (ZULXMLObject_getAttribute(&element, "baseType") == nullptr) {
+        return true;
+    }
+    const DDS_TypeCode* base = underlyingType(namedType(element, scope, "baseType", true));
+    if (base == nullptr) {
+        return false;
+    }
+    if (base->kind != code.kind) {
+        return fail(element, "the baseType of a " + std::string(element.tagName) + " must be one itself");
+    }
+    const auto found = records_.find(base);
+    if (found == records_.end()) {
+        return fail(element, "the baseType must be defined before this use, not only announced");
+    }
+    record.base = &found->second;
+    record.bases = found->second.bases + 1;
+    record.nextId = found->second.nextId;
+    code.content = base;
+    return record.bases <= BASES_MAX || fail(element, "more than " + std::to_string(BASES_MAX) +
+                                                          " types stand above each other as baseType");
+}
+
+// A member of `code`, its key and optional marks left aside: those mean nothing inside a union.
+bool TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
+    if (!checkForm(element, error_)) {
+        return false;
+    }
+    DDS_TypeCodeMember member{.name = std::string(attribute(element, "name"))};
+    std::optional<Integer> id = Integer{false, record.nextId};
+    if (ZULXMLObject_getAttribute(&element, "id") != nullptr) {
+        id = integerOf(scope, attribute(element, "id"));
+    }
+    if (!id || id->negative || id->magnitude > MEMBER_ID_MAX) {
+        return fail(element,
+                    "the id of a member must be a number from 0 to " + std::to_string(MEMBER_ID_MAX));
+    }
+    for (const Record* each = &record; each != nullptr; each = each->base) {
+        if (each->names.contains(member.name) || each->ids.contains(id->magnitude)) {
+            return fail(element, "the name or id of member '" + member.name + "' is used twice in its type");
+        }
+    }
+    member.type = typeOf(element, scope);
+    if (member.type == nullptr) {
+        return false;
+    }
+    member.id = static_cast<std::int32_t>(id->magnitude);
+    record.names.insert(member.name);
+    record.ids.insert(id->magnitude);
+    record.nextId = id->magnitude + 1;
+    if (code.kind != DDS_TK_UNION) {
+        member.isKey = isTrue(element, "key");
+        if (member.isKey && isTrue(element, "optional")) {
+            return fail(element, "a key member cannot be optional");
+        }
+        member.isRequired = member.isKey || (code.kind != DDS_TK_SPARSE && !isTrue(element, "optional"));
+    }
+    code.members.push_back(std::move(member));
+    return true;
+}
+
+bool TypeReader::readUnion(Element element, Scope scope) {
+    Symbol* symbol = beginType(element, scope, DDS_TK_UNION);
+    if (symbol == nullptr) {
+        return false;
+    }
+    const ZULXMLObject* child = element.children.first;
+    if (child == nullptr || std::strcmp(child->tagName, "discriminator") != 0 || element.children.count < 2) {
+        return fail(element, "a union is a discriminator followed by at least one case");
+    }
+    Discriminator discriminator{};
+    Record record;
+    if (!readDiscriminator(*child, scope, *symbol->type, discriminator)) {
+        return false;
+    }
+    while ((child = child->next) != nullptr) {
+        if (!readCase(*child, scope, *symbol->type, discriminator, record)) {
+            return false;
+        }
+    }
+    symbol->isDefined = true;
+    return true;
+}
+
+bool TypeReader::readDiscriminator(Element element, Scope scope, DDS_TypeCode& code,
+                                   Discriminator& discriminator) {
+    code.content = checkForm(element, error_) ? elementTypeOf(element, scope) : nullptr;
+    if (code.content == nullptr) {
+        return false;
+    }
+    discriminator.underlying = underlyingType(code.content);
+    const TypeWord* word = findTypeWord(attribute(element, "type"));
+    discriminator.word = word != nullptr ? word : discreteTypeWord(discriminator.underlying->kind);
+    const bool isEnum =
+        discriminator.underlying->kind == DDS_TK_ENUM && !discriminator.underlying->members.empty();
+    return isEnum || (discriminator.word != nullptr && discriminator.word->isDiscrete()) ||
+           fail(element,
+                "a discriminator is a boolean, a byte, a character, an integer or an enum defined before it");
+}
+
+bool TypeReader::readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
+                          Record& record) {
+    if (std::strcmp(element.tagName, "case") != 0 || !checkForm(element, error_)) {
+        return fail(element, "a union has one discriminator, which comes first");
+    }
+    DDS_TypeCodeMember branch;
+    const ZULXMLObject* child = element.children.first;
+    for (; child != nullptr && std::strcmp(child->tagName, "caseDiscriminator") == 0; child = child->next) {
+        if (!checkForm(*child, error_) || !readLabel(*child, scope, discriminator, branch)) {
+            return false;
+        }
+    }
+    if (child == nullptr || child == element.children.first || child->next != nullptr) {
+        return fail(element, "a case is one or more caseDiscriminator elements followed by one member");
+    }
+    if (!readMember(*child, scope, code, record)) {
+        return false;
+    }
+    code.members.back().labels = std::move(branch.labels);
+    code.members.back().isDefault = branch.isDefault;
+    return true;
+}
+
+namespace {
+
+// The value of the enumerator of that name or number.
+std::optional<std::int32_t> enumeratorValue(const DDS_TypeCode& enumeration, const std::string& text) {
+    const std::optional<Integer> number = parseInteger(text);
+    for (const DDS_TypeCodeMember& enumerator : enumeration.members) {
+        const std::int64_t value = enumerator.value;
+        const Integer same{value < 0, static_cast<std::uint64_t>(value < 0 ? -value : value)};
+        if (number ? *number == same : enumerator.name == text) {
+            return enumerator.value;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+// Labels are kept in 32 bits; those of an unsigned 32-bit discriminator with the same bits.
+bool TypeReader::readLabel(Element element, Scope scope, Discriminator& discriminator,
+                           DDS_TypeCodeMember& branch) {
+    const std::string text(attribute(element, "value"));
+    if (text == "default") {
+        branch.isDefault = true;
+        return !std::exchange(discriminator.hasDefault, true) ||
+               fail(element, "a union has one default at most");
+    }
+    std::optional<std::int32_t> label;
+    if (discriminator.word == nullptr) {
+        const Symbol* symbol = symbols_.resolve(scope, text);
+        const bool isOwn = symbol != nullptr && symbol->enumeration == discriminator.underlying;
+        label = isOwn ? toInt32(symbol->value) : enumeratorValue(*discriminator.underlying, text);
+    } else if (const std::optional<Integer> value = valueOf(*discriminator.word, scope, text)) {
+        label = discriminator.word->kind == DDS_TK_ULONG
+                    ? std::optional(static_cast<std::int32_t>(static_cast<std::uint32_t>(value->magnitude)))
+                    : toInt32(*value);
+    }
+    if (!label) {
+        return fail(element, "'" + text + "' is no value of the discriminator's type that fits in 32 bits");
+    }
+    branch.labels.push_back(*label);
+    return discriminator.labels.insert(*label).second ||
+           fail(element, "the label '" + text + "' selects two cases");
+}
+
+} // namespace xml_types

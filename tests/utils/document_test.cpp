@@ -1,0 +1,142 @@
+// Documents: what the tree holds, and hostile ones: refused with a line, in bounded memory and time.
+#include "middleware/heap.h"
+#include "tests/middleware/captured_log.h"
+#include "tests/utils/documents.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+namespace {
+
+std::string repeat(std::string_view text, std::size_t count) {
+    std::string all;
+    all.reserve(text.size() * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+// KiB, of the process so far.
+long peakMemory() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST(Documents, TheTreeHoldsWhatTheTextSays) {
+    const DocumentPtr document = readText("<?xml version='1.0' encoding='ISO-8859-1'?>\n"
+                                          "<!DOCTYPE dds SYSTEM 'routing_service.dtd'>\n"
+                                          "<dds xmlns:x='urn:x' x:note='1 &lt; 2'><!-- remark -->\n"
+                                          "<a name='one'> some <b/>\n<![CDATA[<text>]]> \xE4&#33; </a><a/>\n"
+                                          "<c name='one'/></dds>");
+    ASSERT_NE(document->root, nullptr) << document->error.text;
+    const ZULXMLObject& root = *document->root;
+    EXPECT_STREQ(root.fullName, "::dds");
+    EXPECT_STREQ(ZULXMLObject_getAttribute(&root, "x:note"), "1 < 2");
+    ASSERT_EQ(root.children.count, 3u);
+    const ZULXMLObject* one = ZULXMLObject_findChild(&root, "one");
+    ASSERT_EQ(one, root.children.first);
+    EXPECT_STREQ(one->text, "some \n<text> \xC3\xA4!");
+    EXPECT_STREQ(one->children.first->fullName, "::dds::one::b#1");
+    EXPECT_EQ(one->line, 4);
+    EXPECT_STREQ(one->next->name, "a#2");
+    EXPECT_STREQ(root.children.last->name, "one#3");
+    EXPECT_EQ(root.children.last->context, document.get());
+    EXPECT_EQ(root.children.last->line, 6);
+}
+
+TEST(Documents, ElementsOfARegisteredClassAreMadeByIt) {
+    const ZULXMLExtensionClass quoted{"b", [](const ZULXMLExtensionClass* self, ZULXMLObject* parent,
+                                              const char* name, std::span<const ZULXMLAttribute>) {
+                                          const ZULXMLAttribute mark{"class", self->tagName};
+                                          return ZULXMLObject_new(self->tagName, name, parent, {&mark, 1});
+                                      }};
+    ZULXMLParser parser;
+    ASSERT_TRUE(ZULXMLParser_initialize(&parser));
+    ASSERT_TRUE(ZULXMLExtensionRegistry_add(&parser.registry, &quoted));
+    EXPECT_FALSE(ZULXMLExtensionRegistry_add(&parser.registry, &quoted));
+    const DocumentPtr document(ZULXMLParser_parseText(&parser, "<dds><a x='1'/><b x='1'/></dds>"),
+                               ZULXMLDocument_delete);
+    ASSERT_NE(document->root, nullptr);
+    EXPECT_STREQ(ZULXMLObject_getAttribute(document->root->children.first, "x"), "1");
+    EXPECT_STREQ(ZULXMLObject_getAttribute(document->root->children.last, "class"), "b");
+    EXPECT_EQ(ZULXMLObject_getAttribute(document->root->children.last, "x"), nullptr);
+    ZULXMLParser_finalize(&parser);
+}
+
+TEST(Documents, EveryFailedAllocationLeavesADocumentWithoutRoot) {
+    CapturedLog log;
+    bool isRead = false;
+    for (long count = 0; !isRead; ++count) {
+        ZULHeap_failAfter(count);
+        const DocumentPtr document = readText("<dds><a name='x' y='z'>text</a></dds>");
+        ZULHeap_failAfter(-1);
+        isRead = document->root != nullptr;
+        ASSERT_TRUE(isRead || document->error.text == "out of memory") << document->error.text;
+        ASSERT_LT(count, 100);
+    }
+}
+
+TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
+    CapturedLog log;
+    const std::string open = "<dds>\n";
+    const std::string bomb =
+        "<!DOCTYPE dds [\n<!ENTITY a 'aaaaaaaaaa'>\n<!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>]>\n"
+        "<dds>&b;</dds>";
+    const std::string longName(ZUL_XML_NAME_MAX + 1, 'n');
+    const std::string mib(1 << 20, 'x');
+    const struct {
+        std::string text;
+        int line;
+        const char* reason;
+    } rows[] = {
+        {open + repeat("<a>\n", 10000) + repeat("</a>", 10000) + "</dds>", 65, "more than 64 levels"},
+        {open + repeat("<element note='some words that take room'/>", 2500000), 2,
+         "longer than 4194304 bytes"},
+        {open + repeat(" ", 100u << 20), 2, "longer than 4194304 bytes"},
+        {open + repeat("<a/>\n", ZUL_XML_ELEMENTS_MAX) + "</dds>", 131073, "more than 131072 elements"},
+        {open + "<" + mib, 2, "longer than 65536 bytes"},
+        {open + "<a b='" + mib + "'/></dds>", 2, "longer than 65536 bytes"},
+        {open + "<!--" + mib + "--></dds>", 2, "longer than 65536 bytes"},
+        {open + "<a " + repeat("b='' ", 12000) + "/></dds>", 2, "Attribute b redefined"},
+        {open + "<a name='" + std::string(250, 'x') + "'>" + repeat("<b/>", 80000) + "</a></dds>", 2,
+         "too long in all"},
+        {bomb, 2, "must not declare entities"},
+        {"<!DOCTYPE dds [\n<!ENTITY a SYSTEM 'file:///etc/hostname'>]><dds>&a;</dds>", 2, "must not declare"},
+        {"<!DOCTYPE dds [\n<!ENTITY % a SYSTEM 'http://127.0.0.1/'> %a;]><dds/>", 2, "must not declare"},
+        {"<!DOCTYPE dds [\n<!ATTLIST a b CDATA 'x'>]><dds/>", 2, "must not declare"},
+        {"<!DOCTYPE dds SYSTEM 'x.dtd'>\n<dds>&a;</dds>", 2, "Entity 'a' not defined"},
+        {open + "<a>\xC3\x28</a></dds>", 2, "UTF-8"},
+        {open + "<a b='\xFF'/></dds>", 2, "UTF-8"},
+        {open + "\n<a name='\xED\xA0\x80'/></dds>", 3, ""},
+        {open + std::string("<a>\0</a></dds>", 15), 2, ""},
+        {open + "<a>\n</b></dds>", 3, "mismatch"},
+        {open + "<a name=''/></dds>", 2, "1 to 255 characters"},
+        {open + "<a name='" + longName + "'/></dds>", 2, "1 to 255 characters"},
+        {open + "<" + longName + "/></dds>", 2, "longer than 255"},
+        {open + "<a name='a#3'/><a name='a'/>\n<a name='a'/></dds>", 3, "used twice"},
+        {open, 2, "Premature end"},
+        {"<dds/>\n<dds/>", 2, "Extra content"},
+        {"", 1, ""},
+    };
+    const long before = peakMemory();
+    for (const auto& row : rows) {
+        const std::string head = row.text.substr(0, 60);
+        const DocumentPtr document = readText(row.text);
+        ASSERT_EQ(document->root, nullptr) << head;
+        EXPECT_EQ(document->error.line, row.line) << head << ": " << document->error.text;
+        EXPECT_NE(document->error.text.find(row.reason), std::string::npos)
+            << head << ": " << document->error.text;
+        EXPECT_FALSE(document->error.text.empty());
+        EXPECT_NE(log.take().find("XML line " + std::to_string(row.line)), std::string::npos);
+    }
+    EXPECT_LT(peakMemory() - before, 256 << 10); // the texts themselves were there before
+    for (const char* path : {"/nonexistent/file.xml", "/dev/zero", "/"}) {
+        const DocumentPtr document = readFile(path);
+        EXPECT_EQ(document->root, nullptr);
+        EXPECT_NE(document->error.text.find(path), std::string::npos);
+    }
+}
+
+} // namespace

@@ -1,0 +1,62 @@
+#include "utils/naming.h"
+
+#include "product/log_masks.h"
+
+#include <string_view>
+
+namespace {
+constexpr int COMPONENT_START = 4; // colons before the component text
+constexpr std::string_view SCOPE = "::";
+} // namespace
+
+char* ROUTERUtils_makeNameI(const char* serviceName, const char* qualifiedEntityName, int level) {
+    if (serviceName == nullptr || qualifiedEntityName == nullptr || *qualifiedEntityName == '\0') {
+        return nullptr;
+    }
+    const int lastColon = 2 * level + 3;
+    const char* start = nullptr;
+    // The first character counts as a colon whatever it is, deliberately.
+    int colons = 1;
+    const char* end = qualifiedEntityName + 1;
+    for (; *end != '\0'; ++end) {
+        colons += *end == ':' ? 1 : 0;
+        if (colons == lastColon) {
+            break;
+        }
+        if (start == nullptr && colons == COMPONENT_START) {
+            start = end + 1;
+        }
+    }
+    if (start == nullptr || *end == '\0') {
+        return nullptr;
+    }
+    const std::string_view parts[] = {
+        SCOPE, serviceName, SCOPE, {start, static_cast<std::size_t>(end - start)}};
+    std::size_t length = 0;
+    for (const std::string_view part : parts) {
+        length += part.size();
+    }
+    char* name = DDS_String_alloc(length);
+    if (name == nullptr) {
+        ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_OUT_OF_HEAP_STRING_d, length);
+        return nullptr;
+    }
+    char* place = name;
+    for (const std::string_view part : parts) {
+        place += part.copy(place, part.size());
+    }
+    return name;
+}
+
+char* ROUTERUtils_makeDomainRouteName(const char* serviceName, const char* qualifiedEntityName) {
+    return ROUTERUtils_makeNameI(serviceName, qualifiedEntityName, 1);
+}
+
+char* ROUTERUtils_makeSessionName(const char* serviceName, const char* qualifiedEntityName) {
+    return ROUTERUtils_makeNameI(serviceName, qualifiedEntityName, 2);
+}
+
+const char* ROUTERUtils_removeScopeChars(const char* name) {
+    const bool isScoped = name != nullptr && std::string_view(name).starts_with(SCOPE);
+    return isScoped ? name + SCOPE.size() : name;
+}

@@ -1,0 +1,5 @@
+#include "utils/platform.h"
+
+bool ROUTERUtils_isFileSystemSupported() {
+    return true;
+}
