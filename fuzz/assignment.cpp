@@ -1,0 +1,20 @@
+// An assignment becomes nothing, or an inline XML URL in which no character of the value stands unescaped.
+#include "middleware/strings.h"
+#include "remote_config/assignment.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    const ZULStringPtr snippet(ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet(text.c_str()));
+    if (snippet != nullptr) {
+        const std::string_view url = snippet.get();
+        const bool isQuoted = url.starts_with("str://\"<") && url.ends_with(">\"");
+        if (!isQuoted || text.find('=') == std::string::npos) {
+            std::abort();
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,176 @@
+// The reader: its delivery thread, takes and loans.
+#include "tests/fake_dds/fake_dds.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstring>
+
+using namespace fake_dds;
+
+namespace {
+
+constexpr char POISON = '\x5A';
+
+Response* makeResponse(const Answer& answer) {
+    using Kind = ZUL_RoutingService_Administration_CommandResponseKind;
+    Response* response = ZUL_RoutingService_Administration_CommandResponseTypeSupport_create_data();
+    response->id = answer.id;
+    response->kind = static_cast<Kind>(answer.kind);
+    response->is_final = answer.isFinal ? 1 : 0;
+    DDS_String_free(response->message); // whose bound the answer's message may exceed
+    response->message = DDS_String_dup(answer.message.c_str());
+    return response;
+}
+
+void release(void* sample) {
+    auto* response = static_cast<Response*>(sample);
+    response->id = {0x5A5A5A5A, 0x5A5A5A5A, 0x5A5A5A5A};
+    std::memset(response->message, POISON, std::strlen(response->message));
+    ZUL_RoutingService_Administration_CommandResponseTypeSupport_delete_data(response);
+}
+
+} // namespace
+
+void DDS_DataReader::start() {
+    sigset_t all;
+    sigset_t previous;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &previous);
+    thread = std::thread([this] { run(); });
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+}
+
+void DDS_DataReader::stop() {
+    {
+        const std::lock_guard lock(world().mutex);
+        isStopping = true;
+        change.notify_all();
+    }
+    if (thread.joinable()) {
+        thread.join();
+    }
+}
+
+void DDS_DataReader::run() {
+    std::unique_lock lock(world().mutex);
+    for (;;) {
+        change.wait(lock, [this] { return isStopping || isPending; });
+        if (isStopping) {
+            return;
+        }
+        isPending = false;
+        isBusy = true;
+        lock.unlock();
+        listener.on_data_available(listener.listener_data, this);
+        lock.lock();
+        isBusy = false;
+        change.notify_all();
+    }
+}
+
+DDS_DataReader::~DDS_DataReader() {
+    for (const Sample& sample : available) {
+        release(sample.response);
+    }
+    for (const auto& [address, samples] : loans) {
+        for (void* sample : samples) {
+            release(sample);
+        }
+    }
+}
+
+DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
+                                                     DDS_SampleInfoSeq* infos,
+                                                     const DDS_ReadOrTakeParams& params,
+                                                     DDS_ReceivedSamples* received) {
+    char arguments[64];
+    std::snprintf(arguments, sizeof(arguments), "max=%d states=%x/%x/%x%s", params.max_samples,
+                  params.sample_states, params.view_states, params.instance_states,
+                  data.maximum == 0 ? " loan" : "");
+    const DDS_ReturnCode_t code = world().note(params.take ? "take" : "read", arguments);
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
+    {
+        const std::lock_guard lock(world().mutex);
+        const auto count = static_cast<DDS_Long>(self->available.size());
+        if (count == 0) {
+            return DDS_RETCODE_NO_DATA;
+        }
+        if (!ZULSequence::ensure_length(infos, count, count, __func__)) {
+            return DDS_RETCODE_OUT_OF_RESOURCES;
+        }
+        std::vector<void*> samples;
+        for (const DDS_DataReader::Sample& sample : self->available) {
+            ZULSequence::at(*infos, static_cast<DDS_Long>(samples.size())).valid_data = sample.isValid;
+            samples.push_back(sample.response);
+        }
+        self->available.clear();
+        *received = {.is_loan = true, .samples = samples.data(), .count = count};
+        self->loans.emplace(received->samples, std::move(samples));
+        ++world().openLoans;
+    }
+    world().call(&Hooks::onTaken);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long count,
+                                                    DDS_SampleInfoSeq*) {
+    world().call(&Hooks::onReturnLoan);
+    const DDS_ReturnCode_t code = world().note("return_loan", std::to_string(count));
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
+    const std::lock_guard lock(world().mutex);
+    const auto loan = self->loans.find(samples);
+    if (loan == self->loans.end() || static_cast<std::size_t>(count) != loan->second.size()) {
+        ++world().wrongReturns;
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
+    }
+    for (void* sample : loan->second) {
+        release(sample);
+    }
+    self->loans.erase(loan);
+    --world().openLoans;
+    ++world().returnedLoans;
+    return DDS_RETCODE_OK;
+}
+
+const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self) {
+    return world().readerTypeName != nullptr ? world().readerTypeName : self->plugin.typeName;
+}
+
+namespace fake_dds {
+
+DDS_DataReader* World::reader() {
+    for (const auto& participant : participants) {
+        if (participant->isEnabled && !participant->readers.empty()) {
+            return participant->readers.front().get();
+        }
+    }
+    return nullptr;
+}
+
+bool deliver(const std::vector<Answer>& answers) {
+    const std::lock_guard lock(world().mutex);
+    DDS_DataReader* target = world().reader();
+    if (target == nullptr) {
+        return false;
+    }
+    for (const Answer& answer : answers) {
+        target->available.push_back({makeResponse(answer), answer.isValid});
+    }
+    target->isPending = true;
+    target->change.notify_all();
+    return true;
+}
+
+bool awaitIdle() {
+    std::unique_lock lock(world().mutex);
+    DDS_DataReader* target = world().reader();
+    return target == nullptr || target->change.wait_for(lock, std::chrono::seconds(30), [target] {
+        return !target->isBusy && !target->isPending;
+    });
+}
+
+} // namespace fake_dds
