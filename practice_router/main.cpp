@@ -10,9 +10,11 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -38,6 +40,16 @@ bool loadStartDocument(PracticeRouter& router, const std::string& file, std::str
     const PracticeAnswer answer = PracticeConfiguration_loadFirst(router.configuration, xml);
     error = (file.empty() ? "the builtin default configuration" : file) + ": " + answer.text;
     return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
+}
+
+// A standard stream that is closed must not become the descriptor of a socket or file that log lines would go
+// into.
+void keepStandardStreams() {
+    int descriptor = open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+        descriptor = open("/dev/null", O_RDWR);
+    }
+    close(descriptor);
 }
 
 // The whole path of an existing directory; empty when it is none.
@@ -85,6 +97,7 @@ int run(const PracticeOptions& options, PracticeRouter& router) {
 } // namespace
 
 int main(int argc, char** argv) {
+    keepStandardStreams();
     PracticeOptions options;
     std::string error;
     if (!PracticeOptions_parse(options, argc, argv, error)) {

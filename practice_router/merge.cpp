@@ -49,13 +49,11 @@ void mergeAttributes(xmlNode* target, const xmlNode* source) {
 }
 
 bool mergeLeaf(xmlNode* target, const xmlNode* source, std::string& error) {
-    xmlChar* content = xmlNodeGetContent(source);
-    const std::string text = content != nullptr ? reinterpret_cast<const char*>(content) : "";
-    xmlFree(content);
+    const std::string text = PracticeNode_text(source);
     if (PracticeNode_firstChild(target) == nullptr) {
         return PracticeNode_setText(target, text) || failed(error, "out of memory");
     }
-    return PracticeNode_text(source).empty() ||
+    return text.empty() ||
            failed(error, describe(target) + " holds elements and cannot be set to a text; name one of them");
 }
 
@@ -134,9 +132,24 @@ bool mergeChild(xmlNode* target, xmlNode* child, std::string& error) {
     return merge(candidates.back(), child, error); // of a repeated setting the last one counts
 }
 
+// Blanks and line ends around a value do not count; a typed line leaves some.
+bool trimValues(xmlNode* node, std::string& error) {
+    xmlNode* child = PracticeNode_firstChild(node);
+    if (child == nullptr) {
+        return PracticeNode_setText(node, PracticeNode_text(node)) || failed(error, "out of memory");
+    }
+    while (child != nullptr && trimValues(child, error)) {
+        child = PracticeNode_next(child);
+    }
+    return child == nullptr;
+}
+
 } // namespace
 
 bool PracticeMerge_apply(xmlNode* target, xmlNode* snippet, std::string& error) {
+    if (!trimValues(snippet, error)) {
+        return false;
+    }
     const bool isService = PracticeEntity_level(PracticeNode_tag(target)) == PracticeEntityLevel::SERVICE;
     if (isService && PracticeNode_tag(snippet) == PracticeNode_tag(target->parent)) {
         return merge(target->parent, snippet, error);

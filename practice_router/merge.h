@@ -1,5 +1,6 @@
 // Merging an XML snippet into a document: elements are matched by tag and name attribute, the values of
-// leaves replaced. Works on a document of the caller's that is thrown away when a merge fails half way.
+// leaves replaced (without the blanks around them, which do not count). Works on a document of the caller's
+// that is thrown away when a merge fails half way.
 #pragma once
 
 #include <libxml/tree.h>

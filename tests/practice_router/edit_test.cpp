@@ -77,16 +77,16 @@ TEST_F(Router, UpdatesWhatASnippetNames) {
     const Case cases[] = {
         {"D", "<domain_route><participant_1><domain_id>5</domain_id></participant_1></domain_route>",
          "<domain_id>5</domain_id>"},
-        {"D", "<participant_2><domain_id> 7</domain_id></participant_2>", "<domain_id> 7</domain_id>"},
+        {"D", "<participant_2><domain_id> 7</domain_id></participant_2>", "<domain_id>7</domain_id>"},
         {"", "<domain_route><E><participant_2><domain_id>9</domain_id></participant_2></E></domain_route>",
          "<domain_id>9</domain_id>"},
         {"", "<routing_service><administration><domain_id> 8</domain_id></administration></routing_service>",
-         "<administration><domain_id> 8</domain_id></administration>"},
+         "<administration><domain_id>8</domain_id></administration>"},
         // A name as a tag: behind the entity's own tag, whether the entity is the target or inside it.
         {"D::s1",
-         "<session><s1><property><value><element><name>a</name><value> a&lt;b </value></element></value>"
+         "<session><s1><property><value><element><name>a</name><value> a&lt;b \n</value></element></value>"
          "</property></s1></session>",
-         "<element><name>a</name><value> a&lt;b </value></element>"},
+         "<element><name>a</name><value>a&lt;b</value></element>"},
         {"D",
          "<session><s2><property><value><element><name>size</name><value>16</value></element></value></"
          "property>"
