@@ -34,7 +34,10 @@ void append(void* text, std::string_view line) {
 } // namespace
 
 TEST(Lifecycle, NothingIsLeftAfterClosingOrAFailedStart) {
+    // A sanitizer may start a thread of its own beside the first one: count from after a first round.
+    ROUTERRemoteConfigClient_delete(ROUTERRemoteConfigClient_new(DOMAIN, 0));
     const std::size_t threads = threadCount();
+    EXPECT_LE(threads, 2U);
     const auto files = sharedFiles();
     for (int round = 0; round < 3; ++round) {
         auto* client = ROUTERRemoteConfigClient_new(DOMAIN, 0);

@@ -1,0 +1,249 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks and prints one table of ratios.
+
+usage: run.py <build folder> [<benchmark> ...]
+
+Every figure compares two things that were measured in the same run, in turn, so that a slower or busier machine
+changes both. `ours` and `baseline` are medians over the rounds, `ratio` is the median of the rounds' ratios, which
+a change between two rounds does not touch. The status is 0 unless a benchmark cannot run: a missed ratio is
+information, not a failure.
+"""
+
+import contextlib
+import json
+import os
+import pathlib
+import select
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+from typing import Callable, NamedTuple
+
+SOURCE = pathlib.Path(__file__).resolve().parent.parent
+PROFILE = SOURCE / "tests" / "support" / "loopback_profile.xml"
+PATIENCE = 60  # seconds for a process to print what it must
+PROBES = 5  # requests until one finds the responder
+LIMIT = 900  # seconds for a whole measuring program
+
+START_UP_RUNS = 21
+UPLOAD_BYTES = 64 * 1024 * 1024
+UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
+PARTS = 1000
+
+
+class Figure(NamedTuple):
+    """What a measurement is called in the table, its unit, and the ratio that is wanted."""
+
+    title: str
+    unit: str
+    wanted: str = ""  # "<=", ">=" and a number, or nothing
+
+    def is_met(self, ratio: float) -> str:
+        if not self.wanted:
+            return ""
+        limit = float(self.wanted[2:])
+        return "yes" if (ratio <= limit if self.wanted.startswith("<=") else ratio >= limit) else "NO"
+
+
+FIGURES = {
+    "round_trip_p50": Figure("enable, round trip p50 / raw echo", "us", "<=1.15"),
+    "round_trip_p99": Figure("enable, round trip p99 / raw echo", "us"),
+    "encode_request": Figure("encode request / Fast CDR", "ns", "<=1.0"),
+    "decode_request": Figure("decode request / Fast CDR", "ns", "<=1.0"),
+    "encode_response": Figure("encode response of 4096 / Fast CDR", "ns", "<=1.0"),
+    "decode_response": Figure("decode response of 4096 / Fast CDR", "ns", "<=1.0"),
+    "start_up_time": Figure("start to prompt / bare participant", "ms", "<=1.2"),
+    "start_up_memory": Figure("peak memory at prompt / bare participant", "KiB", "<=1.1"),
+    "get_short_parts": Figure("get of 1000 parts of 16 / 1000 pauses of 1 ms", "ms"),
+    "get_full_parts": Figure("get of 1000 parts of 4096 / 1000 pauses of 1 ms", "ms"),
+    "load_rate": Figure("load of 64 MiB / raw writer", "MB/s", ">=0.95"),
+    "load_memory": Figure("peak memory of a 64 MiB load / idle", "KiB", "<=1.2"),
+    "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
+}
+
+Samples = dict[str, list[tuple[float, float]]]  # figure -> (ours, baseline) of every round
+
+
+class BenchmarkError(Exception):
+    """A benchmark cannot run."""
+
+
+@contextlib.contextmanager
+def running(command: list[object], until: bytes):
+    """A process with its input held open, once it has printed `until`; ended through that input."""
+    process = subprocess.Popen([str(word) for word in command], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    try:
+        read_until(process, until)
+        yield process
+    finally:
+        with contextlib.suppress(BrokenPipeError):
+            process.stdin.write(b"exit\n")  # the shell does not end with its input, the others do
+            process.stdin.close()
+        try:
+            process.wait(PATIENCE)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+        process.stdout.close()
+
+
+def read_until(process: subprocess.Popen, end: bytes) -> bytes:
+    """Everything the process prints up to `end`, the last thing it has printed."""
+    text = b""
+    deadline = time.monotonic() + PATIENCE
+    while not text.endswith(end):
+        ready, _, _ = select.select([process.stdout], [], [], max(deadline - time.monotonic(), 0))
+        chunk = os.read(process.stdout.fileno(), 65536) if ready else b""
+        if not chunk:
+            raise BenchmarkError(f"{process.args[0]} printed {text!r} and not {end!r}")
+        text += chunk
+    return text
+
+
+def memory_of(process: subprocess.Popen, field: str) -> float:
+    """A field of the process's memory statistics, in KiB."""
+    for line in pathlib.Path(f"/proc/{process.pid}/status").read_text().splitlines():
+        if line.startswith(field + ":"):
+            return float(line.split()[1])
+    raise BenchmarkError(f"no {field} in the memory statistics")
+
+
+class Bench:
+    """The programs of one build folder, and a folder for the run's own files."""
+
+    def __init__(self, build: pathlib.Path, work: pathlib.Path):
+        self.programs = build / "benchmarks"
+        self.shell = build / "bin" / "zulrssh"
+        self.work = work
+
+    def responder(self, domain: int, parts: int = 1, characters: int = 0):
+        return running([self.programs / "responder", domain, parts, characters], b"ready\n")
+
+    def rounds_of(self, program: str, *arguments: object) -> Samples:
+        """Runs a measuring program: a line is a figure's name, ours and the baseline."""
+        command = [str(word) for word in (self.programs / program, *arguments)]
+        done = subprocess.run(command, stdout=subprocess.PIPE, text=True, timeout=LIMIT, check=False)
+        if done.returncode != 0:
+            raise BenchmarkError(f"{program} ended with status {done.returncode}")
+        samples: Samples = {}
+        for line in done.stdout.splitlines():
+            name, ours, baseline = line.split()
+            samples.setdefault(name, []).append((float(ours), float(baseline)))
+        return samples
+
+    def upload(self) -> pathlib.Path:
+        path = self.work / "upload.xml"
+        if not path.exists():
+            path.write_bytes((UPLOAD_LINE * (UPLOAD_BYTES // len(UPLOAD_LINE) + 1))[:UPLOAD_BYTES])
+        return path
+
+
+def round_trip(bench: Bench) -> Samples:
+    with bench.responder(40):
+        return bench.rounds_of("round_trip", 40)
+
+
+def get_1000_parts(bench: Bench) -> Samples:
+    samples: Samples = {}
+    for domain, characters, name in ((41, 16, "get_short_parts"), (42, 4096, "get_full_parts")):
+        with bench.responder(domain, PARTS, characters):
+            samples |= bench.rounds_of("get_parts", domain, PARTS, characters, name)
+    return samples
+
+
+def start_up(bench: Bench) -> Samples:
+    def once(command: list[object]) -> tuple[float, float]:
+        start = time.perf_counter()
+        with running(command, b"> ") as process:
+            return (time.perf_counter() - start) * 1000, memory_of(process, "VmHWM")
+
+    samples: Samples = {"start_up_time": [], "start_up_memory": []}
+    for _ in range(START_UP_RUNS):
+        ours = once([bench.shell, "-domainId", 43])
+        baseline = once([bench.programs / "bare_participant", 43])
+        for name, pair in zip(samples, zip(ours, baseline)):
+            samples[name].append(pair)
+    return samples
+
+
+def load_64mib(bench: Bench) -> Samples:
+    with bench.responder(44):
+        samples = bench.rounds_of("load", 44, bench.upload())
+    with bench.responder(45), running([bench.shell, "-domainId", 45, "-timeout", 5], b"> ") as shell:
+        samples["load_memory"] = [load_memory(shell, bench.upload())]
+    return samples
+
+
+def load_memory(shell: subprocess.Popen, upload: pathlib.Path) -> tuple[float, float]:
+    """The shell's peak memory while it uploads, and its memory at the prompt before."""
+
+    def command(line: str) -> bool:
+        shell.stdin.write(line.encode() + b"\n")
+        shell.stdin.flush()
+        return b"Result:" in read_until(shell, b"> ")
+
+    for _ in range(PROBES):
+        if command("enable router1 DefaultDomainRoute"):
+            break
+    else:
+        raise BenchmarkError("the responder does not answer the shell")
+    idle = memory_of(shell, "VmRSS")
+    pathlib.Path(f"/proc/{shell.pid}/clear_refs").write_text("5")  # the peak counts from here
+    if not command(f"load router1 configuration {upload} local"):
+        raise BenchmarkError("the shell's upload was not taken")
+    return memory_of(shell, "VmHWM"), idle
+
+
+def micro(bench: Bench) -> Samples:
+    report = bench.work / "micro.json"
+    subprocess.run(
+        [bench.programs / "micro", f"--benchmark_out={report}", "--benchmark_out_format=json",
+         "--benchmark_repetitions=11", "--benchmark_min_time=0.05", "--benchmark_enable_random_interleaving=true"],
+        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=LIMIT, check=True)
+    times: dict[str, dict[str, list[float]]] = {}
+    for run in json.loads(report.read_text())["benchmarks"]:
+        if run["run_type"] == "iteration":
+            name, side, *length = run["run_name"].split("/")
+            per = float(length[0]) if length else 1.0
+            times.setdefault(name, {}).setdefault(side, []).append(run["cpu_time"] / per)
+    return {name: list(zip(sides["ours"], sides["baseline"])) for name, sides in times.items()}
+
+
+BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, get_1000_parts, load_64mib]
+
+
+def print_table(samples: Samples) -> None:
+    print(f"{'':50}{'ours':>11}{'baseline':>11}  {'unit':5}{'ratio':>7}{'wanted':>8}  met")
+    for name, figure in FIGURES.items():
+        if name in samples:
+            ours, baseline = (statistics.median(side) for side in zip(*samples[name]))
+            ratio = statistics.median(pair[0] / pair[1] for pair in samples[name])
+            print(f"{figure.title:50}{ours:11.5g}{baseline:11.5g}  {figure.unit:5}{ratio:7.3f}{figure.wanted:>8}  "
+                  f"{figure.is_met(ratio)}".rstrip())
+
+
+def main() -> int:
+    names = {benchmark.__name__: benchmark for benchmark in BENCHMARKS}
+    unknown = [name for name in sys.argv[2:] if name not in names]
+    if len(sys.argv) < 2 or unknown:
+        print(f"usage: {sys.argv[0]} <build folder> [{' | '.join(names)}]...", file=sys.stderr)
+        return 2
+    os.environ["FASTRTPS_DEFAULT_PROFILES_FILE"] = str(PROFILE)  # loopback only
+    samples: Samples = {}
+    with tempfile.TemporaryDirectory() as work:
+        bench = Bench(pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(work))
+        for name in sys.argv[2:] or names:
+            print(f"running {name} ...", file=sys.stderr)
+            try:
+                samples |= names[name](bench)
+            except (BenchmarkError, OSError, subprocess.SubprocessError) as error:
+                print(f"{name} cannot run: {error}", file=sys.stderr)
+                return 1
+    print_table(samples)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
