@@ -109,10 +109,10 @@ struct Description<CommandIdRecord<ModuleOfRecord>> {
 };
 
 template <class Module>
-constexpr auto targetMember =
+inline constexpr auto targetMember =
     Member<EntityName<Module>, &CommandRequestRecord<Module>::target_router>{"target_router"};
 template <>
-constexpr auto targetMember<FederationModule> =
+inline constexpr auto targetMember<FederationModule> =
     Member<EntityName<FederationModule>, &CommandRequestRecord<FederationModule>::target_service>{
         "target_service"};
 

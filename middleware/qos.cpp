@@ -45,12 +45,13 @@ DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPoli
     DDS_PropertyQosPolicy_Property* slot = find(policy, name);
     if (slot == nullptr) {
         const DDS_Long length = policy->value.length;
-        if (length >= DDS_PROPERTY_LIST_MAX ||
-            !ZULSequence::ensure_length(&policy->value, length + 1, length + 1, __func__)) {
-            Element::finalize(fresh, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
-            return DDS_RETCODE_OUT_OF_RESOURCES;
-        }
-        slot = &policy->value.contiguous[length];
+        const bool hasRoom = length < DDS_PROPERTY_LIST_MAX &&
+                             ZULSequence::ensure_length(&policy->value, length + 1, length + 1, __func__);
+        slot = hasRoom ? ZULSequence::get_reference(&policy->value, length, __func__) : nullptr;
+    }
+    if (slot == nullptr) {
+        Element::finalize(fresh, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
+        return DDS_RETCODE_OUT_OF_RESOURCES;
     }
     Element::finalize(*slot, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
     *slot = fresh;

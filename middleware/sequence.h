@@ -114,7 +114,7 @@ T& at(const DDS_Sequence<T, Traits>& self, DDS_Long index) {
 
 template <class Traits, class T>
 void freeElements(T* elements, DDS_Long count, const DDS_TypeDeallocationParams_t& params) {
-    for (DDS_Long i = 0; i < count; ++i) {
+    for (DDS_Long i = 0; elements != nullptr && i < count; ++i) {
         Traits::finalize(elements[i], params);
     }
     ZULHeap_free(elements);
@@ -174,7 +174,8 @@ bool set_maximum(DDS_Sequence<T, Traits>* self, DDS_Long maximum, const char* co
             return false;
         }
     }
-    const DDS_Long kept = fresh != nullptr ? std::min(self->length, maximum) : 0;
+    const bool hasBoth = fresh != nullptr && self->contiguous != nullptr;
+    const DDS_Long kept = hasBoth ? std::min(self->length, maximum) : 0;
     for (DDS_Long i = 0; i < kept; ++i) {
         std::swap(fresh[i], self->contiguous[i]);
     }

@@ -17,11 +17,11 @@ namespace admin {
 constexpr std::size_t SHORT_FORM_LIMIT = 65536;
 
 template <class IdlType>
-constexpr bool travelsAsParameterList = false;
+inline constexpr bool travelsAsParameterList = false;
 template <class Record>
-constexpr bool travelsAsParameterList<Struct<Record>> = Description<Record>::form == WireForm::MUTABLE;
+inline constexpr bool travelsAsParameterList<Struct<Record>> = Description<Record>::form == WireForm::MUTABLE;
 template <class Record>
-constexpr bool travelsAsParameterList<Union<Record>> = true;
+inline constexpr bool travelsAsParameterList<Union<Record>> = true;
 
 template <class IdlType>
 struct PluginOperations {

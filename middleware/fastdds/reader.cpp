@@ -131,7 +131,9 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
     if (samples.maximum() == 0) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
-    fast::SampleInfoSeq libraryInfos(samples.maximum());
+    fast::SampleInfoSeq libraryInfos;
+    libraryInfos.length(samples.maximum()); // makes room
+    libraryInfos.length(0);
     const auto sampleStates = static_cast<fast::SampleStateMask>(params.sample_states);
     const auto viewStates = static_cast<fast::ViewStateMask>(params.view_states);
     const auto instanceStates = static_cast<fast::InstanceStateMask>(params.instance_states);
