@@ -42,7 +42,7 @@ enum ZULParameterForm : std::uint8_t { ZUL_PARAMETER_SHORT, ZUL_PARAMETER_LONG }
 // Bytes from `position` (counted from an alignment origin) to the next multiple of `alignment`, a power of
 // two.
 constexpr std::size_t ZULCdr_padding(std::size_t position, std::size_t alignment) {
-    return (alignment - position % alignment) % alignment;
+    return (0 - position) & (alignment - 1);
 }
 
 // What encoding needs to know about where the bytes go. With `data` null nothing is stored and only
@@ -59,8 +59,10 @@ struct ZULCdrOutput {
         if (padding > capacity - position) {
             return false;
         }
-        if (data != nullptr && padding != 0) {
-            std::memset(data + position, 0, padding);
+        if (data != nullptr) {
+            for (std::size_t i = 0; i < padding; ++i) {
+                data[position + i] = 0;
+            }
         }
         position += padding;
         return true;
@@ -118,18 +120,22 @@ struct ZULCdrOutput {
     }
     // Writes over bytes that were put before; `at` is a position this stream has passed.
     void store16(std::size_t at, std::uint16_t value) const {
-        const int first = bigEndian ? 8 : 0;
-        data[at] = static_cast<std::uint8_t>(value >> first);
-        data[at + 1] = static_cast<std::uint8_t>(value >> (8 - first));
+        if (bigEndian) {
+            value = __builtin_bswap16(value);
+        }
+        std::uint8_t* to = data + at;
+        to[0] = static_cast<std::uint8_t>(value);
+        to[1] = static_cast<std::uint8_t>(value >> 8);
     }
     void store32(std::size_t at, std::uint32_t value) const {
         if (bigEndian) {
             value = __builtin_bswap32(value);
         }
-        data[at] = static_cast<std::uint8_t>(value);
-        data[at + 1] = static_cast<std::uint8_t>(value >> 8);
-        data[at + 2] = static_cast<std::uint8_t>(value >> 16);
-        data[at + 3] = static_cast<std::uint8_t>(value >> 24);
+        std::uint8_t* to = data + at;
+        to[0] = static_cast<std::uint8_t>(value);
+        to[1] = static_cast<std::uint8_t>(value >> 8);
+        to[2] = static_cast<std::uint8_t>(value >> 16);
+        to[3] = static_cast<std::uint8_t>(value >> 24);
     }
 };
 
@@ -204,28 +210,3 @@ struct ZULCdrInput {
 bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id);
 // Options are read and ignored: other stacks put a padding count there.
 bool ZULCdrInput_getEncapsulation(ZULCdrInput& stream);
-
-// A parameter being written: where its length goes and where its value began.
-struct ZULParameterMark {
-    std::size_t lengthAt;
-    std::size_t valueAt;
-    ZULParameterForm form;
-};
-bool ZULCdrOutput_beginParameter(ZULCdrOutput& stream, std::uint32_t id, ZULParameterForm form,
-                                 ZULParameterMark& mark);
-// Fills in the exact length of the value; fails when a short header cannot hold it.
-bool ZULCdrOutput_endParameter(ZULCdrOutput& stream, const ZULParameterMark& mark);
-bool ZULCdrOutput_putListEnd(ZULCdrOutput& stream);
-
-enum ZULParameterStep {
-    ZUL_PARAMETER_MEMBER, // a member: `value` holds exactly its bytes, and the list stands behind them
-    ZUL_PARAMETER_END,    // the list has ended, by its sentinel or by the end of the bytes
-    ZUL_PARAMETER_BROKEN, // a header is cut short or a length exceeds what is there
-};
-struct ZULParameter {
-    std::uint32_t id;
-    bool mustUnderstand;
-    ZULCdrInput value; // same alignment origin and byte order as the list
-};
-// Advances to the next member of a parameter list, passing over ignored entries.
-ZULParameterStep ZULCdrInput_nextParameter(ZULCdrInput& list, ZULParameter& parameter);

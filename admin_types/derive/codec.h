@@ -5,7 +5,7 @@
 #pragma once
 
 #include "admin_types/derive/data.h"
-#include "middleware/cdr_stream.h"
+#include "middleware/cdr_parameters.h"
 
 namespace admin {
 
@@ -152,8 +152,8 @@ enum class UnknownMember { SKIP_UNLESS_MUST_UNDERSTAND, FAIL };
 // does not know; what it leaves unread of a value is passed over.
 template <class MemberHandler>
 bool walkParameters(ZULCdrInput& stream, UnknownMember unknown, MemberHandler member) {
+    ZULParameter parameter{};
     for (;;) {
-        ZULParameter parameter{};
         switch (ZULCdrInput_nextParameter(stream, parameter)) {
         case ZUL_PARAMETER_END:
             return true;
