@@ -32,18 +32,36 @@ bool ROUTERLocalFile::awaitData() const {
     return poll(&wanted, 1, milliseconds) > 0;
 }
 
+ROUTERLocalFileStatus ROUTERLocalFile::readAhead() {
+    for (;;) {
+        const ssize_t count = ::read(descriptor_, ahead_.data(), ahead_.size());
+        if (count > 0) {
+            unread_ = std::span(ahead_).first(static_cast<std::size_t>(count));
+            isSilentPipe_ = false;
+            return ROUTER_LOCAL_FILE_DATA;
+        }
+        if (count == 0) {
+            return isSilentPipe_ ? ROUTER_LOCAL_FILE_ERROR : ROUTER_LOCAL_FILE_END;
+        }
+        if (errno != EAGAIN || !awaitData()) {
+            return ROUTER_LOCAL_FILE_ERROR;
+        }
+    }
+}
+
 ROUTERLocalFileStatus ROUTERLocalFile::read(std::span<char> buffer, std::size_t& length) {
     length = 0;
     while (length < buffer.size()) {
-        const ssize_t count = ::read(descriptor_, buffer.data() + length, buffer.size() - length);
-        if (count > 0) {
-            length += static_cast<std::size_t>(count);
-            isSilentPipe_ = false;
-        } else if (count == 0) {
-            return isSilentPipe_ ? ROUTER_LOCAL_FILE_ERROR : ROUTER_LOCAL_FILE_END;
-        } else if (errno != EAGAIN || !awaitData()) {
-            return ROUTER_LOCAL_FILE_ERROR;
+        if (unread_.empty()) {
+            const ROUTERLocalFileStatus status = readAhead();
+            if (status != ROUTER_LOCAL_FILE_DATA) {
+                return status;
+            }
         }
+        const std::span<char> part = unread_.first(std::min(unread_.size(), buffer.size() - length));
+        std::copy(part.begin(), part.end(), buffer.begin() + static_cast<std::ptrdiff_t>(length));
+        length += part.size();
+        unread_ = unread_.subspan(part.size());
     }
     return ROUTER_LOCAL_FILE_DATA;
 }

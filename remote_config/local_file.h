@@ -3,6 +3,7 @@
 
 #include "middleware/semaphore.h"
 
+#include <array>
 #include <cstddef>
 #include <span>
 
@@ -30,10 +31,13 @@ public:
 
 private:
     bool awaitData() const;
+    ROUTERLocalFileStatus readAhead();
 
     int descriptor_;
     bool isSilentPipe_ = false; // a pipe that has given nothing yet
     ZULTime patience_;
+    std::array<char, 65536> ahead_; // read in large steps, handed out in pieces
+    std::span<char> unread_;        // of `ahead_`
 };
 
 // Reads a whole file into a new string, which the caller owns (DDS_String_free). Null, with a log line unless

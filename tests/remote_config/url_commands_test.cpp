@@ -194,15 +194,20 @@ TEST_F(UrlCommands, LocalFilesThatCannotBeRead) {
 }
 
 TEST_F(UrlCommands, AFileThatShrinksEndsWhereItEnds) {
-    const std::string path = write(pattern(20000));
+    // Longer than what is read ahead, and cut behind it.
+    const std::string path = write(pattern(200000));
     fake_dds::setHooks({.onWrite = [&](const fake_dds::Request& request) {
-        std::filesystem::resize_file(path, 5000);
+        std::filesystem::resize_file(path, 100000);
         if (request.command._u.entity_desc.xml_url.is_final != 0) {
             fake_dds::deliver({answer("done")});
         }
     }});
     EXPECT_EQ(load(path, false), 0);
-    EXPECT_EQ(pieces(), (Lines{"str://\"" + pattern(4089), pattern(5000).substr(4089) + "\""}));
+    std::string whole;
+    for (const std::string& piece : pieces()) {
+        whole += piece;
+    }
+    EXPECT_TRUE(whole == "str://\"" + pattern(100000) + "\"") << whole.size();
 }
 
 TEST_F(UrlCommands, FailuresAndInterruptsOnTheWay) {
