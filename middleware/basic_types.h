@@ -36,6 +36,13 @@ struct DDS_Duration_t {
 constexpr DDS_Duration_t DDS_DURATION_ZERO{0, 0};
 constexpr DDS_Duration_t DDS_DURATION_INFINITE{0x7FFFFFFF, 0x7FFFFFFF};
 
+// Time_t: seconds and nanoseconds (0..999'999'999) since the epoch of the platform's clock.
+struct DDS_Time_t {
+    DDS_Long sec;
+    DDS_UnsignedLong nanosec;
+};
+constexpr DDS_Time_t DDS_TIME_INVALID{-1, 0xFFFFFFFF};
+
 // InstanceHandle_t: opaque 16 bytes; only equality and "nil" mean anything to a caller.
 struct DDS_InstanceHandle_t {
     std::uint8_t value[16];

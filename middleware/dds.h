@@ -27,6 +27,7 @@ struct DDS_Subscriber;
 struct DDS_Topic;
 struct DDS_DataWriter;
 struct DDS_DataReader;
+struct DDS_ReadCondition;
 struct DDS_DomainParticipantListener; // never used: the system installs none
 struct DDS_PublisherListener;
 struct DDS_SubscriberListener;
@@ -37,6 +38,8 @@ struct DDS_DataWriterListener;
 using DDS_SampleStateMask = DDS_UnsignedLong;
 using DDS_ViewStateMask = DDS_UnsignedLong;
 using DDS_InstanceStateMask = DDS_UnsignedLong;
+constexpr DDS_SampleStateMask DDS_READ_SAMPLE_STATE = 1U << 0;
+constexpr DDS_SampleStateMask DDS_NOT_READ_SAMPLE_STATE = 1U << 1;
 constexpr DDS_SampleStateMask DDS_ANY_SAMPLE_STATE = 0xFFFF;
 constexpr DDS_ViewStateMask DDS_ANY_VIEW_STATE = 0xFFFF;
 constexpr DDS_InstanceStateMask DDS_ANY_INSTANCE_STATE = 0xFFFF;
@@ -45,6 +48,7 @@ struct DDS_SampleInfo {
     DDS_SampleStateMask sample_state;
     DDS_ViewStateMask view_state;
     DDS_InstanceStateMask instance_state;
+    DDS_Time_t source_timestamp;
     DDS_InstanceHandle_t instance_handle;
     DDS_InstanceHandle_t publication_handle;
     DDS_Boolean valid_data; // false: the sample carries no data, only a change of state
@@ -115,6 +119,14 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
 // `sample` is a record of the writer's type. Blocks at most the writer's max_blocking_time.
 DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
                                       const DDS_InstanceHandle_t* handle);
+// The same with a source timestamp, which must not be negative; DDS_TIME_INVALID stands for now.
+struct DDS_WriteParams_t {
+    DDS_InstanceHandle_t handle;
+    DDS_Time_t source_timestamp;
+};
+constexpr DDS_WriteParams_t DDS_WRITEPARAMS_DEFAULT{DDS_HANDLE_NIL, DDS_TIME_INVALID};
+DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter* self, const void* sample,
+                                               const DDS_WriteParams_t* params);
 DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter* self,
                                                           DDS_InstanceHandleSeq* handles);
 DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,
@@ -124,16 +136,43 @@ DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,
 const char* DDS_DataWriter_get_plugin_type_name(const DDS_DataWriter* self);
 const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self);
 
+// Instances (OMG DDS 1.4, 2.2.2.4.2). A keyless topic has one instance, which cannot be named, and every
+// topic here is keyless: registering and looking up give DDS_HANDLE_NIL, ending an instance that cannot have
+// been registered gives PRECONDITION_NOT_MET, and no handle has a key value (BAD_PARAMETER).
+DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_params(DDS_DataWriter* self, const void* sample,
+                                                               const DDS_WriteParams_t* params);
+DDS_ReturnCode_t DDS_DataWriter_unregister_instance_w_params(DDS_DataWriter* self, const void* sample,
+                                                             const DDS_WriteParams_t* params);
+DDS_ReturnCode_t DDS_DataWriter_dispose_w_params(DDS_DataWriter* self, const void* sample,
+                                                 const DDS_WriteParams_t* params);
+DDS_ReturnCode_t DDS_DataWriter_get_key_value(DDS_DataWriter* self, void* key,
+                                              const DDS_InstanceHandle_t* handle);
+DDS_InstanceHandle_t DDS_DataWriter_lookup_instance(DDS_DataWriter* self, const void* key);
+
+// A condition that selects samples by their states. The reader owns it until it is deleted, at the latest
+// with the reader. Null for a null reader.
+DDS_ReadCondition* DDS_DataReader_create_readcondition(DDS_DataReader* self, DDS_SampleStateMask sampleStates,
+                                                       DDS_ViewStateMask viewStates,
+                                                       DDS_InstanceStateMask instanceStates);
+// PRECONDITION_NOT_MET for a condition of another reader.
+DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader* self, DDS_ReadCondition* condition);
+
 // The untyped read-or-take behind every typed read and take.
+enum DDS_InstanceSelection { DDS_ANY_INSTANCE, DDS_THIS_INSTANCE, DDS_NEXT_INSTANCE };
 struct DDS_ReadOrTakeParams {
     bool take;            // remove the samples from the reader
     DDS_Long max_samples; // at least 1, or DDS_LENGTH_UNLIMITED; one call returns at most the reader's
                           // resource limit
-    DDS_SampleStateMask sample_states;
-    DDS_ViewStateMask view_states;
-    DDS_InstanceStateMask instance_states;
+    DDS_SampleStateMask sample_states = DDS_ANY_SAMPLE_STATE;
+    DDS_ViewStateMask view_states = DDS_ANY_VIEW_STATE;
+    DDS_InstanceStateMask instance_states = DDS_ANY_INSTANCE_STATE;
+    const DDS_ReadCondition* condition = nullptr; // of the same reader; its states are taken then
+    // The instance that bears the handle, or the one that follows it (the first one for DDS_HANDLE_NIL).
+    DDS_InstanceSelection instances = DDS_ANY_INSTANCE;
+    const DDS_InstanceHandle_t* handle = nullptr;
 };
-// What the caller's data sequence looks like; without a maximum the samples are loaned.
+// What the caller's data sequence looks like; without a maximum the samples are loaned. A sequence that is
+// not owned still holds a loan: PRECONDITION_NOT_MET.
 struct DDS_DataSeqView {
     DDS_Long length;
     DDS_Long maximum;

@@ -1,9 +1,17 @@
-// Stamps the named plugin, type-support and endpoint operations of one type (declared in type_support.h).
-// For source files only.
+// Stamps the named plugin and type-support operations of one type (declared in type_support.h). For source
+// files only.
 #pragma once
 
 #include "admin_types/derive/plugin.h"
-#include "admin_types/derive/typed_endpoints.h"
+#include "middleware/dds.h"
+
+namespace admin {
+
+inline DDS_ReturnCode_t returnCode(bool done) {
+    return done ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
+}
+
+} // namespace admin
 
 #define ZUL_DEFINE_TYPE_SUPPORT(Type, TypeName)                                                              \
     ZULTypePlugin* Type##Plugin_new() {                                                                      \
@@ -33,62 +41,55 @@
     const char* Type##TypeSupport_get_type_name() {                                                          \
         return TypeName;                                                                                     \
     }                                                                                                        \
-    Type* Type##TypeSupport_create_data_w_params(const DDS_TypeAllocationParams_t* params) {                 \
-        return params == nullptr ? nullptr                                                                   \
-                                 : admin::PluginOperations<admin::Struct<Type>>::createData(*params);        \
+    Type* Type##TypeSupport_create_data() {                                                                  \
+        return Type##PluginSupport_create_data();                                                            \
     }                                                                                                        \
     Type* Type##TypeSupport_create_data_ex(bool allocatePointers) {                                          \
-        const DDS_TypeAllocationParams_t params{                                                             \
-            .allocate_pointers = allocatePointers, .allocate_optional_members = 0, .allocate_memory = 1};    \
-        return Type##TypeSupport_create_data_w_params(&params);                                              \
+        return Type##PluginSupport_create_data_ex(allocatePointers);                                         \
     }                                                                                                        \
-    Type* Type##TypeSupport_create_data() {                                                                  \
-        return Type##TypeSupport_create_data_ex(true);                                                       \
-    }                                                                                                        \
-    DDS_ReturnCode_t Type##TypeSupport_delete_data_ex(Type* sample, bool) {                                  \
-        admin::PluginOperations<admin::Struct<Type>>::destroyData(sample);                                   \
-        return DDS_RETCODE_OK;                                                                               \
+    Type* Type##TypeSupport_create_data_w_params(const DDS_TypeAllocationParams_t* params) {                 \
+        return Type##PluginSupport_create_data_w_params(params);                                             \
     }                                                                                                        \
     DDS_ReturnCode_t Type##TypeSupport_delete_data(Type* sample) {                                           \
-        return Type##TypeSupport_delete_data_ex(sample, true);                                               \
+        Type##PluginSupport_destroy_data(sample);                                                            \
+        return DDS_RETCODE_OK;                                                                               \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_delete_data_ex(Type* sample, bool deletePointers) {                   \
+        Type##PluginSupport_destroy_data_ex(sample, deletePointers);                                         \
+        return DDS_RETCODE_OK;                                                                               \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_delete_data_w_params(Type* sample,                                    \
+                                                            const DDS_TypeDeallocationParams_t* params) {    \
+        Type##PluginSupport_destroy_data_w_params(sample, params);                                           \
+        return DDS_RETCODE_OK;                                                                               \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_initialize_data(Type* sample) {                                       \
+        return admin::returnCode(Type##_initialize(sample));                                                 \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_initialize_data_ex(Type* sample, bool allocatePointers) {             \
+        return admin::returnCode(Type##_initialize_ex(sample, allocatePointers, true));                      \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_initialize_data_w_params(Type* sample,                                \
+                                                                const DDS_TypeAllocationParams_t* params) {  \
+        return admin::returnCode(Type##_initialize_w_params(sample, params));                                \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_finalize_data(Type* sample) {                                         \
+        Type##_finalize(sample);                                                                             \
+        return admin::returnCode(sample != nullptr);                                                         \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_finalize_data_ex(Type* sample, bool deletePointers) {                 \
+        Type##_finalize_ex(sample, deletePointers);                                                          \
+        return admin::returnCode(sample != nullptr);                                                         \
+    }                                                                                                        \
+    DDS_ReturnCode_t Type##TypeSupport_finalize_data_w_params(Type* sample,                                  \
+                                                              const DDS_TypeDeallocationParams_t* params) {  \
+        Type##_finalize_w_params(sample, params);                                                            \
+        return admin::returnCode(sample != nullptr && params != nullptr);                                    \
     }                                                                                                        \
     DDS_ReturnCode_t Type##TypeSupport_copy_data(Type* destination, const Type* source) {                    \
-        return Type##_copy(destination, source) ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;                        \
+        return admin::returnCode(Type##PluginSupport_copy_data(destination, source));                        \
     }                                                                                                        \
     void Type##TypeSupport_print_data(const Type* sample, const char* description, int indent) {             \
-        admin::PluginOperations<admin::Struct<Type>>::printData(sample, description, indent);                \
+        Type##PluginSupport_print_data(sample, description, indent);                                         \
     }                                                                                                        \
-    Type##DataWriter* Type##DataWriter_narrow(DDS_DataWriter* writer) {                                      \
-        return admin::narrowWriter<Type##DataWriter>(writer, TypeName);                                      \
-    }                                                                                                        \
-    DDS_DataWriter* Type##DataWriter_as_datawriter(Type##DataWriter* writer) {                               \
-        return admin::widen<DDS_DataWriter>(writer, __func__, "null writer");                                \
-    }                                                                                                        \
-    DDS_ReturnCode_t Type##DataWriter_write(Type##DataWriter* writer, const Type* sample,                    \
-                                            const DDS_InstanceHandle_t* handle) {                            \
-        return DDS_DataWriter_write(reinterpret_cast<DDS_DataWriter*>(writer), sample, handle);              \
-    }                                                                                                        \
-    Type##DataReader* Type##DataReader_narrow(DDS_DataReader* reader) {                                      \
-        return admin::narrowReader<Type##DataReader>(reader, TypeName);                                      \
-    }                                                                                                        \
-    DDS_DataReader* Type##DataReader_as_datareader(Type##DataReader* reader) {                               \
-        return admin::widen<DDS_DataReader>(reader, __func__, "null reader");                                \
-    }                                                                                                        \
-    DDS_ReturnCode_t Type##DataReader_read(Type##DataReader* reader, Type##Seq* data,                        \
-                                           DDS_SampleInfoSeq* infos, DDS_Long maxSamples,                    \
-                                           DDS_SampleStateMask sampleStates, DDS_ViewStateMask viewStates,   \
-                                           DDS_InstanceStateMask instanceStates) {                           \
-        return admin::readOrTake(reinterpret_cast<DDS_DataReader*>(reader), data, infos,                     \
-                                 {false, maxSamples, sampleStates, viewStates, instanceStates}, __func__);   \
-    }                                                                                                        \
-    DDS_ReturnCode_t Type##DataReader_take(Type##DataReader* reader, Type##Seq* data,                        \
-                                           DDS_SampleInfoSeq* infos, DDS_Long maxSamples,                    \
-                                           DDS_SampleStateMask sampleStates, DDS_ViewStateMask viewStates,   \
-                                           DDS_InstanceStateMask instanceStates) {                           \
-        return admin::readOrTake(reinterpret_cast<DDS_DataReader*>(reader), data, infos,                     \
-                                 {true, maxSamples, sampleStates, viewStates, instanceStates}, __func__);    \
-    }                                                                                                        \
-    DDS_ReturnCode_t Type##DataReader_return_loan(Type##DataReader* reader, Type##Seq* data,                 \
-                                                  DDS_SampleInfoSeq* infos) {                                \
-        return admin::returnLoan(reinterpret_cast<DDS_DataReader*>(reader), data, infos, __func__);          \
-    }
+    void Type##TypeSupport_finalize() {}

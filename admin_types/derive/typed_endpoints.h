@@ -1,4 +1,5 @@
-// Typed readers and writers: narrowing by type name, and the one routine behind every typed read and take.
+// Typed readers and writers: narrowing by type name, the parameter record behind every typed writer
+// operation, and the one routine behind every typed read and take.
 #pragma once
 
 #include "middleware/dds.h"
@@ -41,6 +42,18 @@ Untyped* widen(Typed* endpoint, const char* context, const char* nullMessage) {
     return reinterpret_cast<Untyped*>(endpoint);
 }
 
+// The parameters of a writer operation; false, and a log line, where one is missing.
+inline bool writeParams(DDS_WriteParams_t& params, const DDS_InstanceHandle_t* handle,
+                        const DDS_Time_t* timestamp, const char* context) {
+    if (handle == nullptr || timestamp == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s,
+                          handle == nullptr ? "handle" : "source_timestamp");
+        return false;
+    }
+    params = {.handle = *handle, .source_timestamp = *timestamp};
+    return true;
+}
+
 template <class T, class Traits>
 DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const DDS_ReadOrTakeParams& params, const char* context) {
@@ -71,6 +84,43 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* dat
         return DDS_RETCODE_ERROR;
     }
     return DDS_RETCODE_OK;
+}
+
+template <class T, class Traits>
+DDS_ReturnCode_t readOrTakeWithCondition(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data,
+                                         DDS_SampleInfoSeq* infos, DDS_ReadOrTakeParams params,
+                                         const DDS_ReadCondition* condition, const char* context) {
+    if (condition == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "condition");
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    params.condition = condition;
+    return readOrTake(reader, data, infos, params, context);
+}
+
+// The next unread sample, copied into the caller's.
+template <class Seq, class T>
+DDS_ReturnCode_t nextSample(DDS_DataReader* reader, T* sample, DDS_SampleInfo* info, bool take,
+                            const char* context) {
+    if (sample == nullptr || info == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s,
+                          sample == nullptr ? "received_data" : "sample_info");
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    // A sequence over the caller's sample, which is never finalised.
+    Seq one{};
+    ZULSequence::initialize(&one, context);
+    one.contiguous = sample;
+    one.maximum = 1;
+    DDS_SampleInfoSeq infos{};
+    const DDS_ReturnCode_t code =
+        readOrTake(reader, &one, &infos,
+                   {.take = take, .max_samples = 1, .sample_states = DDS_NOT_READ_SAMPLE_STATE}, context);
+    if (code == DDS_RETCODE_OK) {
+        *info = ZULSequence::at(infos, 0);
+    }
+    ZULSequence::finalize(&infos, context);
+    return code;
 }
 
 template <class T, class Traits>

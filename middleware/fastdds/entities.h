@@ -7,6 +7,7 @@
 #include "middleware/fastdds/delivery_thread.h"
 #include "middleware/fastdds/type_adapter.h"
 
+#include <atomic>
 #include <chrono>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/publisher/DataWriter.hpp>
@@ -59,13 +60,22 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
                                 const eprosima::fastdds::dds::PublicationMatchedStatus& status) override;
 };
 
+struct DDS_ReadCondition {
+    DDS_SampleStateMask sampleStates;
+    DDS_ViewStateMask viewStates;
+    DDS_InstanceStateMask instanceStates;
+};
+
 struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     eprosima::fastdds::dds::DataReader* reader = nullptr;
     zul::AdapterPtr adapter;
     zul::MatchedEndpoints matched;
     DDS_Long maxSamples = 0; // most samples of one read or take
+    std::atomic<bool> leavesReadSamples{false};
     std::mutex loansMutex;
     std::map<void**, std::vector<void*>> loans; // by the address handed out
+    mutable std::mutex conditionsMutex;
+    std::vector<std::unique_ptr<DDS_ReadCondition>> conditions;
     std::unique_ptr<zul::DeliveryThread> delivery;
 
     void note(DDS_StatusMask status);

@@ -97,6 +97,8 @@ DDS_SampleInfo toSampleInfo(const fast::SampleInfo& info) {
     return {.sample_state = static_cast<DDS_SampleStateMask>(info.sample_state),
             .view_state = static_cast<DDS_ViewStateMask>(info.view_state),
             .instance_state = static_cast<DDS_InstanceStateMask>(info.instance_state),
+            .source_timestamp = {.sec = info.source_timestamp.seconds(),
+                                 .nanosec = info.source_timestamp.nanosec()},
             .instance_handle = toHandle(info.instance_handle),
             .publication_handle = toHandle(info.publication_handle),
             .valid_data = static_cast<DDS_Boolean>(info.valid_data ? 1 : 0)};

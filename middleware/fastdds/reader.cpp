@@ -55,13 +55,47 @@ DDS_Long samplesToAskFor(const DDS_DataReader& self, const DDS_ReadOrTakeParams&
     if (params.max_samples != DDS_LENGTH_UNLIMITED) {
         limit = std::min(limit, params.max_samples);
     }
-    // What is unread is all that a take of any sample will find.
-    if (params.take && params.sample_states == DDS_ANY_SAMPLE_STATE) {
+    // As long as no read has left samples behind, what is unread is all that a take can find.
+    if (params.take && !self.leavesReadSamples) {
         const auto unread =
             static_cast<DDS_Long>(std::min<std::uint64_t>(self.reader->get_unread_count(), INT32_MAX));
         limit = std::min(limit, std::max<DDS_Long>(unread, 1));
     }
     return limit;
+}
+
+struct States {
+    fast::SampleStateMask sample;
+    fast::ViewStateMask view;
+    fast::InstanceStateMask instance;
+};
+
+DDS_ReturnCode_t statesOf(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, States& states) {
+    DDS_ReadCondition condition{params.sample_states, params.view_states, params.instance_states};
+    if (params.condition != nullptr) {
+        const std::lock_guard lock(self.conditionsMutex);
+        const auto own = std::find_if(self.conditions.begin(), self.conditions.end(),
+                                      [&params](const auto& each) { return each.get() == params.condition; });
+        if (own == self.conditions.end()) {
+            return DDS_RETCODE_PRECONDITION_NOT_MET;
+        }
+        condition = **own;
+    }
+    states = {static_cast<fast::SampleStateMask>(condition.sampleStates),
+              static_cast<fast::ViewStateMask>(condition.viewStates),
+              static_cast<fast::InstanceStateMask>(condition.instanceStates)};
+    return DDS_RETCODE_OK;
+}
+
+// The one instance of a keyless topic comes first, nothing comes after it, and no handle names it.
+DDS_ReturnCode_t checkInstance(const DDS_ReadOrTakeParams& params) {
+    if (params.instances == DDS_ANY_INSTANCE) {
+        return DDS_RETCODE_OK;
+    }
+    if (params.instances == DDS_THIS_INSTANCE || params.handle == nullptr) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    return params.handle->isValid == 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA;
 }
 
 } // namespace
@@ -117,6 +151,28 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
     return reader->reader == nullptr ? nullptr : self->owner->readers.emplace_back(std::move(reader)).get();
 }
 
+DDS_ReadCondition* DDS_DataReader_create_readcondition(DDS_DataReader* self, DDS_SampleStateMask sampleStates,
+                                                       DDS_ViewStateMask viewStates,
+                                                       DDS_InstanceStateMask instanceStates) {
+    if (self == nullptr) {
+        return nullptr;
+    }
+    const std::lock_guard lock(self->conditionsMutex);
+    return self->conditions.emplace_back(new DDS_ReadCondition{sampleStates, viewStates, instanceStates})
+        .get();
+}
+
+DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader* self, DDS_ReadCondition* condition) {
+    if (self == nullptr || condition == nullptr) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    const std::lock_guard lock(self->conditionsMutex);
+    const auto isIt = [condition](const auto& own) {
+        return own.get() == condition;
+    };
+    return std::erase_if(self->conditions, isIt) > 0 ? DDS_RETCODE_OK : DDS_RETCODE_PRECONDITION_NOT_MET;
+}
+
 DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,
@@ -124,34 +180,43 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
     if (self == nullptr || infos == nullptr || received == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
+    if (data.maximum > 0 && !data.has_ownership) {
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
+    }
+    States states;
+    DDS_ReturnCode_t code = statesOf(*self, params, states);
+    if (code == DDS_RETCODE_OK) {
+        code = checkInstance(params);
+    }
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
     const bool asLoan = data.maximum == 0;
     const DDS_Long limit = asLoan ? self->maxSamples : std::min(self->maxSamples, data.maximum);
     const DDS_Long wanted = samplesToAskFor(*self, params, limit);
     PooledSamples samples(*self->adapter, wanted);
-    if (samples.maximum() == 0) {
+    const auto room = static_cast<DDS_Long>(samples.maximum());
+    // Before samples are taken, which would be lost later.
+    if (room == 0 || !ZULSequence::ensure_length(infos, room, room, __func__)) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
+    ZULSequence::set_length(infos, 0, __func__);
     fast::SampleInfoSeq libraryInfos;
     libraryInfos.length(samples.maximum()); // makes room
     libraryInfos.length(0);
-    const auto sampleStates = static_cast<fast::SampleStateMask>(params.sample_states);
-    const auto viewStates = static_cast<fast::ViewStateMask>(params.view_states);
-    const auto instanceStates = static_cast<fast::InstanceStateMask>(params.instance_states);
-    const auto code =
-        zul::toReturnCode(params.take ? self->reader->take(samples, libraryInfos, samples.maximum(),
-                                                           sampleStates, viewStates, instanceStates)
-                                      : self->reader->read(samples, libraryInfos, samples.maximum(),
-                                                           sampleStates, viewStates, instanceStates));
+    code = zul::toReturnCode(
+        params.take
+            ? self->reader->take(samples, libraryInfos, room, states.sample, states.view, states.instance)
+            : self->reader->read(samples, libraryInfos, room, states.sample, states.view, states.instance));
     if (code != DDS_RETCODE_OK) {
         return code;
     }
+    self->leavesReadSamples = self->leavesReadSamples || !params.take;
     const DDS_Long count = samples.length();
-    if (params.take && count == samples.maximum()) {
+    if (params.take && count == room) {
         self->note(DDS_DATA_AVAILABLE_STATUS); // there may be more than this call could return
     }
-    if (!ZULSequence::ensure_length(infos, count, count, __func__)) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
+    ZULSequence::set_length(infos, count, __func__);
     for (DDS_Long i = 0; i < count; ++i) {
         ZULSequence::at(*infos, i) = zul::toSampleInfo(libraryInfos[i]);
     }

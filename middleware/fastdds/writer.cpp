@@ -7,6 +7,8 @@
 
 namespace fast = eprosima::fastdds::dds;
 
+constexpr DDS_UnsignedLong NANOSECONDS_PER_SECOND = 1'000'000'000;
+
 namespace zul {
 
 void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
@@ -50,17 +52,35 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* 
 }
 
 DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
-                                      const DDS_InstanceHandle_t* /*handle*/) {
-    if (self == nullptr || sample == nullptr) {
+                                      const DDS_InstanceHandle_t* handle) {
+    if (handle == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
+    const DDS_WriteParams_t params{.handle = *handle, .source_timestamp = DDS_TIME_INVALID};
+    return DDS_DataWriter_write_w_params(self, sample, &params);
+}
+
+DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter* self, const void* sample,
+                                               const DDS_WriteParams_t* params) {
+    // Keyless topics have one instance, and no handle names it.
+    if (self == nullptr || sample == nullptr || params == nullptr || params->handle.isValid != 0) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    const auto& [seconds, nanoseconds] = params->source_timestamp;
+    const bool isNow = seconds == DDS_TIME_INVALID.sec && nanoseconds == DDS_TIME_INVALID.nanosec;
+    if (!isNow && (seconds < 0 || nanoseconds >= NANOSECONDS_PER_SECOND)) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    auto* const data = const_cast<void*>(sample); // the library only reads it
     // A write that waits for room is woken with an early time-out when all its samples are acknowledged at
     // once, because the library then looks for a sample to remove and finds none: there is room, try again.
     const auto deadline = std::chrono::steady_clock::now() + self->maxBlockingTime;
     DDS_ReturnCode_t code = DDS_RETCODE_OK;
     do {
-        // Keyless topics have one instance, whatever the handle. The library only reads the sample.
-        code = zul::toReturnCode(self->writer->write(const_cast<void*>(sample), fast::HANDLE_NIL));
+        code = zul::toReturnCode(
+            isNow ? self->writer->write(data, fast::HANDLE_NIL)
+                  : self->writer->write_w_timestamp(data, fast::HANDLE_NIL,
+                                                    eprosima::fastrtps::Time_t(seconds, nanoseconds)));
     } while (code == DDS_RETCODE_TIMEOUT && std::chrono::steady_clock::now() < deadline);
     return code;
 }

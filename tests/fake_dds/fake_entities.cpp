@@ -306,6 +306,11 @@ DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
     return code;
 }
 
+DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter* self, const void* sample,
+                                               const DDS_WriteParams_t* params) {
+    return DDS_DataWriter_write(self, sample, &params->handle);
+}
+
 const char* DDS_DataWriter_get_plugin_type_name(const DDS_DataWriter* self) {
     return self == nullptr ? nullptr : self->plugin.typeName;
 }
