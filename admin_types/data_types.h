@@ -20,14 +20,16 @@
     void Type##_finalize_optional_members(Type* self, bool deletePointers);                                  \
     bool Type##_copy(Type* destination, const Type* source);
 
-#define ZUL_FOR_EACH_RECORD(X, prefix)                                                                       \
+#define ZUL_FOR_EACH_STRUCT(X, prefix)                                                                       \
     X(prefix##XmlUrl)                                                                                        \
     X(prefix##EntityDescription)                                                                             \
     X(prefix##PeerUpdateDescription)                                                                         \
-    X(prefix##Command)                                                                                       \
     X(prefix##CommandId)                                                                                     \
     X(prefix##CommandRequest)                                                                                \
     X(prefix##CommandResponse)
+#define ZUL_FOR_EACH_RECORD(X, prefix)                                                                       \
+    ZUL_FOR_EACH_STRUCT(X, prefix)                                                                           \
+    X(prefix##Command)
 #define ZUL_FOR_EACH_ENUMERATION(X, prefix)                                                                  \
     X(prefix##CommandKind)                                                                                   \
     X(prefix##CommandResponseKind)

@@ -118,14 +118,9 @@ ZUL_FOR_EACH_ENUMERATION(ZUL_DEFINE_ENUMERATION_PLUGIN, ZUL_RoutingService_Admin
 ZUL_DEFINE_PLUGIN_CODEC(ZUL_RoutingService_Administration_EntityName, admin::EntityName<admin::RoutingModule>)
 ZUL_DEFINE_PLUGIN_SUPPORT(ZUL_RoutingService_Administration_EntityName,
                           admin::EntityName<admin::RoutingModule>)
-ZUL_DEFINE_STRUCT_PLUGIN(ZUL_RoutingService_Administration_XmlUrl)
-ZUL_DEFINE_STRUCT_PLUGIN(ZUL_RoutingService_Administration_EntityDescription)
-ZUL_DEFINE_STRUCT_PLUGIN(ZUL_RoutingService_Administration_PeerUpdateDescription)
+ZUL_FOR_EACH_STRUCT(ZUL_DEFINE_STRUCT_PLUGIN, ZUL_RoutingService_Administration_)
 ZUL_DEFINE_PLUGIN(ZUL_RoutingService_Administration_Command,
                   admin::Union<ZUL_RoutingService_Administration_Command>)
-ZUL_DEFINE_STRUCT_PLUGIN(ZUL_RoutingService_Administration_CommandId)
-ZUL_DEFINE_STRUCT_PLUGIN(ZUL_RoutingService_Administration_CommandRequest)
-ZUL_DEFINE_STRUCT_PLUGIN(ZUL_RoutingService_Administration_CommandResponse)
 
 #define ZUL_DEFINE_PLUGIN_ENDPOINT(Type)                                                                     \
     ZULParticipantData* Type##Plugin_on_participant_attached() {                                             \

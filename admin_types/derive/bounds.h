@@ -1,6 +1,6 @@
 // Largest and smallest encoded sizes, in bytes. Each function returns the position behind a value that begins
 // at `at`, counted from an alignment origin. Parameter headers count as 12 bytes, the extended form,
-// whichever travels.
+// whichever travels; deliberately so in the smallest size too, which a sample under short headers undercuts.
 #pragma once
 
 #include "admin_types/derive/idl_types.h"

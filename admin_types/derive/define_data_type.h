@@ -2,6 +2,7 @@
 // files only.
 #pragma once
 
+#include "admin_types/data_types.h"
 #include "admin_types/derive/data.h"
 #include "admin_types/derive/type_codes.h"
 
@@ -53,12 +54,6 @@
 
 // All types of one module but its entity name.
 #define ZUL_DEFINE_MODULE(prefix)                                                                            \
-    ZUL_DEFINE_ENUMERATION(prefix##CommandKind)                                                              \
-    ZUL_DEFINE_ENUMERATION(prefix##CommandResponseKind)                                                      \
-    ZUL_DEFINE_RECORD(prefix##XmlUrl)                                                                        \
-    ZUL_DEFINE_RECORD(prefix##EntityDescription)                                                             \
-    ZUL_DEFINE_RECORD(prefix##PeerUpdateDescription)                                                         \
-    ZUL_DEFINE_UNION(prefix)                                                                                 \
-    ZUL_DEFINE_RECORD(prefix##CommandId)                                                                     \
-    ZUL_DEFINE_RECORD(prefix##CommandRequest)                                                                \
-    ZUL_DEFINE_RECORD(prefix##CommandResponse)
+    ZUL_FOR_EACH_ENUMERATION(ZUL_DEFINE_ENUMERATION, prefix)                                                 \
+    ZUL_FOR_EACH_STRUCT(ZUL_DEFINE_RECORD, prefix)                                                           \
+    ZUL_DEFINE_UNION(prefix)

@@ -67,6 +67,31 @@ TEST(Sequence, RefusesAndSaysWhy) {
          "bad parameter: src"},
         {"the same in place", State::OWNED, [](Seq& s) { return seq::copy_no_alloc(&s, NO_SEQUENCE, OP); },
          "bad parameter: src"},
+        {"array of negative length", State::OWNED,
+         [](Seq& s) { return seq::from_array(&s, g_numbers, -1, OP); },
+         "bad parameter: negative argument\nERROR [op] failure: loan contiguous array"},
+        {"array without room", State::OWNED, [](Seq& s) { return seq::to_array(&s, g_numbers, 1, OP); },
+         "insufficient space: 1 available, 2 needed\nERROR [op] failure: copying array sequence"},
+        {"array into a loan", State::LOANED, [](Seq& s) { return seq::from_array(&s, g_numbers, 4, OP); },
+         "refused: buffer must not be loaned\nERROR [op] failure: copying array sequence"},
+        {"no allocation parameters", State::FRESH,
+         [](Seq& s) { return seq::set_allocation_params(&s, nullptr, OP); }, "bad parameter: params"},
+        {"no deallocation parameters", State::FRESH,
+         [](Seq& s) { return seq::set_deallocation_params(&s, nullptr, OP); }, "bad parameter: params"},
+        {"no room for parameters", State::FRESH,
+         [](Seq& s) {
+             return seq::get_params<DDS_TypeAllocationParams_t>(&s, &Seq::elementAllocation, nullptr, OP);
+         },
+         "bad parameter: params"},
+        {"allocation parameters too late", State::OWNED,
+         [](Seq& s) { return seq::set_allocation_params(&s, &DDS_TYPE_ALLOCATION_PARAMS_DEFAULT, OP); },
+         "refused: Member allocation parameters can be configured only when the maximum size of the sequence "
+         "is 0"},
+        {"pointers allocation too late", State::OWNED,
+         [](Seq& s) { return seq::set_pointers_allocation(&s, true, OP); },
+         "refused: Pointers allocation policy can be configured only when the maximum size of the sequence "
+         "is "
+         "0"},
         {"copy without room", State::FRESH,
          [](Seq& s) {
              Seq source{};

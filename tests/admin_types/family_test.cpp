@@ -1,0 +1,301 @@
+// What is derived for every type of both modules, through the named operations: values, sequences, plugins.
+#include "admin_types/plugins.h"
+#include "tests/admin_types/samples.h"
+#include "tests/middleware/captured_log.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Fills a value with what differs from its default and, by `seed`, from other values.
+template <class Record>
+void fill(admin::Struct<Record>, Record& record, int seed);
+template <class Record>
+void fill(admin::Union<Record>, Record& record, int seed);
+template <class IdlType, class Value>
+void fill(IdlType, Value& value, int seed) {
+    if constexpr (std::is_same_v<Value, char*>) {
+        set(value, std::string(static_cast<std::size_t>(seed), 'n'));
+    } else if constexpr (std::is_same_v<Value, DDS_StringSeq>) {
+        ASSERT_TRUE(ZULSequence::set_length(&value, seed % 16, __func__));
+        for (DDS_Long i = 0; i < value.length; ++i) {
+            fill(admin::String<IdlType::bound>{}, value.contiguous[i], seed + i);
+        }
+    } else {
+        value = static_cast<Value>(std::is_same_v<Value, DDS_Boolean> ? 1 : 1 + seed % 3);
+    }
+}
+template <class Record>
+void fill(admin::Struct<Record>, Record& record, int seed) {
+    admin::visitWhile(admin::Description<Record>::members, [&](const auto& member, std::uint32_t) {
+        fill(typename std::remove_cvref_t<decltype(member)>::Type{}, member.get(record), seed);
+        return true;
+    });
+}
+template <class Record>
+void fill(admin::Union<Record>, Record& record, int seed) {
+    const DDS_Long kinds[] = {1, 7, 9, 14}; // one of each branch
+    record._d = static_cast<decltype(record._d)>(kinds[seed % 4]);
+    admin::visitSelected(admin::Description<Record>::branches, record._d, [&](const auto& branch) {
+        fill(typename std::remove_cvref_t<decltype(branch)>::Type{}, branch.get(record), seed);
+        return true;
+    });
+}
+
+// The operations that every type has. `FORM` is the IDL type of the values.
+#define ZUL_FAMILY(Type, FORM)                                                                               \
+    struct Type##Family {                                                                                    \
+        using Idl = FORM;                                                                                    \
+        using Value = Type;                                                                                  \
+        using Seq = Type##Seq;                                                                               \
+        static constexpr const char* name = #Type;                                                           \
+        static constexpr auto initialize = Type##_initialize, finalize = Type##_finalize;                    \
+        static constexpr auto copy = Type##_copy;                                                            \
+        static constexpr auto seqFinalize = Type##Seq_finalize, unloan = Type##Seq_unloan;                   \
+        static constexpr auto getMaximum = Type##Seq_get_maximum, getLength = Type##Seq_get_length;          \
+        static constexpr auto setMaximum = Type##Seq_set_maximum, setLength = Type##Seq_set_length;          \
+        static constexpr auto ensureLength = Type##Seq_ensure_length;                                        \
+        static constexpr auto get = Type##Seq_get;                                                           \
+        static constexpr auto getReference = Type##Seq_get_reference;                                        \
+        static constexpr auto seqCopy = Type##Seq_copy, copyNoAlloc = Type##Seq_copy_no_alloc;               \
+        static constexpr auto fromArray = Type##Seq_from_array;                                              \
+        static constexpr auto toArray = Type##Seq_to_array;                                                  \
+        static constexpr auto loanContiguous = Type##Seq_loan_contiguous;                                    \
+        static constexpr auto loanDiscontiguous = Type##Seq_loan_discontiguous;                              \
+        static constexpr auto hasOwnership = Type##Seq_has_ownership;                                        \
+        static constexpr auto setAllocation = Type##Seq_set_element_allocation_params;                       \
+        static constexpr auto getAllocation = Type##Seq_get_element_allocation_params;                       \
+        static constexpr auto setReadToken = Type##Seq_set_read_token;                                       \
+        static constexpr auto getReadToken = Type##Seq_get_read_token;                                       \
+    };
+#define ZUL_STRUCT_FAMILY(Type) ZUL_FAMILY(Type, admin::Struct<Type>)
+#define ZUL_ENUM_FAMILY(Type) ZUL_FAMILY(Type, admin::Enum<Type>)
+#define ZUL_FAMILIES(prefix)                                                                                 \
+    ZUL_FOR_EACH_STRUCT(ZUL_STRUCT_FAMILY, prefix)                                                           \
+    ZUL_FAMILY(prefix##Command, admin::Union<prefix##Command>)                                               \
+    ZUL_FOR_EACH_ENUMERATION(ZUL_ENUM_FAMILY, prefix)
+ZUL_FAMILIES(ZUL_RoutingService_Administration_)
+ZUL_FAMILIES(ZUL_FederationService_Administration_)
+ZUL_FAMILY(ZUL_RoutingService_Administration_EntityName, admin::EntityName<admin::RoutingModule>)
+
+#define ZUL_LIST(Type) Type##Family,
+#define ZUL_LISTED(prefix)                                                                                   \
+    ZUL_FOR_EACH_RECORD(ZUL_LIST, prefix)                                                                    \
+    ZUL_FOR_EACH_ENUMERATION(ZUL_LIST, prefix)
+using Families = testing::Types<ZUL_LISTED(ZUL_RoutingService_Administration_) ZUL_LISTED(
+    ZUL_FederationService_Administration_) ZUL_RoutingService_Administration_EntityNameFamily>;
+
+template <class Family>
+class EveryType : public testing::Test {
+protected:
+    using Value = typename Family::Value;
+    using Idl = typename Family::Idl;
+
+    EveryType() {
+        for (Value& value : values) {
+            EXPECT_TRUE(Family::initialize(&value));
+            fill(Idl{}, value, static_cast<int>(&value - values) + 1);
+        }
+    }
+    ~EveryType() override {
+        for (Value& value : values) {
+            Family::finalize(&value);
+        }
+    }
+    // A text form to compare: the encoded bytes.
+    static Bytes bytes(const Value& value) {
+        Bytes out(8192);
+        ZULCdrOutput stream{.data = out.data(), .capacity = out.size()};
+        EXPECT_TRUE(admin::PluginOperations<Idl>::serializeSample(nullptr, value, stream, true, 1, true));
+        out.resize(stream.position);
+        return out;
+    }
+    void expectElements(const typename Family::Seq& sequence, DDS_Long length, DDS_Long maximum) {
+        ASSERT_EQ(Family::getLength(&sequence), length);
+        EXPECT_EQ(Family::getMaximum(&sequence), maximum);
+        for (DDS_Long i = 0; i < length; ++i) {
+            EXPECT_EQ(bytes(*Family::getReference(&sequence, i)), bytes(values[i])) << i;
+            EXPECT_EQ(bytes(Family::get(&sequence, i)), bytes(values[i])) << i;
+        }
+    }
+
+    Value values[4];
+};
+TYPED_TEST_SUITE(EveryType, Families, );
+
+TYPED_TEST(EveryType, CopiesWholeValues) {
+    typename TestFixture::Value copy;
+    ASSERT_TRUE(TypeParam::initialize(&copy));
+    EXPECT_NE(this->bytes(copy), this->bytes(this->values[1]));
+    EXPECT_TRUE(TypeParam::copy(&copy, &this->values[1]));
+    EXPECT_EQ(this->bytes(copy), this->bytes(this->values[1]));
+    TypeParam::finalize(&copy);
+}
+
+TYPED_TEST(EveryType, SequenceHoldsWhatFitsAndRefusesTheRest) {
+    using Family = TypeParam;
+    typename Family::Seq sequence{};
+    ASSERT_TRUE(Family::fromArray(&sequence, this->values, 3));
+    this->expectElements(sequence, 3, 3);
+    for (const auto& [length, fits] : {std::pair{0, true}, {1, true}, {3, true}, {4, false}, {-1, false}}) {
+        EXPECT_EQ(Family::setLength(&sequence, length), fits) << length;
+    }
+    EXPECT_FALSE(Family::setMaximum(&sequence, -1));
+    this->expectElements(sequence, 3, 3);
+
+    // Exhausted memory at any element leaves the old elements whole.
+    long allocations = 0;
+    for (bool grown = false; !grown; ++allocations) {
+        ASSERT_LT(allocations, 200);
+        ZULHeap_failAfter(allocations);
+        grown = Family::setMaximum(&sequence, 4);
+        ZULHeap_failAfter(-1);
+        this->expectElements(sequence, 3, grown ? 4 : 3);
+    }
+    // A byte count beyond 32 bits is told whole.
+    CapturedLog log;
+    ZULHeap_failAfter(0);
+    EXPECT_FALSE(Family::setMaximum(&sequence, INT32_MAX));
+    ZULHeap_failAfter(-1);
+    EXPECT_EQ(log.take(), std::string("ERROR [") + Family::name + "Seq_set_maximum] failed to allocate " +
+                              std::to_string(sizeof(this->values[0]) * INT32_MAX) + " bytes\n");
+
+    typename Family::Seq other{};
+    EXPECT_EQ(Family::copyNoAlloc(&other, &sequence), nullptr); // no room
+    EXPECT_EQ(Family::seqCopy(&other, &sequence), &other);
+    this->expectElements(other, 3, 3);
+    ASSERT_TRUE(Family::setMaximum(&other, 1));
+    this->expectElements(other, 1, 1);
+    ASSERT_TRUE(Family::ensureLength(&other, 0, 0));
+    EXPECT_TRUE(Family::seqFinalize(&other) && Family::seqFinalize(&sequence));
+}
+
+TYPED_TEST(EveryType, SequenceLoans) {
+    using Family = TypeParam;
+    typename Family::Seq sequence{};
+    ASSERT_TRUE(Family::loanContiguous(&sequence, this->values, 2, 4));
+    EXPECT_FALSE(Family::hasOwnership(&sequence));
+    this->expectElements(sequence, 2, 4);
+    EXPECT_FALSE(Family::loanContiguous(&sequence, this->values, 2, 4));
+    EXPECT_FALSE(Family::setMaximum(&sequence, 8));
+    EXPECT_FALSE(Family::seqFinalize(&sequence));
+    void* tokens[2] = {&sequence, this};
+    Family::setReadToken(&sequence, tokens[0], tokens[1]);
+    Family::getReadToken(&sequence, &tokens[1], &tokens[0]);
+    EXPECT_TRUE(tokens[0] == this && tokens[1] == &sequence);
+    ASSERT_TRUE(Family::unloan(&sequence));
+    this->expectElements(sequence, 0, 0);
+
+    typename TestFixture::Value* pointers[] = {&this->values[0], &this->values[1], &this->values[2]};
+    ASSERT_TRUE(Family::loanDiscontiguous(&sequence, pointers, 3, 3));
+    this->expectElements(sequence, 3, 3);
+    typename Family::Seq array{};
+    ASSERT_TRUE(Family::fromArray(&array, this->values, 4));
+    EXPECT_FALSE(Family::toArray(&sequence, array.contiguous, 2)); // too small
+    // Copied backwards, so that what arrives differs from what was there.
+    std::swap(pointers[0], pointers[2]);
+    EXPECT_TRUE(Family::toArray(&sequence, array.contiguous, 3));
+    EXPECT_EQ(this->bytes(array.contiguous[0]), this->bytes(this->values[2]));
+    ASSERT_TRUE(Family::unloan(&sequence));
+
+    // Allocation parameters are the elements', as long as there are none.
+    const DDS_TypeAllocationParams_t bare{
+        .allocate_pointers = 0, .allocate_optional_members = 0, .allocate_memory = 0};
+    DDS_TypeAllocationParams_t got{};
+    EXPECT_FALSE(Family::setAllocation(&array, &bare));
+    EXPECT_TRUE(Family::getAllocation(&array, &got) && got.allocate_memory == 1);
+    ASSERT_TRUE(Family::setAllocation(&sequence, &bare));
+    ZULHeap_failAfter(1); // one array, and nothing for its elements
+    EXPECT_TRUE(Family::setMaximum(&sequence, 2));
+    ZULHeap_failAfter(-1);
+    EXPECT_TRUE(Family::seqFinalize(&array) && Family::seqFinalize(&sequence));
+}
+
+// ---- member-level plugins of the routing module ----
+
+#define ZUL_PLUGIN_CASE(Type)                                                                                \
+    template <>                                                                                              \
+    struct PluginOf<Type##Family> {                                                                          \
+        static constexpr auto serialize = Type##Plugin_serialize, serializeKey = Type##Plugin_serialize_key; \
+        static constexpr auto deserialize = Type##Plugin_deserialize_sample;                                 \
+        static constexpr auto deserializeKey = Type##Plugin_deserialize_key_sample;                          \
+        static constexpr auto toKey = Type##Plugin_serialized_sample_to_key;                                 \
+        static constexpr auto skip = Type##Plugin_skip;                                                      \
+        static constexpr auto maximum = Type##Plugin_get_serialized_sample_max_size;                         \
+        static constexpr auto keyMaximum = Type##Plugin_get_serialized_key_max_size;                         \
+        static constexpr auto size = Type##Plugin_get_serialized_sample_size;                                \
+        static constexpr auto print = Type##PluginSupport_print_data;                                        \
+    };
+template <class Family>
+struct PluginOf;
+ZUL_FOR_EACH_RECORD(ZUL_PLUGIN_CASE, ZUL_RoutingService_Administration_)
+ZUL_FOR_EACH_ENUMERATION(ZUL_PLUGIN_CASE, ZUL_RoutingService_Administration_)
+ZUL_PLUGIN_CASE(ZUL_RoutingService_Administration_EntityName)
+
+template <class Family>
+class EveryPlugin : public EveryType<Family> {};
+using PluginFamilies = testing::Types<ZUL_LISTED(ZUL_RoutingService_Administration_)
+                                          ZUL_RoutingService_Administration_EntityNameFamily>;
+TYPED_TEST_SUITE(EveryPlugin, PluginFamilies, );
+
+TYPED_TEST(EveryPlugin, WritesReadsSkipsAndSizesAlike) {
+    using Plugin = PluginOf<TypeParam>;
+    for (const std::uint16_t id : {ZUL_ENCAPSULATION_CDR_BE, ZUL_ENCAPSULATION_CDR_LE}) {
+        for (const auto& value : this->values) {
+            const std::size_t size = Plugin::size(nullptr, true, id, 0, &value);
+            EXPECT_LE(size, Plugin::maximum(nullptr, true, id, 0));
+            EXPECT_EQ(Plugin::keyMaximum(nullptr, true, id, 0), Plugin::maximum(nullptr, true, id, 0));
+            for (const auto write : {Plugin::serialize, Plugin::serializeKey}) {
+                Bytes wire(size);
+                ZULCdrOutput small{.data = wire.data(), .capacity = size - 1};
+                EXPECT_FALSE(write(nullptr, &value, &small, true, id, true, nullptr));
+                ZULCdrOutput out{.data = wire.data(), .capacity = size};
+                ASSERT_TRUE(write(nullptr, &value, &out, true, id, true, nullptr));
+                EXPECT_EQ(out.position, size);
+                for (const auto read : {Plugin::deserialize, Plugin::deserializeKey, Plugin::toKey}) {
+                    typename TestFixture::Value decoded;
+                    ASSERT_TRUE(TypeParam::initialize(&decoded));
+                    ZULCdrInput in{.data = wire.data(), .size = size};
+                    EXPECT_TRUE(read(nullptr, &decoded, &in, true, true, nullptr));
+                    EXPECT_EQ(this->bytes(decoded), this->bytes(value));
+                    TypeParam::finalize(&decoded);
+                }
+                ZULCdrInput in{.data = wire.data(), .size = size};
+                EXPECT_TRUE(Plugin::skip(nullptr, &in, true, true, nullptr));
+                EXPECT_EQ(in.position, size);
+            }
+        }
+    }
+    testing::internal::CaptureStdout();
+    Plugin::print(&this->values[0], "one", 0);
+    Plugin::print(nullptr, "none", 1);
+    const std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(printed.find("one:"), 0U);
+    EXPECT_TRUE(printed.ends_with("\n   none:\nNULL\n")) << printed;
+}
+
+// ---- enumerations ----
+
+template <class Seq, class Values>
+void expectValues(Values getValues, int first, int count) {
+    Seq values{};
+    ASSERT_TRUE(ZULSequence::set_maximum(&values, 2, __func__)); // grows and shrinks alike
+    ASSERT_TRUE(getValues(&values));
+    ASSERT_EQ(values.length, count);
+    EXPECT_EQ(values.maximum, count);
+    for (int i = 0; i < count; ++i) {
+        EXPECT_EQ(values.contiguous[i], first + i);
+    }
+    EXPECT_FALSE(getValues(nullptr));
+    EXPECT_TRUE(ZULSequence::finalize(&values, __func__));
+}
+
+TEST(Enumerations, ListTheirValues) {
+#define ZUL_VALUES(prefix)                                                                                   \
+    expectValues<prefix##CommandKindSeq>(prefix##CommandKind_getValues, 1, 14);                              \
+    expectValues<prefix##CommandResponseKindSeq>(prefix##CommandResponseKind_getValues, 0, 4);
+    ZUL_VALUES(ZUL_RoutingService_Administration_)
+    ZUL_VALUES(ZUL_FederationService_Administration_)
+}
+
+} // namespace
