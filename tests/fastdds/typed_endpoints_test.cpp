@@ -14,7 +14,7 @@ using Seq = ZUL_RESPONSE(Seq);
 using Reader = ZUL_RESPONSE(DataReader);
 using Writer = ZUL_RESPONSE(DataWriter);
 
-constexpr int DOMAIN = 21;
+constexpr int DOMAIN = 28;
 constexpr DDS_SampleStateMask ANY = DDS_ANY_SAMPLE_STATE;
 
 // A writer and a reader of responses in one participant.

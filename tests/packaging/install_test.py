@@ -1,0 +1,100 @@
+"""What is installed: a program built against it, the programs from the Debian package, manual pages, completion."""
+
+import gzip
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
+import processes  # noqa: E402
+
+BUILD = os.environ["ZUL_BUILD"]
+SOURCE = os.environ["ZUL_SOURCE"]
+DOMAIN = 62
+PROGRAMS = ("zulrssh", "zulfssh", "zul-practice-router")
+
+
+def run(*command, **keywords):
+    """Runs to the end; returns standard output."""
+    done = subprocess.run(command, capture_output=True, text=True, check=False, **keywords)
+    if done.returncode != 0:
+        raise AssertionError(f"{command}: {done.returncode}\n{done.stdout[-4000:]}\n{done.stderr[-4000:]}")
+    return done.stdout
+
+
+class Install(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.directory = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.directory.cleanup)
+        cls.prefix = os.path.join(cls.directory.name, "prefix")
+        run("cmake", "--install", BUILD, "--prefix", cls.prefix)
+
+    def test_a_program_builds_against_the_installed_library_and_steers_a_router(self):
+        build = os.path.join(self.directory.name, "example")
+        source = os.path.join(self.prefix, "share/doc/zul-remote-config/examples/enable_entity")
+        run("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={self.prefix}", "-DCMAKE_BUILD_TYPE=Debug")
+        run("cmake", "--build", build)
+        example = os.path.join(build, "enable_entity")
+        with processes.Router(DOMAIN) as router:
+            with processes.Shell(DOMAIN) as shell:
+                shell.prompt()
+                shell.connect(router)
+                self.assertIn("Result: ", shell.run("disable r1 DefaultDomainRoute"))
+            run(example, str(DOMAIN), "r1", "DefaultDomainRoute")
+            refused = subprocess.run([example, str(DOMAIN), "r1", "NoSuchEntity"], capture_output=True, text=True)
+            self.assertEqual(refused.returncode, 1, refused)
+            self.assertIn("NoSuchEntity", refused.stdout)
+
+    def test_every_installed_header_stands_for_itself(self):
+        include = os.path.join(self.prefix, "include/zul_remote_config")
+        headers = [os.path.relpath(os.path.join(folder, name), include)
+                   for folder, _, names in os.walk(include) for name in names]
+        self.assertGreater(len(headers), 30)
+        # Each may only lean on what it includes: whatever the order, all compile.
+        for order in (sorted(headers), sorted(headers, reverse=True)):
+            text = "".join(f'#include "{header}"\n' for header in order)
+            run("g++", "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-I", include, "-x", "c++", "-",
+                input=text)
+
+    def test_the_debian_packages_hold_programs_that_run(self):
+        packages = os.path.join(self.directory.name, "packages")
+        root = os.path.join(self.directory.name, "root")
+        run("cpack", "-B", packages, cwd=BUILD)
+        found = sorted((name for name in os.listdir(packages) if name.endswith(".deb")), key=len)
+        self.assertEqual([name.split("_")[0] for name in found], ["zul-remote-config", "zul-remote-config-dev"])
+        for name in found:
+            run("dpkg-deb", "-x", os.path.join(packages, name), root)
+        depends = run("dpkg-deb", "-f", os.path.join(packages, found[0]), "Depends")
+        for library in ("libfastrtps", "libxml2", "libc6"):
+            self.assertIn(library, depends)
+        processes.BIN, before = os.path.join(root, "usr/bin"), processes.BIN
+        self.addCleanup(setattr, processes, "BIN", before)
+        with processes.Router(DOMAIN + 1) as router, processes.Shell(DOMAIN + 1) as shell:
+            shell.prompt()
+            shell.connect(router)
+            self.assertIn("Result: ", shell.run("get r1"))
+        share = os.path.join(root, "usr/share")
+        for variant in ("routing", "federation"):
+            run("xmllint", "--noout", "--dtdvalid", f"{share}/zul_remote_config/dtd/{variant}_service.dtd",
+                f"{share}/zul_remote_config/xml/ZUL_{variant.upper()}_SERVICE.xml")
+        for program in PROGRAMS:
+            with gzip.open(f"{share}/man/man1/{program}.1.gz", "rt", encoding="utf-8") as page:
+                self.assertIn(f".TH {program.upper()} 1", page.read().replace("\\-", "-"))
+
+    def test_options_are_completed(self):
+        folder = os.path.join(self.prefix, "share/bash-completion/completions")
+        for program, word, expected in (("zulrssh", "-d", "-domainId"), ("zulfssh", "-cm", "-cmdFile"),
+                                        ("zul-practice-router", "--dom", "--domain")):
+            # What bash does: it loads the file of the program's name and calls the function registered there.
+            script = f"""source '{folder}/{program}'
+                COMP_WORDS=({program} {word}); COMP_CWORD=1; COMP_LINE='{program} {word}'; COMP_POINT=${{#COMP_LINE}}
+                "$(complete -p {program} | sed 's/.*-F \\([^ ]*\\).*/\\1/')" {program} {word} {program}
+                printf '%s\\n' "${{COMPREPLY[@]}}" """
+            self.assertIn(expected, [line.strip() for line in run("bash", "-c", script).split("\n")], program)
+
+
+if __name__ == "__main__":
+    unittest.main()
