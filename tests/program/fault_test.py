@@ -2,8 +2,10 @@
 signals at every moment."""
 
 import os
+import re
 import signal
 import sys
+import tempfile
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
@@ -64,6 +66,31 @@ class Faults(unittest.TestCase):
                 victim.read(0.05)
             shell.send("enable victim\n")
         self.assertEqual(shell.prompt(), "No response received\n")
+        self.assertRegex(shell.run("get other"), r"\AResult: <dds>")
+
+    def test_router_killed_in_the_middle_of_an_upload(self):
+        other = self.router("other")
+        shell = self.shell(other, "-timeout", "3")
+        with tempfile.TemporaryDirectory() as directory:
+            fifo = os.path.join(directory, "document.xml")
+            os.mkfifo(fifo)
+            source = os.open(fifo, os.O_RDWR)  # a writer that is there from the beginning
+            with Router(DOMAIN, "victim") as victim:
+                shell.connect(victim)
+                shell.send(f"load victim Plant {fifo} local\n")
+                os.write(source, b" " * 40000)
+                victim.expect("LOAD")
+            # More than may stay unacknowledged: the shell waits for room until the dead router's lease has run out.
+            os.set_blocking(source, False)
+            left = 1_000_000
+            while left > 0:
+                try:
+                    left -= os.write(source, b" " * min(left, 40000))
+                except BlockingIOError:
+                    shell.read(0.05)
+            os.close(source)
+            self.assertEqual(shell.expect(re.escape(Shell.PROMPT), 90)[0],
+                             "Error sending request\nNo response received\n")
         self.assertRegex(shell.run("get other"), r"\AResult: <dds>")
 
     def test_two_routers_with_one_name_and_one_that_comes_late(self):
