@@ -108,9 +108,8 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (options.showsVersion) {
-        char version[ZUL_PRODUCT_VERSION_TEXT_SIZE];
-        ZULProductVersion_toString(ZULProductVersion_get(), version);
-        std::printf("%s %s\n", PROGRAM, version);
+        const ZULProductVersion version = ZULProductVersion_get();
+        std::printf("%s %d.%d%c\n", PROGRAM, version.major, version.minor, version.release);
         return 0;
     }
     const std::string saveDirectory = directoryAt(options.saveDirectory);

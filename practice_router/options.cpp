@@ -14,18 +14,29 @@ constexpr std::int32_t MAX_DELAY_MILLISECONDS = 3'600'000;
 constexpr std::int32_t MAX_PARTS = 100'000;
 constexpr std::int32_t MAX_GARBAGE = 1'000'000;
 
-// Where an option goes, by the kind of its value.
+// Where the value of an option goes: a member of the options, or of the faults in them.
+template <class Value>
+using Target = Value& (*)(PracticeOptions&);
+template <auto Member>
+auto& option(PracticeOptions& options) {
+    return options.*Member;
+}
+template <auto Member>
+auto& fault(PracticeOptions& options) {
+    return options.faults.*Member;
+}
+
 struct Number {
-    std::int32_t& (*target)(PracticeOptions&);
+    Target<std::int32_t> target;
     std::int32_t least;
     std::int32_t most;
 };
 struct Text {
-    std::string& (*target)(PracticeOptions&);
+    Target<std::string> target;
     std::size_t mostCharacters;
 };
 struct Flag {
-    bool& (*target)(PracticeOptions&);
+    Target<bool> target;
 };
 
 struct Option {
@@ -37,94 +48,39 @@ struct Option {
 
 constexpr std::size_t MAX_PATH_LENGTH = 4095;
 
-const Option OPTIONS[] = {{"--domain", "N", "DDS domain to join, 0 to 232 (default 0)",
-                           Number{[](PracticeOptions & o) -> auto& {return o.domain;
-} // namespace
-, 0, DDS_DOMAIN_ID_MAX
-}
-}
-, {"--name", "NAME", "name of this router, which requests are addressed to (default practice)",
-   Text{[](PracticeOptions & o) -> auto& {return o.name;
-}
-, PRACTICE_ENTITY_NAME_MAX
-}
-}
-, {"--federation", "", "be a federation service instead of a routing service",
-   Flag{[](PracticeOptions & o) -> auto& {return o.isFederation;
-}
-}
-}
-, {"--config", "FILE", "start with this document instead of the builtin default configuration",
-   Text{[](PracticeOptions & o) -> auto& {return o.configurationFile;
-}
-, MAX_PATH_LENGTH
-}
-}
-, {"--save-dir", "DIR", "directory that save writes its file to (default: the current one)",
-   Text{[](PracticeOptions & o) -> auto& {return o.saveDirectory;
-}
-, MAX_PATH_LENGTH
-}
-}
-, {"--count-only", "", "count the bytes of loads, updates and creates, and do nothing else with them",
-   Flag{[](PracticeOptions & o) -> auto& {return o.countsOnly;
-}
-}
-}
-, {"--delay-ms", "N", "fault: wait N milliseconds before each answer",
-   Number{[](PracticeOptions & o) -> auto& {return o.faults.delayMilliseconds;
-}
-, 0, MAX_DELAY_MILLISECONDS
-}
-}
-, {"--silent", "", "fault: act on requests but never answer",
-   Flag{[](PracticeOptions & o) -> auto& {return o.faults.isSilent;
-}
-}
-}
-, {"--parts", "N", "fault: split every answer into N parts",
-   Number{[](PracticeOptions & o) -> auto& {return o.faults.parts;
-}
-, 1, MAX_PARTS
-}
-}
-, {"--duplicate", "", "fault: send each response twice",
-   Flag{[](PracticeOptions & o) -> auto& {return o.faults.duplicates;
-}
-}
-}
-, {"--wrong-invocation", "", "fault: send an answer to the request before it in front of each answer",
-   Flag{[](PracticeOptions & o) -> auto& {return o.faults.wrongInvocation;
-}
-}
-}
-, {"--garbage", "N", "fault: send N undecodable samples in front of each answer",
-   Number{[](PracticeOptions & o) -> auto& {return o.faults.garbage;
-}
-, 0, MAX_GARBAGE
-}
-}
-, {"--verbose", "", "log the requests to other routers too",
-   Flag{[](PracticeOptions & o) -> auto& {return o.isVerbose;
-}
-}
-}
-, {"--help", "", "show this text and end", Flag{[](PracticeOptions & o) -> auto& {return o.showsHelp;
-}
-}
-}
-, {"--version", "", "show the version and end", Flag{[](PracticeOptions & o) -> auto& {return o.showsVersion;
-}
-}
-}
-,
-}
-;
+using Options = PracticeOptions;
+using Faults = PracticeFaults;
+const Option OPTIONS[] = {
+    {"--domain", "N", "DDS domain to join, 0 to 232 (default 0)",
+     Number{option<&Options::domain>, 0, DDS_DOMAIN_ID_MAX}},
+    {"--name", "NAME", "name of this router, which requests are addressed to (default practice)",
+     Text{option<&Options::name>, PRACTICE_ENTITY_NAME_MAX}},
+    {"--federation", "", "be a federation service instead of a routing service",
+     Flag{option<&Options::isFederation>}},
+    {"--config", "FILE", "start with this document instead of the builtin default configuration",
+     Text{option<&Options::configurationFile>, MAX_PATH_LENGTH}},
+    {"--save-dir", "DIR", "directory that save writes its file to (default: the current one)",
+     Text{option<&Options::saveDirectory>, MAX_PATH_LENGTH}},
+    {"--count-only", "", "count the bytes of loads, updates and creates, and do nothing else with them",
+     Flag{option<&Options::countsOnly>}},
+    {"--delay-ms", "N", "fault: wait N milliseconds before each answer",
+     Number{fault<&Faults::delayMilliseconds>, 0, MAX_DELAY_MILLISECONDS}},
+    {"--silent", "", "fault: act on requests but never answer", Flag{fault<&Faults::isSilent>}},
+    {"--parts", "N", "fault: split every answer into N parts", Number{fault<&Faults::parts>, 1, MAX_PARTS}},
+    {"--duplicate", "", "fault: send each response twice", Flag{fault<&Faults::duplicates>}},
+    {"--wrong-invocation", "", "fault: send an answer to the request before it in front of each answer",
+     Flag{fault<&Faults::wrongInvocation>}},
+    {"--garbage", "N", "fault: send N undecodable samples in front of each answer",
+     Number{fault<&Faults::garbage>, 0, MAX_GARBAGE}},
+    {"--verbose", "", "log the requests to other routers too", Flag{option<&Options::isVerbose>}},
+    {"--help", "", "show this text and end", Flag{option<&Options::showsHelp>}},
+    {"--version", "", "show the version and end", Flag{option<&Options::showsVersion>}},
+};
 
 const Option* findOption(std::string_view name) {
-    for (const Option& option : OPTIONS) {
-        if (option.name == name) {
-            return &option;
+    for (const Option& each : OPTIONS) {
+        if (each.name == name) {
+            return &each;
         }
     }
     return nullptr;
@@ -158,23 +114,23 @@ std::string store(PracticeOptions& options, const Flag& kind, std::string_view) 
 std::string parseOne(PracticeOptions& options, std::string_view argument, const char* next, bool& usesNext) {
     const std::size_t equals = argument.find('=');
     const std::string name(argument.substr(0, equals));
-    const Option* option = findOption(name);
-    if (option == nullptr) {
+    const Option* found = findOption(name);
+    if (found == nullptr) {
         return "unknown option " + name + "; --help lists the options";
     }
     std::string value(equals != std::string_view::npos ? argument.substr(equals + 1) : "");
-    if (option->value.empty() && equals != std::string_view::npos) {
+    if (found->value.empty() && equals != std::string_view::npos) {
         return name + " takes no value; leave out \"=" + value + "\"";
     }
-    usesNext = !option->value.empty() && equals == std::string_view::npos;
+    usesNext = !found->value.empty() && equals == std::string_view::npos;
     if (usesNext && next == nullptr) {
-        return name + " needs a value: " + name + " " + std::string(option->value);
+        return name + " needs a value: " + name + " " + std::string(found->value);
     }
     if (usesNext) {
         value = next;
     }
     const std::string wanted =
-        std::visit([&](const auto& kind) { return store(options, kind, value); }, option->kind);
+        std::visit([&](const auto& kind) { return store(options, kind, value); }, found->kind);
     return wanted.empty() ? "" : "\"" + value + "\" is no value for " + name + "; give " + wanted;
 }
 
@@ -199,11 +155,11 @@ std::string PracticeOptions_help() {
                        "A router to try the administration shell on. It keeps a real configuration, acts on\n"
                        "requests, answers them, and logs one line for each; it routes no data. End it with\n"
                        "SIGINT (Ctrl-C) or SIGTERM.\n\n";
-    for (const Option& option : OPTIONS) {
+    for (const Option& each : OPTIONS) {
         std::string line = "  ";
-        line.append(option.name).append(" ").append(option.value);
+        line.append(each.name).append(" ").append(each.value);
         line.resize(std::max(line.size() + 1, COLUMN), ' ');
-        text.append(line).append(option.help).append("\n");
+        text.append(line).append(each.help).append("\n");
     }
     return text;
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <utility>
 
 using namespace fake_dds;
 
@@ -36,28 +37,13 @@ void DDS_DataReader::start() {
     sigset_t previous;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &previous);
-    thread = std::thread([this] { run(); });
+    thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
-void DDS_DataReader::stop() {
-    {
-        const std::lock_guard lock(world().mutex);
-        isStopping = true;
-        change.notify_all();
-    }
-    if (thread.joinable()) {
-        thread.join();
-    }
-}
-
-void DDS_DataReader::run() {
+void DDS_DataReader::run(const std::stop_token& stop) {
     std::unique_lock lock(world().mutex);
-    for (;;) {
-        change.wait(lock, [this] { return isStopping || isPending; });
-        if (isStopping) {
-            return;
-        }
+    while (change.wait(lock, stop, [this] { return isPending; }) && !stop.stop_requested()) {
         isPending = false;
         isBusy = true;
         lock.unlock();
@@ -72,97 +58,70 @@ DDS_DataReader::~DDS_DataReader() {
     for (const Sample& sample : available) {
         release(sample.response);
     }
-    for (const auto& [address, samples] : loans) {
-        for (void* sample : samples) {
-            release(sample);
-        }
+    for (void* sample : loan) {
+        release(sample);
     }
 }
 
-DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
+DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView&,
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,
                                                      DDS_ReceivedSamples* received) {
-    char arguments[64];
-    std::snprintf(arguments, sizeof(arguments), "max=%d states=%x/%x/%x%s", params.max_samples,
-                  params.sample_states, params.view_states, params.instance_states,
-                  data.maximum == 0 ? " loan" : "");
-    const DDS_ReturnCode_t code = world().note(params.take ? "take" : "read", arguments);
+    const DDS_ReturnCode_t code = world().note(params.take ? "take" : "read");
     if (code != DDS_RETCODE_OK) {
         return code;
     }
-    {
-        const std::lock_guard lock(world().mutex);
-        const auto count = static_cast<DDS_Long>(self->available.size());
-        if (count == 0) {
-            return DDS_RETCODE_NO_DATA;
-        }
-        if (!ZULSequence::ensure_length(infos, count, count, __func__)) {
-            return DDS_RETCODE_OUT_OF_RESOURCES;
-        }
-        std::vector<void*> samples;
-        for (const DDS_DataReader::Sample& sample : self->available) {
-            ZULSequence::at(*infos, static_cast<DDS_Long>(samples.size())).valid_data = sample.isValid;
-            samples.push_back(sample.response);
-        }
-        self->available.clear();
-        *received = {.is_loan = true, .samples = samples.data(), .count = count};
-        self->loans.emplace(received->samples, std::move(samples));
-        ++world().openLoans;
+    const std::lock_guard lock(world().mutex);
+    const auto count = static_cast<DDS_Long>(self->available.size());
+    if (count == 0) {
+        return DDS_RETCODE_NO_DATA;
     }
-    world().call(&Hooks::onTaken);
+    if (!self->loan.empty() || !ZULSequence::ensure_length(infos, count, count, __func__)) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    for (const DDS_DataReader::Sample& sample : self->available) {
+        ZULSequence::at(*infos, static_cast<DDS_Long>(self->loan.size())).valid_data = sample.isValid;
+        self->loan.push_back(sample.response);
+    }
+    self->available.clear();
+    *received = {.is_loan = true, .samples = self->loan.data(), .count = count};
+    ++world().openLoans;
     return DDS_RETCODE_OK;
 }
 
 DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long count,
                                                     DDS_SampleInfoSeq*) {
     world().call(&Hooks::onReturnLoan);
-    const DDS_ReturnCode_t code = world().note("return_loan", std::to_string(count));
+    const DDS_ReturnCode_t code = world().note("return_loan");
     if (code != DDS_RETCODE_OK) {
         return code;
     }
     const std::lock_guard lock(world().mutex);
-    const auto loan = self->loans.find(samples);
-    if (loan == self->loans.end() || static_cast<std::size_t>(count) != loan->second.size()) {
-        ++world().wrongReturns;
+    if (samples != self->loan.data() || static_cast<std::size_t>(count) != self->loan.size()) {
         return DDS_RETCODE_PRECONDITION_NOT_MET;
     }
-    for (void* sample : loan->second) {
+    for (void* sample : std::exchange(self->loan, {})) {
         release(sample);
     }
-    self->loans.erase(loan);
     --world().openLoans;
-    ++world().returnedLoans;
     return DDS_RETCODE_OK;
 }
 
-const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self) {
-    return world().readerTypeName != nullptr ? world().readerTypeName : self->plugin.typeName;
+const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader*) {
+    return ZUL_RoutingService_Administration_CommandResponseTypeSupport_get_type_name();
 }
 
 namespace fake_dds {
 
-DDS_DataReader* World::reader() {
-    for (const auto& participant : participants) {
-        if (participant->isEnabled && !participant->readers.empty()) {
-            return participant->readers.front().get();
-        }
-    }
-    return nullptr;
-}
-
-bool deliver(const std::vector<Answer>& answers) {
+void deliver(const std::vector<Answer>& answers) {
     const std::lock_guard lock(world().mutex);
-    DDS_DataReader* target = world().reader();
-    if (target == nullptr) {
-        return false;
+    if (DDS_DataReader* target = world().reader()) {
+        for (const Answer& answer : answers) {
+            target->available.push_back({makeResponse(answer), answer.isValid});
+        }
+        target->isPending = true;
+        target->change.notify_all();
     }
-    for (const Answer& answer : answers) {
-        target->available.push_back({makeResponse(answer), answer.isValid});
-    }
-    target->isPending = true;
-    target->change.notify_all();
-    return true;
 }
 
 bool awaitIdle() {

@@ -10,6 +10,7 @@
 #include "remote_config/result.h"
 #include "tests/fake_dds/fake_dds.h"
 
+#include <array>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <mutex>
@@ -33,7 +34,7 @@ bool await(Condition condition) {
     return true;
 }
 
-// Collects the log while it lives; every level and submodule is on. `hook` sees each line where it is logged.
+// Collects the log while it lives; every level and submodule is on.
 class LogCapture {
 public:
     LogCapture() {
@@ -66,21 +67,11 @@ private:
     Lines lines_;
 };
 
-// The line that a template, its place filled with `argument`, makes.
-inline std::string logLine(const char* level, const std::string& context, const ZULLogTemplate& message,
-                           const std::string& argument = "") {
-    std::string text = message.format;
-    const std::size_t place = text.find('%');
-    return std::string(level) + " [" + context + "] " +
-           (place == text.npos ? text : text.replace(place, 2, argument));
+inline std::string errorLine(const std::string& context, const std::string& text) {
+    return "ERROR [" + context + "] " + text + "\n";
 }
-inline std::string errorLine(const std::string& context, const ZULLogTemplate& message,
-                             const std::string& argument = "") {
-    return logLine("ERROR", context, message, argument);
-}
-inline std::string warningLine(const std::string& context, const ZULLogTemplate& message,
-                               const std::string& argument = "") {
-    return logLine("WARNING", context, message, argument);
+inline std::string warningLine(const std::string& context, const std::string& text) {
+    return "WARNING [" + context + "] " + text + "\n";
 }
 
 // A client that is connected; waits are for ever unless a test says otherwise.
@@ -95,7 +86,7 @@ protected:
     void TearDown() override {
         EXPECT_TRUE(fake_dds::awaitIdle());
         EXPECT_EQ(client.currentResponse.load(), nullptr);
-        EXPECT_EQ(fake_dds::world().wrongReturns, 0);
+        EXPECT_EQ(fake_dds::world().openLoans, 0);
         ROUTERRemoteConfigResult_finalize(&result);
         EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
         EXPECT_EQ(fake_dds::liveEntities(), 0);
@@ -121,6 +112,11 @@ protected:
     bool sendNext(bool wait = true) {
         ROUTERRemoteConfigClient_nextInvocation(&client);
         return send(wait);
+    }
+    // Forgets what was sent and answered.
+    void reset() {
+        fake_dds::forget();
+        ROUTERRemoteConfigResult_finalize(&result);
     }
     std::string text() const { return result.text == nullptr ? "(null)" : result.text; }
 
