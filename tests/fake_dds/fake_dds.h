@@ -1,13 +1,10 @@
-// A DDS without a network, for tests: implements middleware/dds.h for one
-// participant at a time, notes every call in order as one line of text, fails
-// the calls it is told to fail, keeps written requests, and delivers responses
-// to the reader's listener from a thread of its own, which blocks all signals.
-// A released loan is poisoned and freed, so that whoever still reads it is
-// found.
+// A DDS without a network, for tests: implements middleware/dds.h for one participant at a time, notes every
+// call in order as one line of text, fails the calls it is told to fail, keeps written requests, and delivers
+// responses to the reader's listener from a thread of its own, which blocks all signals. A released loan is
+// poisoned and freed, so that whoever still reads it is found.
 //
-// Everything lives in the one `world()`, emptied by `reset()`. The free
-// functions may be called from any thread; the plain settings are changed only
-// while no delivery is under way.
+// Everything lives in the one `world()`, emptied by `reset()`. The free functions may be called from any
+// thread; the plain settings are changed only while no delivery is under way.
 #pragma once
 
 #include "admin_types/type_support.h"
@@ -28,8 +25,7 @@ using Request = ZUL_RoutingService_Administration_CommandRequest;
 using RequestId = ZUL_RoutingService_Administration_CommandId;
 using Response = ZUL_RoutingService_Administration_CommandResponse;
 
-// One response to deliver. The message may be longer than what fits on the
-// wire.
+// One response to deliver. The message may be longer than what fits on the wire.
 struct Answer {
     RequestId id{};
     DDS_Long kind = 0;
@@ -49,6 +45,7 @@ struct RequestDeleter {
         ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data(request);
     }
 };
+
 } // namespace fake_dds
 
 struct DDS_Entity {};
@@ -120,8 +117,8 @@ World& world();
 // Ends the delivery thread and forgets everything.
 void reset();
 void setHooks(const Hooks& hooks);
-// The `occurrence`-th call from now on of that name (without "DDS_" and the
-// entity's name, as in `calls`) fails: it returns null or `code`.
+// The `occurrence`-th call from now on of that name (without "DDS_" and the entity's name, as in `calls`)
+// fails: it returns null or `code`.
 void fail(const std::string& name, int occurrence = 1, DDS_ReturnCode_t code = DDS_RETCODE_ERROR);
 // Calls so far, "name argument...", those during a delivery in its order.
 std::vector<std::string> calls();
@@ -130,8 +127,7 @@ std::vector<const Request*> written();
 void forget(); // calls and requests; the entities stay
 std::size_t liveEntities();
 
-// Makes the samples available at once, in one batch, and notes it for the
-// listener, if there is one.
+// Makes the samples available at once, in one batch, and notes it for the listener, if there is one.
 void deliver(const std::vector<Answer>& answers);
 // Waits until the listener has nothing left to do. False after 30 s.
 bool awaitIdle();

@@ -154,8 +154,7 @@ DDS_ReturnCode_t DDS_DomainParticipant_get_default_datawriter_qos(DDS_DomainPart
     return world().note("get_default_datawriter_qos");
 }
 DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant* self, DDS_DomainParticipantQos* qos) {
-    // Words with the highest bit set: ids are unsigned there and signed in a
-    // request.
+    // Words with the highest bit set: ids are unsigned there and signed in a request.
     qos->wire_protocol.rtps_host_id = 0xF0000000U + self->number;
     qos->wire_protocol.rtps_app_id = 0xA0000000U + self->number;
     return world().note("get_qos");

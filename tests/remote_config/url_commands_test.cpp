@@ -117,9 +117,12 @@ TEST_F(UrlCommands, SendTextInPieces) {
 
 TEST_F(UrlCommands, SendALocalFileInPieces) {
     const std::pair<std::size_t, std::vector<std::size_t>> cases[] = {
-        {0, {8}},          {4088, {4096}}, // opening, file and closing quote
-        {4089, {4096, 1}},                 // the end shows only in the read that follows
-        {4090, {4096, 2}}, {8184, {4096, 4096}}, {8185, {4096, 4096, 1}},
+        {0, {8}},             // opening and closing quote
+        {4088, {4096}},       // the same, and the file
+        {4089, {4096, 1}},    // the end shows only in the read that follows
+        {4090, {4096, 2}},    // one byte, and the quote
+        {8184, {4096, 4096}}, // full to the end
+        {8185, {4096, 4096, 1}},
     };
     for (const auto& [size, expected] : cases) {
         for (const std::string scheme : {"", "file://"}) {
