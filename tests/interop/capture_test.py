@@ -7,12 +7,11 @@ import socket
 import time
 import unittest
 
-from cyclone import DEADLINE_SECONDS, CycloneRouter, PeerShell, Program
+from cyclone import ANSWER, DEADLINE_SECONDS, CycloneRouter, PeerShell, Program
 
 DOMAIN = 53
 FIRST_PORT = 7400 + 250 * DOMAIN  # the standard gives each domain 250 ports
 LAST_PORT = FIRST_PORT + 249  # belongs to no participant
-MARK = "capture-mark"
 TYPE_INFORMATION = "0x0075"
 # A message whose only submessage, a DATA of 32 bytes, is cut short: shows that the capture runs, and that it sees what is wrong.
 MALFORMED_PREFIX = "ba" * 12
@@ -36,24 +35,17 @@ class Capture(Program):
             self.wait()
         super().__exit__(*details)
 
-    def next_frame(self, seconds):
-        """The next frame, or None when none came in time."""
-        try:
-            line = self.expect(r"([^\n]*)\n", seconds)[1].group(1)
-        except AssertionError:
-            return None
-        frame = dict(zip(FIELDS, line.split("\t"), strict=True))
-        self.frames.append(frame)
-        return frame
-
-    def wait_for(self, condition, between=lambda: None, seconds=DEADLINE_SECONDS):
+    def wait_for(self, condition, between=lambda: None):
         """Reads up to a frame that meets the condition; None when none came in time or the capture has ended."""
-        end = time.monotonic() + seconds
+        end = time.monotonic() + DEADLINE_SECONDS
         while time.monotonic() < end and self.process.poll() is None:
             between()
-            frame = self.next_frame(0.2)
-            if frame is not None and condition(frame):
-                return frame
+            self.read(0.2)
+            while "\n" in self.output:
+                line, self.output = self.output.split("\n", 1)
+                self.frames.append(dict(zip(FIELDS, line.split("\t"), strict=True)))
+                if condition(self.frames[-1]):
+                    return self.frames[-1]
         return None
 
 
@@ -75,16 +67,15 @@ class CaptureTest(unittest.TestCase):
         self.assertIsNotNone(shutil.which("tshark"), "install the package tshark")
         with Capture() as capture:
             self.start(capture)
-            with CycloneRouter(DOMAIN, "r1") as router, PeerShell(DOMAIN) as shell:
-                identity = shell.meet(router, "r1")
-                self.assertTrue(shell.run(f"enable r1 {MARK}").startswith("Result: "))
-                request = capture.wait_for(lambda frame: MARK.encode().hex() in frame["rtps.issueData"])
-                self.assertIsNotNone(request, "the request was not captured")
+            with CycloneRouter(DOMAIN) as router, PeerShell(DOMAIN) as shell:
+                prefix, _ = shell.meet(router, "r1")
+                answer = capture.wait_for(lambda frame: ANSWER.encode().hex() in frame["rtps.issueData"])
+                self.assertIsNotNone(answer, "the answer was not captured")
 
         frames = [frame for frame in capture.frames if frame["rtps.guidPrefix.src"] != MALFORMED_PREFIX]
         self.assertEqual([], [frame for frame in frames if frame["_ws.malformed"]])
 
-        of_shell = [frame for frame in frames if frame["rtps.guidPrefix.src"].startswith(identity["writer"])]
+        of_shell = [frame for frame in frames if frame["rtps.guidPrefix.src"].startswith(prefix.hex())]
         self.assertNotEqual(of_shell, frames, "the router was not captured")
         named = [frame for frame in of_shell if frame["rtps.param.entityName"]]
         self.assertEqual({"ZUL Routing Service: Shell"}, {frame["rtps.param.entityName"] for frame in named})

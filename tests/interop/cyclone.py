@@ -9,16 +9,15 @@ Facts found with Cyclone DDS 0.10.2 and Fast DDS 2.9.1:
   request when it was lost in discovery: the first answer may come as late as the writer's next periodic heartbeat.
 """
 
-import json
 import os
 import sys
 import tempfile
-import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "support"))
 os.environ.setdefault("FASTRTPS_DEFAULT_PROFILES_FILE", os.path.join(HERE, "..", "support", "loopback_profile.xml"))
 
+import wire  # noqa: E402
 from processes import BIN, DEADLINE_SECONDS, Program, Shell  # noqa: E402
 
 CONFIGURATION = """<CycloneDDS><Domain Id="any">
@@ -26,60 +25,55 @@ CONFIGURATION = """<CycloneDDS><Domain Id="any">
 <Discovery><ParticipantIndex>auto</ParticipantIndex></Discovery>
 <Tracing><Category>discovery,warning,error</Category><OutputFile>{trace}</OutputFile></Tracing>
 </Domain></CycloneDDS>"""
-
-PRODUCTS = {"zulrssh": "ZUL Routing Service", "zulfssh": "ZUL Federation Service"}
+OK, NOT_FOUND = 0, 3
+ANSWER = "no such entity"
 
 
 class CycloneRouter(Program):
     """The router, ready when constructed."""
 
-    def __init__(self, domain, name, *options):
+    def __init__(self, domain, product="Routing"):
         self.folder = tempfile.TemporaryDirectory()
         self.trace_file = os.path.join(self.folder.name, "trace")
+        self.topic = f"zul/{product.lower()}_service/administration/command_"
+        self.type = f"ZUL::{product}Service::Administration::Command"
         super().__init__(
-            os.path.join(os.path.abspath(BIN), "..", "tests", "zul_cyclone_router"), "--domain", domain, "--name", name,
-            *options, env={"CYCLONEDDS_URI": CONFIGURATION.format(trace=self.trace_file)})
+            os.path.join(os.path.abspath(BIN), "..", "tests", "zul_cyclone_router"), domain, self.topic, self.type,
+            env={"CYCLONEDDS_URI": CONFIGURATION.format(trace=self.trace_file)})
         self.expect("ready\n")
 
     def __exit__(self, *details):
         super().__exit__(*details)
         self.folder.cleanup()
 
-    def request(self):
-        """Waits for the next request and returns what was decoded of it."""
-        request = json.loads(self.expect(r"([^\n]*)\n")[1].group(1))
-        if "fault" in request:
-            raise AssertionError(f"the router cannot read a request: {request}")
-        return request
+    def request(self, seconds=DEADLINE_SECONDS):
+        """Waits for the next request; returns the prefix of its sender's GUID and the payload."""
+        return [bytes.fromhex(word) for word in self.expect(r"(\w+) (\w+)\n", seconds)[1].groups()]
 
-    def unread(self):
-        """What has been printed and not yet been waited for."""
-        self.read(0)
-        return self.output
+    def write(self, payload):
+        self.send(payload.hex() + "\n")
 
-    def trace(self):
-        """The lines that the stack's discovery and its warnings have left."""
-        with open(self.trace_file, encoding="latin-1") as file:
-            return [line for line in file if ": config: " not in line]
+    def answer(self, identity, message, kind=OK, is_final=True, order="<"):
+        self.write(wire.response(identity, kind, message, is_final, order))
 
 
 class PeerShell(Shell):
-    """The shell of either product, with a time-out of a second."""
+    """The shell of either product."""
 
-    def __init__(self, domain, program="zulrssh"):
-        self.PROMPT = PRODUCTS[program] + "> "
-        super().__init__(domain, "-timeout", 1, program=program)
+    def __init__(self, domain, product="Routing"):
+        self.PROMPT = f"ZUL {product} Service> "
+        super().__init__(domain, "-timeout", 2, program=f"zul{product[0].lower()}ssh")
         self.prompt()
 
     def meet(self, router, name):
-        """Asks until the router answers; returns the request that it has answered, the last one that it has read."""
-        end = time.monotonic() + DEADLINE_SECONDS
-        printed = ""
-        while not printed.startswith("Error: "):  # the entity does not exist, says the router
-            if time.monotonic() > end:
-                raise AssertionError(f"never answered; the shell printed {printed!r}, the router {router.unread()!r}")
-            printed = self.run(f"enable {name} NoSuchEntity")
-        answered = json.loads(printed.removeprefix("Error: "))
-        while router.request() != answered:
-            pass
-        return answered
+        """Asks until an answer arrives; returns the sender's prefix and identity of the request, the last one that was read."""
+        for _ in range(30):
+            self.send(f"enable {name} NoSuchEntity\n")
+            while self.PROMPT not in self.output and self.read(0.01):
+                router.read(0.01)
+                while "\n" in router.output:
+                    sender, payload = router.request()
+                    router.answer(wire.identity_of(payload), ANSWER, NOT_FOUND)
+            if self.prompt() == f"Error: {ANSWER}\n":
+                return sender, wire.identity_of(payload)
+        raise AssertionError("the shell and the router do not reach each other")

@@ -1,18 +1,13 @@
 // Documents from outside: hostile ones are refused within bounds, faulty ones with the line, and none of them
 // touches what is active.
-#include "practice_router/configuration.h"
 #include "practice_router/document.h"
 #include "product/product_info.h"
-
-#include <gtest/gtest.h>
+#include "tests/practice_router/kinds.h"
 
 #include <chrono>
+#include <gtest/gtest.h>
 
 namespace {
-
-constexpr auto OK = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-constexpr auto ERROR = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR;
-constexpr auto NOT_FOUND = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND;
 
 std::string repeated(const std::string& text, int count) {
     std::string result;
@@ -23,14 +18,6 @@ std::string repeated(const std::string& text, int count) {
 }
 
 const std::string BUILTIN = *ROUTER_g_productInfo[0].builtinDefaultConfiguration;
-
-// The builtin document with one text replaced.
-std::string builtinWith(const std::string& text, const std::string& replacement) {
-    std::string document = BUILTIN;
-    const std::size_t at = document.find(text);
-    EXPECT_NE(at, std::string::npos) << text;
-    return document.replace(at, text.size(), replacement);
-}
 
 TEST(Document, OfTheProductLoadsAndReadsBackAsItIs) {
     for (const std::int32_t product : {ROUTER_PRODUCT_ROUTING_SERVICE, ROUTER_PRODUCT_FEDERATION_SERVICE}) {
@@ -46,67 +33,54 @@ TEST(Document, OfTheProductLoadsAndReadsBackAsItIs) {
 }
 
 TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
-    struct Case {
-        const char* what;
-        std::string xml;
+    std::string bomb;
+    for (char name = 'b'; name <= 'z'; ++name) {
+        const std::string before = {'&', static_cast<char>(name - 1), ';'};
+        bomb += std::string("<!ENTITY ") + name + " \"" + repeated(before, 10) + "\">";
+    }
+    const struct {
+        std::string text; // of the builtin document; empty for all of it
+        std::string replacement;
         const char* line; // how the message begins
         const char* fault;
-    };
-    const Case cases[] = {
-        {"nothing", "", "the document is empty", ""},
-        {"no XML", "hello", "line 1: ", "Start tag expected"},
-        {"not closed", BUILTIN.substr(0, BUILTIN.size() / 2), "line ", ""},
-        {"NUL", builtinWith("<session", std::string("\0<session", 9)), "line 10: ", ""},
-        {"broken UTF-8", builtinWith("DefaultSession", "Default\xC3(Session"), "line 10: ", "UTF-8"},
-        {"unknown entity", builtinWith("<domain_id>0", "<domain_id>&zero;"), "line 5: ", "zero"},
-        {"other root", "<routing_service name=\"A\"/>", "line 1: ", "it must be dds"},
-        {"unknown element", builtinWith("<output/>", "<outlet/>"), "line 11: ", "auto_topic_route"},
-        {"unknown attribute", builtinWith("participant=\"1\"", "side=\"1\""), "line 12: ", "side"},
-        {"wrong order", builtinWith("<input participant=\"1\"/>", "<output/>"), "line 11: ", "content"},
-        {"nameless session", builtinWith(" name=\"DefaultSession\"", ""), "line 10: ", "name"},
-        {"separator in a name", builtinWith("DefaultSession", "A::B"), "line 10: ", "letters, digits"},
-        {"name taken",
-         builtinWith("</session>", "</session><polling_session name=\"DefaultSession\">"
-                                   "<polling_period/></polling_session>"),
-         "line 15: ", "taken"},
-        {"domain id no number", builtinWith("<domain_id>0", "<domain_id>x"), "line 5: ", "from 0 to 232"},
-        {"domain id out of range", builtinWith("<domain_id>1", "<domain_id>233"),
-         "line 8: ", "from 0 to 232"},
-        {"negative domain id", builtinWith("<domain_id>1", "<domain_id>-1"), "line 8: ", "from 0 to 232"},
-        {"document type", "<!DOCTYPE dds>\n" + BUILTIN, "line 1: ", "take out the <!DOCTYPE"},
-        {"external subset", "<!DOCTYPE dds SYSTEM \"http://127.0.0.1/x.dtd\">" + BUILTIN,
-         "line 1: ", "DOCTYPE"},
-        {"external entity",
-         "<!DOCTYPE dds [<!ENTITY x SYSTEM \"file:///etc/passwd\">]>\n<dds><types>&x;</types></dds>",
-         "line 1: ", "DOCTYPE"},
-        {"entity bomb",
-         "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\">" +
-             [] {
-                 std::string bomb;
-                 for (char name = 'b'; name <= 'z'; ++name) {
-                     bomb += std::string("<!ENTITY ") + name + " \"" +
-                             repeated(std::string("&") + static_cast<char>(name - 1) + ";", 10) + "\">";
-                 }
-                 return bomb;
-             }() +
-             "]><dds>&z;</dds>",
-         "line 1: ", "DOCTYPE"},
-        {"10000 nested elements", repeated("<dds>\n", 10000) + repeated("</dds>", 10000),
-         "line 65: ", "64 deep"},
-        {"too large", BUILTIN + std::string(PRACTICE_XML_MAX_SIZE, ' '), "the document has ", "at most"},
+    } rows[] = {
+        {"", "", "the document is empty", ""},
+        {"", "hello", "line 1: ", "Start tag expected"},
+        {"", BUILTIN.substr(0, BUILTIN.size() / 2), "line ", ""},
+        {"<session", std::string("\0<session", 9), "line 10: ", ""},
+        {"DefaultSession", "Default\xC3(Session", "line 10: ", "UTF-8"},
+        {"<domain_id>0", "<domain_id>&zero;", "line 5: ", "zero"},
+        {"", "<routing_service name=\"A\"/>", "line 1: ", "it must be dds"},
+        {"<output/>", "<outlet/>", "line 11: ", "auto_topic_route"},
+        {"participant=\"1\"", "side=\"1\"", "line 12: ", "side"},
+        {" name=\"DefaultSession\"", "", "line 10: ", "name"},
+        {"DefaultSession", "A::B", "line 10: ", "letters, digits"},
+        {"</session>", "</session><session name=\"DefaultSession\"/>", "line 15: ", "taken"},
+        {"<domain_id>0", "<domain_id>x", "line 5: ", "from 0 to 232"},
+        {"<domain_id>1", "<domain_id>233", "line 8: ", "from 0 to 232"},
+        {"<dds>", "<!DOCTYPE dds SYSTEM \"http://127.0.0.1/x.dtd\"><dds>",
+         "line 1: ", "take out the <!DOCTYPE"},
+        {"", "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\">" + bomb + "]><dds>&z;</dds>", "line 1: ", "DOCTYPE"},
+        {"", repeated("<dds>\n", 10000) + repeated("</dds>", 10000), "line 65: ", "64 deep"},
+        {"</dds>", "</dds>" + std::string(PRACTICE_XML_MAX_SIZE, ' '), "the document has ", "at most"},
     };
     PracticeConfiguration configuration;
     ASSERT_EQ(PracticeConfiguration_load(configuration, BUILTIN, "BuiltinDefault").kind, OK);
-    for (const Case& c : cases) {
+    for (const auto& row : rows) {
+        const std::string what = row.replacement.substr(0, 60);
+        std::string xml = BUILTIN;
+        const std::size_t at = xml.find(row.text);
+        ASSERT_NE(at, std::string::npos) << what;
+        xml.replace(at, row.text.empty() ? xml.size() : row.text.size(), row.replacement);
         const auto begin = std::chrono::steady_clock::now();
         testing::internal::CaptureStderr();
-        const PracticeAnswer answer = PracticeConfiguration_load(configuration, c.xml, "BuiltinDefault");
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << c.what;
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << c.what;
-        EXPECT_EQ(answer.kind, ERROR) << c.what;
-        EXPECT_TRUE(answer.text.starts_with(c.line)) << c.what << ": " << answer.text;
-        EXPECT_NE(answer.text.find(c.fault), std::string::npos) << c.what << ": " << answer.text;
-        EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN) << c.what;
+        const PracticeAnswer answer = PracticeConfiguration_load(configuration, xml, "BuiltinDefault");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << what;
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << what;
+        EXPECT_EQ(answer.kind, ERROR) << what;
+        EXPECT_TRUE(answer.text.starts_with(row.line)) << what << ": " << answer.text;
+        EXPECT_NE(answer.text.find(row.fault), std::string::npos) << what << ": " << answer.text;
+        EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN) << what;
     }
 }
 

@@ -2,38 +2,36 @@
 #include "practice_router/options.h"
 
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace {
 
-bool parse(std::vector<const char*> arguments, PracticeOptions& options, std::string& error) {
+// What is wrong; empty when nothing is.
+std::string parse(std::vector<const char*> arguments, PracticeOptions& options) {
+    std::string error;
     arguments.insert(arguments.begin(), "zul-practice-router");
-    return PracticeOptions_parse(options, static_cast<int>(arguments.size()), arguments.data(), error);
+    const bool isParsed =
+        PracticeOptions_parse(options, static_cast<int>(arguments.size()), arguments.data(), error);
+    EXPECT_EQ(isParsed, error.empty());
+    return error;
 }
 
 TEST(Options, AreTakenInBothForms) {
     PracticeOptions options;
-    std::string error;
-    EXPECT_TRUE(
-        parse({"--domain", "232", "--name=a=b", "--silent", "--parts=100", "--garbage", "5"}, options, error))
-        << error;
+    EXPECT_EQ(parse({"--domain", "232", "--name=a=b", "--silent", "--parts=100"}, options), "");
     EXPECT_EQ(options.domain, 232);
     EXPECT_EQ(options.name, "a=b");
     EXPECT_TRUE(options.faults.isSilent);
     EXPECT_EQ(options.faults.parts, 100);
-    EXPECT_EQ(options.faults.garbage, 5);
     EXPECT_NE(PracticeOptions_help().find("--wrong-invocation"), std::string::npos);
 }
 
 TEST(Options, AreRefusedWithWhatToDo) {
     const std::string longName(255, 'n');
-    const std::pair<std::vector<const char*>, const char*> cases[] = {
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{"--bogus"}, "unknown option --bogus; --help"},
-        {{"-h"}, "unknown option -h"},
         {{"--domain"}, "needs a value: --domain N"},
         {{"--domain", "233"}, "give an integer from 0 to 232"},
-        {{"--domain", "-1"}, "give an integer from 0 to 232"},
         {{"--domain", "5x"}, "give an integer"},
         {{"--domain", "99999999999"}, "give an integer"},
         {{"--domain="}, "give an integer"},
@@ -42,11 +40,10 @@ TEST(Options, AreRefusedWithWhatToDo) {
         {{"--silent=yes"}, "takes no value"},
         {{"--parts", "0"}, "from 1 to"},
     };
-    for (const auto& [arguments, message] : cases) {
+    for (const auto& [arguments, message] : rows) {
         PracticeOptions options;
-        std::string error;
-        EXPECT_FALSE(parse(arguments, options, error)) << message;
-        EXPECT_NE(error.find(message), std::string::npos) << error;
+        const std::string error = parse(arguments, options);
+        EXPECT_NE(error.find(message), std::string::npos) << message << ": " << error;
     }
 }
 

@@ -1,4 +1,4 @@
-// Documents for tests: read, and freed with their types.
+// Documents for tests: put together, read, and freed with their types.
 #pragma once
 
 #include "middleware/xml/parser.h"
@@ -13,4 +13,37 @@ inline DocumentPtr readFile(const std::string& path) {
 }
 inline std::string typesDocument(std::string_view definitions) {
     return "<dds><types>\n" + std::string(definitions) + "\n</types></dds>";
+}
+
+// The pattern once for each blank-separated word, which stands for its every "*".
+inline std::string forEach(std::string_view words, std::string_view pattern) {
+    std::string all;
+    while (!words.empty()) {
+        const std::string_view word = words.substr(0, words.find(' '));
+        for (const char c : pattern) {
+            all += c == '*' ? word : std::string_view(&c, 1);
+        }
+        words.remove_prefix(std::min(word.size() + 1, words.size()));
+    }
+    return all;
+}
+
+const std::string BYTE = "type='byte'";
+
+inline std::string member(const std::string& attributes, const std::string& name = "m") {
+    return "<member name='" + name + "' " + attributes + "/>";
+}
+inline std::string named(const std::string& type) {
+    return "type='nonBasic' nonBasicTypeName='" + type + "'";
+}
+inline std::string structOf(const std::string& members, const std::string& name = "T",
+                            const std::string& attributes = "") {
+    return "<struct name='" + name + "' " + attributes + ">" + members + "</struct>";
+}
+inline std::string caseOf(std::string_view labels, const std::string& branch = member(BYTE)) {
+    return "\n<case>" + forEach(labels, "<caseDiscriminator value=\"*\"/>") + branch + "</case>";
+}
+inline std::string unionOf(const std::string& discriminator, const std::string& cases,
+                           const std::string& attributes = "name='T'") {
+    return "<union " + attributes + "><discriminator " + discriminator + "/>" + cases + "</union>";
 }

@@ -25,10 +25,8 @@ TEST(Naming, ComponentsOfQualifiedNames) {
         {"::svc::dr1::s1::route::", "::S::dr1", "::S::dr1::s1"},
         {"x:svc::dr1::", "::S::dr1", "(none)"}, // the first character is not looked at
         {"::svc::dr1::s1", "::S::dr1", "(none)"},
-        {"::svc::dr1:", "::S::dr1", "(none)"},
         {"::svc::::", "::S::", "(none)"},
         {"::svc::dr1", "(none)", "(none)"},
-        {"::svc::", "(none)", "(none)"},
         {"", "(none)", "(none)"},
     };
     for (const auto& row : rows) {
@@ -50,19 +48,19 @@ TEST(Strings, SequencesAreEqualTextByText) {
         std::vector<char*> left, right;
         bool equal;
     } rows[] = {
-        {{}, {}, true},       {{a, b}, {otherA, b}, true}, {{a, nullptr}, {a, nullptr}, true},
-        {{a}, {b}, false},    {{a}, {nullptr}, false},     {{nullptr}, {a}, false},
-        {{a}, {a, b}, false},
+        {{}, {}, true},    {{a, b}, {otherA, b}, true}, {{a, nullptr}, {a, nullptr}, true},
+        {{a}, {b}, false}, {{nullptr}, {a}, false},     {{a}, {a, b}, false},
+    };
+    const auto loaned = [](const std::vector<char*>& texts) {
+        DDS_StringSeq sequence{};
+        const auto length = static_cast<DDS_Long>(texts.size());
+        EXPECT_TRUE(ZULSequence::loan_contiguous(&sequence, const_cast<char**>(texts.data()), length, length,
+                                                 "test"));
+        return sequence;
     };
     for (const auto& row : rows) {
-        DDS_StringSeq sequences[2]{};
-        const std::vector<char*>* contents[] = {&row.left, &row.right};
-        for (int i = 0; i < 2; ++i) {
-            const auto length = static_cast<DDS_Long>(contents[i]->size());
-            ASSERT_TRUE(ZULSequence::loan_contiguous(&sequences[i], const_cast<char**>(contents[i]->data()),
-                                                     length, length, "test"));
-        }
-        EXPECT_EQ(ROUTERUtils_StringSeq_equals(&sequences[0], &sequences[1]), row.equal);
+        const DDS_StringSeq left = loaned(row.left), right = loaned(row.right);
+        EXPECT_EQ(ROUTERUtils_StringSeq_equals(&left, &right), row.equal) << "row " << &row - rows;
     }
 }
 
@@ -107,17 +105,14 @@ TEST(ThreadSettings, MasksAndTheirErrors) {
         std::uint32_t mask;
         std::string logged;
     } rows[] = {
-        {"", 0, ""},
         {" \t\n", 0, ""},
         {"STDIO | FLOATING_POINT", 3, ""},
-        {"MASK_DEFAULT", 0, ""},
         {"dds_thread_settings_kind_mask_default|THREAD_SETTINGS_KIND_MASK_DEFAULT", 0, ""},
         {"DDS_THREAD_SETTINGS_REALTIME_PRIORITY|thread_settings_priority_enforce\n|stdio", 26, ""},
         {longest.c_str(), 2, ""},
         {"stdio|bogus", 0, illegal},
-        {"KIND_MASK_DEFAULT", 0, illegal},
         {"DDS_THREAD_SETTINGS_MASK_DEFAULT", 0, illegal},
-        {"DDS_STDIO", 0, illegal},
+        {"THREAD_SETTINGS_KINK_MASK_DEFAULT", 0, illegal},
         {"STDIO|", 0, illegal},
         {"STDIO FLOATING_POINT", 0, illegal},
         {nullptr, 0, context + " reader failed: trim string\n"},
