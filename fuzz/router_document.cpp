@@ -1,7 +1,6 @@
 // The practice router takes any bytes as a document, an update and a new entity: it changes its configuration
 // whole or not at all.
 #include "practice_router/configuration.h"
-#include "practice_router/document.h"
 #include "product/product_info.h"
 
 #include <cstdint>
@@ -10,9 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    PracticeRouter_loadDocument(bytes, "BuiltinDefault");
-
     PracticeConfiguration configuration;
+    PracticeConfiguration_load(configuration, bytes, "BuiltinDefault");
     PracticeConfiguration_loadFirst(configuration, *ROUTER_getProductInfo()->builtinDefaultConfiguration);
     const std::string before = PracticeConfiguration_text(configuration);
     const bool isChanged = PracticeConfiguration_update(configuration, "DefaultDomainRoute", bytes).kind ==

@@ -1,7 +1,6 @@
 #include "practice_router/document.h"
 
 #include "middleware/dds.h"
-#include "practice_router/configuration.h"
 #include "practice_router/entity.h"
 #include "practice_router/xml_nodes.h"
 #include "product/product_info.h"
@@ -94,9 +93,4 @@ PracticeXmlDocument PracticeDocument_read(std::string_view xml, std::string& err
     }
     return PracticeXml_followsDtd(document.get(), error) && checkMeaning(root, error) ? std::move(document)
                                                                                       : nullptr;
-}
-
-PracticeAnswer PracticeRouter_loadDocument(std::string_view xml, std::string_view configurationName) {
-    PracticeConfiguration configuration;
-    return PracticeConfiguration_load(configuration, xml, configurationName);
 }

@@ -1,7 +1,7 @@
 // Type descriptions from the types sections of a configuration document.
 #pragma once
 
-#include "middleware/xml/document.h"
+#include "middleware/xml/document_types.h"
 
 // The type code of the struct, union, enum, valuetype or sparse_valuetype of that scoped name
 // ("Module::Type", "::" in front or not) in the document; it belongs to the document and is valid as long.

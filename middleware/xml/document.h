@@ -1,8 +1,7 @@
-// Documents: a configuration document read into a tree of objects, with the types that its types sections
-// describe. A document owns its tree and its type codes. It belongs to one thread at a time.
+// Documents: a configuration document read into a tree of objects. A document owns its tree, and the type
+// codes that were asked of it (document_types.h). It belongs to one thread at a time.
 #pragma once
 
-#include "middleware/type_code.h"
 #include "middleware/xml/object.h"
 
 #include <memory>
@@ -43,11 +42,3 @@ struct ZULXMLDocument {
 };
 
 void ZULXMLDocument_delete(ZULXMLDocument* self); // null is ignored
-
-// The element that defines the type of that scoped name ("Module::Type", without "::" in front) in a types
-// section of the document, or null. An announcement (forward_dcl) is no definition. The first of several
-// counts.
-const ZULXMLObject* ZULXMLDocument_findDefinition(const ZULXMLDocument* self, std::string_view name);
-// The type code of that scoped name, valid as long as the document. All types sections are read on first use.
-// Null, with the reason in `error` and logged, when one is wrong; null when there is no such type.
-const DDS_TypeCode* ZULXMLDocument_getTypeCode(ZULXMLDocument* self, std::string_view name);

@@ -1,6 +1,6 @@
 // Documents from outside: hostile ones are refused within bounds, faulty ones with the line, and none of them
 // touches what is active.
-#include "practice_router/document.h"
+#include "practice_router/configuration.h"
 #include "product/product_info.h"
 #include "tests/practice_router/kinds.h"
 
@@ -27,7 +27,7 @@ TEST(Document, OfTheProductLoadsAndReadsBackAsItIs) {
         EXPECT_EQ(PracticeConfiguration_load(configuration, document, "BuiltinDefault").kind, OK);
         EXPECT_EQ(PracticeConfiguration_text(configuration), document);
         const std::string other = *ROUTER_g_productInfo[1 - product].builtinDefaultConfiguration;
-        EXPECT_EQ(PracticeRouter_loadDocument(other, "BuiltinDefault").kind, ERROR);
+        EXPECT_EQ(PracticeConfiguration_load(configuration, other, "BuiltinDefault").kind, ERROR);
     }
     ROUTER_setProductId(ROUTER_PRODUCT_ROUTING_SERVICE);
 }
