@@ -254,6 +254,7 @@ bool loan_contiguous(DDS_Sequence<T, Traits>* self, T* buffer, DDS_Long length, 
         return false;
     }
     self->contiguous = buffer;
+    self->discontiguous = nullptr; // of an empty loan
     self->maximum = maximum;
     self->length = length;
     self->owned = false;
@@ -266,6 +267,7 @@ bool loan_discontiguous(DDS_Sequence<T, Traits>* self, T** buffer, DDS_Long leng
     if (!checkLoan(self, buffer, length, maximum, context)) {
         return false;
     }
+    self->contiguous = nullptr;
     self->discontiguous = buffer;
     self->maximum = maximum;
     self->length = length;

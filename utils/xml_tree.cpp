@@ -16,8 +16,20 @@ bool refuse(const char* context, const ZULLogTemplate& message, const char* argu
     return false;
 }
 
-// Before `next`, or as the last one for null; `node` as for the reader's operation.
+// Whether `object` is `ancestor` or stands below it.
+bool isWithin(const ZULXMLObject* object, const ZULXMLObject* ancestor) {
+    while (object != nullptr && object != ancestor) {
+        object = object->parent;
+    }
+    return object != nullptr;
+}
+
+// Before `next`, or as the last one for null; `node` as for the reader's operation. What stands in a list
+// already, or has the parent in it, would tie the tree to a knot.
 bool addBefore(ZULXMLObject* parent, ZULXMLObject* child, ZULXMLObject* next, ZULOrderedSetNode* node) {
+    if (child->list != nullptr || isWithin(parent, child)) {
+        return refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");
+    }
     switch (ZULXMLObject_insertChild(parent, child, next, node)) {
     case ZUL_ORDERED_SET_OK:
         return true;
@@ -59,7 +71,7 @@ bool ROUTERUtils_moveChildXmlObject(ZULXMLObject* child, ZULXMLObject* from, ZUL
     if (node == nullptr) {
         return refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "removeChildXmlObject");
     }
-    const bool isRenamed = ZULXMLObject_rename(child, to);
+    const bool isRenamed = !isWithin(to, child) && ZULXMLObject_rename(child, to);
     if (isRenamed && addBefore(to, child, nullptr, nullptr)) {
         ZULOrderedSetNode_free(node);
         ZULXMLObject_finishRename(child, true);

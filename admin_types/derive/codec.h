@@ -106,7 +106,6 @@ inline bool deserialize(Boolean, ZULCdrInput& stream, DDS_Boolean& value) {
 template <class E>
 bool deserialize(Enum<E>, ZULCdrInput& stream, E& value) {
     DDS_Long number = 0;
-    const std::size_t start = stream.position;
     if (!deserialize(Long{}, stream, number)) {
         return false;
     }
@@ -117,7 +116,6 @@ bool deserialize(Enum<E>, ZULCdrInput& stream, E& value) {
         }
     }
     stream.unknownEnumerator = true;
-    stream.position = start;
     return false;
 }
 template <std::uint32_t Bound>
@@ -267,9 +265,15 @@ template <class Record>
 bool skip(Struct<Record>, ZULCdrInput& stream) {
     using Described = Description<Record>;
     if constexpr (Described::form == WireForm::MUTABLE) {
-        constexpr std::uint32_t count = std::tuple_size_v<decltype(Described::members)>;
-        return walkParameters(stream, UnknownMember::SKIP_UNLESS_MUST_UNDERSTAND,
-                              [](std::uint32_t id, ZULCdrInput&, bool& known) { return known = id < count; });
+        return walkParameters(
+            stream, UnknownMember::SKIP_UNLESS_MUST_UNDERSTAND,
+            [](std::uint32_t id, ZULCdrInput& value, bool& known) {
+                return visitWhile(Described::members, [&](const auto& member, std::uint32_t memberId) {
+                    return memberId != id ||
+                           ((known = true) &&
+                            skip(typename std::remove_cvref_t<decltype(member)>::Type{}, value));
+                });
+            });
     } else {
         return walkMembers<Record>(stream, [&stream](const auto& member, std::uint32_t) {
             return skip(typename std::remove_cvref_t<decltype(member)>::Type{}, stream);
@@ -278,9 +282,17 @@ bool skip(Struct<Record>, ZULCdrInput& stream) {
 }
 template <class Record>
 bool skip(Union<Record>, ZULCdrInput& stream) {
-    constexpr std::uint32_t lastId = std::tuple_size_v<decltype(Description<Record>::branches)>;
-    return walkParameters(stream, UnknownMember::FAIL,
-                          [](std::uint32_t id, ZULCdrInput&, bool& known) { return known = id <= lastId; });
+    using Described = Description<Record>;
+    return walkParameters(stream, UnknownMember::FAIL, [](std::uint32_t id, ZULCdrInput& value, bool& known) {
+        if (id == 0) {
+            known = true;
+            return skip(typename Described::Discriminator{}, value);
+        }
+        return visitWhile(Described::branches, [&](const auto& branch, std::uint32_t) {
+            return branch.id != id ||
+                   ((known = true) && skip(typename std::remove_cvref_t<decltype(branch)>::Type{}, value));
+        });
+    });
 }
 
 } // namespace admin

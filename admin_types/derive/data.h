@@ -9,6 +9,7 @@
 #include "admin_types/derive/idl_types.h"
 
 #include <cstring>
+#include <utility>
 
 namespace admin {
 
@@ -139,8 +140,8 @@ bool copy(String<Bound>, char*& destination, char* const& source) {
     destination[length] = '\0';
     return true;
 }
-// Every element that is copied into keeps a buffer of the full bound, so that a sample may later be decoded
-// into.
+// A text goes into an element's buffer where the text before it shows that there is room, else into a new one
+// of the full bound, so that a sample may later be decoded into.
 template <std::uint32_t Elements, std::uint32_t Bound>
 bool copy(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const DDS_StringSeq& source) {
     const DDS_Long length = ZULSequence::get_length(&source, STRING_SEQUENCE);
@@ -150,8 +151,13 @@ bool copy(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const DDS
     }
     for (DDS_Long i = 0; i < length; ++i) {
         char*& element = ZULSequence::at(destination, i);
-        if (element == nullptr) {
-            element = DDS_String_alloc(Bound);
+        const char* text = ZULSequence::at(source, i);
+        if (text != nullptr && (element == nullptr || strnlen(element, Bound) < strnlen(text, Bound))) {
+            char* roomy = DDS_String_alloc(Bound);
+            if (roomy == nullptr) {
+                return false;
+            }
+            DDS_String_free(std::exchange(element, roomy));
         }
         if (!copy(String<Bound>{}, element, ZULSequence::at(source, i))) {
             return false;

@@ -126,11 +126,11 @@ DDS_ReturnCode_t nextSample(DDS_DataReader* reader, T* sample, DDS_SampleInfo* i
 template <class T, class Traits>
 DDS_ReturnCode_t returnLoan(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const char* context) {
-    if (data == nullptr) {
+    if (data == nullptr || infos == nullptr) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    if (ZULSequence::has_ownership(data, context)) {
+    if (ZULSequence::has_ownership(data, context) && ZULSequence::has_ownership(infos, context)) {
         return DDS_RETCODE_OK; // nothing was loaned
     }
     const DDS_ReturnCode_t code = DDS_DataReader_return_loan_untyped(

@@ -177,7 +177,8 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,
                                                      DDS_ReceivedSamples* received) {
-    if (self == nullptr || infos == nullptr || received == nullptr) {
+    if (self == nullptr || infos == nullptr || received == nullptr ||
+        (params.max_samples < 1 && params.max_samples != DDS_LENGTH_UNLIMITED)) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
     if (data.maximum > 0 && !data.has_ownership) {
@@ -187,6 +188,9 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
     DDS_ReturnCode_t code = statesOf(*self, params, states);
     if (code == DDS_RETCODE_OK) {
         code = checkInstance(params);
+    }
+    if (code == DDS_RETCODE_OK || code == DDS_RETCODE_NO_DATA) {
+        ZULSequence::set_length(infos, 0, __func__);
     }
     if (code != DDS_RETCODE_OK) {
         return code;
@@ -235,6 +239,9 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
         copied = copied && self->adapter->copyReaderSample(destination, sample);
         destination += data.element_size;
         self->adapter->returnReaderSample(sample);
+    }
+    if (!copied) { // a buffer is missing in the caller's records
+        ZULSequence::set_length(infos, 0, __func__);
     }
     return copied ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
 }

@@ -11,6 +11,7 @@
 #include <fastrtps/types/TypeObjectFactory.h>
 #include <fastrtps/utils/md5.h>
 #include <optional>
+#include <vector>
 
 namespace zul {
 
@@ -213,7 +214,14 @@ Identifier identify(const DDS_TypeCode* code) {
         identifier._d(kind);
         return identifier;
     }
+    // A type that contains itself has no such description.
+    thread_local std::vector<const DDS_TypeCode*> open;
+    if (std::find(open.begin(), open.end(), code) != open.end()) {
+        return std::nullopt;
+    }
+    open.push_back(code);
     const Object object = describe(*code);
+    open.pop_back();
     if (!object) {
         return std::nullopt;
     }

@@ -27,7 +27,9 @@ DDS_ReturnCode_t MatchedEndpoints::copyTo(DDS_InstanceHandleSeq* handles) const 
     if (!ZULSequence::ensure_length(handles, count, count, __func__)) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
-    std::copy(handles_.begin(), handles_.end(), handles->contiguous);
+    for (DDS_Long i = 0; i < count; ++i) {
+        ZULSequence::at(*handles, i) = handles_[static_cast<std::size_t>(i)];
+    }
     return DDS_RETCODE_OK;
 }
 

@@ -89,7 +89,12 @@ std::string ownName(Reader& reader, const std::string& tag, const std::string* g
     if (parent == nullptr) {
         return tag;
     }
-    return (given != nullptr ? *given : tag) + "#" + std::to_string(parent->children.count + 1);
+    std::string made = (given != nullptr ? *given : tag) + "#" + std::to_string(parent->children.count + 1);
+    // No two elements try the same names here, so each given name is met once at most.
+    while (ZULXMLObject_findChild(parent, made) != nullptr) {
+        made += '#';
+    }
+    return made;
 }
 
 ZULXMLObject* createObject(Reader& reader, const std::string& tag, const std::string& name,

@@ -165,6 +165,16 @@ TEST(XmlTree, FailuresAreReported) {
     EXPECT_TRUE(ROUTERUtils_moveChildXmlObject(child, left, right));
     EXPECT_EQ(child->context, &documents[1]);
     EXPECT_EQ(log.take(), "");
+    // What would tie the tree to a knot.
+    ZULXMLObject* const below = make(child, "below");
+    ASSERT_TRUE(ROUTERUtils_addChildXMLObject(child, below));
+    EXPECT_FALSE(ROUTERUtils_moveChildXmlObject(child, right, below));
+    EXPECT_FALSE(ROUTERUtils_moveChildXmlObject(child, right, child));
+    EXPECT_EQ(log.take(), "ERROR [ROUTERUtils_moveChildXmlObject] failure: addChildXmlObject\n"
+                          "ERROR [ROUTERUtils_moveChildXmlObject] failure: addChildXmlObject\n");
+    EXPECT_FALSE(ROUTERUtils_addChildXMLObject(left, below)); // it has a place
+    EXPECT_FALSE(ROUTERUtils_addChildXMLObject(left, left));
+    EXPECT_STREQ(below->fullName, "::right::default_topic_qos_0::below");
     ZULXMLObject_delete(left);
     ZULXMLObject_delete(right);
     ZULXMLParser_finalize(&parser);
