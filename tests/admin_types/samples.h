@@ -22,38 +22,25 @@ constexpr bool isRequest = std::is_same_v<T, Request>;
 
 template <class T>
 struct Named;
-template <>
-struct Named<Request> {
-    static constexpr auto create = ZUL_RoutingService_Administration_CommandRequestTypeSupport_create_data;
-    static constexpr auto destroy = ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data;
-    static constexpr auto newPlugin = ZUL_RoutingService_Administration_CommandRequestPlugin_new;
-    static constexpr auto deletePlugin = ZUL_RoutingService_Administration_CommandRequestPlugin_delete;
-};
-template <>
-struct Named<Response> {
-    static constexpr auto create = ZUL_RoutingService_Administration_CommandResponseTypeSupport_create_data;
-    static constexpr auto destroy = ZUL_RoutingService_Administration_CommandResponseTypeSupport_delete_data;
-    static constexpr auto newPlugin = ZUL_RoutingService_Administration_CommandResponsePlugin_new;
-    static constexpr auto deletePlugin = ZUL_RoutingService_Administration_CommandResponsePlugin_delete;
-};
+#define ZUL_NAMED(Type)                                                                                      \
+    template <>                                                                                              \
+    struct Named<ZUL_RoutingService_Administration_##Type> {                                                 \
+        static constexpr auto create = ZUL_RoutingService_Administration_##Type##TypeSupport_create_data;    \
+        static constexpr auto destroy = ZUL_RoutingService_Administration_##Type##TypeSupport_delete_data;   \
+        static constexpr auto newPlugin = ZUL_RoutingService_Administration_##Type##Plugin_new;              \
+        static constexpr auto deletePlugin = ZUL_RoutingService_Administration_##Type##Plugin_delete;        \
+    };
+ZUL_NAMED(CommandRequest)
+ZUL_NAMED(CommandResponse)
 
 template <class T>
-struct SampleDeleter {
-    void operator()(T* sample) const { Named<T>::destroy(sample); }
-};
-template <class T>
-using SamplePtr = std::unique_ptr<T, SampleDeleter<T>>;
-template <class T>
-SamplePtr<T> newSample() {
-    return SamplePtr<T>(Named<T>::create());
+std::unique_ptr<T, decltype(Named<T>::destroy)> newSample() {
+    return {Named<T>::create(), Named<T>::destroy};
 }
-
 template <class T>
 const ZULTypePlugin& plugin() {
-    struct Deleter {
-        void operator()(ZULTypePlugin* p) const { Named<T>::deletePlugin(p); }
-    };
-    static const std::unique_ptr<ZULTypePlugin, Deleter> instance(Named<T>::newPlugin());
+    static const std::unique_ptr<ZULTypePlugin, decltype(Named<T>::deletePlugin)> instance(
+        Named<T>::newPlugin(), Named<T>::deletePlugin);
     return *instance;
 }
 
@@ -75,16 +62,12 @@ struct Decoded {
     std::size_t consumed;
 };
 template <class T>
-Decoded decode(T& sample, const std::uint8_t* bytes, std::size_t size) {
-    const auto exact = std::make_unique<std::uint8_t[]>(size);
-    std::copy_n(bytes, size, exact.get());
-    ZULCdrInput stream{.data = exact.get(), .size = size};
+Decoded decode(T& sample, std::span<const std::uint8_t> bytes) {
+    const auto exact = std::make_unique<std::uint8_t[]>(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), exact.get());
+    ZULCdrInput stream{.data = exact.get(), .size = bytes.size()};
     const bool accepted = plugin<T>().deserialize(nullptr, &sample, &stream, true, true, nullptr);
     return {accepted, stream.position};
-}
-template <class T>
-Decoded decode(T& sample, const Bytes& bytes) {
-    return decode(sample, bytes.data(), bytes.size());
 }
 
 inline void set(char* buffer, std::string_view text) {
@@ -92,34 +75,26 @@ inline void set(char* buffer, std::string_view text) {
     buffer[text.size()] = '\0';
 }
 
-// "host.app.invocation target kind", then every branch that is not in its initial state.
+// "host.app.invocation"
+inline std::string text(const decltype(Request::id)& id) {
+    return std::to_string(id.host) + "." + std::to_string(id.app) + "." + std::to_string(id.invocation);
+}
+// Identity, target and kind, then every branch that is not in its initial state.
 inline std::string text(const Request& request) {
-    const auto& [id, target, command] = request;
-    const auto& [desc, dummy, name, peer] = command._u;
-    std::string out = std::to_string(id.host) + "." + std::to_string(id.app) + "." +
-                      std::to_string(id.invocation) + " " + target + " " + std::to_string(command._d);
-    if (*desc.name != '\0' || desc.xml_url.is_final != 0 || *desc.xml_url.content != '\0') {
-        out += std::string(" desc{") + desc.name + "," + std::to_string(desc.xml_url.is_final) + "," +
-               desc.xml_url.content + "}";
+    const auto& [desc, dummy, name, peer] = request.command._u;
+    const auto& [isFinal, content] = desc.xml_url;
+    std::string peers = std::string(peer.domain_route_name) + "," + std::to_string(peer.is_first_participant);
+    for (DDS_Long i = 0; i < peer.peer_list.length; ++i) {
+        peers += std::string(",") + ZULSequence::at(peer.peer_list, i);
     }
-    if (dummy != 0) {
-        out += " dummy=" + std::to_string(dummy);
-    }
-    if (*name != '\0') {
-        out += std::string(" name=") + name;
-    }
-    if (*peer.domain_route_name != '\0' || peer.is_first_participant != 0 || peer.peer_list.length != 0) {
-        out +=
-            std::string(" peer{") + peer.domain_route_name + "," + std::to_string(peer.is_first_participant);
-        for (DDS_Long i = 0; i < peer.peer_list.length; ++i) {
-            out += std::string(",") + ZULSequence::at(peer.peer_list, i);
-        }
-        out += "}";
-    }
-    return out;
+    const std::string description = std::string(desc.name) + "," + std::to_string(isFinal) + "," + content;
+    return text(request.id) + " " + request.target_router + " " + std::to_string(request.command._d) +
+           (description == ",0," ? "" : " desc{" + description + "}") +
+           (dummy == 0 ? "" : " dummy=" + std::to_string(dummy)) +
+           (*name == '\0' ? "" : std::string(" name=") + name) +
+           (peers == ",0" ? "" : " peer{" + peers + "}");
 }
 inline std::string text(const Response& response) {
-    return std::to_string(response.id.host) + "." + std::to_string(response.id.app) + "." +
-           std::to_string(response.id.invocation) + " " + std::to_string(response.kind) + " " +
-           response.message + (response.is_final != 0 ? " final" : "");
+    return text(response.id) + " " + std::to_string(response.kind) + " " + response.message +
+           (response.is_final != 0 ? " final" : "");
 }

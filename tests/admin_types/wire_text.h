@@ -8,78 +8,59 @@
 #include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 struct WireBytes {
     std::vector<std::uint8_t> bytes;
-    std::vector<bool> mayBeCut; // by length
+    std::set<std::size_t> cuts; // lengths that are still read, the whole one among them
 };
 
+inline std::string repeated(std::size_t count, const std::string& text) {
+    return count == 0 ? "" : text + repeated(count - 1, text);
+}
 // The wire text of a long string's characters.
 inline std::string chars(std::size_t count) {
     return "'" + std::string(count, 'n') + "'";
 }
 
-inline unsigned hexDigit(char digit) {
-    return static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'A' + 10);
-}
-
-inline void markCuts(WireBytes& wire, std::size_t first, std::size_t end) {
-    wire.mayBeCut.resize(std::max(wire.mayBeCut.size(), end));
-    std::fill(wire.mayBeCut.begin() + static_cast<std::ptrdiff_t>(first),
-              wire.mayBeCut.begin() + static_cast<std::ptrdiff_t>(end), true);
-}
-
 // With an encapsulation header for 0..3; without one, little-endian, for a negative identifier.
-inline WireBytes assemble(std::string_view text, int encapsulationId) {
+inline WireBytes assemble(const std::string& text, int encapsulationId) {
     WireBytes wire;
-    const bool bigEndian = encapsulationId >= 0 && encapsulationId % 2 == 0;
     if (encapsulationId >= 0) {
         wire.bytes = {0, static_cast<std::uint8_t>(encapsulationId), 0, 0};
     }
-    std::size_t spanStart = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t at = wire.bytes.size();
-        switch (text[i]) {
-        case ' ':
-        case '|':
-            ++i;
-            continue;
-        case '^':
-            markCuts(wire, at, at + 1);
-            ++i;
-            continue;
-        case '[':
-            spanStart = at;
-            ++i;
-            continue;
-        case ']':
-            markCuts(wire, spanStart, at);
-            ++i;
-            continue;
-        case '\'':
-            for (++i; text[i] != '\''; ++i) {
-                wire.bytes.push_back(static_cast<std::uint8_t>(text[i]));
+    const bool isBigEndian = encapsulationId >= 0 && encapsulationId % 2 == 0;
+    bool isSpan = false;
+    const auto put = [&wire, &isSpan](unsigned long byte) {
+        if (isSpan) {
+            wire.cuts.insert(wire.bytes.size());
+        }
+        wire.bytes.push_back(static_cast<std::uint8_t>(byte));
+    };
+    for (std::size_t i = 0, end = 0; i < text.size(); i = end) {
+        end = i + 1;
+        if (text[i] == '^') {
+            wire.cuts.insert(wire.bytes.size());
+        } else if (text[i] == '[' || text[i] == ']') {
+            isSpan = text[i] == '[';
+        } else if (text[i] == '\'') {
+            end = text.find('\'', end) + 1;
+            std::for_each(text.begin() + static_cast<long>(i) + 1, text.begin() + static_cast<long>(end) - 1,
+                          put);
+        } else if (text[i] != ' ' && text[i] != '|') {
+            end = std::min(text.find_first_not_of("0123456789ABCDEF", i), text.size());
+            const std::size_t size = (end - i) / 2;
+            EXPECT_TRUE(end - i == 2 || end - i == 4 || end - i == 8)
+                << "no byte or word: " << text.substr(i);
+            const unsigned long value = std::stoul(text.substr(i, end - i), nullptr, 16);
+            for (std::size_t byte = 0; byte < size; ++byte) {
+                put(value >> 8 * (isBigEndian ? size - 1 - byte : byte));
             }
-            ++i;
-            continue;
-        default:
-            break;
         }
-        const std::size_t digits = std::min(text.find_first_not_of("0123456789ABCDEF", i), text.size()) - i;
-        for (std::size_t byte = 0; byte < digits / 2; ++byte) {
-            const std::size_t from = i + 2 * (bigEndian ? byte : digits / 2 - 1 - byte);
-            wire.bytes.push_back(
-                static_cast<std::uint8_t>(hexDigit(text[from]) << 4 | hexDigit(text[from + 1])));
-        }
-        if (digits != 2 && digits != 4 && digits != 8) {
-            ADD_FAILURE() << "no byte or word: " << text.substr(i);
-            break;
-        }
-        i += digits;
     }
-    markCuts(wire, wire.bytes.size(), wire.bytes.size() + 1);
+    wire.cuts.insert(wire.bytes.size());
     return wire;
 }

@@ -1,0 +1,169 @@
+// The travelling records: copies and refusals, exhausted memory, printing, plugins.
+#include "tests/admin_types/samples.h"
+
+#include <cstddef>
+#include <gtest/gtest.h>
+
+namespace {
+
+// The client fills a record of one module and lets the other describe it.
+using FederationRequest = ZUL_FederationService_Administration_CommandRequest;
+static_assert(offsetof(Request, target_router) == offsetof(FederationRequest, target_service));
+static_assert(offsetof(Request, command._u) == offsetof(FederationRequest, command._u));
+static_assert(sizeof(Request) == sizeof(FederationRequest));
+
+constexpr auto copyRequest = ZUL_RoutingService_Administration_CommandRequest_copy;
+
+TEST(Record, IsCopiedAndWrittenByItsSelectedBranchOrRefused) {
+    std::string longest(255, 'n');
+    std::string overlong(256, 'n');
+    std::string overlongContent(4097, 'n');
+    using Buffer = char*& (*)(Request&);
+    const Buffer target = [](Request& r) -> char*& {
+        return r.target_router;
+    };
+    const Buffer name = [](Request& r) -> char*& {
+        return r.command._u.entity_name;
+    };
+    const Buffer content = [](Request& r) -> char*& {
+        return r.command._u.entity_desc.xml_url.content;
+    };
+    const Buffer peer = [](Request& r) -> char*& {
+        return r.command._u.peer_desc.peer_list.contiguous[1];
+    };
+    const struct {
+        const char* name;
+        int kind;
+        Buffer buffer;
+        char* replacement; // of that buffer of the source
+        const char* copied;
+    } rows[] = {
+        {"longest target", 9, target, longest.data(), "9 dummy=5"},
+        {"target too long", 9, target, overlong.data(), nullptr},
+        {"no target", 9, target, nullptr, nullptr},
+        {"name too long", 7, name, overlong.data(), nullptr},
+        {"name of another branch too long", 9, name, overlong.data(), "9 dummy=5"},
+        {"content too long", 1, content, overlongContent.data(), nullptr},
+        {"longest peer", 14, peer, longest.data(), "14 peer{,0,,"},
+        {"peer too long", 14, peer, overlong.data(), nullptr},
+        {"kind without a branch", 15, name, nullptr, "15"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto source = newSample<Request>();
+        const auto destination = newSample<Request>();
+        source->command._d = static_cast<ZUL_RoutingService_Administration_CommandKind>(row.kind);
+        source->command._u.dummy = 5;
+        source->command._u.peer_desc.peer_list.length = 2;
+        char* const own = std::exchange(row.buffer(*source), row.replacement);
+        EXPECT_EQ(encode(*source, 1, 8192).has_value(), row.copied != nullptr);
+        ASSERT_EQ(copyRequest(destination.get(), source.get()), row.copied != nullptr);
+        if (row.copied != nullptr) {
+            EXPECT_STREQ(destination->target_router, source->target_router);
+            const std::string copied = text(*destination).substr(6 + std::strlen(source->target_router) + 1);
+            EXPECT_TRUE(row.kind == 14 ? copied.starts_with(row.copied) : copied == row.copied) << copied;
+        }
+        row.buffer(*source) = own;
+    }
+}
+
+// Each allocation fails once, until there are none left to fail; nothing may leak or be used. Returns their
+// number.
+template <class Action>
+long failEachAllocation(Action succeeds) {
+    for (long n = 0;; ++n) {
+        ZULHeap_failAfter(n);
+        const bool done = succeeds();
+        ZULHeap_failAfter(-1);
+        if (done || n == 1000) {
+            return n;
+        }
+    }
+}
+
+TEST(Memory, ExhaustedAnywhere) {
+    EXPECT_EQ(failEachAllocation([] { return newSample<Response>() != nullptr; }), 2); // record, message
+    // Record; target; name, content, entity name, route name; peer list and its 16 elements.
+    EXPECT_EQ(failEachAllocation([] { return newSample<Request>() != nullptr; }), 23);
+    // Endpoint data and the writer's first buffer.
+    const ZULTypePlugin& record = plugin<Request>();
+    EXPECT_EQ(failEachAllocation([&record] {
+                  ZULEndpointData* data = record.onEndpointAttached(nullptr, {ZUL_ENDPOINT_WRITER});
+                  record.onEndpointDetached(data);
+                  return data != nullptr;
+              }),
+              2);
+    // A list with loose elements is filled up when it is copied into.
+    const auto source = newSample<Request>();
+    const auto destination = newSample<Request>();
+    source->command._d = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER;
+    source->command._u.peer_desc.peer_list.length = 3;
+    char** elements = destination->command._u.peer_desc.peer_list.contiguous;
+    EXPECT_EQ(failEachAllocation([&] {
+                  for (DDS_Long i = 0; i < 3; ++i) {
+                      DDS_String_free(std::exchange(elements[i], nullptr));
+                  }
+                  return copyRequest(destination.get(), source.get());
+              }),
+              3);
+}
+
+TEST(Plugin, DescribesItsTypeAndPoolsSamples) {
+    const ZULTypePlugin& record = plugin<Request>();
+    EXPECT_STREQ(record.typeName, "ZUL::RoutingService::Administration::CommandRequest");
+    EXPECT_EQ(record.getKeyKind(), 0);
+    ZULParticipantData* participant = record.onParticipantAttached();
+    ZULEndpointData* writer = record.onEndpointAttached(participant, {ZUL_ENDPOINT_WRITER});
+    ASSERT_NE(writer, nullptr);
+    EXPECT_EQ(ZULEndpointData_maxSerializedSize(writer), 4788U);
+    std::uint8_t* buffer = record.getBuffer(writer, 4792);
+    ASSERT_NE(buffer, nullptr);
+    EXPECT_EQ(record.getBuffer(writer, 4793), nullptr);
+    record.returnBuffer(writer, buffer);
+    EXPECT_EQ(record.getBuffer(writer, 100), buffer); // kept for reuse
+
+    ZULEndpointData* reader = record.onEndpointAttached(participant, {ZUL_ENDPOINT_READER});
+    ASSERT_NE(reader, nullptr);
+    EXPECT_EQ(record.getBuffer(reader, 1), nullptr);
+    void* first = record.getSample(reader);
+    void* second = record.getSample(reader); // lent until the endpoint goes, which frees it
+    EXPECT_TRUE(first != nullptr && second != nullptr && first != second);
+    record.returnSample(reader, first);
+    EXPECT_EQ(record.getSample(reader), first);
+    EXPECT_EQ(text(*static_cast<Request*>(second)), "0.0.0  1");
+
+    record.onEndpointDetached(reader);
+    record.onEndpointDetached(writer);
+    record.onParticipantDetached(participant);
+}
+
+TEST(Print, EachMemberUnderItsName) {
+    const auto request = newSample<Request>();
+    request->id = {1, -2, 3};
+    set(request->target_router, "r1");
+    request->command._d = ZUL_ROUTING_SERVICE_COMMAND_CREATE;
+    set(request->command._u.entity_desc.name, "e");
+    request->command._u.entity_desc.xml_url.is_final = 1;
+    const auto print = ZUL_RoutingService_Administration_CommandRequestTypeSupport_print_data;
+    testing::internal::CaptureStdout();
+    print(request.get(), "sample", 1);
+    print(nullptr, nullptr, 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), R"(   sample:
+      id:
+         host: 1
+         app: -2
+         invocation: 3
+      target_router: "r1"
+      command:
+         _d: ZUL_ROUTING_SERVICE_COMMAND_CREATE
+         entity_desc:
+            name: "e"
+            xml_url:
+               is_final: true
+               content: ""
+
+NULL
+)");
+}
+
+} // namespace

@@ -1,0 +1,33 @@
+// A participant for the length of a test.
+#pragma once
+
+#include "middleware/dds.h"
+
+#include <gtest/gtest.h>
+
+struct Participant {
+    explicit Participant(int domain, bool announcesTypes = false) {
+        DDS_DomainParticipantQos qos;
+        DDS_DomainParticipantQos_initialize(&qos);
+        qos.types.announce_descriptions = announcesTypes ? 1 : 0;
+        participant = DDS_DomainParticipantFactory_create_participant(factory, domain, &qos, nullptr, 0);
+        DDS_DomainParticipantQos_finalize(&qos);
+    }
+    ~Participant() {
+        EXPECT_EQ(DDS_DomainParticipant_delete_contained_entities(participant), DDS_RETCODE_OK);
+        EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory, participant), DDS_RETCODE_OK);
+    }
+    Participant(const Participant&) = delete;
+    Participant& operator=(const Participant&) = delete;
+
+    DDS_Topic* createTopic(const char* name, const char* type) const {
+        return DDS_DomainParticipant_create_topic(participant, name, type, &DDS_TOPIC_QOS_DEFAULT, nullptr,
+                                                  0);
+    }
+    void enable() const {
+        EXPECT_EQ(DDS_Entity_enable(DDS_DomainParticipant_as_entity(participant)), DDS_RETCODE_OK);
+    }
+
+    DDS_DomainParticipantFactory* factory = DDS_DomainParticipantFactory_get_instance();
+    DDS_DomainParticipant* participant;
+};
