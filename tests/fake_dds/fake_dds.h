@@ -1,7 +1,7 @@
 // A DDS without a network, for tests: implements middleware/dds.h for one participant at a time, notes every
-// call in order as one line of text, fails the calls it is told to fail, keeps written requests, and delivers
-// responses to the reader's listener from a thread of its own, which blocks all signals. A released loan is
-// poisoned and freed, so that whoever still reads it is found.
+// call, fails the one it is told to fail, keeps written requests, and delivers responses to the reader's
+// listener from a thread of its own. A released loan is poisoned and freed, so that whoever still reads it is
+// found.
 //
 // Everything lives in the one `world()`, emptied by `reset()`. The free functions may be called from any
 // thread; the plain settings are changed only while no delivery is under way.
@@ -12,7 +12,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -40,21 +39,15 @@ struct Hooks {
     std::function<void()> onReturnLoan{};          // delivery thread, the loan is still good
 };
 
-struct RequestDeleter {
-    void operator()(Request* request) const {
-        ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data(request);
-    }
-};
+using RequestCopy = std::unique_ptr<Request, DDS_ReturnCode_t (*)(Request*)>;
 
 } // namespace fake_dds
 
 struct DDS_Entity {};
 struct DDS_Publisher {};
 struct DDS_Subscriber {};
+struct DDS_Topic {};
 struct DDS_DataWriter {};
-struct DDS_Topic {
-    std::string name;
-};
 struct DDS_DataReader {
     struct Sample {
         fake_dds::Response* response; // owned
@@ -66,20 +59,17 @@ struct DDS_DataReader {
     bool isPending = false;
     bool isBusy = false;
     std::condition_variable_any change{};
-    std::jthread thread{}; // its end waits for a running callback; samples and loans stay
+    // Its end waits for a running callback; samples and loans stay.
+    std::jthread thread{[this](const std::stop_token& stop) {
+        run(stop);
+    }};
 
-    void start();
     void run(const std::stop_token& stop);
     ~DDS_DataReader();
 };
 struct DDS_DomainParticipant : DDS_Entity {
-    DDS_UnsignedLong number = 0;
-    DDS_Publisher publisher{};
-    DDS_Subscriber subscriber{};
-    std::map<std::string, DDS_Topic> topics{}; // by name
-    DDS_DataWriter writer{};
     std::unique_ptr<DDS_DataReader> reader{};
-    std::size_t contained = 0; // entities
+    bool isEmpty = true;
 };
 
 namespace fake_dds {
@@ -89,26 +79,23 @@ struct World {
     int publications = 0;
     int subscriptions = 0;
     std::atomic<int> openLoans = 0;
+    // Of the writing thread: requests in order, and the QoS that the entities were created with.
+    std::vector<RequestCopy> written{};
+    DDS_Duration_t cleanupPeriod{};
+    DDS_DataWriterQos writerQos{};
+    DDS_DataReaderQos readerQos{};
+    DDS_StatusMask readerMask = 0;
 
-    std::mutex mutex{}; // guards what follows and all entities
-    std::vector<std::string> calls{};
-    std::vector<std::unique_ptr<Request, RequestDeleter>> written{};
-    std::map<std::string, std::pair<int, DDS_ReturnCode_t>> failures{}; // occurrence and code, by call
+    std::mutex mutex{};               // guards what follows and all entities while a delivery is under way
+    std::vector<std::string> calls{}; // in order, without "DDS_" and the entity's name
+    std::string failingCall{};
+    int callsUntilFailure = 0; // counted down to the call that fails; 0 for none
     std::unique_ptr<DDS_DomainParticipant> participant{};
-    DDS_UnsignedLong participantsMade = 0;
     Hooks hooks{};
 
-    // Notes the call "name arguments"; what it is told to fail with, or OK.
-    DDS_ReturnCode_t note(const std::string& name, const std::string& arguments = "");
-    template <class Hook, class... Arguments>
-    void call(Hook Hooks::*which, const Arguments&... arguments) {
-        std::unique_lock lock(mutex);
-        const Hook hook = hooks.*which;
-        lock.unlock();
-        if (hook) {
-            hook(arguments...);
-        }
-    }
+    // Notes the call; an error when it is to fail.
+    DDS_ReturnCode_t note(const std::string& name);
+    Hooks currentHooks();
     // With the mutex held; null when there is none.
     DDS_DataReader* reader() const { return participant != nullptr ? participant->reader.get() : nullptr; }
 };
@@ -117,15 +104,9 @@ World& world();
 // Ends the delivery thread and forgets everything.
 void reset();
 void setHooks(const Hooks& hooks);
-// The `occurrence`-th call from now on of that name (without "DDS_" and the entity's name, as in `calls`)
-// fails: it returns null or `code`.
-void fail(const std::string& name, int occurrence = 1, DDS_ReturnCode_t code = DDS_RETCODE_ERROR);
-// Calls so far, "name argument...", those during a delivery in its order.
-std::vector<std::string> calls();
-// Requests written so far, in order; valid until `forget` or `reset`.
-std::vector<const Request*> written();
+// The n-th call of that name from now on fails, or of any when it is empty; none for 0.
+void fail(const std::string& name, int n);
 void forget(); // calls and requests; the entities stay
-std::size_t liveEntities();
 
 // Makes the samples available at once, in one batch, and notes it for the listener, if there is one.
 void deliver(const std::vector<Answer>& answers);

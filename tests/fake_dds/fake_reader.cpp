@@ -2,7 +2,6 @@
 #include "tests/fake_dds/fake_dds.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstring>
 #include <utility>
 
@@ -31,15 +30,6 @@ void release(void* sample) {
 }
 
 } // namespace
-
-void DDS_DataReader::start() {
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
-    thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-}
 
 void DDS_DataReader::run(const std::stop_token& stop) {
     std::unique_lock lock(world().mutex);
@@ -91,7 +81,9 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
 
 DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long count,
                                                     DDS_SampleInfoSeq*) {
-    world().call(&Hooks::onReturnLoan);
+    if (const auto hook = world().currentHooks().onReturnLoan) {
+        hook();
+    }
     const DDS_ReturnCode_t code = world().note("return_loan");
     if (code != DDS_RETCODE_OK) {
         return code;

@@ -111,9 +111,7 @@ protected:
 
     // One send; whatever its outcome, the result may hold this request's messages only.
     void sendAndCheck(bool wait) {
-        const auto start = Clock::now();
         const bool sent = ROUTERRemoteConfigClient_sendCommandRequest(&client, &result, wait);
-        longest = std::max(longest, Clock::now() - start);
         const std::string text = result.text != nullptr ? result.text : "";
         const bool isInterrupted = sent && std::string(result.textBuffer) == "Response not received";
         answered += wait && sent && !isInterrupted;
@@ -134,7 +132,6 @@ protected:
     ROUTERRemoteConfigResult result{};
     std::mutex mutex;
     std::optional<fake_dds::RequestId> newest;
-    Clock::duration longest{};
     int answered = 0, interrupted = 0, unanswered = 0;
     LogCapture log;
     std::jthread router, interrupter;
@@ -158,14 +155,11 @@ TEST_F(ExchangeStress, ShortTimeOuts) {
     EXPECT_GT(answered, 10);
     EXPECT_GT(interrupted, 10);
     EXPECT_GT(unanswered, 10);
-    // At most four parts and the last wait, 2 ms each; the rest is a busy machine.
-    EXPECT_LT(longest, std::chrono::seconds(2));
     EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
 }
 
 TEST_F(ExchangeStress, ClosingAtAnyMomentWithoutATimeOut) {
     std::mt19937 random(11);
-    Clock::duration longestClose{};
     for (int session = 0; session < 150; ++session) {
         ASSERT_NO_FATAL_FAILURE(connect({.sec = ZUL_TIME_FOREVER_SEC, .frac = 0}));
         for (int round = 0; round < 5; ++round) {
@@ -175,13 +169,10 @@ TEST_F(ExchangeStress, ClosingAtAnyMomentWithoutATimeOut) {
         ROUTERRemoteConfigClient_nextInvocation(&client);
         ASSERT_NO_FATAL_FAILURE(sendAndCheck(false)); // whose answers are on their way while it closes
         spin(std::chrono::microseconds(random() % 2000));
-        const auto start = Clock::now();
         ASSERT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
-        longestClose = std::max(longestClose, Clock::now() - start);
     }
     EXPECT_GT(answered, 10);
     EXPECT_GT(interrupted, 10);
-    EXPECT_LT(longestClose, std::chrono::seconds(2));
     EXPECT_EQ(log.take(), Lines{});
 }
 
