@@ -146,6 +146,7 @@ TEST(Reading, SkippingRefusesTheSame) {
     using Id = admin::Struct<ZUL_RoutingService_Administration_CommandId>;
     EXPECT_FALSE(skips<Command>(KIND_9 + "0005 0000 | 3F02 0000"));
     EXPECT_FALSE(skips<admin::Struct<Request>>("4005 0000 | 7F02 0000"));
+    EXPECT_FALSE(skips<admin::Struct<Request>>(command(KIND_9 + "0005 0000 |")));
     EXPECT_FALSE(skips<admin::PeerList>("00000011 |" + repeated(17, "00000004 'abc' 00 |")));
     EXPECT_FALSE(skips<Url>("01 00 00 00 00000005 'ok' 00"));
     EXPECT_TRUE(skips<Url>("01 00 00 00"));

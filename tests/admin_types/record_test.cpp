@@ -106,6 +106,11 @@ TEST(Memory, ExhaustedAnywhere) {
                   return copyRequest(destination.get(), source.get());
               }),
               3);
+    // So is one with buffers that just hold what is in them.
+    DDS_String_free(std::exchange(elements[0], DDS_String_dup("p")));
+    set(source->command._u.peer_desc.peer_list.contiguous[0], std::string(255, 'n'));
+    EXPECT_TRUE(copyRequest(destination.get(), source.get()));
+    EXPECT_EQ(elements[0], std::string(255, 'n'));
 }
 
 TEST(Plugin, DescribesItsTypeAndPoolsSamples) {

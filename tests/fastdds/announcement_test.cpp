@@ -77,7 +77,20 @@ TEST(Announcement, ListsNamesMembersAndBounds) {
     EXPECT_EQ(ZUL_RoutingService_Administration_CommandResponseTypeSupport_register_type(
                   announcing.participant, "Response"),
               DDS_RETCODE_OK);
-    for (const char* name : {"Request", "Response"}) {
+    // The federation variant replaces the description; a type that contains itself has none.
+    DDS_TypeCode list{.kind = DDS_TK_SEQUENCE, .bound = 3};
+    const DDS_TypeCode knot{
+        .kind = DDS_TK_STRUCT, .name = "Knot", .members = {{.name = "next", .type = &list}}};
+    list.content = &knot;
+    ZULTypePlugin* plugin = ZUL_RoutingService_Administration_CommandRequestPlugin_new();
+    for (const auto& [name, typeCode] :
+         {std::pair{"Federated", ZUL_FederationService_Administration_CommandRequest_get_typecode()},
+          {"Knot", &knot}}) {
+        plugin->typeCode = typeCode;
+        EXPECT_EQ(DDS_DomainParticipant_register_type(announcing.participant, name, plugin), DDS_RETCODE_OK);
+    }
+    ZUL_RoutingService_Administration_CommandRequestPlugin_delete(plugin);
+    for (const char* name : {"Request", "Response", "Federated"}) {
         EXPECT_NE(DDS_Subscriber_create_datareader(subscriber, announcing.createTopic(name, name),
                                                    &DDS_DATAREADER_QOS_DEFAULT, nullptr, 0),
                   nullptr);
@@ -88,6 +101,8 @@ TEST(Announcement, ListsNamesMembersAndBounds) {
     EXPECT_EQ(listener.wait("Response"),
               "ZUL::RoutingService::Administration::CommandResponse; 0 id; 1 kind; "
               "2 message<4096>; 3 is_final");
+    EXPECT_EQ(listener.wait("Federated"), "ZUL::FederationService::Administration::CommandRequest; 0 id; "
+                                          "1 target_service; 2 command");
     EXPECT_EQ(factory->delete_participant(observer)(), 0U);
 }
 

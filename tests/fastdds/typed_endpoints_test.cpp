@@ -152,6 +152,8 @@ TEST_F(TypedEndpoints, ReadSelectsAndTakeRemoves) {
     EXPECT_EQ(giveBack(take(&data, ALL)), "3 4 ");
     EXPECT_EQ(giveBack(take(&data, ALL)), "code 11");
     EXPECT_EQ(take(nullptr, 1), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(take(&data, 0), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(take(&data, -5), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(ZUL_READER(return_loan)(reader, nullptr, &infos), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(DDS_DataReader_delete_readcondition(untypedReader, foreign), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(DDS_DataReader_delete_readcondition(untypedReader, unread), DDS_RETCODE_OK);

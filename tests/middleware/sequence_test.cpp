@@ -123,6 +123,10 @@ TEST(Sequence, LoansAndGivesBack) {
     EXPECT_TRUE(seq::loan_contiguous<DDS_Long>(&subject, nullptr, 0, 0, OP)); // an empty loan is one
     EXPECT_FALSE(seq::has_ownership(&subject, OP));
     ASSERT_TRUE(seq::unloan(&subject, OP));
+    ASSERT_TRUE(seq::loan_discontiguous(&subject, g_references, 0, 0, OP)); // each form forgets the other
+    ASSERT_TRUE(seq::loan_contiguous(&subject, g_numbers, 3, 3, OP));
+    EXPECT_EQ(seq::get_reference(&subject, 0, OP), &g_numbers[0]);
+    ASSERT_TRUE(seq::unloan(&subject, OP));
     ASSERT_TRUE(seq::loan_discontiguous(&subject, g_references, 2, 2, OP));
     EXPECT_EQ(seq::get_reference(&subject, 0, OP), &g_numbers[2]);
     EXPECT_EQ(seq::get_reference(&subject, 1, OP), &g_numbers[0]);
