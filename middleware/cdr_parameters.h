@@ -13,10 +13,8 @@ struct ZULParameterMark {
 
 inline bool ZULCdrOutput_beginParameter(ZULCdrOutput& stream, std::uint32_t id, ZULParameterForm form,
                                         ZULParameterMark& mark) {
-    bool written = stream.align(4);
     if (form == ZUL_PARAMETER_SHORT) {
-        written = written && id < ZUL_PARAMETER_EXTENDED && stream.capacity - stream.position >= 4;
-        if (!written) {
+        if (id >= ZUL_PARAMETER_EXTENDED || !stream.reserve(4, 4)) {
             return false;
         }
         if (stream.data != nullptr) {
@@ -26,8 +24,9 @@ inline bool ZULCdrOutput_beginParameter(ZULCdrOutput& stream, std::uint32_t id, 
         mark = {.lengthAt = stream.position - 2, .valueAt = stream.position, .form = form};
         return true;
     }
-    written = written && stream.put16(ZUL_PARAMETER_EXTENDED | ZUL_PARAMETER_MUST_UNDERSTAND) &&
-              stream.put16(ZUL_PARAMETER_EXTENDED_LENGTH) && stream.put32(id) && stream.put32(0);
+    const bool written = stream.align(4) &&
+                         stream.put16(ZUL_PARAMETER_EXTENDED | ZUL_PARAMETER_MUST_UNDERSTAND) &&
+                         stream.put16(ZUL_PARAMETER_EXTENDED_LENGTH) && stream.put32(id) && stream.put32(0);
     mark = {.lengthAt = stream.position - 4, .valueAt = stream.position, .form = form};
     return written;
 }

@@ -4,10 +4,11 @@ bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id) {
     if (!ZULEncapsulation_isValid(id) || stream.capacity - stream.position < ZUL_ENCAPSULATION_SIZE) {
         return false;
     }
-    stream.put8(0);
-    stream.put8(static_cast<std::uint8_t>(id));
-    stream.put8(0);
-    stream.put8(0);
+    const std::uint8_t header[ZUL_ENCAPSULATION_SIZE] = {0, static_cast<std::uint8_t>(id), 0, 0};
+    if (stream.data != nullptr) {
+        std::memcpy(stream.data + stream.position, header, sizeof(header));
+    }
+    stream.position += sizeof(header);
     stream.bigEndian = ZULEncapsulation_isBigEndian(id);
     stream.origin = stream.position;
     return true;

@@ -48,30 +48,31 @@ constexpr std::size_t ZULCdr_padding(std::size_t position, std::size_t alignment
 // What encoding needs to know about where the bytes go. With `data` null nothing is stored and only
 // `position` advances, which is how an exact size is counted by the very code that writes.
 struct ZULCdrOutput {
+    static constexpr std::size_t PADDING_STORE = 4; // bytes; padding is shorter
+
     std::uint8_t* data = nullptr;
     std::size_t capacity = 0; // bytes of `data`; SIZE_MAX when counting
     std::size_t position = 0;
     std::size_t origin = 0;
     bool bigEndian = false;
 
-    bool align(std::size_t alignment) {
-        const std::size_t padding = ZULCdr_padding(position - origin, alignment);
-        if (padding > capacity - position) {
-            return false;
-        }
-        if (data != nullptr) {
-            for (std::size_t i = 0; i < padding; ++i) {
-                data[position + i] = 0;
-            }
-        }
-        position += padding;
-        return true;
-    }
+    // Moves to the next multiple (of at most 4), over zeroes; fails when that lies past the end.
+    bool align(std::size_t alignment) { return reserve(alignment, 0); }
     // Aligns when `size` bytes fit behind the padding.
     bool reserve(std::size_t alignment, std::size_t size) {
         const std::size_t room = capacity - position;
         const std::size_t padding = ZULCdr_padding(position - origin, alignment);
-        return padding <= room && size <= room - padding && align(alignment);
+        if (padding > room || size > room - padding) {
+            return false;
+        }
+        if (data != nullptr && room >= PADDING_STORE) {
+            std::memset(data + position, 0,
+                        PADDING_STORE); // one store; what comes next overwrites the excess
+        } else if (data != nullptr) {
+            std::memset(data + position, 0, padding);
+        }
+        position += padding;
+        return true;
     }
     bool put8(std::uint8_t value) {
         if (capacity - position < 1) {

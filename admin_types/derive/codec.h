@@ -77,12 +77,13 @@ bool serialize(Union<Record>, ZULCdrOutput& stream, const Record& record, ZULPar
     using Described = Description<Record>;
     return serializeParameter(typename Described::Discriminator{}, stream, 0, record._d, ZUL_PARAMETER_SHORT,
                               form) &&
-           visitSelected(Described::branches, record._d,
-                         [&](const auto& branch) {
-                             using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-                             return serializeParameter(Type{}, stream, branch.id, branch.get(record),
-                                                       branch.shortHeader ? ZUL_PARAMETER_SHORT : form, form);
-                         }) &&
+           visitSelected<Record>(record._d,
+                                 [&](const auto& branch) {
+                                     using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
+                                     return serializeParameter(
+                                         Type{}, stream, branch.id, branch.get(record),
+                                         branch.shortHeader ? ZUL_PARAMETER_SHORT : form, form);
+                                 }) &&
            ZULCdrOutput_putListEnd(stream);
 }
 

@@ -175,7 +175,7 @@ bool copy(Struct<Record>, Record& destination, const Record& source) {
 template <class Record>
 bool copy(Union<Record>, Record& destination, const Record& source) {
     destination._d = source._d;
-    return visitSelected(Description<Record>::branches, source._d, [&](const auto& branch) {
+    return visitSelected<Record>(source._d, [&](const auto& branch) {
         using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
         return copy(Type{}, branch.get(destination), branch.get(source));
     });

@@ -48,8 +48,7 @@
         return static_cast<prefix##CommandKind>(admin::Description<prefix##Command>::defaultDiscriminator);  \
     }                                                                                                        \
     bool prefix##Command_isCaseHandled(prefix##CommandKind discriminator) {                                  \
-        return !admin::visitSelected(admin::Description<prefix##Command>::branches, discriminator,           \
-                                     [](const auto&) { return false; });                                     \
+        return !admin::visitSelected<prefix##Command>(discriminator, [](const auto&) { return false; });     \
     }
 
 // All types of one module but its entity name.

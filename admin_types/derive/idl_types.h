@@ -93,15 +93,6 @@ struct Branch : Member<IdlType, Path...> {
     std::uint32_t id;
     std::array<DDS_Long, MAX_LABELS> labels; // 0 where unused: never a label
     bool shortHeader = false;
-
-    constexpr bool isSelectedBy(DDS_Long discriminator) const {
-        for (DDS_Long label : labels) {
-            if (label != 0 && label == discriminator) {
-                return true;
-            }
-        }
-        return false;
-    }
 };
 
 struct Enumerator {
@@ -119,12 +110,20 @@ template <class... Types, class Visit>
 constexpr bool visitWhile(const std::tuple<Types...>& members, Visit&& visit) {
     return visitWhile(members, visit, std::index_sequence_for<Types...>{});
 }
-// Calls `visit(branch)` for the branch that the discriminator selects; true when none is selected.
-template <class... Types, class Visit>
-constexpr bool visitSelected(const std::tuple<Types...>& branches, DDS_Long discriminator, Visit&& visit) {
-    return visitWhile(branches, [&](const auto& branch, std::uint32_t) {
-        return !branch.isSelectedBy(discriminator) || visit(branch);
-    });
+// Calls `visit(branch)` for the branch of the union that the discriminator selects; true when none is
+// selected. The labels are compared as constants.
+template <class Union, std::size_t Index = 0, class Visit>
+constexpr bool visitSelected(DDS_Long discriminator, Visit&& visit) {
+    if constexpr (Index == std::tuple_size_v<decltype(Description<Union>::branches)>) {
+        return true;
+    } else {
+        constexpr const auto& branch = std::get<Index>(Description<Union>::branches);
+        const bool isSelected = [discriminator]<std::size_t... Label>(std::index_sequence<Label...>) {
+            return ((branch.labels[Label] != 0 && branch.labels[Label] == discriminator) || ...);
+        }
+        (std::make_index_sequence<MAX_LABELS>{});
+        return isSelected ? visit(branch) : visitSelected<Union, Index + 1>(discriminator, visit);
+    }
 }
 
 } // namespace admin

@@ -73,7 +73,7 @@ void print(Union<Record>, const Record& record, const char* description, int ind
     using Described = Description<Record>;
     printTitle(description, indent);
     print(typename Described::Discriminator{}, record._d, "_d", indent + 1);
-    visitSelected(Described::branches, record._d, [&record, indent](const auto& branch) {
+    visitSelected<Record>(record._d, [&record, indent](const auto& branch) {
         using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
         print(Type{}, branch.get(record), branch.name, indent + 1);
         return true;

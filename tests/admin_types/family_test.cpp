@@ -36,7 +36,7 @@ template <class Record>
 void fill(admin::Union<Record>, Record& record, int seed) {
     const DDS_Long kinds[] = {1, 7, 9, 14}; // one of each branch
     record._d = static_cast<decltype(record._d)>(kinds[seed % 4]);
-    admin::visitSelected(admin::Description<Record>::branches, record._d, [&](const auto& branch) {
+    admin::visitSelected<Record>(record._d, [&](const auto& branch) {
         fill(typename std::remove_cvref_t<decltype(branch)>::Type{}, branch.get(record), seed);
         return true;
     });
