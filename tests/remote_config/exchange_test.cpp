@@ -61,6 +61,15 @@ protected:
     }
 };
 
+TEST_F(Exchange, WaitsOnlyWhenAskedAndAllowedTo) {
+    EXPECT_TRUE(sendNext(false)); // nobody answers
+    client.noResponseWait = true;
+    EXPECT_TRUE(sendNext());
+    EXPECT_EQ(text(), "(null)");
+    client.noResponseWait = false;
+    expectNextIsAnswered();
+}
+
 TEST_F(Exchange, GathersWhatFitsTheBufferThereAndMoreOnTheHeap) {
     const std::string full = run(4096, 'a');
     const std::pair<Lines, std::string> cases[] = {
