@@ -1,17 +1,7 @@
 #include "middleware/cdr_stream.h"
 
-bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id) {
-    if (!ZULEncapsulation_isValid(id) || stream.capacity - stream.position < ZUL_ENCAPSULATION_SIZE) {
-        return false;
-    }
-    const std::uint8_t header[ZUL_ENCAPSULATION_SIZE] = {0, static_cast<std::uint8_t>(id), 0, 0};
-    if (stream.data != nullptr) {
-        std::memcpy(stream.data + stream.position, header, sizeof(header));
-    }
-    stream.position += sizeof(header);
-    stream.bigEndian = ZULEncapsulation_isBigEndian(id);
-    stream.origin = stream.position;
-    return true;
+void ZULCdr_copyText(void* to, const char* from, std::size_t size) {
+    std::memcpy(to, from, size);
 }
 
 bool ZULCdrInput_getEncapsulation(ZULCdrInput& stream) {

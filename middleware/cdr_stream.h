@@ -45,6 +45,10 @@ constexpr std::size_t ZULCdr_padding(std::size_t position, std::size_t alignment
     return (0 - position) & (alignment - 1);
 }
 
+// Copies a text of any length. Not inline, so that it is the library's copy: an instruction that the compiler
+// puts in its place takes longer to start, on some processors, than a text takes to be copied.
+void ZULCdr_copyText(void* to, const char* from, std::size_t size);
+
 // What encoding needs to know about where the bytes go. With `data` null nothing is stored and only
 // `position` advances, which is how an exact size is counted by the very code that writes.
 struct ZULCdrOutput {
@@ -113,7 +117,7 @@ struct ZULCdrOutput {
             return false;
         }
         if (data != nullptr) {
-            std::memcpy(data + position, text.data(), text.size());
+            ZULCdr_copyText(data + position, text.data(), text.size());
             data[position + text.size()] = 0;
         }
         position += size;
@@ -208,6 +212,18 @@ struct ZULCdrInput {
 
 // Encapsulation header: identifier and options, most significant byte first, whatever the byte order of what
 // follows; sets byte order and origin. Fails for an identifier outside 0..3.
-bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id);
+inline bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id) {
+    if (!ZULEncapsulation_isValid(id) || stream.capacity - stream.position < ZUL_ENCAPSULATION_SIZE) {
+        return false;
+    }
+    const std::uint8_t header[ZUL_ENCAPSULATION_SIZE] = {0, static_cast<std::uint8_t>(id), 0, 0};
+    if (stream.data != nullptr) {
+        std::memcpy(stream.data + stream.position, header, sizeof(header));
+    }
+    stream.position += sizeof(header);
+    stream.bigEndian = ZULEncapsulation_isBigEndian(id);
+    stream.origin = stream.position;
+    return true;
+}
 // Options are read and ignored: other stacks put a padding count there.
 bool ZULCdrInput_getEncapsulation(ZULCdrInput& stream);

@@ -125,7 +125,7 @@ bool deserialize(String<Bound>, ZULCdrInput& stream, char*& value) {
     if (value == nullptr || !stream.getString(bytes, std::size_t{Bound} + 1)) {
         return false;
     }
-    std::memcpy(value, bytes.data(), bytes.size());
+    ZULCdr_copyText(value, bytes.data(), bytes.size());
     return true;
 }
 template <std::uint32_t Elements, std::uint32_t Bound>

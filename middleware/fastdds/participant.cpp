@@ -131,8 +131,11 @@ DDS_Topic* DDS_DomainParticipant_create_topic(DDS_DomainParticipant* self, const
                                               const char* typeName, const DDS_TopicQos* /*qos*/,
                                               const DDS_TopicListener* /*listener*/,
                                               DDS_StatusMask /*mask*/) {
-    const auto type = typeName != nullptr ? self->types.find(typeName) : self->types.end();
-    if (topicName == nullptr || type == self->types.end()) {
+    if (topicName == nullptr || typeName == nullptr) {
+        return nullptr;
+    }
+    const auto type = self->types.find(typeName);
+    if (type == self->types.end()) {
         return nullptr;
     }
     fast::Topic* created = self->participant->create_topic(topicName, typeName, fast::TOPIC_QOS_DEFAULT);
