@@ -71,6 +71,13 @@ DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPoli
 const char* DDS_PropertyQosPolicyHelper_lookup_property(const DDS_PropertyQosPolicy* policy,
                                                         const char* name);
 
+// What names a participant in the requests it sends: no two participants that are alive, or have just gone,
+// have the same pair.
+struct DDS_WireProtocolQosPolicy {
+    DDS_UnsignedLong rtps_host_id; // first word of the GUID prefix
+    DDS_UnsignedLong rtps_app_id;  // made from the other two
+};
+
 struct DDS_DomainParticipantQos {
     DDS_EntityFactoryQosPolicy entity_factory;
     struct {
@@ -86,11 +93,8 @@ struct DDS_DomainParticipantQos {
     struct {
         DDS_Boolean announce_descriptions;
     } types;
-    // First and second word of the GUID prefix; 0 lets the middleware choose.
-    struct {
-        DDS_UnsignedLong rtps_host_id;
-        DDS_UnsignedLong rtps_app_id;
-    } wire_protocol;
+    DDS_WireProtocolQosPolicy
+        wire_protocol; // read back from a participant; not looked at when one is created
 };
 void DDS_DomainParticipantQos_initialize(DDS_DomainParticipantQos* self);
 void DDS_DomainParticipantQos_finalize(DDS_DomainParticipantQos* self);

@@ -1,6 +1,7 @@
 // zul-practice-router: options, start, the wait for a signal, and the end of everything in reverse order.
 // Exit status: 0 after a signal, --help or --version; 1 when the router cannot start; 2 for a bad command
 // line.
+#include "middleware/process.h"
 #include "middleware/version.h"
 #include "practice_router/options.h"
 #include "practice_router/worker.h"
@@ -94,10 +95,7 @@ int run(const PracticeOptions& options, PracticeRouter& router) {
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    keepStandardStreams();
+int start(int argc, char** argv) {
     PracticeOptions options;
     std::string error;
     if (!PracticeOptions_parse(options, argc, argv, error)) {
@@ -126,4 +124,12 @@ int main(int argc, char** argv) {
         return fail(EXIT_CANNOT_START, error);
     }
     return run(options, router);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    keepStandardStreams();
+    ZULProcess_takeOver();
+    ZULProcess_exit(start(argc, argv));
 }

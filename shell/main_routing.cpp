@@ -1,7 +1,9 @@
 // The routing service's shell.
+#include "middleware/process.h"
 #include "product/product_info.h"
 #include "shell/entry.h"
 
 int main(int argumentCount, char** arguments) {
-    return ROUTERShell_run(ROUTER_PRODUCT_ROUTING_SERVICE, argumentCount, arguments);
+    ZULProcess_takeOver();
+    ZULProcess_exit(ROUTERShell_run(ROUTER_PRODUCT_ROUTING_SERVICE, argumentCount, arguments));
 }

@@ -1,8 +1,7 @@
 #include "middleware/fastdds/delivery_thread.h"
 
+#include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/status_bits.h"
-
-#include <csignal>
 
 namespace zul {
 
@@ -29,12 +28,8 @@ constexpr Delivery DELIVERIES[] = {
 DeliveryThread::DeliveryThread(DDS_DataReader* reader, const DDS_DataReaderListener& listener,
                                DDS_StatusMask mask)
     : reader_(reader), listener_(listener), mask_(mask) {
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
+    const BlockedSignals blocked;
     thread_ = std::thread([this] { run(); });
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 void DeliveryThread::notify(DDS_StatusMask status) {

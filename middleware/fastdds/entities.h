@@ -54,8 +54,10 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     eprosima::fastdds::dds::DataWriter* writer = nullptr;
     zul::AdapterPtr adapter;
     std::chrono::nanoseconds maxBlockingTime{0};
+    std::chrono::nanoseconds waitSlice{0}; // of that, what the library waits in one try
     zul::MatchedEndpoints matched;
 
+    bool isEnabled() const { return writer->is_enabled(); }
     void on_publication_matched(eprosima::fastdds::dds::DataWriter* writer,
                                 const eprosima::fastdds::dds::PublicationMatchedStatus& status) override;
 };
@@ -78,6 +80,7 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     std::vector<std::unique_ptr<DDS_ReadCondition>> conditions;
     std::unique_ptr<zul::DeliveryThread> delivery;
 
+    bool isEnabled() const { return reader->is_enabled(); }
     void note(DDS_StatusMask status);
     void on_data_available(eprosima::fastdds::dds::DataReader* reader) override;
     void on_subscription_matched(eprosima::fastdds::dds::DataReader* reader,
@@ -107,8 +110,14 @@ struct DDS_Subscriber {
 };
 
 struct DDS_DomainParticipant final : DDS_Entity {
+    DDS_DomainParticipant() { DDS_DomainParticipantQos_initialize(&qos); }
+    ~DDS_DomainParticipant() { DDS_DomainParticipantQos_finalize(&qos); }
+    DDS_DomainParticipant(const DDS_DomainParticipant&) = delete;
+    DDS_DomainParticipant& operator=(const DDS_DomainParticipant&) = delete;
+
     eprosima::fastdds::dds::DomainParticipant* participant = nullptr;
-    DDS_DomainParticipantQos qos{};
+    bool enabled = false; // its entities are; the library's participant is from the start
+    DDS_DomainParticipantQos qos;
     std::map<std::string, zul::AdapterPtr> types;
     std::vector<std::unique_ptr<DDS_Topic>> topics;
     std::vector<std::unique_ptr<DDS_Publisher>> publishers;

@@ -1,6 +1,7 @@
 // Participant: type registration, topics, publishers and subscribers, enabling, and the orderly end of all of
 // them.
 #include "middleware/fastdds/entities.h"
+#include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"
 
 #include <algorithm>
@@ -17,13 +18,23 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self) {
     }
     auto* participant =
         static_cast<DDS_DomainParticipant*>(self); // the only entities that can be had as such
-    const auto code = zul::toReturnCode(participant->participant->enable());
-    // The library does not say so when an endpoint could not be started.
-    const bool allEnabled = std::all_of(participant->writers.begin(), participant->writers.end(),
-                                        [](const auto& writer) { return writer->writer->is_enabled(); }) &&
-                            std::all_of(participant->readers.begin(), participant->readers.end(),
-                                        [](const auto& reader) { return reader->reader->is_enabled(); });
-    return code == DDS_RETCODE_OK && !allEnabled ? DDS_RETCODE_ERROR : code;
+    return zul::createInLibrary(__func__, DDS_RETCODE_ERROR, [participant] {
+        for (const auto& publisher : participant->publishers) {
+            publisher->publisher->enable();
+        }
+        for (const auto& subscriber : participant->subscribers) {
+            subscriber->subscriber->enable();
+        }
+        participant->enabled = true;
+        // The library does not say so when an endpoint could not be started.
+        const auto isEnabled = [](const auto& endpoint) {
+            return endpoint->isEnabled();
+        };
+        return std::all_of(participant->writers.begin(), participant->writers.end(), isEnabled) &&
+                       std::all_of(participant->readers.begin(), participant->readers.end(), isEnabled)
+                   ? DDS_RETCODE_OK
+                   : DDS_RETCODE_ERROR;
+    });
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_get_default_datareader_qos(DDS_DomainParticipant* self,
@@ -48,16 +59,7 @@ DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant* self, DDS_
     if (self == nullptr || qos == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    if (!DDS_DomainParticipantQos_copy(qos, &self->qos)) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
-    const auto& prefix = self->participant->guid().guidPrefix.value;
-    const auto word = [&prefix](int first) {
-        return DDS_UnsignedLong{prefix[first]} << 24 | DDS_UnsignedLong{prefix[first + 1]} << 16 |
-               DDS_UnsignedLong{prefix[first + 2]} << 8 | DDS_UnsignedLong{prefix[first + 3]};
-    };
-    qos->wire_protocol = {.rtps_host_id = word(0), .rtps_app_id = word(4)};
-    return DDS_RETCODE_OK;
+    return DDS_DomainParticipantQos_copy(qos, &self->qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant* self, const char* typeName,
@@ -65,18 +67,20 @@ DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant* self
     if (self == nullptr || typeName == nullptr || plugin == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    auto adapter =
-        std::make_shared<zul::TypeAdapter>(typeName, *plugin, self->qos.types.announce_descriptions != 0);
-    if (!adapter->isComplete()) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
-    fast::TypeSupport support;
-    support.std::shared_ptr<fast::TopicDataType>::operator=(adapter);
-    const auto code = zul::toReturnCode(self->participant->register_type(support, typeName));
-    if (code == DDS_RETCODE_OK) {
-        self->types[typeName] = adapter;
-    }
-    return code;
+    return zul::callLibrary(__func__, DDS_RETCODE_OUT_OF_RESOURCES, [&] {
+        auto adapter =
+            std::make_shared<zul::TypeAdapter>(typeName, *plugin, self->qos.types.announce_descriptions != 0);
+        if (!adapter->isComplete()) {
+            return DDS_RETCODE_OUT_OF_RESOURCES;
+        }
+        fast::TypeSupport support;
+        support.std::shared_ptr<fast::TopicDataType>::operator=(adapter);
+        const auto code = zul::toReturnCode(self->participant->register_type(support, typeName));
+        if (code == DDS_RETCODE_OK) {
+            self->types[typeName] = adapter;
+        }
+        return code;
+    });
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant* self, const char* typeName) {
@@ -92,15 +96,18 @@ DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant* se
 
 namespace {
 
-// Wraps what the library created and lets the participant own the wrapper; null for null.
-template <class Wrapper, class Fill>
-Wrapper* adopt(std::vector<std::unique_ptr<Wrapper>>& owner, const void* created, Fill fill) {
-    if (created == nullptr) {
-        return nullptr;
-    }
-    auto wrapper = std::make_unique<Wrapper>();
-    fill(*wrapper);
-    return owner.emplace_back(std::move(wrapper)).get();
+// Wraps what the library creates and lets the participant own the wrapper; null when it cannot be created.
+template <class Wrapper, class Create>
+Wrapper* adopt(const char* context, std::vector<std::unique_ptr<Wrapper>>& owner, Create create) {
+    return zul::createInLibrary(context, nullptr, [&]() -> Wrapper* {
+        auto wrapper = std::make_unique<Wrapper>();
+        return create(*wrapper) ? owner.emplace_back(std::move(wrapper)).get() : nullptr;
+    });
+}
+
+// What is created in an enabled participant is enabled at once, when its QoS says so.
+bool startsAtOnce(const DDS_DomainParticipant& participant) {
+    return participant.enabled && participant.qos.entity_factory.autoenable_created_entities != 0;
 }
 
 } // namespace
@@ -109,10 +116,13 @@ DDS_Publisher* DDS_DomainParticipant_create_publisher(DDS_DomainParticipant* sel
                                                       const DDS_PublisherQos* /*qos*/,
                                                       const DDS_PublisherListener* /*listener*/,
                                                       DDS_StatusMask /*mask*/) {
-    fast::Publisher* created = self->participant->create_publisher(fast::PUBLISHER_QOS_DEFAULT);
-    return adopt(self->publishers, created, [&](DDS_Publisher& publisher) {
+    return adopt(__func__, self->publishers, [self](DDS_Publisher& publisher) {
         publisher.owner = self;
-        publisher.publisher = created;
+        publisher.publisher = self->participant->create_publisher(fast::PUBLISHER_QOS_DEFAULT);
+        if (publisher.publisher != nullptr && startsAtOnce(*self)) {
+            publisher.publisher->enable();
+        }
+        return publisher.publisher != nullptr;
     });
 }
 
@@ -120,10 +130,13 @@ DDS_Subscriber* DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant* s
                                                         const DDS_SubscriberQos* /*qos*/,
                                                         const DDS_SubscriberListener* /*listener*/,
                                                         DDS_StatusMask /*mask*/) {
-    fast::Subscriber* created = self->participant->create_subscriber(fast::SUBSCRIBER_QOS_DEFAULT);
-    return adopt(self->subscribers, created, [&](DDS_Subscriber& subscriber) {
+    return adopt(__func__, self->subscribers, [self](DDS_Subscriber& subscriber) {
         subscriber.owner = self;
-        subscriber.subscriber = created;
+        subscriber.subscriber = self->participant->create_subscriber(fast::SUBSCRIBER_QOS_DEFAULT);
+        if (subscriber.subscriber != nullptr && startsAtOnce(*self)) {
+            subscriber.subscriber->enable();
+        }
+        return subscriber.subscriber != nullptr;
     });
 }
 
@@ -138,10 +151,10 @@ DDS_Topic* DDS_DomainParticipant_create_topic(DDS_DomainParticipant* self, const
     if (type == self->types.end()) {
         return nullptr;
     }
-    fast::Topic* created = self->participant->create_topic(topicName, typeName, fast::TOPIC_QOS_DEFAULT);
-    return adopt(self->topics, created, [&](DDS_Topic& topic) {
-        topic.topic = created;
+    return adopt(__func__, self->topics, [&](DDS_Topic& topic) {
+        topic.topic = self->participant->create_topic(topicName, typeName, fast::TOPIC_QOS_DEFAULT);
         topic.adapter = type->second;
+        return topic.topic != nullptr;
     });
 }
 
@@ -154,7 +167,9 @@ DDS_ReturnCode_t DDS_DomainParticipant_delete_contained_entities(DDS_DomainParti
             reader->delivery->stop();
         }
     }
-    const auto code = zul::toReturnCode(self->participant->delete_contained_entities());
+    const auto code = zul::callLibrary(__func__, DDS_RETCODE_ERROR, [self] {
+        return zul::toReturnCode(self->participant->delete_contained_entities());
+    });
     if (code == DDS_RETCODE_OK) {
         self->readers.clear();
         self->writers.clear();

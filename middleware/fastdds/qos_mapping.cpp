@@ -11,6 +11,9 @@ namespace rtps = eprosima::fastrtps::rtps;
 
 namespace {
 
+constexpr std::uint32_t INITIAL_ANNOUNCEMENTS = 10;
+const eprosima::fastrtps::Duration_t INITIAL_ANNOUNCEMENT_PERIOD{0, 5'000'000};
+
 eprosima::fastrtps::Duration_t toLibrary(const DDS_Duration_t& duration) {
     if (duration.sec == DDS_DURATION_INFINITE.sec) {
         return eprosima::fastrtps::c_TimeInfinite;
@@ -62,8 +65,15 @@ void applyParticipantQos(const DDS_DomainParticipantQos& qos, fast::DomainPartic
         property.propagate(properties.contiguous[i].propagate != 0);
         library.properties().properties().push_back(std::move(property));
     }
-    library.entity_factory().autoenable_created_entities =
-        qos.entity_factory.autoenable_created_entities != 0;
+    library.entity_factory().autoenable_created_entities = false; // DDS_Entity_enable starts them
+    // Announcements in quick succession at first, because those before the gate opens are lost; unless the
+    // operator's profile file has another wish.
+    auto& initial = library.wire_protocol().builtin.discovery_config.initial_announcements;
+    const rtps::InitialAnnouncementConfig standard;
+    if (initial == standard) {
+        initial.count = INITIAL_ANNOUNCEMENTS;
+        initial.period = INITIAL_ANNOUNCEMENT_PERIOD;
+    }
     // `database.shutdown_cleanup_period` has no counterpart: the library never lingers on deletion.
 }
 

@@ -1,5 +1,6 @@
 // Data reader: its statuses are noted for the delivery thread.
 #include "middleware/fastdds/entities.h"
+#include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"
 #include "middleware/fastdds/status_bits.h"
 
@@ -49,18 +50,21 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
                                                  const DDS_DataReaderQos* qos,
                                                  const DDS_DataReaderListener* listener,
                                                  DDS_StatusMask mask) {
-    auto reader = std::make_unique<DDS_DataReader>();
-    reader->adapter = topic->adapter;
-    reader->maxSamples = qos->resource_limits.max_samples > 0 ? qos->resource_limits.max_samples
-                                                              : DEFAULT_MAX_SAMPLES_PER_READ;
-    if (listener != nullptr) {
-        reader->delivery = std::make_unique<zul::DeliveryThread>(reader.get(), *listener, mask);
-    }
-    auto libraryQos = zul::toLibrary(*qos);
-    libraryQos.reader_resource_limits().max_samples_per_read = reader->maxSamples;
-    reader->reader =
-        self->subscriber->create_datareader(topic->topic, libraryQos, reader.get(), fast::StatusMask::all());
-    return reader->reader == nullptr ? nullptr : self->owner->readers.emplace_back(std::move(reader)).get();
+    return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DataReader* {
+        auto reader = std::make_unique<DDS_DataReader>();
+        reader->adapter = topic->adapter;
+        reader->maxSamples = qos->resource_limits.max_samples > 0 ? qos->resource_limits.max_samples
+                                                                  : DEFAULT_MAX_SAMPLES_PER_READ;
+        if (listener != nullptr) {
+            reader->delivery = std::make_unique<zul::DeliveryThread>(reader.get(), *listener, mask);
+        }
+        auto libraryQos = zul::toLibrary(*qos);
+        libraryQos.reader_resource_limits().max_samples_per_read = reader->maxSamples;
+        reader->reader = self->subscriber->create_datareader(topic->topic, libraryQos, reader.get(),
+                                                             fast::StatusMask::all());
+        return reader->reader == nullptr ? nullptr
+                                         : self->owner->readers.emplace_back(std::move(reader)).get();
+    });
 }
 
 DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,

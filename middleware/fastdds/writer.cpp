@@ -1,5 +1,6 @@
 // Data writer.
 #include "middleware/fastdds/entities.h"
+#include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 namespace fast = eprosima::fastdds::dds;
 
 constexpr DDS_UnsignedLong NANOSECONDS_PER_SECOND = 1'000'000'000;
+// How long the library waits for room in one try: a part of the blocking time, and at most this.
+constexpr std::chrono::nanoseconds WAIT_SLICE_MAX = std::chrono::milliseconds(100);
+constexpr int WAIT_SLICES_MIN = 16;
 
 namespace zul {
 
@@ -44,13 +48,20 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* 
                                                 const DDS_DataWriterQos* qos,
                                                 const DDS_DataWriterListener* /*listener*/,
                                                 DDS_StatusMask /*mask*/) {
-    auto writer = std::make_unique<DDS_DataWriter>();
-    writer->adapter = topic->adapter;
-    writer->maxBlockingTime = std::chrono::seconds(qos->reliability.max_blocking_time.sec) +
-                              std::chrono::nanoseconds(qos->reliability.max_blocking_time.nanosec);
-    writer->writer = self->publisher->create_datawriter(topic->topic, zul::toLibrary(*qos), writer.get(),
-                                                        fast::StatusMask::publication_matched());
-    return writer->writer == nullptr ? nullptr : self->owner->writers.emplace_back(std::move(writer)).get();
+    return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DataWriter* {
+        auto writer = std::make_unique<DDS_DataWriter>();
+        writer->adapter = topic->adapter;
+        writer->maxBlockingTime = std::chrono::seconds(qos->reliability.max_blocking_time.sec) +
+                                  std::chrono::nanoseconds(qos->reliability.max_blocking_time.nanosec);
+        writer->waitSlice = std::min(writer->maxBlockingTime / WAIT_SLICES_MIN, WAIT_SLICE_MAX);
+        auto libraryQos = zul::toLibrary(*qos);
+        libraryQos.reliability().max_blocking_time =
+            eprosima::fastrtps::Duration_t(0, static_cast<DDS_UnsignedLong>(writer->waitSlice.count()));
+        writer->writer = self->publisher->create_datawriter(topic->topic, libraryQos, writer.get(),
+                                                            fast::StatusMask::publication_matched());
+        return writer->writer == nullptr ? nullptr
+                                         : self->owner->writers.emplace_back(std::move(writer)).get();
+    });
 }
 
 DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
@@ -74,17 +85,23 @@ DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter* self, const void*
         return DDS_RETCODE_BAD_PARAMETER;
     }
     auto* const data = const_cast<void*>(sample); // the library only reads it
-    // A write that waits for room is woken with an early time-out when all its samples are acknowledged at
-    // once, because the library then looks for a sample to remove and finds none: there is room, try again.
-    const auto deadline = std::chrono::steady_clock::now() + self->maxBlockingTime;
-    DDS_ReturnCode_t code = DDS_RETCODE_OK;
-    do {
-        code = zul::toReturnCode(
+    const auto write = [&] {
+        return zul::toReturnCode(
             isNow ? self->writer->write(data, fast::HANDLE_NIL)
                   : self->writer->write_w_timestamp(data, fast::HANDLE_NIL,
                                                     eprosima::fastrtps::Time_t(seconds, nanoseconds)));
-    } while (code == DDS_RETCODE_TIMEOUT && std::chrono::steady_clock::now() < deadline);
-    return code;
+    };
+    // A write that waits for room is woken with an early time-out when all its samples are acknowledged at
+    // once, because the library then looks for a sample to remove and finds none: there is room, try again.
+    // It waits a slice at a time, so that all tries together stay within the blocking time.
+    return zul::callLibrary(__func__, DDS_RETCODE_OUT_OF_RESOURCES, [&] {
+        const auto lastStart = std::chrono::steady_clock::now() + self->maxBlockingTime - self->waitSlice;
+        DDS_ReturnCode_t code = write();
+        while (code == DDS_RETCODE_TIMEOUT && std::chrono::steady_clock::now() < lastStart) {
+            code = write();
+        }
+        return code;
+    });
 }
 
 DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter* self,
