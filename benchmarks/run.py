@@ -28,6 +28,7 @@ PROBES = 5  # requests until one finds the responder
 LIMIT = 900  # seconds for a whole measuring program
 
 START_UP_RUNS = 21
+COLD_STARTS = 200
 UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
 PARTS = 1000
@@ -56,6 +57,10 @@ FIGURES = {
     "decode_response": Figure("decode response of 4096 / Fast CDR", "ns", "<=1.0"),
     "start_up_time": Figure("start to prompt / bare participant", "ms", "<=1.2"),
     "start_up_memory": Figure("peak memory at prompt / bare participant", "KiB", "<=1.1"),
+    "whole_process": Figure("whole process of exit / bare participant's", "ms", "<=1.2"),
+    "cold_start_median": Figure("cold start to both matched, median / bare", "ms", "<=1.3"),
+    "cold_start_p95": Figure("cold start to both matched, p95 / bare", "ms", "<=1.0"),
+    "cold_start_max": Figure("cold start to both matched, max / bare", "ms", "<=1.0"),
     "get_short_parts": Figure("get of 1000 parts of 16 / 1000 pauses of 1 ms", "ms"),
     "get_full_parts": Figure("get of 1000 parts of 4096 / 1000 pauses of 1 ms", "ms"),
     "load_rate": Figure("load of 64 MiB / raw writer", "MB/s", ">=0.95"),
@@ -81,6 +86,7 @@ def running(command: list[object], until: bytes):
         with contextlib.suppress(BrokenPipeError):
             process.stdin.write(b"exit\n")  # the shell does not end with its input, the others do
             process.stdin.close()
+        process.terminate()  # the practice router does not read its input
         try:
             process.wait(PATIENCE)
         except subprocess.TimeoutExpired:
@@ -116,6 +122,7 @@ class Bench:
     def __init__(self, build: pathlib.Path, work: pathlib.Path):
         self.programs = build / "benchmarks"
         self.shell = build / "bin" / "zulrssh"
+        self.router = build / "bin" / "zul-practice-router"
         self.work = work
 
     def responder(self, domain: int, parts: int = 1, characters: int = 0):
@@ -168,6 +175,28 @@ def start_up(bench: Bench) -> Samples:
     return samples
 
 
+def whole_process(bench: Bench) -> Samples:
+    def once(command: list[object], line: bytes) -> float:
+        start = time.perf_counter()
+        subprocess.run([str(word) for word in command], input=line, stdout=subprocess.DEVNULL, timeout=LIMIT, check=True)
+        return (time.perf_counter() - start) * 1000
+
+    return {"whole_process": [(once([bench.shell, "-domainId", 46], b"exit\n"),
+                               once([bench.programs / "bare_participant", 46], b"")) for _ in range(START_UP_RUNS)]}
+
+
+def cold_start(bench: Bench) -> Samples:
+    """Starts, one a process, until a practice router's endpoints are matched both ways."""
+    def once(side: str) -> float:
+        command = [bench.programs / "cold_start", side, "47"]
+        return float(subprocess.run(command, stdout=subprocess.PIPE, timeout=LIMIT, check=True).stdout)
+
+    with running([bench.router, "--domain", 47, "--name", "router1"], b"\n"):
+        sides = [sorted(side) for side in zip(*((once("client"), once("bare")) for _ in range(COLD_STARTS)))]
+    at = {"median": COLD_STARTS // 2, "p95": COLD_STARTS * 95 // 100, "max": COLD_STARTS - 1}
+    return {f"cold_start_{name}": [(sides[0][index], sides[1][index])] for name, index in at.items()}
+
+
 def load_64mib(bench: Bench) -> Samples:
     with bench.responder(44):
         samples = bench.rounds_of("load", 44, bench.upload())
@@ -211,7 +240,8 @@ def micro(bench: Bench) -> Samples:
     return {name: list(zip(sides["ours"], sides["baseline"])) for name, sides in times.items()}
 
 
-BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, get_1000_parts, load_64mib]
+BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
+                                                 get_1000_parts, load_64mib]
 
 
 def print_table(samples: Samples) -> None:
