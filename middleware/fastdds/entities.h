@@ -4,11 +4,11 @@
 #pragma once
 
 #include "middleware/dds.h"
+#include "middleware/fastdds/bounded_wait.h"
 #include "middleware/fastdds/delivery_thread.h"
 #include "middleware/fastdds/type_adapter.h"
 
 #include <atomic>
-#include <chrono>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/publisher/DataWriter.hpp>
 #include <fastdds/dds/publisher/DataWriterListener.hpp>
@@ -53,8 +53,7 @@ struct DDS_Topic {
 struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     eprosima::fastdds::dds::DataWriter* writer = nullptr;
     zul::AdapterPtr adapter;
-    std::chrono::nanoseconds maxBlockingTime{0};
-    std::chrono::nanoseconds waitSlice{0}; // of that, what the library waits in one try
+    zul::BoundedWait wait; // for room, in a write
     zul::MatchedEndpoints matched;
 
     bool isEnabled() const { return writer->is_enabled(); }

@@ -9,9 +9,6 @@
 namespace fast = eprosima::fastdds::dds;
 
 constexpr DDS_UnsignedLong NANOSECONDS_PER_SECOND = 1'000'000'000;
-// How long the library waits for room in one try: a part of the blocking time, and at most this.
-constexpr std::chrono::nanoseconds WAIT_SLICE_MAX = std::chrono::milliseconds(100);
-constexpr int WAIT_SLICES_MIN = 16;
 
 namespace zul {
 
@@ -51,12 +48,10 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* 
     return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DataWriter* {
         auto writer = std::make_unique<DDS_DataWriter>();
         writer->adapter = topic->adapter;
-        writer->maxBlockingTime = std::chrono::seconds(qos->reliability.max_blocking_time.sec) +
-                                  std::chrono::nanoseconds(qos->reliability.max_blocking_time.nanosec);
-        writer->waitSlice = std::min(writer->maxBlockingTime / WAIT_SLICES_MIN, WAIT_SLICE_MAX);
+        writer->wait = zul::boundedWait(qos->reliability.max_blocking_time);
         auto libraryQos = zul::toLibrary(*qos);
         libraryQos.reliability().max_blocking_time =
-            eprosima::fastrtps::Duration_t(0, static_cast<DDS_UnsignedLong>(writer->waitSlice.count()));
+            eprosima::fastrtps::Duration_t(0, static_cast<DDS_UnsignedLong>(writer->wait.slice.count()));
         writer->writer = self->publisher->create_datawriter(topic->topic, libraryQos, writer.get(),
                                                             fast::StatusMask::publication_matched());
         return writer->writer == nullptr ? nullptr
@@ -95,12 +90,7 @@ DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter* self, const void*
     // once, because the library then looks for a sample to remove and finds none: there is room, try again.
     // It waits a slice at a time, so that all tries together stay within the blocking time.
     return zul::callLibrary(__func__, DDS_RETCODE_OUT_OF_RESOURCES, [&] {
-        const auto lastStart = std::chrono::steady_clock::now() + self->maxBlockingTime - self->waitSlice;
-        DDS_ReturnCode_t code = write();
-        while (code == DDS_RETCODE_TIMEOUT && std::chrono::steady_clock::now() < lastStart) {
-            code = write();
-        }
-        return code;
+        return zul::attemptWithin(self->wait, write, std::chrono::steady_clock::now);
     });
 }
 

@@ -1,4 +1,5 @@
 // What participants do to the process they live in, and to each other, with the real library.
+#include "middleware/fastdds/bounded_wait.h"
 #include "remote_config/client.h"
 #include "remote_config/exchange.h"
 #include "tests/middleware/captured_log.h"
@@ -55,6 +56,22 @@ Client connect() {
 using RequestSource = std::pair<DDS_Long, DDS_Long>;
 RequestSource sourceOf(const Client& client) {
     return {client->commandSample->id.host, client->commandSample->id.app};
+}
+
+// The library may wake a write early, as if its time were over: trying again must not start the time afresh.
+TEST(Writers, WaitNoLongerThanTheirBlockingTimeHoweverOftenTheyAreWoken) {
+    using std::chrono::milliseconds;
+    const zul::BoundedWait wait = zul::boundedWait({.sec = 60, .nanosec = 0});
+    for (const milliseconds early : {milliseconds(0), milliseconds(30), milliseconds(99)}) {
+        std::chrono::steady_clock::time_point now;
+        const auto attempt = [&now, &wait, early] {
+            now += wait.slice - early;
+            return DDS_RETCODE_TIMEOUT;
+        };
+        EXPECT_EQ(zul::attemptWithin(wait, attempt, [&now] { return now; }), DDS_RETCODE_TIMEOUT);
+        EXPECT_LE(now.time_since_epoch(), std::chrono::seconds(60));
+        EXPECT_GE(now.time_since_epoch(), std::chrono::seconds(60) - wait.slice);
+    }
 }
 
 TEST(Participants, NoTwoShareARequestSourceAliveOrJustGone) {
