@@ -1,6 +1,7 @@
 // zul-practice-router: options, start, the wait for a signal, and the end of everything in reverse order.
 // Exit status: 0 after a signal, --help or --version; 1 when the router cannot start; 2 for a bad command
 // line.
+#include "middleware/standard_streams.h"
 #include "middleware/version.h"
 #include "practice_router/options.h"
 #include "practice_router/worker.h"
@@ -10,11 +11,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -40,16 +39,6 @@ bool loadStartDocument(PracticeRouter& router, const std::string& file, std::str
     const PracticeAnswer answer = PracticeConfiguration_loadFirst(router.configuration, xml);
     error = (file.empty() ? "the builtin default configuration" : file) + ": " + answer.text;
     return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-}
-
-// A standard stream that is closed must not become the descriptor of a socket or file that log lines would go
-// into.
-void keepStandardStreams() {
-    int descriptor = open("/dev/null", O_RDWR);
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
-        descriptor = open("/dev/null", O_RDWR);
-    }
-    close(descriptor);
 }
 
 // The whole path of an existing directory; empty when it is none.
@@ -97,7 +86,7 @@ int run(const PracticeOptions& options, PracticeRouter& router) {
 } // namespace
 
 int main(int argc, char** argv) {
-    keepStandardStreams();
+    ZULStandardStreams_open();
     PracticeOptions options;
     std::string error;
     if (!PracticeOptions_parse(options, argc, argv, error)) {

@@ -1,5 +1,6 @@
 #include "shell/entry.h"
 
+#include "middleware/standard_streams.h"
 #include "middleware/strings.h"
 #include "product/product_info.h"
 #include "shell/command_line.h"
@@ -31,8 +32,9 @@ bool asksForHelp(const char* argument) {
 } // namespace
 
 int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
+    ZULStandardStreams_open();
     ROUTER_setProductId(productId);
-    // Before anything else, also among option values.
+    // Before any option is looked at, also among option values.
     if (std::any_of(arguments + std::min(argumentCount, 1), arguments + argumentCount, asksForHelp)) {
         ROUTERShellParameterManager_printHelp(ROUTER_getProductInfo()->shellProgramName);
         return EXIT_START_UP;
