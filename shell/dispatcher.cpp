@@ -2,6 +2,7 @@
 
 #include "middleware/semaphore.h"
 #include "middleware/strings.h"
+#include "middleware/terminal_text.h"
 #include "remote_config/entity_commands.h"
 #include "remote_config/exchange.h"
 #include "remote_config/url_commands.h"
@@ -264,7 +265,9 @@ void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteCon
         break;
     case Outcome::ANSWERED: {
         const bool isOk = result.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-        std::printf(isOk ? "Result: %s\n" : "Error: %s\n", result.text != nullptr ? result.text : "(null)");
+        std::printf(isOk ? "Result: " : "Error: ");
+        ZULTerminal_print(stdout, result.text != nullptr ? result.text : "(null)"); // a router's words
+        std::printf("\n");
         break;
     }
     case Outcome::UNANSWERED:
