@@ -80,7 +80,7 @@ Outcome runAddPeer(const Line& line) {
                                                                 isFirst, line.words[4], &line.result));
 }
 
-// The word behind an XML URL says who reads a path: the router (also when it is absent) or the shell.
+// The word after an XML URL says who reads a path: the router (also when it is absent) or the shell.
 bool readRemoteFlag(const Line& line, std::size_t position, bool& isRemote) {
     const bool isLocal = ZULString_equalsIgnoreCase(line.wordOrEmpty(position), "local");
     isRemote = !isLocal;
@@ -118,8 +118,8 @@ Outcome runLoad(const Line& line) {
                         line.words[3]);
 }
 
-// A dupdate's sender returns a success flag, which is deliberately printed as if it were a status: a
-// successful one reads like a file that could not be opened.
+// A dupdate's sender returns a success flag, which is printed as if it were a status: a successful one reads
+// like a file that could not be opened. Scripts rely on it.
 template <auto sender>
 Outcome runUpdate(const Line& line) {
     bool isRemote = true;

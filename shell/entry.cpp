@@ -55,7 +55,7 @@ int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
     if (!ROUTERShell_initialize(shell)) {
         return failed("initialize shell", EXIT_START_UP);
     }
-    // The loop sets the masks again first thing; the order of the two is kept deliberately.
+    // Without effect for long: the loop sets the masks again first thing, and must come second.
     ROUTERLog_setBitmaps(ROUTER_SUBMODULE_REMOTE_CONFIG, 0);
     if (pthread_sigmask(SIG_SETMASK, &previous, nullptr) != 0) {
         return failed("signal handlers", EXIT_SIGNALS);

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t LINE_LENGTH_MAX = 4094;          // characters accepted, line feed included
 constexpr std::int32_t COMMAND_FILE_DELAY_SECONDS = 3; // for routers to be discovered
 constexpr std::uint32_t FAILED_READ_PAUSE_NANOSECONDS = 250'000'000;
-// The context of initialize's messages is its sibling's name, deliberately.
+// The context of initialize's messages is its sibling's name: readers of logs know them by it.
 constexpr const char* CONTEXT = "ROUTERShell_finalize";
 
 void flushOutput() {
