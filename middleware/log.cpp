@@ -1,5 +1,7 @@
 #include "middleware/log.h"
 
+#include "middleware/terminal_text.h"
+
 #include <atomic>
 #include <mutex>
 #include <string>
@@ -49,11 +51,26 @@ void appendFormatted(std::string& line, std::string_view format, std::span<const
     }
 }
 
+// A line may name what the network named: a terminal is to show it and not to obey it.
+std::string shownOnTerminal(std::string_view line) {
+    std::string shown;
+    ZULTerminalEscape escape{};
+    while (!line.empty()) {
+        shown += ZULTerminal_takePiece(line, escape);
+    }
+    return shown;
+}
+
 void writeLine(std::string_view line) {
     const std::lock_guard lock(g_sinkMutex);
     if (g_sink != nullptr) {
         g_sink(g_sinkData, line);
         return;
+    }
+    std::string shown;
+    if (isatty(STDERR_FILENO) != 0) {
+        shown = shownOnTerminal(line);
+        line = shown;
     }
     while (!line.empty()) {
         const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());

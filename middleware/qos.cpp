@@ -5,7 +5,7 @@ const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT{
     .reliability = {DDS_RELIABLE_RELIABILITY_QOS, {0, 100'000'000}},
     .history = {DDS_KEEP_LAST_HISTORY_QOS, 1},
     .resource_limits = {DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED},
-    .rtps_reliable_writer = {32, 256, {0, 20'000'000}},
+    .rtps_reliable_writer = {32, 256, {0, 100'000'000}},
 };
 
 const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT{

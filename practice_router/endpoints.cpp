@@ -13,6 +13,8 @@ constexpr DDS_Long MAX_REQUESTS = 32;   // held by the reader
 constexpr DDS_Long MAX_RESPONSES = 256; // sent but not yet acknowledged
 // How long a response may block on shells that do not acknowledge: a dead one must not hold up the others.
 constexpr DDS_Duration_t WRITE_BLOCKING_TIME{5, 0};
+// A shell that holds 32 responses turns the rest of a burst away, and gets it again with the next heartbeat.
+constexpr DDS_Duration_t HEARTBEAT_PERIOD{0, 20'000'000};
 
 bool failed(std::string& error, const char* step) {
     error = std::string("cannot create the ") + step;
@@ -102,6 +104,7 @@ bool createWriter(PracticeEndpoints& self, DDS_Topic* topic) {
     qos.reliability = {DDS_RELIABLE_RELIABILITY_QOS, WRITE_BLOCKING_TIME};
     qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
     qos.resource_limits.max_samples = MAX_RESPONSES;
+    qos.rtps_reliable_writer.heartbeat_period = HEARTBEAT_PERIOD;
     if (publisher != nullptr) {
         self.responseWriter =
             DDS_Publisher_create_datawriter(publisher, topic, &qos, nullptr, DDS_STATUS_MASK_NONE);

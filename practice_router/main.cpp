@@ -11,11 +11,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -41,16 +39,6 @@ bool loadStartDocument(PracticeRouter& router, const std::string& file, std::str
     const PracticeAnswer answer = PracticeConfiguration_loadFirst(router.configuration, xml);
     error = (file.empty() ? "the builtin default configuration" : file) + ": " + answer.text;
     return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-}
-
-// A standard stream that is closed must not become the descriptor of a socket or file that log lines would go
-// into.
-void keepStandardStreams() {
-    int descriptor = open("/dev/null", O_RDWR);
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
-        descriptor = open("/dev/null", O_RDWR);
-    }
-    close(descriptor);
 }
 
 // The whole path of an existing directory; empty when it is none.
@@ -129,7 +117,6 @@ int start(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    keepStandardStreams();
     ZULProcess_takeOver();
     ZULProcess_exit(start(argc, argv));
 }

@@ -3,7 +3,7 @@
 
 #include "shell/instance.h"
 
-// The arguments are those behind the program name. False, with a log line, for a bad option or a command file
+// The arguments are those after the program name. False, with a log line, for a bad option or a command file
 // that cannot be opened. An opened command file stays open until the process ends.
 bool ROUTERShell_getCommandLineParameters(ROUTERShellInstance* self, int argumentCount,
                                           const char* const* arguments);

@@ -2,6 +2,7 @@
 
 #include "middleware/semaphore.h"
 #include "middleware/strings.h"
+#include "middleware/terminal_text.h"
 #include "remote_config/entity_commands.h"
 #include "remote_config/exchange.h"
 #include "remote_config/url_commands.h"
@@ -79,7 +80,7 @@ Outcome runAddPeer(const Line& line) {
                                                                 isFirst, line.words[4], &line.result));
 }
 
-// The word behind an XML URL says who reads a path: the router (also when it is absent) or the shell.
+// The word after an XML URL says who reads a path: the router (also when it is absent) or the shell.
 bool readRemoteFlag(const Line& line, std::size_t position, bool& isRemote) {
     const bool isLocal = ZULString_equalsIgnoreCase(line.wordOrEmpty(position), "local");
     isRemote = !isLocal;
@@ -117,8 +118,8 @@ Outcome runLoad(const Line& line) {
                         line.words[3]);
 }
 
-// A dupdate's sender returns a success flag, which is deliberately printed as if it were a status: a
-// successful one reads like a file that could not be opened.
+// A dupdate's sender returns a success flag, which is printed as if it were a status: a successful one reads
+// like a file that could not be opened. Scripts rely on it.
 template <auto sender>
 Outcome runUpdate(const Line& line) {
     bool isRemote = true;
@@ -264,7 +265,9 @@ void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteCon
         break;
     case Outcome::ANSWERED: {
         const bool isOk = result.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-        std::printf(isOk ? "Result: %s\n" : "Error: %s\n", result.text != nullptr ? result.text : "(null)");
+        std::printf(isOk ? "Result: " : "Error: ");
+        ZULTerminal_print(stdout, result.text != nullptr ? result.text : "(null)"); // a router's words
+        std::printf("\n");
         break;
     }
     case Outcome::UNANSWERED:

@@ -32,7 +32,7 @@ bool asksForHelp(const char* argument) {
 
 int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
     ROUTER_setProductId(productId);
-    // Before anything else, also among option values.
+    // Before any option is looked at, also among option values.
     if (std::any_of(arguments + std::min(argumentCount, 1), arguments + argumentCount, asksForHelp)) {
         ROUTERShellParameterManager_printHelp(ROUTER_getProductInfo()->shellProgramName);
         return EXIT_START_UP;
@@ -53,7 +53,7 @@ int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
     if (!ROUTERShell_initialize(shell)) {
         return failed("initialize shell", EXIT_START_UP);
     }
-    // The loop sets the masks again first thing; the order of the two is kept deliberately.
+    // Without effect for long: the loop sets the masks again first thing, and must come second.
     ROUTERLog_setBitmaps(ROUTER_SUBMODULE_REMOTE_CONFIG, 0);
     if (pthread_sigmask(SIG_SETMASK, &previous, nullptr) != 0) {
         return failed("signal handlers", EXIT_SIGNALS);

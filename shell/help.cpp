@@ -20,7 +20,7 @@ void ROUTERShell_printHelp() {
                 "update   - Update the configuration of an entity\n"
                 "create   - Create an entity\n"
                 "delete   - Delete an entity\n");
-    // Two blanks after "Get", deliberately.
+    // The two blanks after "Get" are part of the text that scripts compare.
     std::printf("save     - Save %s configuration to file\n"
                 "get      - Get  %s configuration as a string\n"
                 "add_peer - Add discovery peer for domain participant\n"

@@ -9,14 +9,14 @@
 #include "shell/splitter.h"
 
 #include <cstring>
-#include <unistd.h>
+#include <termios.h>
 
 namespace {
 
 constexpr std::size_t LINE_LENGTH_MAX = 4094;          // characters accepted, line feed included
 constexpr std::int32_t COMMAND_FILE_DELAY_SECONDS = 3; // for routers to be discovered
-constexpr std::uint32_t ENDED_INPUT_PAUSE_NANOSECONDS = 250'000'000;
-// The context of initialize's messages is its sibling's name, deliberately.
+constexpr std::uint32_t FAILED_READ_PAUSE_NANOSECONDS = 250'000'000;
+// The context of initialize's messages is its sibling's name: readers of logs know them by it.
 constexpr const char* CONTEXT = "ROUTERShell_finalize";
 
 void flushOutput() {
@@ -24,10 +24,19 @@ void flushOutput() {
     std::clearerr(stdout); // output that is full or closed now may work again later
 }
 
-// Standard input that has ended for good would run its last command in a tight loop: pace it.
+// Whether end of input is a key that somebody typed: a terminal that reads line by line, and not hung up.
+bool isTyped(std::FILE* input) {
+    termios settings{};
+    return tcgetattr(fileno(input), &settings) == 0 && (settings.c_lflag & ICANON) != 0;
+}
+
+// Each failed read of standard input runs the last command again. One that was brought about, by a signal or
+// a key, does so once; all others may fail again at once, and for good: pace them.
 void pauseAfterFailedRead(ROUTERShellReadStatus status, std::FILE* input) {
-    if (status == ROUTER_SHELL_READ_END && isatty(fileno(input)) == 0) {
-        ZULSleep(0, ENDED_INPUT_PAUSE_NANOSECONDS);
+    const bool isBroughtAbout =
+        status == ROUTER_SHELL_READ_INTERRUPTED || (status == ROUTER_SHELL_READ_END && isTyped(input));
+    if (!isBroughtAbout) {
+        ZULSleep(0, FAILED_READ_PAUSE_NANOSECONDS);
     }
 }
 
@@ -49,7 +58,7 @@ bool ROUTERShell_initialize(ROUTERShellInstance* self) {
 
 void ROUTERShell_main(ROUTERShellInstance* self) {
     const bool isCommandFile = self->input != stdin;
-    ROUTERShellLineReader reader{.input = self->input, .pendingLength = 0, .pending = {}};
+    ROUTERShellLineReader reader{.input = self->input};
     char line[ROUTER_SHELL_LINE_SIZE] = "";
     char* words[ROUTER_SHELL_MAX_WORDS];
     int wordCount = 0;
@@ -63,12 +72,12 @@ void ROUTERShell_main(ROUTERShellInstance* self) {
         std::printf("%s> ", ROUTER_getProductInfo()->productName);
         flushOutput();
         const ROUTERShellReadStatus status = ROUTERShellLineReader_read(&reader, line);
-        if (status == ROUTER_SHELL_READ_END && isCommandFile) {
-            break;
-        }
         if (status != ROUTER_SHELL_READ_LINE) {
+            if (isCommandFile) {
+                break;
+            }
             // The buffer stays as the last line's splitting left it, so its first word runs again by itself:
-            // deliberate.
+            // the shell has always answered end of input and signals this way, and never ends by them.
             pauseAfterFailedRead(status, self->input);
         }
         if (line[0] == '\0' || line[0] == '\n') {

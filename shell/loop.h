@@ -6,6 +6,7 @@
 
 // The instance holds the command line's values. False, with a log line, when there is no connection.
 bool ROUTERShell_initialize(ROUTERShellInstance* self);
-// Runs until the end flag is set: by an exit command, or at the end of a command file.
+// Runs until the end flag is set: by an exit command, or where a command file cannot be read on: at its end,
+// after an error, and when a signal interrupts the read.
 void ROUTERShell_main(ROUTERShellInstance* self);
 bool ROUTERShell_finalize(ROUTERShellInstance* self);

@@ -46,7 +46,7 @@ struct ROUTERShellParameterValue {
     std::int32_t number;
 };
 
-// Null, with a log line, on failure. The arguments are those behind the program name.
+// Null, with a log line, on failure. The arguments are those after the program name.
 ROUTERShellParameterManager* ROUTERShellParameterManager_new(int argumentCount, const char* const* arguments);
 bool ROUTERShellParameterManager_initialize(ROUTERShellParameterManager* self, int argumentCount,
                                             const char* const* arguments);

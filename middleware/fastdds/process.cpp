@@ -1,6 +1,7 @@
 #include "middleware/process.h"
 
 #include "middleware/fastdds/library_call.h"
+#include "middleware/standard_streams.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,6 +28,7 @@ public:
 } // namespace
 
 void ZULProcess_takeOver() {
+    ZULStandardStreams_open();
     // Without its thread the library's log keeps its lines: no failure of the program.
     zul::createInLibrary(__func__, false, [] {
         Log::ClearConsumers();

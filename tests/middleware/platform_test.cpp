@@ -1,8 +1,9 @@
-// Semaphores, strings, the log, the property policy, the version text.
+// Semaphores, strings, the log, text on a terminal, the property policy, the version text.
 #include "middleware/heap.h"
 #include "middleware/qos.h"
 #include "middleware/semaphore.h"
 #include "middleware/strings.h"
+#include "middleware/terminal_text.h"
 #include "middleware/version.h"
 #include "tests/middleware/captured_log.h"
 
@@ -120,6 +121,30 @@ TEST(Log, FillsTemplatesAndKeepsToItsMask) {
         }
     }
     ZULLog_setMiddlewareMask(ZUL_LOG_LEVEL_ERROR);
+}
+
+TEST(TerminalText, ShowsWhatATerminalWouldObey) {
+    for (const auto& [text, shown] : {
+             std::pair<std::string_view, const char*>{"a\tb ~\n", "a\tb ~\n"},
+             {"\r\x1b[2J\x7f", "\\x0d\\x1b[2J\\x7f"},
+             {{"\0x", 2}, "\\x00x"},
+             {"\xc2\x9b[m\xc2\x80\xc2\x9f", "\\xc2\\x9b[m\\xc2\\x80\\xc2\\x9f"}, // C1
+             {"\xc2\xa0\xc3\xa9\xdf\xbf", "\xc2\xa0\xc3\xa9\xdf\xbf"},
+             {"\xe0\xa0\x80\xef\xbf\xbf\xf0\x90\x80\x80\xf4\x8f\xbf\xbf",
+              "\xe0\xa0\x80\xef\xbf\xbf\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"},
+             // Too long a form, a surrogate, beyond Unicode, cut, no beginning.
+             {"\xc1\x9b \xe0\x82\x9b", "\\xc1\\x9b \\xe0\\x82\\x9b"},
+             {"\xed\xa0\x80 \xf4\x90\x80\x80", "\\xed\\xa0\\x80 \\xf4\\x90\\x80\\x80"},
+             {"\xc3 \xe2\x82", "\\xc3 \\xe2\\x82"},
+             {"\x9b\xff\xf8", "\\x9b\\xff\\xf8"},
+         }) {
+        std::string all;
+        ZULTerminalEscape escape{};
+        for (std::string_view rest = text; !rest.empty();) {
+            all += ZULTerminal_takePiece(rest, escape);
+        }
+        EXPECT_EQ(all, shown);
+    }
 }
 
 TEST(Properties, AreAddedReplacedAndLimited) {

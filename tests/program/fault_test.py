@@ -9,32 +9,22 @@ import tempfile
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import Router, Shell  # noqa: E402
-
-DOMAIN = 24
+from processes import Router, SessionTest, Shell  # noqa: E402
 
 
-class Faults(unittest.TestCase):
-    def shell(self, router, *options):
-        """A shell that the router has discovered, ended with the test."""
-        shell = self.enterContext(Shell(DOMAIN, *options))
-        shell.prompt()
-        shell.connect(router)
-        return shell
-
-    def router(self, name="r1", *options):
-        return self.enterContext(Router(DOMAIN, name, *options))
+class Faults(SessionTest):
+    domain = 24
 
     def test_answers_that_belong_to_no_request(self):
         for number, fault in enumerate((["--wrong-invocation"], ["--duplicate"], ["--garbage", "2500"])):
             name = f"r{number}"
-            shell = self.shell(self.router(name, *fault), "-timeout", "60")
+            shell = self.shell("-timeout", "60", router=self.router(name, *fault))
             for _ in range(2):
                 self.assertRegex(shell.run(f"disable {name} DefaultDomainRoute"), r"\AResult: disabled .*\n\Z", fault)
                 self.assertRegex(shell.run(f"enable {name} DefaultDomainRoute"), r"\AResult: enabled .*\n\Z", fault)
 
     def test_many_parts_under_a_storm_of_signals(self):
-        shell = self.shell(self.router("r1", "--parts", "100"), "-timeout", "20")
+        shell = self.shell("-timeout", "20", router=self.router("r1", "--parts", "100"))
         whole = shell.run("get r1")
         self.assertIn("</dds>", whole)
         shell.send("get r1\n")
@@ -49,8 +39,7 @@ class Faults(unittest.TestCase):
 
     def test_late_answer_is_not_credited_to_the_next_command(self):
         router = self.router("r1", "--delay-ms", "1500")
-        shell = self.enterContext(Shell(DOMAIN, "-timeout", "1"))
-        shell.prompt()
+        shell = self.shell("-timeout", "1")
         while "DISABLE" not in router.output:
             self.assertEqual(shell.run("disable r1 DefaultDomainRoute"), "No response received\n")
             router.read(0.05)
@@ -59,23 +48,21 @@ class Faults(unittest.TestCase):
 
     def test_router_killed_between_request_and_answer(self):
         other = self.router("other")
-        shell = self.shell(other, "-timeout", "3")
-        with Router(DOMAIN, "victim", "--delay-ms", "60000") as victim:
-            while "ANNOUNCE" not in victim.output:
-                shell.run("hello")
-                victim.read(0.05)
+        shell = self.shell("-timeout", "3", router=other)
+        with Router(self.domain, "victim", "--delay-ms", "60000") as victim:
+            shell.announce(victim)
             shell.send("enable victim\n")
         self.assertEqual(shell.prompt(), "No response received\n")
         self.assertRegex(shell.run("get other"), r"\AResult: <dds>")
 
     def test_router_killed_in_the_middle_of_an_upload(self):
         other = self.router("other")
-        shell = self.shell(other, "-timeout", "3")
+        shell = self.shell("-timeout", "3", router=other)
         with tempfile.TemporaryDirectory() as directory:
             fifo = os.path.join(directory, "document.xml")
             os.mkfifo(fifo)
             source = os.open(fifo, os.O_RDWR)  # a writer that is there from the beginning
-            with Router(DOMAIN, "victim") as victim:
+            with Router(self.domain, "victim") as victim:
                 shell.connect(victim)
                 shell.send(f"load victim Plant {fifo} local\n")
                 os.write(source, b" " * 40000)
@@ -95,7 +82,7 @@ class Faults(unittest.TestCase):
 
     def test_two_routers_with_one_name_and_one_that_comes_late(self):
         self.router()
-        shell = self.shell(self.router(), "-timeout", "10")
+        shell = self.shell("-timeout", "10", router=self.router())
         for _ in range(5):
             answer = shell.run("get r1")
             self.assertEqual((answer.count("Result: "), answer.count("</dds>")), (1, 1))

@@ -8,115 +8,121 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import SIGNALS, Program, Router, Shell  # noqa: E402
+from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, Program, SessionTest, Shell  # noqa: E402
 
-DOMAIN = 22
 ENABLE_SYNTAX = "Command syntax: enable <target_router> [<entity_name>]\n"
 GET_SYNTAX = "Command syntax: get <target_router>\n"
 
 
-class Terminal(unittest.TestCase):
+def go_to_the_background():
+    """Makes a process group that is gone already the terminal's: reads then fail at once with EIO."""
+    signal.signal(signal.SIGTTOU, signal.SIG_IGN)
+    child = os.fork()
+    if child == 0:
+        signal.pause()
+    os.setpgid(child, child)
+    os.tcsetpgrp(0, child)
+    os.kill(child, signal.SIGKILL)
+    os.waitpid(child, 0)
+
+
+class Terminal(SessionTest):
+    domain = 22
+
     def test_commands_control_d_and_exit(self):
-        with Router(DOMAIN) as router, Shell(DOMAIN, "-timeout", "3", terminal=True) as shell:
-            self.assertIn(f"Domain id {DOMAIN}, timeout 3\n", shell.prompt())
-            shell.connect(router)
-            self.assertRegex(shell.run("DISABLE r1 DefaultDomainRoute"), r"\AResult: .+\n\Z")
-            router.expect(r"DISABLE[^\n]*DefaultDomainRoute")
-            self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
-            self.assertEqual(shell.run(""), "")
-            self.assertRegex(shell.run("enable r1 nobody"), r"\AError: .*nobody.*\n\Z")
-            # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
-            for _ in range(2):
-                shell.send(b"\x04")
-                self.assertEqual(shell.prompt(), ENABLE_SYNTAX)
-            shell.send("exit\n")
-            status, output = shell.wait()
-            self.assertEqual((status, output), (0, "exit\nStopping...\n"))
+        router = self.router()
+        shell = self.shell("-timeout", "3", router=router, terminal=True)
+        self.assertIn("Domain id 22, timeout 3\n", self.banner)
+        self.assertRegex(shell.run("DISABLE r1 DefaultDomainRoute"), r"\AResult: .+\n\Z")
+        router.expect(r"DISABLE[^\n]*DefaultDomainRoute")
+        self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
+        self.assertEqual(shell.run(""), "")
+        # What a router sends is shown, not obeyed.
+        self.assertRegex(shell.run('enable r1 "\x1b[7m\u00e9"'), r"\nError: [^\x1b]*\\x1b\[7m\u00e9[^\x1b]*\n\Z")
+        # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
+        begin = time.monotonic()
+        for _ in range(8):
+            shell.send(b"\x04")
+            self.assertEqual(shell.prompt(), ENABLE_SYNTAX)
+        self.assertLess(time.monotonic() - begin, 8 * 0.25)
+        self.assertEqual(shell.exit(), (0, "exit\nStopping...\n"))
 
     def test_control_c_at_the_prompt_while_waiting_and_while_sleeping(self):
-        with Router(DOMAIN, "r1", "--silent") as router, Shell(
-                DOMAIN, "-timeout", "2147483647", terminal=True) as shell:
-            shell.prompt()
-            while "ANNOUNCE" not in router.output:  # until the router has discovered the shell
-                self.assertEqual(shell.run("hello"), "")
-                router.read(0.1)
-            self.assertEqual(shell.run("get"), GET_SYNTAX)
-            self.assertEqual(shell.interrupt_until("ZUL Routing Service> ").replace("^C", ""), "\n" + GET_SYNTAX)
-            shell.send("get r1\n")
-            router.expect("GET")
-            self.assertEqual(shell.interrupt_until("ZUL Routing Service> ").replace("^C", ""),
-                             "get r1\n\nResult: (null)\n")
-            for command in ("sleep 1000", "sleep"):
-                shell.send(command + "\n")
-                shell.wait_until_sleeping()
-                self.assertEqual(shell.interrupt_until("ZUL Routing Service> ").replace("^C", ""), command + "\n\n")
-            shell.send("exit\n")
-            shell.expect(r"Stopping\.\.\.\n")
-            self.assertEqual(shell.wait()[0], 0)
+        router = self.router("r1", "--silent")
+        shell = self.shell("-timeout", "2147483647", terminal=True)
+
+        def interrupted():
+            return shell.interrupt_until(Shell.PROMPT).replace("^C", "")
+
+        shell.announce(router)
+        self.assertEqual(shell.run("get"), GET_SYNTAX)
+        self.assertEqual(interrupted(), "\n" + GET_SYNTAX)
+        shell.send("get r1\n")
+        router.expect("GET")
+        self.assertEqual(interrupted(), "get r1\n\nResult: (null)\n")
+        for command in ("sleep 1000", "sleep"):
+            shell.send(command + "\n")
+            shell.wait_until_in(CLOCK_NANOSLEEP)
+            self.assertEqual(interrupted(), command + "\n\n")
+        shell.send("exit\n")
+        shell.expect(r"Stopping\.\.\.\n")
+        self.assertEqual(shell.wait()[0], 0)
 
 
-class Pipe(unittest.TestCase):
+class Input(SessionTest):
+    domain = 23
+
     def test_no_signal_ends_the_shell(self):
-        with Program("zulrssh", "-domainId", DOMAIN) as shell:
-            shell.expect("> ")
-            for number in SIGNALS:
-                # One that arrives before the read has begun does not interrupt it: repeat until it does.
-                shell.signal_until(number, "\n.*> ")
-            shell.send("exit\n")
-            self.assertEqual(shell.wait()[0], 0)
+        shell = self.shell()
+        for number in SIGNALS:
+            # One that arrives before the read has begun does not interrupt it: repeat until it does.
+            shell.signal_until(number, "\n.*> ")
+        self.assertEqual(shell.exit()[0], 0)
 
     def test_an_ignored_signal_stays_ignored(self):
-        def ignore():
-            signal.signal(signal.SIGINT, signal.SIG_IGN)
-
-        with Program("zulrssh", "-domainId", DOMAIN, preexec=ignore) as shell:
-            shell.expect("> ")
-            shell.signal(signal.SIGINT)
-            shell.send("foo\n")
-            self.assertEqual(shell.expect("> ")[0], "Unknown command: foo\nZUL Routing Service")
-            shell.send("exit\n")
-            self.assertEqual(shell.wait()[0], 0)
+        shell = self.shell(preexec=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
+        shell.signal(signal.SIGINT)
+        self.assertEqual(shell.run("foo"), "Unknown command: foo\n")
 
     def test_lines_of_every_kind(self):
         long_word = "x" * 4092
-        cases = [
+        shell = self.shell("-timeout", "0")
+        for line, expected in (
             ("\n", ""),
             (" \t \r\n", ""),
-            ("foo\r\n", "Unknown command: foo\n"),
             ("foo\x00bar\n", "Unknown command: foo\n"),
-            (b"f\xc3\xa9 x\n", "Unknown command: f\n"),
-            ('enable "\n', "No response received\n"),
-            ("enable\n", ENABLE_SYNTAX),
-            ("unload r1 extra\n", "Command syntax: unload <target_router>\n"),
-            ("hello\nhistory\nclear\n", ""),
             (long_word + "y\n", f"Unknown command: {long_word}y\n"),
             (long_word + "yz\n", "Line too long\n"),
-            ("w " * 2000 + "\n", "Unknown command: w\n"),
-            ("enable " + "r" * 255 + "\n", "No response received\n"),  # refused before it is sent
-            ("load " + "r" * 255 + " c f\n", "Error: target router name too long\n"),
-        ]
-        with Shell(23, "-timeout", "0") as shell:
-            shell.prompt()
-            for line, expected in cases:
-                shell.send(line)
-                text = line if isinstance(line, str) else line.decode()
-                printed = "".join(shell.prompt() for _ in range(text.count("\n")))
-                self.assertEqual(printed, expected, text[:40])
-            # A line of a megabyte comes in pieces, each too long; the shell survives it.
-            shell.send("z" * (1 << 20) + "\nexit\n")
-            shell.expect(r"Stopping\.\.\.\n")
-            self.assertEqual(shell.wait()[0], 0)
+        ):
+            shell.send(line)
+            self.assertEqual(shell.prompt(), expected, line[:40])
+        # A line of a megabyte comes in pieces, each too long; the shell survives it.
+        shell.send("z" * (1 << 20) + "\nexit\n")
+        shell.expect(r"Stopping\.\.\.\n")
+        self.assertEqual(shell.wait()[0], 0)
 
-    def test_ended_input_repeats_the_first_word_at_a_pace(self):
-        with Shell(23, "-timeout", "0") as shell:
-            shell.prompt()
-            shell.send("get r1\n")
-            shell.process.stdin.close()
-            self.assertEqual(shell.prompt(), "No response received\n")
+    def test_reads_that_fail_at_once_are_paced(self):
+        def at_a_pace(shell, repeated):
             begin = time.monotonic()
             for _ in range(5):
-                self.assertEqual(shell.prompt(), GET_SYNTAX)
+                self.assertEqual(shell.prompt(), repeated)
             self.assertGreater(time.monotonic() - begin, 4 * 0.25)
+
+        shell = self.shell("-timeout", "0")
+        shell.send("get r1\n")
+        shell.process.stdin.close()
+        self.assertEqual(shell.prompt(), "No response received\n")
+        at_a_pace(shell, GET_SYNTAX)
+        at_a_pace(self.shell(terminal=True, preexec=go_to_the_background), "")
+
+    def test_input_that_is_not_there_yet_is_waited_for(self):
+        for terminal, unfinished in ((False, b"fo"), (True, b"fo\x04")):
+            shell = self.shell(terminal=terminal, preexec=lambda: os.set_blocking(0, False))
+            shell.send(unfinished)
+            shell.wait_until_in(POLL)
+            self.assertTrue(shell.run("o").endswith("Unknown command: foo\n"))
+            # A signal interrupts the wait as it does a read.
+            self.assertIn("\nUnknown command: foo\n", shell.signal_until(signal.SIGINT, Shell.PROMPT))
 
     def test_output_that_is_full_or_closed(self):
         for device in ("/dev/full", None):
@@ -131,21 +137,32 @@ class Pipe(unittest.TestCase):
                 self.assertEqual(shell.process.wait(20), 0, device)
 
 
-class CommandFile(unittest.TestCase):
+class CommandFile(SessionTest):
+    domain = 22
+
     def test_runs_to_its_end_with_echo_and_stops(self):
-        with tempfile.NamedTemporaryFile("w", suffix=".cmd") as commands, Router(DOMAIN):
-            commands.write('enable\n\nget r1  \n"get" nobody')
+        self.router()
+        with tempfile.NamedTemporaryFile("w", suffix=".cmd") as commands:
+            commands.write('enable\n\nget r1  \nenable r1 "\x1b[7m"\n"get" nobody')
             commands.flush()
-            with Shell(DOMAIN, "-timeout", "2", "-cmdFile", commands.name) as shell:
+            with Shell(self.domain, "-timeout", "2", "-cmdFile", commands.name) as shell:
                 status, output = shell.wait()
-            self.assertEqual(status, 0)
-            prompt = Shell.PROMPT
-            self.assertTrue(
-                output.startswith(f"Domain id {DOMAIN}, timeout 2\n{prompt}enable \n{ENABLE_SYNTAX}{prompt}{prompt}"
-                                  "get r1 \nResult: <dds>"), output[:400])
-            self.assertTrue(
-                output.endswith(f"</dds>\n\n{prompt}get nobody \nNo response received\n{prompt}Stopping...\n"),
-                output[-300:])
+        self.assertEqual(status, 0)
+        prompt = Shell.PROMPT
+        self.assertTrue(
+            output.startswith(f"Domain id 22, timeout 2\n{prompt}enable \n{ENABLE_SYNTAX}{prompt}{prompt}"
+                              "get r1 \nResult: <dds>"), output[:400])
+        # Not on a terminal, a router's bytes are printed as they are.
+        self.assertRegex(output, r"</dds>\n\n[^\n]*> enable r1 \x1b\[7m \nError: [^\n]*\x1b\[7m[^\n]*\n")
+        self.assertTrue(output.endswith(f"{prompt}get nobody \nNo response received\n{prompt}Stopping...\n"),
+                        output[-300:])
+
+    def test_a_signal_that_interrupts_its_read_ends_it(self):
+        shell = self.shell("-cmdFile", "/dev/stdin")
+        self.assertEqual(shell.run("foo"), "foo \nUnknown command: foo\n")
+        shell.send("get")
+        self.assertEqual(shell.signal_until(signal.SIGTERM, r"Stopping\.\.\.\n").strip("\n"), "")
+        self.assertEqual(shell.wait()[0], 0)
 
 
 if __name__ == "__main__":

@@ -1,12 +1,14 @@
 """Start-up: help, options, and what is printed and returned when the shell cannot start."""
 
 import os
+import pty
+import subprocess
 import sys
 import tempfile
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import Program, Shell  # noqa: E402
+from processes import BIN, CLOCK_NANOSLEEP, Program, Router, Shell  # noqa: E402
 
 HELP = """ZUL {0} Service Shell 5.1a
 Usage: {1} [options]...
@@ -49,6 +51,13 @@ class Start(unittest.TestCase):
             self.assertIn(f"bad command-line parameter {named}\n", log, arguments)
             self.assertIn("ERROR [main] failure: get command-line parameters\n", log)
 
+    def test_a_terminal_shows_control_characters_in_log_lines(self):
+        terminal, slave = pty.openpty()
+        subprocess.run([os.path.join(BIN, "zulrssh"), "-\x1b[7m"], stderr=slave, check=False)
+        self.assertIn(b"parameter '\\x1b[7m'", os.read(terminal, 4096))
+        os.close(slave)
+        os.close(terminal)
+
     def test_what_cannot_be_opened_or_joined(self):
         missing = os.path.join(tempfile.gettempdir(), "no-such-command-file")
         status, output, log = run("zulrssh", "-cmdFile", missing)
@@ -73,13 +82,21 @@ class Start(unittest.TestCase):
                 shell.send("exit\n")
                 self.assertEqual(shell.wait(), (0, "Stopping...\n"))
 
+    def test_a_closed_standard_descriptor_does_not_become_a_socket(self):
+        for number in range(3):
+            with Shell(21, preexec=lambda: os.close(number)) as shell:
+                if number > 0:
+                    shell.send("sleep 1000\n")
+                shell.wait_until_in(CLOCK_NANOSLEEP)  # also between the reads of an input that has ended
+                self.assertEqual(os.readlink(f"/proc/{shell.process.pid}/fd/{number}"), os.devnull)
+        with Router(21, preexec=lambda: os.close(0)) as router:
+            self.assertEqual(os.readlink(f"/proc/{router.process.pid}/fd/0"), os.devnull)
+
     def test_federation_shell(self):
         with Shell(21, program="zulfssh") as shell:
-            shell.expect(r"ZUL Federation Service> ")
-            shell.send("help\nq\n")
-            before, _ = shell.expect(r"Stopping\.\.\.\n")
-            self.assertIn("load     - Load ZUL Federation Service XML configuration\n", before)
-            self.assertEqual(shell.wait()[0], 0)
+            shell.prompt()
+            self.assertIn("load     - Load ZUL Federation Service XML configuration\n", shell.run("help"))
+            self.assertEqual(shell.exit(), (0, "Stopping...\n"))
 
 
 if __name__ == "__main__":

@@ -12,16 +12,18 @@ import signal
 import subprocess
 import termios
 import time
+import unittest
 
 BIN = os.environ.get("ZUL_BIN", "build/bin")
 DEADLINE_SECONDS = 30
-CLOCK_NANOSLEEP = {"x86_64": "230", "aarch64": "115"}.get(os.uname().machine, "230")  # system call
+# System calls.
+CLOCK_NANOSLEEP, POLL = {"aarch64": ("115", "73")}.get(os.uname().machine, ("230", "7"))
 
 
 class Program:
-    """A running program. `expect` consumes its output up to a match."""
+    """A running program. `expect` consumes its output up to a match. `preexec` runs in the new process."""
 
-    def __init__(self, *arguments, terminal=False, env=None, stdout=None, preexec=None):
+    def __init__(self, *arguments, terminal=False, env=None, stdout=None, preexec=lambda: None):
         environment = dict(os.environ, **(env or {}))
         arguments = [os.path.join(BIN, arguments[0]), *map(str, arguments[1:])]
         self.output = ""  # not yet consumed
@@ -33,7 +35,7 @@ class Program:
             self.write_end = self.read_end
             self.process = subprocess.Popen(
                 arguments, stdin=slave, stdout=slave, stderr=error_write, env=environment,
-                start_new_session=True, preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+                start_new_session=True, preexec_fn=lambda: (fcntl.ioctl(0, termios.TIOCSCTTY, 0), preexec()))
             os.close(slave)
         else:
             self.process = subprocess.Popen(
@@ -106,14 +108,14 @@ class Program:
                 self.output += data.replace("\r\n", "\n")
         return alive
 
-    def wait_until_sleeping(self):
-        """Waits until the program's main thread sleeps on a clock."""
+    def wait_until_in(self, system_call):
+        """Waits until the program's main thread is in that system call."""
         end = time.monotonic() + DEADLINE_SECONDS
         while time.monotonic() < end:
             with open(f"/proc/{self.process.pid}/syscall", encoding="ascii") as state:
-                if state.read().split()[0] == CLOCK_NANOSLEEP:
+                if state.read().split()[0] == system_call:
                     return
-        raise AssertionError("it never slept")
+        raise AssertionError(f"it was never seen in system call {system_call}")
 
     def expect(self, pattern, seconds=DEADLINE_SECONDS):
         """Waits for a match of the regular expression; returns the text before it and the match."""
@@ -150,8 +152,8 @@ class Program:
 class Router(Program):
     """A practice router, ready when constructed."""
 
-    def __init__(self, domain, name="r1", *options):
-        super().__init__("zul-practice-router", "--domain", domain, "--name", name, *options)
+    def __init__(self, domain, name="r1", *options, **keywords):
+        super().__init__("zul-practice-router", "--domain", domain, "--name", name, *options, **keywords)
         self.name = name
         self.expect(r"ready: [^\n]*\n")
 
@@ -161,6 +163,8 @@ class Shell(Program):
 
     def __init__(self, domain, *options, program="zulrssh", **keywords):
         super().__init__(program, "-domainId", domain, *options, **keywords)
+        if program == "zulfssh":
+            self.PROMPT = "ZUL Federation Service> "
 
     def prompt(self):
         """Waits for the next prompt; returns what came before it."""
@@ -174,11 +178,20 @@ class Shell(Program):
             printed = printed[len(command) + 1:]  # the terminal's echo
         return printed
 
-    def connect(self, router):
-        """Waits until router and shell have discovered each other, in both directions."""
+    def exit(self):
+        """Ends the shell by its command; returns exit status and the rest of the output."""
+        self.send("exit\n")
+        return self.wait()
+
+    def announce(self, router):
+        """Says hello until the router hears it."""
         while "ANNOUNCE" not in router.output:
             self.run("hello")
             router.read(0.05)
+
+    def connect(self, router):
+        """Waits until router and shell have discovered each other, in both directions."""
+        self.announce(router)
         for _ in range(5):
             self.send(f"enable {router.name} NoSuchEntity\n")
             try:
@@ -188,6 +201,23 @@ class Shell(Program):
                 self.signal_until(signal.SIGINT, re.escape(self.PROMPT))
                 self.run("foo")
         raise AssertionError(f"{router.name} never answered")
+
+
+class SessionTest(unittest.TestCase):
+    """Starts what a test needs, in the domain of its class, and ends it with the test."""
+
+    domain = 0
+
+    def router(self, name="r1", *options):
+        return self.enterContext(Router(self.domain, name, *options))
+
+    def shell(self, *options, router=None, **keywords):
+        """A shell at its prompt, which the router has discovered."""
+        shell = self.enterContext(Shell(self.domain, *options, **keywords))
+        self.banner = shell.prompt()
+        if router:
+            shell.connect(router)
+        return shell
 
 
 SIGNALS = (signal.SIGTERM, signal.SIGHUP, signal.SIGINT, signal.SIGABRT, signal.SIGPIPE)

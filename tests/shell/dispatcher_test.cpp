@@ -1,0 +1,162 @@
+// Commands, the requests they send, and what they print.
+#include "shell/dispatcher.h"
+#include "shell/splitter.h"
+#include "tests/remote_config/client_fixture.h"
+
+namespace {
+
+constexpr const char* SILENCE = "No response received\n";
+
+class Dispatcher : public testing::Test {
+protected:
+    void SetUp() override {
+        fake_dds::reset();
+        ASSERT_TRUE(ROUTERRemoteConfigClient_initialize(&shell.client, 7, ZUL_TIME_FOREVER_SEC));
+    }
+    void TearDown() override { EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&shell.client)); }
+
+    // Runs a line whose requests are answered with the kind and the message.
+    std::string run(std::string line, DDS_Long kind = 0, const std::string& message = "done") {
+        fake_dds::forget();
+        fake_dds::setHooks({.onWrite = [kind, message](const fake_dds::Request& request) {
+            fake_dds::deliver({{.id = request.id, .kind = kind, .message = message}});
+        }});
+        char* words[ROUTER_SHELL_MAX_WORDS];
+        int count = 0;
+        ROUTERShell_createArgv(line.data(), words, &count);
+        testing::internal::CaptureStdout();
+        ROUTERShell_parseCommand(&shell, words, count);
+        return testing::internal::GetCapturedStdout();
+    }
+    // What was written: kind, target, name and the rest of each request.
+    static Lines requests() {
+        Lines all;
+        for (const auto& request : fake_dds::world().written) {
+            const auto& [kind, branch] = request->command;
+            std::string text = std::to_string(kind) + " " + request->target_router;
+            if (kind == 1 || kind == 4 || kind == 10) {
+                text +=
+                    " '" + std::string(branch.entity_desc.name) + "' " + branch.entity_desc.xml_url.content;
+            } else if (kind == 14) {
+                text += " '" + std::string(branch.peer_desc.domain_route_name) + "' p" +
+                        (branch.peer_desc.is_first_participant != 0 ? "1 " : "2 ") +
+                        ZULSequence::at(branch.peer_desc.peer_list, 0);
+            } else if (kind == 11 || (kind >= 5 && kind <= 8)) {
+                text += " '" + std::string(branch.entity_name) + "'";
+            }
+            all.push_back(text);
+        }
+        return all;
+    }
+    ROUTERShellInstance shell{};
+    LogCapture log;
+};
+
+TEST_F(Dispatcher, SendsOneRequestAndPrintsItsAnswer) {
+    const std::pair<const char*, Lines> cases[] = {
+        {"ENABLE r1", {"7 r1 ''"}},
+        {"disable r1 Dr1::S extra words", {"8 r1 'Dr1::S'"}},
+        {"Pause r1", {"5 r1 ''"}},
+        {"resume r1 dr1", {"6 r1 'dr1'"}},
+        {"delete r1 dr1", {"11 r1 'dr1'"}},
+        {"unload r1", {"2 r1"}},
+        {"save r1 extra", {"12 r1"}},
+        {"get r1 extra", {"13 r1"}},
+        {"update r1 . file.xml", {"4 r1 '' file://file.xml"}},
+        {"update r1 file.xml", {"4 r1 '' file://file.xml"}},
+        {"update r1 .. file.xml REMOTE extra", {"4 r1 '..' file://file.xml"}},
+        {"update r1 dr1 str://x local", {"4 r1 'dr1' str://x local"}},
+        {"load r1 cfg file.xml", {"1 r1 'cfg' file://file.xml"}},
+        {"load r1 cfg file:///dev/null LOCAL", {"1 r1 'cfg' str://\"\""}},
+        {"create r1 domain_route x.xml remote", {"10 r1 '' file://x.xml"}},
+        {"create r1 Session dr1 x.xml Remote", {"10 r1 'dr1' file://x.xml"}},
+        {"create r1 topic_route dr1::s x.xml", {"10 r1 'dr1::s' file://x.xml"}},
+        {"create r1 auto_route dr1::s /dev/null local", {"10 r1 'dr1::s' str://\"\""}},
+        {"add_peer r1 dr1 P1 a,b extra", {"14 r1 'dr1' p1 a"}},
+        {"add_peer r1 dr1 p2 a", {"14 r1 'dr1' p2 a"}},
+    };
+    for (const auto& [line, expected] : cases) {
+        EXPECT_EQ(run(line), "Result: done\n") << line;
+        EXPECT_EQ(requests(), expected) << line;
+        EXPECT_EQ(run(line, 3, ""), "Error: (null)\n") << line; // every kind but 0
+        fake_dds::fail("write", 1);
+        const bool hasStatus = *line == 'l' || std::string_view(line).starts_with("update");
+        EXPECT_EQ(run(line), std::string(hasStatus ? "Error sending request\n" : "") + SILENCE) << line;
+    }
+}
+
+TEST_F(Dispatcher, PrintsWhyItSendsNothing) {
+    const std::string update =
+        "Command syntax: update <target_router> [<entity_name>] <xml_url> [remote|local]\n";
+    const std::string load = "Command syntax: load <target_router> <cfg_name> <xml_url> [remote|local]\n";
+    const std::string create =
+        "Command syntax: create <target_router> domain_route|session|topic_route|auto_route "
+        "[<parent_entity_name>] <xml_url> [remote|local]\n";
+    const std::string peer =
+        "Command syntax: add_peer <target_router> <domain_route_name> p1|p2 <peer_list>\n";
+    const std::string missing = "Can't open local file /no/file\n" + std::string(SILENCE);
+    const std::string unreadable = "Error reading local file\n" + std::string(SILENCE);
+    std::vector<std::pair<std::string, std::string>> cases = {
+        {"unload r1 extra", "Command syntax: unload <target_router>\n"},
+        {"update r1", update},
+        {"dupdate r1", update},
+        {"update r1 x.xml remote here", update},
+        {"dupdate r1 . x.xml here", update},
+        {"load r1 cfg", load},
+        {"load r1 cfg file.xml elsewhere", load},
+        {"create r1", create},
+        {"create r1 session dr1", create},
+        {"create r1 domain_route", create},
+        {"create r1 domain_route x.xml here", create},
+        {"create r1 participant dr1 x.xml", create},
+        {"add_peer r1 dr1 p1", peer},
+        {"add_peer r1 dr1 p3 list", peer},
+        {"load r1 cfg /no/file LOCAL", missing},
+        {"update r1 . file:///no/file local",
+         "Can't open local file file:///no/file\n" + std::string(SILENCE)},
+        {"load r1 cfg /tmp local", unreadable},
+        {"update r1 dr1 /tmp local", unreadable},
+        {"create r1 domain_route /no/file local", SILENCE},
+        {"load r1 " + std::string(256, 'c') + " f", "Error: cfgName too long\n"},
+        {"enable " + std::string(255, 'r'), SILENCE},
+        {"foo bar", "Unknown command: foo\n"},
+        {"history", ""},
+        {"CLEAR r1", ""},
+        {"sleep x", ""},
+    };
+    for (const std::string name :
+         {"enable", "disable", "pause", "resume", "delete", "save", "get", "unload"}) {
+        const bool hasEntity = name != "save" && name != "get" && name != "unload";
+        cases.emplace_back(name, "Command syntax: " + name + " <target_router>" +
+                                     (hasEntity ? " [<entity_name>]\n" : "\n"));
+    }
+    for (const auto& [line, expected] : cases) {
+        EXPECT_EQ(run(line), expected) << line;
+        EXPECT_EQ(requests(), Lines{}) << line;
+    }
+}
+
+TEST_F(Dispatcher, PrintsADupdatesSuccessAsAStatus) {
+    const Lines steps = {"8 r1 'd'", "4 r1 'd' file://x", "7 r1 'd'"};
+    for (const DDS_Long kind : {0, 2}) {
+        EXPECT_EQ(run("DUPDATE r1 d x", kind), "Can't open local file x\n" + std::string(SILENCE));
+        EXPECT_EQ(requests(), steps);
+    }
+    fake_dds::fail("write", 3);
+    EXPECT_EQ(run("dupdate r1 x"), "Error: (null)\n");
+}
+
+TEST_F(Dispatcher, AnnouncesHelpsAndEndsWithoutAnOutcome) {
+    EXPECT_EQ(run("hello"), "");
+    EXPECT_EQ(requests(), Lines{"9 *"});
+    const std::string help = run("HELP me");
+    EXPECT_EQ(std::count(help.begin(), help.end(), '\n'), 18);
+    EXPECT_NE(help.find("\nget      - Get  ZUL Routing Service configuration as a string\n"), help.npos);
+    for (const char* word : {"exit", "Quit", "q now"}) {
+        ROUTERShell_g_terminate = 0;
+        EXPECT_EQ(run(word), "");
+        EXPECT_EQ(ROUTERShell_g_terminate, 1);
+    }
+}
+
+} // namespace
