@@ -1,14 +1,20 @@
 """Start-up: help, options, and what is printed and returned when the shell cannot start."""
 
 import os
+import pathlib
+import resource
 import pty
 import subprocess
 import sys
 import tempfile
 import unittest
+from functools import partial
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
 from processes import BIN, CLOCK_NANOSLEEP, Program, Router, Shell  # noqa: E402
+
+NOBODY = 65534
+IS_READABLE_BY_ALL = all(folder.stat().st_mode & 0o1 for folder in pathlib.Path(BIN).resolve().parents)
 
 HELP = """ZUL {0} Service Shell 5.1a
 Usage: {1} [options]...
@@ -21,8 +27,8 @@ Options:
 """
 
 
-def run(program, *arguments):
-    with Program(program, *arguments) as shell:
+def run(program, *arguments, **how):
+    with Program(program, *arguments, **how) as shell:
         status, output = shell.wait()
         return status, output, shell.log
 
@@ -91,6 +97,21 @@ class Start(unittest.TestCase):
                 self.assertEqual(os.readlink(f"/proc/{shell.process.pid}/fd/{number}"), os.devnull)
         with Router(21, preexec=lambda: os.close(0)) as router:
             self.assertEqual(os.readlink(f"/proc/{router.process.pid}/fd/0"), os.devnull)
+
+    def test_too_few_descriptors_or_threads_end_in_a_message(self):
+        def as_nobody_with(threads):
+            os.setuid(NOBODY)  # root may start as many as it likes
+            resource.setrlimit(resource.RLIMIT_NPROC, (threads, threads))
+
+        limits = [("file descriptors", partial(resource.setrlimit, resource.RLIMIT_NOFILE, (count, count)))
+                  for count in range(4, 15)]
+        if os.getuid() == 0 and IS_READABLE_BY_ALL:
+            limits += [("threads", partial(as_nobody_with, count)) for count in range(1, 9)]
+        for what, limit in limits:
+            status, output, log = run("zulrssh", "-domainId", 21, preexec=limit)
+            self.assertEqual((status, output), (255, "Domain id 21, timeout 15\n"), (what, log))
+            self.assertRegex(log, rf"a participant needs \d+ (more|free) {what}: raise the limit")
+            self.assertIn("[ROUTERRemoteConfigClient_createConnection] failed to create participant\n", log)
 
     def test_federation_shell(self):
         with Shell(21, program="zulfssh") as shell:
