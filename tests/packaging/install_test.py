@@ -2,6 +2,7 @@
 
 import gzip
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -38,15 +39,28 @@ class Install(unittest.TestCase):
         run("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={self.prefix}", "-DCMAKE_BUILD_TYPE=Debug")
         run("cmake", "--build", build)
         example = os.path.join(build, "enable_entity")
-        with processes.Router(DOMAIN) as router:
-            with processes.Shell(DOMAIN) as shell:
-                shell.prompt()
-                shell.connect(router)
-                self.assertIn("Result: ", shell.run("disable r1 DefaultDomainRoute"))
-            run(example, str(DOMAIN), "r1", "DefaultDomainRoute")
-            refused = subprocess.run([example, str(DOMAIN), "r1", "NoSuchEntity"], capture_output=True, text=True)
-            self.assertEqual(refused.returncode, 1, refused)
-            self.assertIn("NoSuchEntity", refused.stdout)
+        with processes.Router(DOMAIN, "other", "--verbose") as other:
+            early = subprocess.Popen([example, str(DOMAIN), "r1", "DefaultDomainRoute"], stderr=subprocess.PIPE, text=True)
+            self.addCleanup(early.kill)
+            other.expect("GET [^\n]* target r1 ")  # a router is there, the addressed one is not
+            with processes.Router(DOMAIN) as router:
+                self.assertIn("DefaultDomainRoute is enabled already", early.communicate(timeout=60)[1])
+                self.assertEqual(early.returncode, 1)
+                with processes.Shell(DOMAIN) as shell:
+                    shell.prompt()
+                    shell.connect(router)
+                    self.assertIn("Result: ", shell.run("disable r1 DefaultDomainRoute"))
+                self.assertIn("enabled", run(example, str(DOMAIN), "r1", "DefaultDomainRoute"))
+
+    def test_the_installed_readme_names_only_what_is_installed(self):
+        share = os.path.join(self.prefix, "share")
+        with open(f"{share}/doc/zul-remote-config/README.md", encoding="utf-8") as file:
+            text = file.read()
+        self.assertNotIn("./", text)
+        named = re.findall(r"/usr/share(/[\w./-]*\w)", text)
+        named += [f"/man/man1/{page}.1.gz" for page in re.findall(r"([\w-]+)\(1\)", text)]
+        self.assertGreater(len(named), 6)
+        self.assertEqual([path for path in named if not os.path.exists(share + path)], [])
 
     def test_every_installed_header_stands_for_itself(self):
         include = os.path.join(self.prefix, "include/zul_remote_config")
