@@ -49,14 +49,17 @@ void discardPublished(ROUTERRemoteConfigClient& self) {
 enum class Wait { RESPONSE, INTERRUPTED, TIMEOUT, ERROR };
 
 // Waits for the next response to the current request. On RESPONSE, `response` is claimed and owes a "taken",
-// and `waitingForResponse` is false; on any other outcome nothing is owed.
+// and `waitingForResponse` stays true, so that an interrupt counts while the response is gathered. On any
+// other outcome it is false, and nothing is owed.
 Wait awaitResponse(ROUTERRemoteConfigClient& self, const Response*& response) {
     const ZULDeadline deadline = ZULDeadline_after(self.responseTimeout);
     for (;;) {
         const ZULSemaphoreStatus status = ZULSemaphore_take(self.responseReadySemaphore, deadline);
         response = self.currentResponse.exchange(nullptr);
-        const bool isOurs = response != nullptr && isCurrentRequest(self, response->id);
-        if (status == ZUL_SEMAPHORE_OK && self.waitingForResponse.load() && !isOurs) {
+        if (status == ZUL_SEMAPHORE_OK && self.waitingForResponse.load()) {
+            if (response != nullptr && isCurrentRequest(self, response->id)) {
+                return Wait::RESPONSE;
+            }
             // A stray token, or an answer to an earlier request.
             if (response != nullptr) {
                 giveTaken(self);
@@ -64,9 +67,6 @@ Wait awaitResponse(ROUTERRemoteConfigClient& self, const Response*& response) {
             continue;
         }
         const bool wasWaiting = self.waitingForResponse.exchange(false);
-        if (status == ZUL_SEMAPHORE_OK && wasWaiting && isOurs) {
-            return Wait::RESPONSE;
-        }
         if (response != nullptr) {
             giveTaken(self);
         }
@@ -119,7 +119,10 @@ bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
         const bool isFinal = response->is_final != 0;
         if (gathered) {
             result->kind = response->kind;
-            self->waitingForResponse.store(!isFinal);
+        }
+        if (isFinal || !gathered) {
+            // Before the listener goes on, which drops what nobody waits for.
+            self->waitingForResponse.store(false);
         }
         released = giveTaken(*self) && released;
         if (!gathered) {
