@@ -100,6 +100,7 @@ bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
         return true; // still waiting: an early response is kept for the next waiting send of this request
     }
     bool released = true;
+    zul::remote_config::ResultText text(*result);
     for (;;) {
         const Response* response = nullptr;
         switch (awaitResponse(*self, response)) {
@@ -115,7 +116,7 @@ bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
         case Wait::RESPONSE:
             break;
         }
-        const bool gathered = ROUTERRemoteConfigResult_append(result, response->message, CONTEXT);
+        const bool gathered = text.append(response->message, CONTEXT);
         const bool isFinal = response->is_final != 0;
         if (gathered) {
             result->kind = response->kind;

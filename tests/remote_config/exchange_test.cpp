@@ -78,7 +78,7 @@ TEST_F(Exchange, GathersWhatFitsTheBufferThereAndMoreOnTheHeap) {
         {{run(4000, 'a'), run(96, 'a')}, full},
         {{run(4000, 'a'), run(97, 'a')}, full + "a"},
         {{run(5000, 'a')}, full}, // a first message is cut
-        {{full, full, "", run(4096, 'c')}, full + full + run(4096, 'c')},
+        {{full, full, "", run(4096, 'c')}, full + full + run(4096, 'c')}, // doubled once, then again
     };
     for (const auto& [messages, expected] : cases) {
         SCOPED_TRACE(expected.size());
