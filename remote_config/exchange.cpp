@@ -88,10 +88,19 @@ void ROUTERRemoteConfigClient_nextInvocation(ROUTERRemoteConfigClient* self) {
 
 bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
                                                  ROUTERRemoteConfigResult* result, bool wait) {
+    self->waitingForResponse.store(true);
+    return ROUTERRemoteConfigClient_continueCommandRequest(self, result, wait);
+}
+
+bool ROUTERRemoteConfigClient_isInterrupted(const ROUTERRemoteConfigClient* self) {
+    return !self->waitingForResponse.load(); // which nothing else ends between two sends
+}
+
+bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* self,
+                                                     ROUTERRemoteConfigResult* result, bool wait) {
     result->kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT;
     result->textBuffer[0] = '\0';
     result->text = nullptr;
-    self->waitingForResponse.store(true);
     if (DDS_DataWriter_write(self->commandWriter, self->commandSample, &DDS_HANDLE_NIL) != DDS_RETCODE_OK) {
         remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "write");
         return false; // still waiting, deliberately
