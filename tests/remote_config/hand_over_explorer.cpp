@@ -43,6 +43,12 @@ void Explorer::switchTo(int to) {
 #endif
 }
 
+// Alone, because `getcontext` may return twice in the eyes of the compiler, which then warns of every
+// variable.
+static void prepare(ucontext_t& context) {
+    getcontext(&context);
+}
+
 Explorer::Explorer(Program program) : program_(std::move(program)) {
     for (int i = 0; i <= THREADS; ++i) {
         fibers_.push_back(std::make_unique<Fiber>());
@@ -54,7 +60,7 @@ Explorer::Explorer(Program program) : program_(std::move(program)) {
             break;
         }
         fiber.stack.resize(256 * 1024);
-        getcontext(&fiber.context);
+        prepare(fiber.context);
         fiber.context.uc_stack.ss_sp = fiber.stack.data();
         fiber.context.uc_stack.ss_size = fiber.stack.size();
 #if defined(__SANITIZE_ADDRESS__)
