@@ -32,6 +32,7 @@ COLD_STARTS = 200
 UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
 PARTS = 1000
+MANY_PARTS, FEWER_PARTS = 8000, 2000
 
 
 class Figure(NamedTuple):
@@ -63,6 +64,7 @@ FIGURES = {
     "cold_start_max": Figure("cold start to both matched, max / bare", "ms", "<=1.0"),
     "get_short_parts": Figure("get of 1000 parts of 16 / 1000 pauses of 1 ms", "ms"),
     "get_full_parts": Figure("get of 1000 parts of 4096 / 1000 pauses of 1 ms", "ms"),
+    "get_many_parts": Figure("get of 8000 parts of 4096 / get of 2000", "ms", "<=4.4"),
     "load_rate": Figure("load of 64 MiB / raw writer", "MB/s", ">=0.95"),
     "load_memory": Figure("peak memory of a 64 MiB load / idle", "KiB", "<=1.2"),
     "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
@@ -156,8 +158,13 @@ def get_1000_parts(bench: Bench) -> Samples:
     samples: Samples = {}
     for domain, characters, name in ((41, 16, "get_short_parts"), (42, 4096, "get_full_parts")):
         with bench.responder(domain, PARTS, characters):
-            samples |= bench.rounds_of("get_parts", domain, PARTS, characters, name)
+            samples |= bench.rounds_of("get_parts", name, characters, domain, PARTS)
     return samples
+
+
+def get_8000_parts(bench: Bench) -> Samples:
+    with bench.responder(46, MANY_PARTS, 4096), bench.responder(47, FEWER_PARTS, 4096):
+        return bench.rounds_of("get_parts", "get_many_parts", 4096, 46, MANY_PARTS, 47, FEWER_PARTS)
 
 
 def start_up(bench: Bench) -> Samples:
@@ -241,7 +248,7 @@ def micro(bench: Bench) -> Samples:
 
 
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
-                                                 get_1000_parts, load_64mib]
+                                                 get_1000_parts, get_8000_parts, load_64mib]
 
 
 def print_table(samples: Samples) -> None:

@@ -1,134 +1,73 @@
-// The sending thread's side of the hand-over. Three contexts meet: this thread S, the listener's thread L
-// (response_listener.cpp), and a signal handler H on S.
-//
-// L publishes a sample in `currentResponse`, gives "ready" and waits for "taken". S, woken by "ready", claims
-// the sample by exchanging `currentResponse` with null, so each claim answers exactly one publication and
-// owes exactly one "taken". A "ready" without a sample is stray (L withdrew it, or H crossed a delivery): S
-// waits on with the time that is left. H clears `waitingForResponse` and gives "ready". L publishes before it
-// looks at `waitingForResponse` again, and S clears `waitingForResponse` before it looks for a last sample:
-// one of them always sees the other, so no sample is left published with nobody to claim or withdraw it.
+// Requests out and results in. Who may claim a response when, and how a signal ends a wait, is in
+// remote_config/hand_over.h; here stands what an outcome means to the sender.
 #include "remote_config/exchange.h"
 
-#include "admin_types/type_support.h"
 #include "middleware/strings.h"
+#include "remote_config/hand_over.h"
 #include "remote_config/log.h"
+
+using zul::remote_config::HandOver;
+using zul::remote_config::Response;
+using zul::remote_config::WaitEnd;
 
 namespace {
 
-using Response = ZUL_RoutingService_Administration_CommandResponse;
-
-// The context of the exchange's log lines is deliberately an older name.
+// The context of the exchange's log lines is an older name, kept for those who search logs for it.
 constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendEntityMessage";
-
-// The listener compares with this while the sender may already be counting on.
-std::atomic_ref<DDS_Long> invocationOf(const ROUTERRemoteConfigClient& self) {
-    return std::atomic_ref(self.commandSample->id.invocation);
-}
-
-bool isCurrentRequest(const ROUTERRemoteConfigClient& self,
-                      const ZUL_RoutingService_Administration_CommandId& id) {
-    const auto& current = self.commandSample->id;
-    return id.host == current.host && id.app == current.app && id.invocation == invocationOf(self).load();
-}
-
-bool giveTaken(ROUTERRemoteConfigClient& self) {
-    if (ZULSemaphore_give(self.responseTakenSemaphore) == ZUL_SEMAPHORE_OK) {
-        return true;
-    }
-    remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_GIVE_FAILURE);
-    return false;
-}
-
-// Lets a response that nobody will read go back to the listener.
-void discardPublished(ROUTERRemoteConfigClient& self) {
-    if (self.currentResponse.exchange(nullptr) != nullptr) {
-        giveTaken(self);
-    }
-}
-
-enum class Wait { RESPONSE, INTERRUPTED, TIMEOUT, ERROR };
-
-// Waits for the next response to the current request. On RESPONSE, `response` is claimed and owes a "taken",
-// and `waitingForResponse` is false; on any other outcome nothing is owed.
-Wait awaitResponse(ROUTERRemoteConfigClient& self, const Response*& response) {
-    const ZULDeadline deadline = ZULDeadline_after(self.responseTimeout);
-    for (;;) {
-        const ZULSemaphoreStatus status = ZULSemaphore_take(self.responseReadySemaphore, deadline);
-        response = self.currentResponse.exchange(nullptr);
-        const bool isOurs = response != nullptr && isCurrentRequest(self, response->id);
-        if (status == ZUL_SEMAPHORE_OK && self.waitingForResponse.load() && !isOurs) {
-            // A stray token, or an answer to an earlier request.
-            if (response != nullptr) {
-                giveTaken(self);
-            }
-            continue;
-        }
-        const bool wasWaiting = self.waitingForResponse.exchange(false);
-        if (status == ZUL_SEMAPHORE_OK && wasWaiting && isOurs) {
-            return Wait::RESPONSE;
-        }
-        if (response != nullptr) {
-            giveTaken(self);
-        }
-        discardPublished(self);
-        if (!wasWaiting) {
-            return Wait::INTERRUPTED;
-        }
-        return status == ZUL_SEMAPHORE_TIMEOUT ? Wait::TIMEOUT : Wait::ERROR;
-    }
-}
 
 } // namespace
 
 void ROUTERRemoteConfigClient_nextInvocation(ROUTERRemoteConfigClient* self) {
-    const auto invocation = invocationOf(*self);
-    // Counts as unsigned, so that the largest number is followed by the smallest.
-    invocation.store(static_cast<DDS_Long>(static_cast<DDS_UnsignedLong>(invocation.load()) + 1));
+    HandOver(*self).nextRequest();
 }
 
 bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
                                                  ROUTERRemoteConfigResult* result, bool wait) {
+    HandOver(*self).begin();
+    return ROUTERRemoteConfigClient_continueCommandRequest(self, result, wait);
+}
+
+bool ROUTERRemoteConfigClient_isInterrupted(ROUTERRemoteConfigClient* self) {
+    return HandOver(*self).isInterrupted();
+}
+
+bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* self,
+                                                     ROUTERRemoteConfigResult* result, bool wait) {
     result->kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT;
     result->textBuffer[0] = '\0';
     result->text = nullptr;
-    self->waitingForResponse.store(true);
     if (DDS_DataWriter_write(self->commandWriter, self->commandSample, &DDS_HANDLE_NIL) != DDS_RETCODE_OK) {
         remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "write");
-        return false; // still waiting, deliberately
+        return false; // still waiting, until the next send starts anew
     }
     if (!wait || self->noResponseWait) {
         return true; // still waiting: an early response is kept for the next waiting send of this request
     }
-    bool released = true;
-    for (;;) {
-        const Response* response = nullptr;
-        switch (awaitResponse(*self, response)) {
-        case Wait::INTERRUPTED:
-            ROUTERRemoteConfigClient_reportInterrupted(result);
-            return true;
-        case Wait::ERROR:
-            remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
-            return false;
-        case Wait::TIMEOUT:
-            remoteConfigWarning(CONTEXT, ZUL_LOG_ANY_s, "No response received");
-            return false;
-        case Wait::RESPONSE:
-            break;
-        }
-        const bool gathered = ROUTERRemoteConfigResult_append(result, response->message, CONTEXT);
-        const bool isFinal = response->is_final != 0;
-        if (gathered) {
-            result->kind = response->kind;
-            self->waitingForResponse.store(!isFinal);
-        }
-        released = giveTaken(*self) && released;
-        if (!gathered) {
+    zul::remote_config::ResultText text(*result);
+    const WaitEnd end = HandOver(*self).await([result, &text](const Response& response) {
+        if (!text.append(response.message, CONTEXT)) {
             return false;
         }
-        if (isFinal) {
-            return released;
-        }
+        result->kind = response.kind;
+        return true;
+    });
+    switch (end) {
+    case WaitEnd::ANSWERED:
+        return true;
+    case WaitEnd::INTERRUPTED:
+        ROUTERRemoteConfigClient_reportInterrupted(result);
+        return true;
+    case WaitEnd::TAKE_FAILED:
+        remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
+        return false;
+    case WaitEnd::TIMED_OUT:
+        remoteConfigWarning(CONTEXT, ZUL_LOG_ANY_s, "No response received");
+        return false;
+    case WaitEnd::GIVE_FAILED:
+    case WaitEnd::NOT_GATHERED:
+        break; // logged where it happened
     }
+    return false;
 }
 
 void ROUTERRemoteConfigClient_reportInterrupted(ROUTERRemoteConfigResult* result) {
@@ -149,21 +88,18 @@ bool ROUTERRemoteConfigClient_sendCommandAnnounce(ROUTERRemoteConfigClient* self
 }
 
 bool ROUTERRemoteConfigClient_abortResponseWait(ROUTERRemoteConfigClient* self) {
-    if (self->waitingForResponse.exchange(false)) {
-        ZULSemaphore_give(self->responseReadySemaphore);
-    }
+    HandOver(*self).abort();
     return true;
 }
 
 void ROUTERRemoteConfigClient_releaseResponses(ROUTERRemoteConfigClient* self) {
-    self->waitingForResponse.store(false);
-    discardPublished(*self);
+    HandOver(*self).close();
 }
 
-bool ROUTERRemoteConfigClient_isResponseDestination(const ROUTERRemoteConfigClient* self,
+bool ROUTERRemoteConfigClient_isResponseDestination(ROUTERRemoteConfigClient* self,
                                                     const Response* response) {
     const auto& id = response->id;
-    return isCurrentRequest(*self, id) ||
+    return HandOver(*self).isAnswer(*response) ||
            (id.host == 0 && id.app == 0 && id.invocation == 0 &&
             response->kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT);
 }

@@ -17,6 +17,13 @@ void ROUTERRemoteConfigClient_nextInvocation(ROUTERRemoteConfigClient* self);
 // failed.
 bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
                                                  ROUTERRemoteConfigResult* result, bool wait);
+// The same for a request that goes on with what an earlier send without waiting began, such as the next piece
+// of an upload: an interrupt since that beginning counts, and ends the wait at once. Whoever has more than
+// the last one to send asks `isInterrupted` before each.
+bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* self,
+                                                     ROUTERRemoteConfigResult* result, bool wait);
+// Whether an interrupt has come since a send without waiting.
+bool ROUTERRemoteConfigClient_isInterrupted(ROUTERRemoteConfigClient* self);
 // Writes an ANNOUNCE request to every router; never waits.
 bool ROUTERRemoteConfigClient_sendCommandAnnounce(ROUTERRemoteConfigClient* self);
 // Ends a pending wait; always true. May be called from a signal handler on the sending thread, at any moment.
@@ -31,6 +38,6 @@ void ROUTERRemoteConfigClient_releaseResponses(ROUTERRemoteConfigClient* self);
 
 // Whether the response answers the current request, or is an unsolicited announcement to every shell.
 bool ROUTERRemoteConfigClient_isResponseDestination(
-    const ROUTERRemoteConfigClient* self, const ZUL_RoutingService_Administration_CommandResponse* response);
+    ROUTERRemoteConfigClient* self, const ZUL_RoutingService_Administration_CommandResponse* response);
 // Whether a router's request reader and response writer are both matched.
 bool ROUTERRemoteConfigClient_hasMatchingServer(ROUTERRemoteConfigClient* self);

@@ -1,57 +1,14 @@
+// Takes what has arrived, in batches, and offers each sample for the hand-over; the loan goes back after the
+// last.
 #include "remote_config/response_listener.h"
 
 #include "admin_types/type_support.h"
-#include "remote_config/exchange.h"
+#include "remote_config/hand_over.h"
 #include "remote_config/log.h"
 
 namespace {
 
-using Response = ZUL_RoutingService_Administration_CommandResponse;
-
 constexpr const char* CONTEXT = "ZUL_RoutingService_Administration_CommandResponseListener_on_data_available";
-constexpr DDS_UnsignedLong HAND_OVER_PAUSE_NANOSECONDS = 1'000'000;
-
-bool isWanted(const ROUTERRemoteConfigClient& client, const Response& response) {
-    return client.waitingForResponse.load() &&
-           ROUTERRemoteConfigClient_isResponseDestination(&client, &response) &&
-           response.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT;
-}
-
-// Takes back a sample that nobody has claimed. False when it was claimed meanwhile.
-bool withdraw(ROUTERRemoteConfigClient& client, const Response& response) {
-    const Response* expected = &response;
-    return client.currentResponse.compare_exchange_strong(expected, nullptr);
-}
-
-void awaitTaken(ROUTERRemoteConfigClient& client, const ZULDeadline& deadline, const Response& response) {
-    const ZULSemaphoreStatus status = ZULSemaphore_take(client.responseTakenSemaphore, deadline);
-    if (status == ZUL_SEMAPHORE_OK) {
-        return;
-    }
-    if (status == ZUL_SEMAPHORE_ERROR) {
-        remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
-    } else {
-        remoteConfigError(CONTEXT, ZUL_LOG_ANY_s, "timeout");
-    }
-    if (!withdraw(client, response)) {
-        // The sending thread is reading it: the loan must wait, but not for long.
-        ZULSemaphore_take(client.responseTakenSemaphore,
-                          ZULDeadline_after({.sec = ZUL_TIME_FOREVER_SEC, .frac = 0}));
-    }
-}
-
-void handOver(ROUTERRemoteConfigClient& client, const Response& response) {
-    client.currentResponse.store(&response);
-    // The wait may have ended since it was looked at; then nobody may be left to claim the sample.
-    if (!client.waitingForResponse.load() && withdraw(client, response)) {
-        return;
-    }
-    if (ZULSemaphore_give(client.responseReadySemaphore) != ZUL_SEMAPHORE_OK) {
-        remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_GIVE_FAILURE);
-    }
-    ZULSleep(0, HAND_OVER_PAUSE_NANOSECONDS);
-    awaitTaken(client, ZULDeadline_after(client.responseTimeout), response);
-}
 
 } // namespace
 
@@ -73,8 +30,8 @@ void ZUL_RoutingService_Administration_CommandResponseListener_on_data_available
         for (DDS_Long i = 0; i < count; ++i) {
             const auto& response =
                 *ZUL_RoutingService_Administration_CommandResponseSeq_get_reference(&responses, i);
-            if (ZULSequence::at(infos, i).valid_data != 0 && isWanted(client, response)) {
-                handOver(client, response);
+            if (ZULSequence::at(infos, i).valid_data != 0) {
+                zul::remote_config::HandOver(client).publish(response);
             }
         }
         if (ZUL_RoutingService_Administration_CommandResponseDataReader_return_loan(

@@ -1,8 +1,10 @@
+// The text is plain for its reader; what growing it needs to know lives only while it is gathered.
 #include "remote_config/result.h"
 
 #include "middleware/strings.h"
 #include "product/log_masks.h"
 
+#include <algorithm>
 #include <cstring>
 
 void ROUTERRemoteConfigResult_initialize(ROUTERRemoteConfigResult* self) {
@@ -19,31 +21,43 @@ void ROUTERRemoteConfigResult_finalize(ROUTERRemoteConfigResult* self) {
     self->text = self->textBuffer;
 }
 
-bool ROUTERRemoteConfigResult_append(ROUTERRemoteConfigResult* self, const char* message,
-                                     const char* context) {
-    const std::size_t added = std::strlen(message);
-    if (added == 0) {
+namespace zul::remote_config {
+
+bool ResultText::makeRoom(std::size_t needed) {
+    if (needed <= room_) {
         return true;
     }
-    if (self->text == nullptr) {
-        ZULString_copyBounded(self->textBuffer, sizeof(self->textBuffer), message);
-        self->text = self->textBuffer;
-        return true;
+    const std::size_t room = std::max(needed, 2 * room_);
+    char* grown = DDS_String_alloc(room);
+    if (grown == nullptr) {
+        return false;
     }
-    const std::size_t length = std::strlen(self->text);
-    if (length + added > ROUTER_RESULT_TEXT_MAX) {
-        char* grown = DDS_String_alloc(length + added);
-        if (grown == nullptr) {
-            ROUTERLog_error(ROUTER_SUBMODULE_REMOTE_CONFIG, context, ZUL_LOG_OUT_OF_HEAP_STRING_d,
-                            length + added);
-            return false;
-        }
-        std::memcpy(grown, self->text, length);
-        if (self->text != self->textBuffer) {
-            DDS_String_free(self->text);
-        }
-        self->text = grown;
+    std::memcpy(grown, result_.text, length_);
+    if (result_.text != result_.textBuffer) {
+        DDS_String_free(result_.text);
     }
-    std::memcpy(self->text + length, message, added + 1);
+    result_.text = grown;
+    room_ = room;
     return true;
 }
+
+bool ResultText::append(std::string_view message, const char* context) {
+    if (message.empty()) {
+        return true;
+    }
+    if (result_.text == nullptr) {
+        message = message.substr(0, ROUTER_RESULT_TEXT_MAX);
+        result_.text = result_.textBuffer;
+    }
+    const std::size_t needed = length_ + message.size();
+    if (!makeRoom(needed)) {
+        ROUTERLog_error(ROUTER_SUBMODULE_REMOTE_CONFIG, context, ZUL_LOG_OUT_OF_HEAP_STRING_d, needed);
+        return false;
+    }
+    message.copy(result_.text + length_, message.size());
+    result_.text[needed] = '\0';
+    length_ = needed;
+    return true;
+}
+
+} // namespace zul::remote_config

@@ -26,7 +26,7 @@ struct Upload {
     ROUTERRemoteConfigClient& client;
     ROUTERRemoteConfigResult* result;
     bool wait;
-    bool hasBegun = false;
+    bool hasBegun = false; // something was sent already whose interrupt ends this upload
 
     ZUL_RoutingService_Administration_XmlUrl& xmlUrl() const {
         return client.commandSample->command._u.entity_desc.xml_url;
@@ -36,15 +36,16 @@ struct Upload {
 
     // Sends `content`. Any status but OK, or an interrupted upload, ends it.
     bool send(bool isFinal, Status& status) {
-        // A send that does not wait leaves the client waiting: only an interrupt can have ended that since.
-        if (hasBegun && !client.waitingForResponse.load()) {
+        if (hasBegun && ROUTERRemoteConfigClient_isInterrupted(&client)) {
             ROUTERRemoteConfigClient_reportInterrupted(result);
             status = ROUTER_URL_COMMAND_OK;
             return false;
         }
-        hasBegun = true;
         xmlUrl().is_final = isFinal ? 1 : 0;
-        const bool sent = ROUTERRemoteConfigClient_sendCommandRequest(&client, result, isFinal && wait);
+        const auto sendRequest = hasBegun ? ROUTERRemoteConfigClient_continueCommandRequest
+                                          : ROUTERRemoteConfigClient_sendCommandRequest;
+        hasBegun = true;
+        const bool sent = sendRequest(&client, result, isFinal && wait);
         status = sent ? ROUTER_URL_COMMAND_OK : ROUTER_URL_COMMAND_SEND_ERROR;
         return sent;
     }
@@ -115,6 +116,15 @@ Status sendFile(Upload& upload, const char* path) {
     return upload.sendFinal();
 }
 
+Status sendUpload(Upload upload, const char* xmlUrl, bool isRemote) {
+    const ZULStringPtr snippet(ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet(xmlUrl));
+    const std::string_view text = snippet != nullptr ? snippet.get() : xmlUrl;
+    if (isRemote || text.starts_with(INLINE_SCHEME)) {
+        return sendText(upload, text);
+    }
+    return sendFile(upload, text.data() + (text.starts_with(FILE_SCHEME) ? FILE_SCHEME.size() : 0));
+}
+
 // What one command of the family does.
 struct UrlCommand {
     const char* context;
@@ -147,13 +157,7 @@ Status send(ROUTERRemoteConfigClient& client, const UrlCommand& command, const c
 ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendUrlCommand(ROUTERRemoteConfigClient* self,
                                                                const char* xmlUrl, bool isRemote, bool wait,
                                                                ROUTERRemoteConfigResult* result) {
-    const ZULStringPtr snippet(ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet(xmlUrl));
-    const std::string_view text = snippet != nullptr ? snippet.get() : xmlUrl;
-    Upload upload{.client = *self, .result = result, .wait = wait};
-    if (isRemote || text.starts_with(INLINE_SCHEME)) {
-        return sendText(upload, text);
-    }
-    return sendFile(upload, text.data() + (text.starts_with(FILE_SCHEME) ? FILE_SCHEME.size() : 0));
+    return sendUpload({.client = *self, .result = result, .wait = wait}, xmlUrl, isRemote);
 }
 
 #define ZUL_URL_COMMAND(Name, kind, limit, nameTooLong)                                                      \
@@ -184,11 +188,14 @@ bool ROUTERRemoteConfigClient_sendCommandsDUE(ROUTERRemoteConfigClient* self, co
     ROUTERRemoteConfigClient_nextInvocation(self);
     ROUTERRemoteConfigClient_sendCommandRequest(self, result, false);
 
-    request.command._d = ZUL_ROUTING_SERVICE_COMMAND_UPDATE;
-    setName(request.command._u.entity_desc.name, entityName);
-    ROUTERRemoteConfigClient_nextInvocation(self);
-    ROUTERRemoteConfigClient_sendUrlCommand(self, xmlUrl, isRemote, false,
-                                            result); // even a failed update is followed by the enable
+    // An interrupt from here on drops the rest of the update. That, or a failed one, is followed by the
+    // enable.
+    if (!ROUTERRemoteConfigClient_isInterrupted(self)) {
+        request.command._d = ZUL_ROUTING_SERVICE_COMMAND_UPDATE;
+        setName(request.command._u.entity_desc.name, entityName);
+        ROUTERRemoteConfigClient_nextInvocation(self);
+        sendUpload({.client = *self, .result = result, .wait = false, .hasBegun = true}, xmlUrl, isRemote);
+    }
 
     // Counts here and once more in the sender: the number in between is never sent, deliberately.
     ROUTERRemoteConfigClient_nextInvocation(self);

@@ -38,8 +38,9 @@ ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendCommandCreate(ROUTERRemoteCo
                                                                   const char* xmlUrl, bool isRemote,
                                                                   ROUTERRemoteConfigResult* result);
 
-// Disables the entity, updates it and enables it again; only the answer to the enable is waited for. True:
-// that was answered or interrupted. Not a status of the family above.
+// Disables the entity, updates it and enables it again; only the answer to the enable is waited for. An
+// interrupt before the last piece of the update is sent drops what is left of it. True: the enable was
+// answered or interrupted. Not a status of the family above.
 bool ROUTERRemoteConfigClient_sendCommandsDUE(ROUTERRemoteConfigClient* self, const char* targetRouter,
                                               const char* entityName, const char* xmlUrl, bool isRemote,
                                               ROUTERRemoteConfigResult* result);

@@ -176,4 +176,37 @@ TEST_F(ExchangeStress, ClosingAtAnyMomentWithoutATimeOut) {
     EXPECT_EQ(log.take(), Lines{});
 }
 
+// Signals fall into the gathering of a part, too: none of them may be lost.
+TEST_F(ExchangeStress, OneSignalEndsAnAnswerWithoutEnd) {
+    router = {};
+    interrupter = {};
+    ASSERT_NO_FATAL_FAILURE(connect({.sec = ZUL_TIME_FOREVER_SEC, .frac = 0}));
+    const auto deliverPart = [this] {
+        fake_dds::deliver(
+            {{.id = client.commandSample->id, .message = std::string(1000000, 'x'), .isFinal = false}});
+    };
+    fake_dds::setHooks(
+        {.onWrite = [&](const fake_dds::Request&) { deliverPart(); }, .onReturnLoan = deliverPart});
+    for (int round = 0; round < 50; ++round) {
+        ROUTERRemoteConfigClient_nextInvocation(&client);
+        std::atomic<bool> ended{false};
+        int signals = 0;
+        std::jthread sender([&, shell = pthread_self()] {
+            await([this] { return client.waitingForResponse.load(); });
+            spin(std::chrono::microseconds(round * 200));
+            do {
+                pthread_kill(shell, SIGUSR1);
+                ++signals;
+            } while (!await([&] { return ended.load(); }));
+        });
+        EXPECT_TRUE(ROUTERRemoteConfigClient_sendCommandRequest(&client, &result, true));
+        ended = true;
+        sender.join();
+        ASSERT_EQ(signals, 1);
+        EXPECT_STREQ(result.textBuffer, "Response not received");
+        ROUTERRemoteConfigResult_finalize(&result);
+    }
+    EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
+}
+
 } // namespace

@@ -109,21 +109,31 @@ TEST_F(UrlCommands, EndAtAFailedWriteOrAnInterruptBetweenPieces) {
     EXPECT_EQ(result.kind, 0);
 }
 
-TEST_F(UrlCommands, DupdateCreditsOnlyTheAnswerToItsLastRequest) {
-    fake_dds::setHooks({.onWrite = [this](const fake_dds::Request& request) {
+TEST_F(UrlCommands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
+    std::size_t interrupted = 0;
+    fake_dds::setHooks({.onWrite = [&](const fake_dds::Request& request) {
+        if (fake_dds::world().written.size() == interrupted) {
+            ROUTERRemoteConfigClient_abortResponseWait(&client);
+        }
         const bool isEnable = request.command._d == 7;
         if (isEnable || request.command._d == 8) { // nobody answers the update: it is not waited for
             fake_dds::deliver({answer(isEnable ? "enabled" : "too early", true, isEnable ? 0 : 2)});
         }
     }});
     const std::string missing = directory + "/missing";
-    const std::tuple<std::string, int, std::vector<int>> cases[] = {
-        // What it updates with, the write that fails, and the kinds that are sent.
-        {"str://" + pattern(5000), 0, {8, 4, 4, 7}},
-        {missing, 0, {8, 7}},
-        {"str://x", 1, {4, 7}},
+    const std::string twoPieces = "str://" + pattern(5000);
+    const std::tuple<std::string, int, std::size_t, std::vector<int>> cases[] = {
+        // What it updates with, the write that fails, the one that is interrupted, and the kinds that are
+        // sent.
+        {twoPieces, 0, 0, {8, 4, 4, 7}},
+        {missing, 0, 0, {8, 7}},
+        {"str://x", 1, 0, {4, 7}},
+        {twoPieces, 0, 1, {8, 7}},
+        {write(pattern(9000)), 0, 2, {8, 4, 7}},
+        {twoPieces, 0, 3, {8, 4, 4, 7}},
     };
-    for (const auto& [url, failing, expected] : cases) {
+    for (const auto& [url, failing, interruptedWrite, expected] : cases) {
+        interrupted = interruptedWrite;
         fake_dds::forget();
         fake_dds::fail("write", failing);
         EXPECT_TRUE(
