@@ -52,6 +52,11 @@ struct ZULSequenceElement<DDS_PropertyQosPolicy_Property> {
         DDS_String_free(element.value);
         element = {};
     }
+    static bool prepare(Property& destination, const Property* source) {
+        using Text = ZULSequenceElement<char*>;
+        return source == nullptr || (Text::prepare(destination.name, &source->name) &&
+                                     Text::prepare(destination.value, &source->value));
+    }
     static bool copy(Property& destination, const Property& source) {
         destination.propagate = source.propagate;
         return ZULSequenceElement<char*>::copy(destination.name, source.name) &&
