@@ -18,6 +18,7 @@
 #include <fastdds/dds/subscriber/Subscriber.hpp>
 #include <fastdds/dds/topic/Topic.hpp>
 #include <fastdds/dds/topic/TypeSupport.hpp>
+#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -72,8 +73,12 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     zul::MatchedEndpoints matched;
     DDS_Long maxSamples = 0; // most samples of one read or take
     std::atomic<bool> leavesReadSamples{false};
+    struct Loan {
+        std::vector<void*> samples; // its address is what was handed out
+        std::vector<DDS_SampleInfo> infos;
+    };
     std::mutex loansMutex;
-    std::map<void**, std::vector<void*>> loans; // by the address handed out
+    std::list<Loan> loans;
     mutable std::mutex conditionsMutex;
     std::vector<std::unique_ptr<DDS_ReadCondition>> conditions;
     std::unique_ptr<zul::DeliveryThread> delivery;

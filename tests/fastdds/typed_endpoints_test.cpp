@@ -129,28 +129,51 @@ TEST_F(TypedEndpoints, ReadSelectsAndTakeRemoves) {
     EXPECT_EQ(giveBack(ZUL_READER(read)(reader, &data, &infos, ALL, ANY, ANY, ANY)), "1 2 3 4 ");
     EXPECT_EQ(infos.length, 0);
 
-    // What a keyless topic's one instance holds; no handle names it, nothing follows it.
+    // Instance by instance: the one of a keyless topic, which its samples name, and nothing after it.
     const auto takeAfter = [&](const DDS_InstanceHandle_t* handle) {
         return ZUL_READER(take_next_instance)(reader, &data, &infos, 1, handle, ANY, ANY, ANY);
     };
-    DDS_InstanceHandle_t named = DDS_HANDLE_NIL;
-    named.isValid = 1;
-    EXPECT_EQ(giveBack(takeAfter(&DDS_HANDLE_NIL)), "1 ");
+    ASSERT_EQ(takeAfter(&DDS_HANDLE_NIL), DDS_RETCODE_OK);
+    const DDS_InstanceHandle_t named = infos.contiguous[0].instance_handle;
+    EXPECT_EQ(giveBack(DDS_RETCODE_OK), "1 ");
     EXPECT_EQ(giveBack(takeAfter(&named)), "code 11");
     EXPECT_EQ(takeAfter(nullptr), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(giveBack(ZUL_READER(read_next_instance_w_condition)(reader, &data, &infos, ALL, &DDS_HANDLE_NIL,
                                                                   unread)),
               "code 11");
+    EXPECT_EQ(giveBack(ZUL_READER(read_instance)(reader, &data, &infos, ALL, &named, ANY, ANY, ANY)),
+              "2 3 4 ");
     EXPECT_EQ(ZUL_READER(take_instance)(reader, &data, &infos, ALL, &DDS_HANDLE_NIL, ANY, ANY, ANY),
               DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(ZUL_WRITER(get_key_value)(writer, &sample, &named), DDS_RETCODE_BAD_PARAMETER);
 
     // A loan stays out until it is returned; records of one's own are copied into.
     EXPECT_EQ(take(&data, 1), DDS_RETCODE_OK);
     EXPECT_EQ(take(&data, 1), DDS_RETCODE_PRECONDITION_NOT_MET);
+    DDS_SampleInfoSeq otherInfos{};
+    EXPECT_EQ(ZUL_READER(return_loan)(reader, &data, &otherInfos), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(giveBack(DDS_RETCODE_OK), "2 ");
+    EXPECT_TRUE(data.owned && data.maximum == 0 && infos.owned && infos.maximum == 0);
     ASSERT_TRUE(ZUL_RESPONSE(Seq_set_maximum)(&data, 4));
-    EXPECT_EQ(giveBack(take(&data, ALL)), "3 4 ");
+    EXPECT_EQ(take(&data, ALL), DDS_RETCODE_PRECONDITION_NOT_MET); // no such room for infos
+    ASSERT_TRUE(ZULSequence::set_maximum(&infos, 4, __func__));
+    EXPECT_EQ(take(&data, 5), DDS_RETCODE_PRECONDITION_NOT_MET);
+    CapturedLog log;
+    char* const message = std::exchange(data.contiguous[2].message, nullptr);
+    EXPECT_EQ(take(&data, 3), DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(log.take(), "ERROR [ZUL_RoutingService_Administration_CommandResponseDataReader_take] refused: "
+                          "received_data has elements without buffers; initialize them first\n");
+    EXPECT_EQ(giveBack(take(&data, 2)), "3 4 ");
+    data.contiguous[2].message = message;
+    EXPECT_EQ(infos.length, 2);
+    infos.length = 1;
+    EXPECT_EQ(take(&data, ALL), DDS_RETCODE_PRECONDITION_NOT_MET);
+    infos.length = 2;
     EXPECT_EQ(giveBack(take(&data, ALL)), "code 11");
+    EXPECT_EQ(infos.length, 0);
+    EXPECT_EQ(ZUL_READER(take)(reader, &data, nullptr, 1, ANY, ANY, ANY), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(log.take(), "ERROR [ZUL_RoutingService_Administration_CommandResponseDataReader_take] "
+                          "bad parameter: info_seq\n");
     EXPECT_EQ(take(nullptr, 1), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(take(&data, 0), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(take(&data, -5), DDS_RETCODE_BAD_PARAMETER);
