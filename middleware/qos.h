@@ -26,6 +26,8 @@ struct DDS_HistoryQosPolicy {
 
 // Each at least 1 or DDS_LENGTH_UNLIMITED.
 struct DDS_ResourceLimitsQosPolicy {
+    // Of a reader, also what a writer in the same process may send between two takes: docs/architecture.md,
+    // "The binding".
     DDS_Long max_samples;
     DDS_Long max_instances;
     DDS_Long max_samples_per_instance;

@@ -7,6 +7,7 @@
 #include "middleware/fastdds/delivery_thread.h"
 #include "middleware/fastdds/type_adapter.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
@@ -33,6 +34,11 @@ class MatchedEndpoints {
 public:
     void update(const DDS_InstanceHandle_t& handle, std::int32_t change);
     DDS_ReturnCode_t copyTo(DDS_InstanceHandleSeq* handles) const;
+    template <class Test>
+    bool any(Test test) const {
+        const std::lock_guard lock(mutex_);
+        return std::any_of(handles_.begin(), handles_.end(), test);
+    }
 
 private:
     mutable std::mutex mutex_;
@@ -73,6 +79,7 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     zul::MatchedEndpoints matched;
     DDS_Long maxSamples = 0; // most samples of one read or take
     std::atomic<bool> leavesReadSamples{false};
+    std::atomic<bool> hasToldOfLoss{false};
     struct Loan {
         std::vector<void*> samples; // its address is what was handed out
         std::vector<DDS_SampleInfo> infos;
@@ -84,6 +91,7 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     std::unique_ptr<zul::DeliveryThread> delivery;
 
     void note(DDS_StatusMask status);
+    void tellOfLoss();
     void on_data_available(eprosima::fastdds::dds::DataReader* reader) override;
     void on_subscription_matched(eprosima::fastdds::dds::DataReader* reader,
                                  const eprosima::fastdds::dds::SubscriptionMatchedStatus& status) override;

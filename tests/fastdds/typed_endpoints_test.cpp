@@ -14,6 +14,7 @@ namespace {
 
 using Seq = ZUL_RESPONSE(Seq);
 constexpr int DOMAIN = 28;
+constexpr int OTHER_LIMIT = 8; // samples of the reader that nobody takes from
 constexpr DDS_SampleStateMask ANY = DDS_ANY_SAMPLE_STATE;
 constexpr DDS_Long ALL = DDS_LENGTH_UNLIMITED;
 
@@ -60,10 +61,11 @@ protected:
             qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
             return qos;
         };
-        const DDS_DataReaderQos readerQos = keepingAll(DDS_DATAREADER_QOS_DEFAULT);
+        DDS_DataReaderQos readerQos = keepingAll(DDS_DATAREADER_QOS_DEFAULT);
         const DDS_DataWriterQos writerQos = keepingAll(DDS_DATAWRITER_QOS_DEFAULT);
         untypedReader = DDS_Subscriber_create_datareader(subscriber, topic, &readerQos, &listener,
                                                          DDS_DATA_AVAILABLE_STATUS);
+        readerQos.resource_limits.max_samples = OTHER_LIMIT;
         otherReader = DDS_Subscriber_create_datareader(subscriber, topic, &readerQos, nullptr, 0);
         auto* publisher =
             DDS_DomainParticipant_create_publisher(participant, &DDS_PUBLISHER_QOS_DEFAULT, nullptr, 0);
@@ -213,6 +215,19 @@ TEST_F(TypedEndpoints, KeylessTopicsHaveNoNamedInstance) {
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(ZUL_WRITER(dispose)(writer, nullptr, &DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(ZUL_WRITER(get_key_value)(writer, &sample, &DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
+}
+
+TEST_F(TypedEndpoints, AFullReaderTellsOnceThatAWriterOfItsProcessIsNotHeardAgain) {
+    CapturedLog log;
+    for (int i = 1; i <= OTHER_LIMIT; ++i) {
+        write(i);
+    }
+    EXPECT_EQ(log.take(), "");
+    write(OTHER_LIMIT + 1);
+    write(OTHER_LIMIT + 2);
+    const std::string told = log.take();
+    EXPECT_TRUE(told.starts_with("ERROR [DDS_DataReader] a reader is full (8 samples); ")) << told;
+    EXPECT_EQ(told.find('\n'), told.size() - 1) << told;
 }
 
 TEST_F(TypedEndpoints, NarrowOnlyToTheirOwnType) {
