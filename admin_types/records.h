@@ -25,7 +25,7 @@ template <class Module>
 struct PeerUpdateDescriptionRecord {
     char* domain_route_name; // at most 255 characters
     DDS_Boolean is_first_participant;
-    DDS_StringSeq peer_list; // at most 16 elements; each present element is a buffer for 255 characters
+    DDS_StringSeq peer_list; // at most 16 elements; decoded into where an element has the room
 };
 
 // The branches stand side by side: all are prepared and released, only the one that `_d` selects is copied or

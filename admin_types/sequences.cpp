@@ -1,9 +1,10 @@
 #include "admin_types/sequences.h"
 
+#include "admin_types/derive/data.h"
 #include "admin_types/descriptions.h"
 
 // The named operations only forward; `__func__` is the context of their refusals.
-#define ZUL_DEFINE_SEQUENCE(Type)                                                                            \
+#define ZUL_DEFINE_SEQUENCE(Type, IdlType)                                                                   \
     template <>                                                                                              \
     bool ZULRecordElement<Type>::initialize(Type& element, const DDS_TypeAllocationParams_t& params) {       \
         return Type##_initialize_w_params(&element, &params);                                                \
@@ -11,6 +12,10 @@
     template <>                                                                                              \
     void ZULRecordElement<Type>::finalize(Type& element, const DDS_TypeDeallocationParams_t& params) {       \
         Type##_finalize_w_params(&element, &params);                                                         \
+    }                                                                                                        \
+    template <>                                                                                              \
+    bool ZULRecordElement<Type>::prepare(Type& destination, const Type* source) {                            \
+        return admin::prepare(IdlType{}, destination, source);                                               \
     }                                                                                                        \
     template <>                                                                                              \
     bool ZULRecordElement<Type>::copy(Type& destination, const Type& source) {                               \
@@ -108,11 +113,15 @@
         }                                                                                                    \
     }
 
-ZUL_DEFINE_SEQUENCE(ZUL_RoutingService_Administration_EntityName)
-ZUL_FOR_EACH_RECORD(ZUL_DEFINE_SEQUENCE, ZUL_RoutingService_Administration_)
-ZUL_FOR_EACH_ENUMERATION(ZUL_DEFINE_SEQUENCE, ZUL_RoutingService_Administration_)
-ZUL_FOR_EACH_RECORD(ZUL_DEFINE_SEQUENCE, ZUL_FederationService_Administration_)
-ZUL_FOR_EACH_ENUMERATION(ZUL_DEFINE_SEQUENCE, ZUL_FederationService_Administration_)
+#define ZUL_DEFINE_STRUCT_SEQUENCE(Type) ZUL_DEFINE_SEQUENCE(Type, admin::Struct<Type>)
+#define ZUL_DEFINE_ENUMERATION_SEQUENCE(Type) ZUL_DEFINE_SEQUENCE(Type, admin::Enum<Type>)
+#define ZUL_DEFINE_SEQUENCES(prefix)                                                                         \
+    ZUL_FOR_EACH_STRUCT(ZUL_DEFINE_STRUCT_SEQUENCE, prefix)                                                  \
+    ZUL_DEFINE_SEQUENCE(prefix##Command, admin::Union<prefix##Command>)                                      \
+    ZUL_FOR_EACH_ENUMERATION(ZUL_DEFINE_ENUMERATION_SEQUENCE, prefix)
+ZUL_DEFINE_SEQUENCE(ZUL_RoutingService_Administration_EntityName, admin::EntityName<admin::RoutingModule>)
+ZUL_DEFINE_SEQUENCES(ZUL_RoutingService_Administration_)
+ZUL_DEFINE_SEQUENCES(ZUL_FederationService_Administration_)
 
 #define ZUL_DEFINE_VALUES(Type)                                                                              \
     bool Type##_getValues(Type##Seq* values) {                                                               \

@@ -12,6 +12,7 @@ template <class Type>
 struct ZULRecordElement {
     static bool initialize(Type& element, const DDS_TypeAllocationParams_t& params);
     static void finalize(Type& element, const DDS_TypeDeallocationParams_t& params);
+    static bool prepare(Type& destination, const Type* source);
     static bool copy(Type& destination, const Type& source);
 };
 

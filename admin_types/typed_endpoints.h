@@ -29,8 +29,11 @@
     Result Type##DataWriter_##verb##_w_params(Type##DataWriter* writer, const Type* sample,                  \
                                               const DDS_WriteParams_t* params);
 
-// Reading leaves the samples in the reader, taking removes them. Samples are loaned when `data` has no buffer
-// of its own; give them back with `return_loan`. NO_DATA (11) leaves `data` empty.
+// Reading leaves the samples in the reader, taking removes them. `data` and `infos` have the same length,
+// maximum and ownership, before and after. Samples and infos are loaned when they have no buffers of their
+// own; give both back with `return_loan`, which leaves both owned and without a buffer. Otherwise they are
+// copied into the elements, which must be initialised records. NO_DATA (11) leaves both empty. What else is
+// refused is told in middleware/reading_rules.h.
 #define ZUL_DECLARE_READS(Type, verb)                                                                        \
     DDS_ReturnCode_t Type##DataReader_##verb(Type##DataReader* reader, Type##Seq* data,                      \
                                              DDS_SampleInfoSeq* infos, DDS_Long maxSamples,                  \

@@ -77,6 +77,11 @@ inline bool ZULCdrInput_getParameterHeader(ZULCdrInput& list, ZULParameterHeader
     if (length < ZUL_PARAMETER_EXTENDED_LENGTH || !list.get32(id) || !list.get32(header.length)) {
         return false;
     }
+    const std::size_t surplus = length - ZUL_PARAMETER_EXTENDED_LENGTH; // what a later revision may add
+    if (surplus > list.remaining()) {
+        return false;
+    }
+    list.position += surplus;
     // The flags of the extended id count; those of the escape word only announce the escape itself.
     header.mustUnderstand = (id & ZUL_PARAMETER_EXTENDED_MUST_UNDERSTAND) != 0;
     header.id = id & ZUL_PARAMETER_EXTENDED_ID_MASK;

@@ -5,15 +5,16 @@ void ZULCdr_copyText(void* to, const char* from, std::size_t size) {
 }
 
 bool ZULCdrInput_getEncapsulation(ZULCdrInput& stream) {
-    if (stream.remaining() < ZUL_ENCAPSULATION_SIZE) {
+    const std::size_t padding = ZULCdr_padding(stream.position - stream.origin, ZUL_ENCAPSULATION_ALIGNMENT);
+    if (stream.remaining() < padding + ZUL_ENCAPSULATION_SIZE) {
         return false;
     }
-    const std::uint8_t* header = stream.data + stream.position;
+    const std::uint8_t* header = stream.data + stream.position + padding;
     const auto id = static_cast<std::uint16_t>(header[0] << 8 | header[1]);
     if (!ZULEncapsulation_isValid(id)) {
         return false;
     }
-    stream.position += ZUL_ENCAPSULATION_SIZE;
+    stream.position += padding + ZUL_ENCAPSULATION_SIZE;
     stream.origin = stream.position;
     stream.bigEndian = ZULEncapsulation_isBigEndian(id);
     return true;

@@ -17,6 +17,7 @@ enum ZULEncapsulation : std::uint16_t {
     ZUL_ENCAPSULATION_PL_CDR_LE = 3,
 };
 constexpr std::size_t ZUL_ENCAPSULATION_SIZE = 4;
+constexpr std::size_t ZUL_ENCAPSULATION_ALIGNMENT = 2;
 constexpr bool ZULEncapsulation_isValid(std::uint16_t id) {
     return id <= ZUL_ENCAPSULATION_PL_CDR_LE;
 }
@@ -210,10 +211,11 @@ struct ZULCdrInput {
     }
 };
 
-// Encapsulation header: identifier and options, most significant byte first, whatever the byte order of what
-// follows; sets byte order and origin. Fails for an identifier outside 0..3.
+// Encapsulation header: identifier and options, two aligned 16-bit words, most significant byte first,
+// whatever the byte order of what follows; sets byte order and origin. Fails for an identifier outside 0..3.
 inline bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id) {
-    if (!ZULEncapsulation_isValid(id) || stream.capacity - stream.position < ZUL_ENCAPSULATION_SIZE) {
+    if (!ZULEncapsulation_isValid(id) ||
+        !stream.reserve(ZUL_ENCAPSULATION_ALIGNMENT, ZUL_ENCAPSULATION_SIZE)) {
         return false;
     }
     const std::uint8_t header[ZUL_ENCAPSULATION_SIZE] = {0, static_cast<std::uint8_t>(id), 0, 0};

@@ -54,6 +54,10 @@ struct DDS_SampleInfo {
     DDS_Boolean valid_data; // false: the sample carries no data, only a change of state
 };
 using DDS_SampleInfoSeq = DDS_Sequence<DDS_SampleInfo>;
+// What every sample's `instance_handle` holds: the one instance of a keyless topic, as its readers name it.
+// It selects that instance, and nothing comes after it, so that reading instance by instance comes to an end.
+constexpr DDS_InstanceHandle_t ZUL_HANDLE_KEYLESS_INSTANCE{
+    {'k', 'e', 'y', 'l', 'e', 's', 's', ' ', 'i', 'n', 's', 't', 'a', 'n', 'c', 'e'}, 1};
 
 // Reader listener. The callbacks run on a thread of the reader's own and may block: writing and discovery go
 // on. A null callback is skipped.
@@ -136,9 +140,10 @@ DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,
 const char* DDS_DataWriter_get_plugin_type_name(const DDS_DataWriter* self);
 const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self);
 
-// Instances (OMG DDS 1.4, 2.2.2.4.2). A keyless topic has one instance, which cannot be named, and every
-// topic here is keyless: registering and looking up give DDS_HANDLE_NIL, ending an instance that cannot have
-// been registered gives PRECONDITION_NOT_MET, and no handle has a key value (BAD_PARAMETER).
+// Instances of a writer (OMG DDS 1.4, 2.2.2.4.2). A keyless topic has one instance, and every topic here is
+// keyless. Handles are each entity's own, and a writer gives none away: registering and looking up give
+// DDS_HANDLE_NIL, ending an instance that cannot have been registered gives PRECONDITION_NOT_MET, and no
+// handle has a key value (BAD_PARAMETER), a reader's not either.
 DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_params(DDS_DataWriter* self, const void* sample,
                                                                const DDS_WriteParams_t* params);
 DDS_ReturnCode_t DDS_DataWriter_unregister_instance_w_params(DDS_DataWriter* self, const void* sample,
@@ -161,8 +166,8 @@ DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader* self, DDS_R
 enum DDS_InstanceSelection { DDS_ANY_INSTANCE, DDS_THIS_INSTANCE, DDS_NEXT_INSTANCE };
 struct DDS_ReadOrTakeParams {
     bool take;            // remove the samples from the reader
-    DDS_Long max_samples; // at least 1, or DDS_LENGTH_UNLIMITED; one call returns at most the reader's
-                          // resource limit
+    DDS_Long max_samples; // at least 1, at most what an owned sequence has room for, or
+                          // DDS_LENGTH_UNLIMITED; one call returns at most the reader's resource limit
     DDS_SampleStateMask sample_states = DDS_ANY_SAMPLE_STATE;
     DDS_ViewStateMask view_states = DDS_ANY_VIEW_STATE;
     DDS_InstanceStateMask instance_states = DDS_ANY_INSTANCE_STATE;
@@ -171,8 +176,9 @@ struct DDS_ReadOrTakeParams {
     DDS_InstanceSelection instances = DDS_ANY_INSTANCE;
     const DDS_InstanceHandle_t* handle = nullptr;
 };
-// What the caller's data sequence looks like; without a maximum the samples are loaned. A sequence that is
-// not owned still holds a loan: PRECONDITION_NOT_MET.
+// What the caller's data sequence looks like. The sequence of infos must look the same. Without a maximum,
+// samples and infos are loaned; with one, they are copied into the caller's elements. A sequence that is not
+// owned still holds a loan.
 struct DDS_DataSeqView {
     DDS_Long length;
     DDS_Long maximum;
@@ -181,15 +187,18 @@ struct DDS_DataSeqView {
     std::size_t element_size; // bytes
 };
 // Result: either a loan of `count` samples, to be given back with return_loan_untyped, or `count` samples
-// copied into the caller's buffer.
+// copied into the caller's buffer. The infos are loaned or filled likewise; they are the caller's again when
+// the loan is.
 struct DDS_ReceivedSamples {
     bool is_loan;
     void** samples;
     DDS_Long count;
 };
+// What is refused is told in middleware/reading_rules.h; then, and on NO_DATA, no sequence has changed.
 DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,
                                                      DDS_ReceivedSamples* received);
+// PRECONDITION_NOT_MET unless samples and infos come from one call on this reader.
 DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long count,
                                                     DDS_SampleInfoSeq* infos);

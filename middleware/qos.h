@@ -26,6 +26,8 @@ struct DDS_HistoryQosPolicy {
 
 // Each at least 1 or DDS_LENGTH_UNLIMITED.
 struct DDS_ResourceLimitsQosPolicy {
+    // Of a reader, also what a writer in the same process may send between two takes: docs/architecture.md,
+    // "The binding".
     DDS_Long max_samples;
     DDS_Long max_instances;
     DDS_Long max_samples_per_instance;
@@ -51,6 +53,11 @@ struct ZULSequenceElement<DDS_PropertyQosPolicy_Property> {
         DDS_String_free(element.name);
         DDS_String_free(element.value);
         element = {};
+    }
+    static bool prepare(Property& destination, const Property* source) {
+        using Text = ZULSequenceElement<char*>;
+        return source == nullptr || (Text::prepare(destination.name, &source->name) &&
+                                     Text::prepare(destination.value, &source->value));
     }
     static bool copy(Property& destination, const Property& source) {
         destination.propagate = source.propagate;

@@ -13,9 +13,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 // How a sequence treats one element. The primary template suits elements without owned memory; a type with
-// strings or nested sequences specialises it.
+// strings or nested sequences specialises it. `prepare` makes room in `destination` for `source`, or for any
+// value when it is null, and leaves its value as it was; where it succeeds, a copy of that value does.
 template <class T>
 struct ZULSequenceElement {
     static bool initialize(T& element, const DDS_TypeAllocationParams_t&) {
@@ -23,13 +25,16 @@ struct ZULSequenceElement {
         return true;
     }
     static void finalize(T&, const DDS_TypeDeallocationParams_t&) {}
+    static bool prepare(T&, const T*) { return true; }
     static bool copy(T& destination, const T& source) {
         destination = source;
         return true;
     }
 };
 
-// Strings start absent; a copy reuses the buffer when there is none to grow.
+// Strings start absent. A copy keeps a buffer that has room for it, so that an element never loses room. The
+// elements are the platform's own strings (DDS_String_alloc, DDS_String_dup) or null; a source may be any
+// text.
 template <>
 struct ZULSequenceElement<char*> {
     static bool initialize(char*& element, const DDS_TypeAllocationParams_t&) {
@@ -40,21 +45,33 @@ struct ZULSequenceElement<char*> {
         DDS_String_free(element);
         element = nullptr;
     }
+    static bool prepare(char*& destination, char* const* source) {
+        const char* text = source != nullptr ? *source : nullptr;
+        return text == nullptr || makeRoom(destination, std::strlen(text));
+    }
     static bool copy(char*& destination, char* const& source) {
-        const std::size_t length = source != nullptr ? std::strlen(source) : 0;
         if (source == nullptr) {
-            DDS_String_free(destination);
-            destination = nullptr;
-        } else if (destination != nullptr && std::strlen(destination) >= length) {
-            std::memcpy(destination, source, length + 1);
+            DDS_String_free(std::exchange(destination, nullptr));
+        } else if (!prepare(destination, &source)) {
+            return false;
         } else {
-            char* fresh = DDS_String_dup(source);
-            if (fresh == nullptr) {
-                return false;
-            }
-            DDS_String_free(destination);
-            destination = fresh;
+            std::memmove(destination, source, std::strlen(source) + 1);
         }
+        return true;
+    }
+    // Makes room for `length` characters, keeping the text. False when memory is exhausted.
+    static bool makeRoom(char*& element, std::size_t length) {
+        if (element != nullptr && ZULString_room(element) >= length) {
+            return true;
+        }
+        char* roomy = DDS_String_alloc(length);
+        if (roomy == nullptr) {
+            return false;
+        }
+        if (element != nullptr) {
+            std::memcpy(roomy, element, std::strlen(element) + 1); // shorter than the room it had
+        }
+        DDS_String_free(std::exchange(element, roomy));
         return true;
     }
 };
@@ -144,45 +161,63 @@ bool has_ownership(const DDS_Sequence<T, Traits>* self, const char* context) {
     return open(self, context) && self->owned;
 }
 
-// Replaces the owned buffer by one of `maximum` elements that keeps the elements that fit. All or nothing.
+// `maximum` initialised elements; null when there are to be none, or memory is exhausted, which is logged.
 template <class T, class Traits>
-bool set_maximum(DDS_Sequence<T, Traits>* self, DDS_Long maximum, const char* context) {
+T* makeElements(const DDS_Sequence<T, Traits>& self, DDS_Long maximum, const char* context) {
+    if (maximum == 0) {
+        return nullptr;
+    }
+    auto* fresh = ZULHeap_allocate<T>(static_cast<std::size_t>(maximum));
+    DDS_Long built = 0;
+    while (fresh != nullptr && built < maximum && Traits::initialize(fresh[built], self.elementAllocation)) {
+        ++built;
+    }
+    if (built < maximum) {
+        freeElements<Traits>(fresh, built, self.elementDeallocation);
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ALLOCATION_FAILURE_d,
+                          static_cast<unsigned long>(maximum) * sizeof(T));
+        return nullptr;
+    }
+    return fresh;
+}
+
+// Replaces the owned buffer; the elements that fit move over.
+template <class T, class Traits>
+void adoptElements(DDS_Sequence<T, Traits>& self, T* fresh, DDS_Long maximum) {
+    const bool hasBoth = fresh != nullptr && self.contiguous != nullptr;
+    const DDS_Long kept = hasBoth ? std::min(self.length, maximum) : 0;
+    std::swap_ranges(fresh, fresh + kept, self.contiguous);
+    freeElements<Traits>(self.contiguous, self.maximum, self.elementDeallocation);
+    self.contiguous = fresh;
+    self.maximum = maximum;
+    self.length = kept;
+}
+
+template <class T, class Traits>
+bool checkMaximum(const DDS_Sequence<T, Traits>* self, DDS_Long maximum, const char* context) {
     if (!open(self, context)) {
         return false;
     }
     if (maximum < 0) {
         return refuse(context, ZUL_LOG_ASSERTION_s, "max size must be positive");
     }
-    if (!self->owned) {
-        return refuse(context, ZUL_LOG_ASSERTION_s, "buffer must not be loaned");
+    return self->owned || refuse(context, ZUL_LOG_ASSERTION_s, "buffer must not be loaned");
+}
+
+// Replaces the owned buffer by one of `maximum` elements that keeps the elements that fit. All or nothing.
+template <class T, class Traits>
+bool set_maximum(DDS_Sequence<T, Traits>* self, DDS_Long maximum, const char* context) {
+    if (!checkMaximum(self, maximum, context)) {
+        return false;
     }
     if (maximum == self->maximum) {
         return true;
     }
-    T* fresh = nullptr;
-    DDS_Long built = 0;
-    if (maximum > 0) {
-        fresh = ZULHeap_allocate<T>(static_cast<std::size_t>(maximum));
-        while (fresh != nullptr && built < maximum &&
-               Traits::initialize(fresh[built], self->elementAllocation)) {
-            ++built;
-        }
-        if (fresh == nullptr || built < maximum) {
-            freeElements<Traits>(fresh, built, self->elementDeallocation);
-            ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ALLOCATION_FAILURE_d,
-                              static_cast<unsigned long>(maximum) * sizeof(T));
-            return false;
-        }
+    T* fresh = makeElements(*self, maximum, context);
+    if (fresh == nullptr && maximum > 0) {
+        return false;
     }
-    const bool hasBoth = fresh != nullptr && self->contiguous != nullptr;
-    const DDS_Long kept = hasBoth ? std::min(self->length, maximum) : 0;
-    for (DDS_Long i = 0; i < kept; ++i) {
-        std::swap(fresh[i], self->contiguous[i]);
-    }
-    freeElements<Traits>(self->contiguous, self->maximum, self->elementDeallocation);
-    self->contiguous = fresh;
-    self->maximum = maximum;
-    self->length = kept;
+    adoptElements(*self, fresh, maximum);
     return true;
 }
 
@@ -304,7 +339,29 @@ bool finalize(DDS_Sequence<T, Traits>* self, const char* context) {
     return set_maximum(self, 0, context);
 }
 
-// Copies the elements; the destination must have room for them.
+// Copies into elements that are ready for it; whatever is refused, the old elements stay as they are. `fresh`
+// holds those from `self->length` on while `self` is about to grow; null otherwise.
+template <class T, class Traits>
+bool prepareElements(DDS_Sequence<T, Traits>& self, const DDS_Sequence<T, Traits>& source, T* fresh) {
+    for (DDS_Long i = 0; i < source.length; ++i) {
+        T& element = fresh != nullptr && i >= self.length ? fresh[i] : at(self, i);
+        if (!Traits::prepare(element, &at(source, i))) {
+            return false;
+        }
+    }
+    return true;
+}
+template <class T, class Traits>
+bool copyElements(DDS_Sequence<T, Traits>& self, const DDS_Sequence<T, Traits>& source) {
+    bool copied = true;
+    for (DDS_Long i = 0; copied && i < source.length; ++i) {
+        copied = Traits::copy(at(self, i), at(source, i));
+    }
+    self.length = source.length;
+    return copied;
+}
+
+// Copies the elements; the destination must have room for them. All or nothing.
 template <class T, class Traits>
 bool copy_no_alloc(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source,
                    const char* context) {
@@ -320,13 +377,7 @@ bool copy_no_alloc(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>*
                           source->length);
         return false;
     }
-    for (DDS_Long i = 0; i < source->length; ++i) {
-        if (!Traits::copy(at(*self, i), at(*source, i))) {
-            return false;
-        }
-    }
-    self->length = source->length;
-    return true;
+    return prepareElements<T, Traits>(*self, *source, nullptr) && copyElements(*self, *source);
 }
 
 // The same, growing an owned destination when needed.
@@ -339,14 +390,26 @@ bool copy(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source, 
         return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "src");
     }
     open(source, context);
-    return (self->maximum >= source->length || set_maximum(self, source->length, context)) &&
-           copy_no_alloc(self, source, context);
+    const DDS_Long length = source->length;
+    if (length <= self->maximum) {
+        return copy_no_alloc(self, source, context);
+    }
+    T* fresh = checkMaximum(self, length, context) ? makeElements(*self, length, context) : nullptr;
+    if (fresh == nullptr) {
+        return false;
+    }
+    if (!prepareElements(*self, *source, fresh)) {
+        freeElements<Traits>(fresh, length, self->elementDeallocation);
+        return false;
+    }
+    adoptElements(*self, fresh, length);
+    return copyElements(*self, *source);
 }
 
 // ---- arrays ----
 
 // Copies `length` elements of an array into the sequence, or the sequence into an array with room for
-// `length` elements, which must be initialised records.
+// `length` elements, which must be initialised records. All or nothing.
 template <class T, class Traits>
 bool from_array(DDS_Sequence<T, Traits>* self, const T* array, DDS_Long length, const char* context) {
     if (!open(self, context)) {

@@ -3,6 +3,7 @@
 #include "middleware/heap.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -10,10 +11,30 @@ namespace {
 char lowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
+
+// The room stands before the text, in a block that keeps the text as aligned as the heap's memory is.
+constexpr std::size_t HEAD_SIZE = alignof(std::max_align_t);
+static_assert(HEAD_SIZE >= sizeof(std::size_t));
 } // namespace
 
 char* DDS_String_alloc(std::size_t length) {
-    return length == SIZE_MAX ? nullptr : ZULHeap_allocate<char>(length + 1);
+    if (length >= SIZE_MAX - HEAD_SIZE) {
+        return nullptr;
+    }
+    char* block = ZULHeap_allocate<char>(HEAD_SIZE + length + 1);
+    if (block == nullptr) {
+        return nullptr;
+    }
+    std::memcpy(block, &length, sizeof(length));
+    return block + HEAD_SIZE;
+}
+
+std::size_t ZULString_room(const char* text) {
+    std::size_t length = 0;
+    if (text != nullptr) {
+        std::memcpy(&length, text - HEAD_SIZE, sizeof(length));
+    }
+    return length;
 }
 
 char* DDS_String_dup(const char* text) {
@@ -29,7 +50,7 @@ char* DDS_String_dup(const char* text) {
 }
 
 void DDS_String_free(char* text) {
-    ZULHeap_free(text);
+    ZULHeap_free(text != nullptr ? text - HEAD_SIZE : nullptr);
 }
 
 bool ZULString_equalsIgnoreCase(std::string_view left, std::string_view right) {

@@ -1,5 +1,6 @@
 // Strings of the platform: NUL-terminated 8-bit text on the platform's heap, and the string helpers that the
-// shell relies on. Lengths are in characters and never count the terminator.
+// shell relies on. Lengths are in characters and never count the terminator. A string remembers the room that
+// it was allocated with, so that whoever writes into it need not guess.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +12,8 @@ char* DDS_String_alloc(std::size_t length);
 // Duplicates `text`; null for null or when memory is exhausted. The caller owns the result.
 char* DDS_String_dup(const char* text);
 void DDS_String_free(char* text); // null is ignored
+// The length that a string from DDS_String_alloc or DDS_String_dup has room for; 0 for null.
+std::size_t ZULString_room(const char* text);
 
 struct ZULStringDeleter {
     void operator()(char* text) const { DDS_String_free(text); }

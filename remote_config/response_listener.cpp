@@ -41,7 +41,6 @@ void ZUL_RoutingService_Administration_CommandResponseListener_on_data_available
     } else if (code != DDS_RETCODE_NO_DATA) {
         remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "take");
     }
-    ZULSequence::finalize(&infos, CONTEXT);
 }
 
 // Statuses that the client has no use for.

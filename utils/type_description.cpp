@@ -22,15 +22,12 @@ const DDS_TypeCode* ROUTERUtils_getTypeCodeFromXML(ZULXMLDocument* document, con
         return refuse(document != nullptr ? document->error.line : 0, "Error getting DOM");
     }
     const char* name = ROUTERUtils_removeScopeChars(typeName);
-    const ZULXMLObject* definition =
-        name != nullptr ? ZULXMLDocument_findDefinition(document, name) : nullptr;
-    if (definition == nullptr || std::find(std::begin(TYPE_ELEMENTS), std::end(TYPE_ELEMENTS),
-                                           definition->tagName) == std::end(TYPE_ELEMENTS)) {
-        return refuse(definition != nullptr ? definition->line : document->root->line,
-                      "This is not a type definition");
+    const ZULXMLTypeDefinition definition = ZULXMLDocument_findType(document, name != nullptr ? name : "");
+    if (std::find(std::begin(TYPE_ELEMENTS), std::end(TYPE_ELEMENTS), definition.tag) ==
+        std::end(TYPE_ELEMENTS)) {
+        return refuse(definition.line, "This is not a type definition");
     }
-    const DDS_TypeCode* code = ZULXMLDocument_getTypeCode(document, name);
-    return code != nullptr ? code : refuse(document->error.line, "Bad type definition");
+    return definition.code != nullptr ? definition.code : refuse(definition.line, "Bad type definition");
 }
 
 const DDS_TypeCode* ROUTERUtils_getTypeCodeFromXMLDom(ZULXMLDocument* document, const char* typeName) {

@@ -24,24 +24,19 @@ bool isWithin(const ZULXMLObject* object, const ZULXMLObject* ancestor) {
     return object != nullptr;
 }
 
-// Before `next`, or as the last one for null; `node` as for the reader's operation. What stands in a list
-// already, or has the parent in it, would tie the tree to a knot.
+// Before `next`, or as the last one for null; `node` as for the reader's operation. The name comes first: a
+// child that is there already is told as such. What else stands in a list, or has the parent in it, would tie
+// the tree to a knot.
 bool addBefore(ZULXMLObject* parent, ZULXMLObject* child, ZULXMLObject* next, ZULOrderedSetNode* node) {
-    if (child->list != nullptr || isWithin(parent, child)) {
-        return refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");
-    }
-    switch (ZULXMLObject_insertChild(parent, child, next, node)) {
-    case ZUL_ORDERED_SET_OK:
-        return true;
-    case ZUL_ORDERED_SET_EXISTS:
+    if (ZULOrderedSet_find(&parent->childSet, child->fullName) != nullptr) {
         if (ROUTERLog_isEnabled(ZUL_LOG_LEVEL_ERROR, ROUTER_SUBMODULE_UTILS)) {
             ZULLog_debug("%s: XML object with name '%s' already exists\n", ADD_CONTEXT, child->fullName);
         }
         return false;
-    case ZUL_ORDERED_SET_OUT_OF_MEMORY:
-        break;
     }
-    return refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");
+    const bool isFree = child->list == nullptr && !isWithin(parent, child);
+    return (isFree && ZULXMLObject_insertChild(parent, child, next, node) == ZUL_ORDERED_SET_OK) ||
+           refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");
 }
 
 // The child's node, which the caller owns; null, reported, when it is not a child.

@@ -15,8 +15,8 @@ enum class Bound { MAXIMUM, MINIMUM };
 constexpr std::size_t PARAMETER_HEADER_SIZE = 12;
 constexpr std::size_t SHORT_PARAMETER_HEADER_SIZE = 4;
 
-constexpr std::size_t aligned(std::size_t at, std::size_t alignment = 4) {
-    return at + ZULCdr_padding(at, alignment);
+constexpr std::size_t aligned(std::size_t at) {
+    return at + ZULCdr_padding(at, 4);
 }
 template <Bound bound>
 constexpr std::size_t listEnd(std::size_t at) {
@@ -87,7 +87,8 @@ constexpr std::size_t boundOf(IdlType type, bool includeEncapsulation, std::uint
     if (!ZULEncapsulation_isValid(encapsulationId)) {
         return 1;
     }
-    return ZULCdr_padding(currentAlignment, 2) + ZUL_ENCAPSULATION_SIZE + endOf<bound>(type, 0);
+    return ZULCdr_padding(currentAlignment, ZUL_ENCAPSULATION_ALIGNMENT) + ZUL_ENCAPSULATION_SIZE +
+           endOf<bound>(type, 0);
 }
 
 } // namespace admin

@@ -1,7 +1,8 @@
 // Encoding and decoding, for every IDL type: plain CDR, and parameter lists for the mutable types. Pure:
 // bytes in, record out; no I/O, no allocation. A decoded string goes into the buffer that initialisation
-// prepared. An exact size is the position at which encoding into a counting stream ends. (OMG DDS
-// XTypes 1.2, 7.4.1 and 7.4.3, version 1 encoding.)
+// prepared; one in a list, which any sequence operation may have replaced, only where it has room. An exact
+// size is the position at which encoding into a counting stream ends. (OMG DDS XTypes 1.2, 7.4.1 and 7.4.3,
+// version 1 encoding.)
 #pragma once
 
 #include "admin_types/derive/data.h"
@@ -136,9 +137,14 @@ bool deserialize(StringSequence<Elements, Bound>, ZULCdrInput& stream, DDS_Strin
         return false;
     }
     for (std::uint32_t i = 0; i < count; ++i) {
-        if (!deserialize(String<Bound>{}, stream, ZULSequence::at(value, static_cast<DDS_Long>(i)))) {
+        // The element may be the caller's: its room is asked for, not taken for granted.
+        char* const element = ZULSequence::at(value, static_cast<DDS_Long>(i));
+        std::string_view bytes;
+        if (element == nullptr || !stream.getString(bytes, std::size_t{Bound} + 1) ||
+            bytes.size() > ZULString_room(element) + 1) {
             return false;
         }
+        ZULCdr_copyText(element, bytes.data(), bytes.size());
     }
     value.length = static_cast<DDS_Long>(count);
     return true;

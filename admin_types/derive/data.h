@@ -1,9 +1,12 @@
-// Data-type operations: initialise, finalise, copy, for every IDL type.
+// Data-type operations: initialise, finalise, prepare, copy, for every IDL type.
 //
 // initialize: with allocate_memory, takes the value as raw memory and allocates strings at their bound;
 // without it, empties what is there. False when memory is exhausted; what was built is then released.
-// finalize: releases strings and sequences. copy: into the destination's buffers; false when a buffer is
-// missing or a string is longer than its bound.
+// finalize: releases strings and sequences.
+// prepare: makes the destination ready for a copy of the source, or of any value when that is null; only the
+// elements of a string list are allocated. False when a buffer is missing, a string is absent or longer than
+// its bound, or memory is exhausted. The destination's value stays as it was. assign: copies into a
+// destination that was prepared for it. copy: both; all or nothing.
 #pragma once
 
 #include "admin_types/derive/idl_types.h"
@@ -123,62 +126,95 @@ bool initialize(Union<Record> type, Record& record, const Allocation& params) {
 
 template <class IdlType>
 requires std::is_arithmetic_v<typename IdlType::Value> || std::is_enum_v<typename IdlType::Value>
-bool copy(IdlType, typename IdlType::Value& destination, const typename IdlType::Value& source) {
-    destination = source;
+bool prepare(IdlType, typename IdlType::Value&, const typename IdlType::Value*) {
     return true;
 }
 template <std::uint32_t Bound>
-bool copy(String<Bound>, char*& destination, char* const& source) {
-    if (destination == nullptr || source == nullptr) {
-        return false;
-    }
-    const std::size_t length = strnlen(source, std::size_t{Bound} + 1);
-    if (length > Bound) {
-        return false;
-    }
-    std::memmove(destination, source, length);
-    destination[length] = '\0';
-    return true;
+bool prepare(String<Bound>, char*& destination, char* const* source) {
+    return destination != nullptr &&
+           (source == nullptr || (*source != nullptr && strnlen(*source, std::size_t{Bound} + 1) <= Bound));
 }
-// A text goes into an element's buffer where the text before it shows that there is room, else into a new one
-// of the full bound, so that a sample may later be decoded into.
+// An element without room for its text gets a buffer of the full bound, so that any later text fits as well.
 template <std::uint32_t Elements, std::uint32_t Bound>
-bool copy(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const DDS_StringSeq& source) {
-    const DDS_Long length = ZULSequence::get_length(&source, STRING_SEQUENCE);
-    if (length > static_cast<DDS_Long>(Elements) ||
-        !ZULSequence::ensure_length(&destination, length, static_cast<DDS_Long>(Elements), STRING_SEQUENCE)) {
+bool prepare(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const DDS_StringSeq* source) {
+    constexpr auto all = static_cast<DDS_Long>(Elements);
+    const DDS_Long count = source != nullptr ? ZULSequence::get_length(source, STRING_SEQUENCE) : all;
+    if (count > all || (ZULSequence::get_maximum(&destination, STRING_SEQUENCE) < count &&
+                        !ZULSequence::set_maximum(&destination, all, STRING_SEQUENCE))) {
         return false;
     }
-    for (DDS_Long i = 0; i < length; ++i) {
+    for (DDS_Long i = 0; i < count; ++i) {
+        char* const text = source != nullptr ? ZULSequence::at(*source, i) : nullptr;
+        const std::size_t length = text != nullptr ? strnlen(text, std::size_t{Bound} + 1) : Bound;
         char*& element = ZULSequence::at(destination, i);
-        const char* text = ZULSequence::at(source, i);
-        if (text != nullptr && (element == nullptr || strnlen(element, Bound) < strnlen(text, Bound))) {
-            char* roomy = DDS_String_alloc(Bound);
-            if (roomy == nullptr) {
-                return false;
-            }
-            DDS_String_free(std::exchange(element, roomy));
-        }
-        if (!copy(String<Bound>{}, element, ZULSequence::at(source, i))) {
+        if (length > Bound || (source != nullptr && text == nullptr) ||
+            ((element == nullptr || ZULString_room(element) < length) &&
+             !ZULSequenceElement<char*>::makeRoom(element, Bound))) {
             return false;
         }
     }
     return true;
 }
 template <class Record>
-bool copy(Struct<Record>, Record& destination, const Record& source) {
+bool prepare(Struct<Record>, Record& destination, const Record* source) {
     return visitWhile(Description<Record>::members, [&](const auto& member, std::uint32_t) {
         using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        return copy(Type{}, member.get(destination), member.get(source));
+        return prepare(Type{}, member.get(destination), source != nullptr ? &member.get(*source) : nullptr);
     });
 }
 template <class Record>
-bool copy(Union<Record>, Record& destination, const Record& source) {
-    destination._d = source._d;
-    return visitSelected<Record>(source._d, [&](const auto& branch) {
+bool prepare(Union<Record>, Record& destination, const Record* source) {
+    const auto prepareBranch = [&](const auto& branch) {
         using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-        return copy(Type{}, branch.get(destination), branch.get(source));
+        return prepare(Type{}, branch.get(destination), source != nullptr ? &branch.get(*source) : nullptr);
+    };
+    return source != nullptr
+               ? visitSelected<Record>(source->_d, prepareBranch)
+               : visitWhile(Description<Record>::branches,
+                            [&](const auto& branch, std::uint32_t) { return prepareBranch(branch); });
+}
+
+template <class IdlType>
+requires std::is_arithmetic_v<typename IdlType::Value> || std::is_enum_v<typename IdlType::Value>
+void assign(IdlType, typename IdlType::Value& destination, const typename IdlType::Value& source) {
+    destination = source;
+}
+template <std::uint32_t Bound>
+void assign(String<Bound>, char*& destination, char* const& source) {
+    std::memmove(destination, source, std::strlen(source) + 1);
+}
+template <std::uint32_t Elements, std::uint32_t Bound>
+void assign(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const DDS_StringSeq& source) {
+    for (DDS_Long i = 0; i < source.length; ++i) {
+        assign(String<Bound>{}, ZULSequence::at(destination, i), ZULSequence::at(source, i));
+    }
+    destination.length = source.length;
+}
+template <class Record>
+void assign(Struct<Record>, Record& destination, const Record& source) {
+    visitWhile(Description<Record>::members, [&](const auto& member, std::uint32_t) {
+        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
+        assign(Type{}, member.get(destination), member.get(source));
+        return true;
     });
+}
+template <class Record>
+void assign(Union<Record>, Record& destination, const Record& source) {
+    destination._d = source._d;
+    visitSelected<Record>(source._d, [&](const auto& branch) {
+        using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
+        assign(Type{}, branch.get(destination), branch.get(source));
+        return true;
+    });
+}
+
+template <class IdlType>
+bool copy(IdlType type, typename IdlType::Value& destination, const typename IdlType::Value& source) {
+    if (!prepare(type, destination, &source)) {
+        return false;
+    }
+    assign(type, destination, source);
+    return true;
 }
 
 } // namespace admin

@@ -111,8 +111,7 @@ struct PluginOperations {
         if (includeEncapsulation && !ZULEncapsulation_isValid(encapsulationId)) {
             return 1;
         }
-        const std::size_t start = includeEncapsulation ? aligned(currentAlignment, 2) : currentAlignment;
-        ZULCdrOutput counter{.capacity = SIZE_MAX, .position = start};
+        ZULCdrOutput counter{.capacity = SIZE_MAX, .position = currentAlignment};
         return serializeSample(data, sample, counter, includeEncapsulation, encapsulationId, true)
                    ? counter.position - currentAlignment
                    : 0;

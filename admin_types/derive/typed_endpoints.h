@@ -5,6 +5,7 @@
 #include "middleware/dds.h"
 #include "middleware/log.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace admin {
@@ -54,14 +55,33 @@ inline bool writeParams(DDS_WriteParams_t& params, const DDS_InstanceHandle_t* h
     return true;
 }
 
+// Whether each element that may be filled has its buffers; asked before samples are taken, which would be
+// lost otherwise.
+template <class T, class Traits>
+bool canTakeSamples(const DDS_Sequence<T, Traits>& data, DDS_Long maxSamples) {
+    const bool isLimited = maxSamples != DDS_LENGTH_UNLIMITED;
+    const DDS_Long count = isLimited ? std::min(maxSamples, data.maximum) : data.maximum;
+    bool isReady = true;
+    for (DDS_Long i = 0; isReady && data.owned && i < count; ++i) {
+        isReady = Traits::prepare(data.contiguous[i], nullptr);
+    }
+    return isReady;
+}
+
 template <class T, class Traits>
 DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const DDS_ReadOrTakeParams& params, const char* context) {
-    if (data == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");
+    if (data == nullptr || infos == nullptr) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s,
+                          data == nullptr ? "received_data" : "info_seq");
         return DDS_RETCODE_BAD_PARAMETER;
     }
     ZULSequence::open(data, context);
+    if (!canTakeSamples(*data, params.max_samples)) {
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_ASSERTION_s,
+                          "received_data has elements without buffers; initialize them first");
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
+    }
     const DDS_DataSeqView view{.length = data->length,
                                .maximum = data->maximum,
                                .has_ownership = data->owned,
@@ -71,6 +91,7 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* dat
     const DDS_ReturnCode_t code = DDS_DataReader_read_or_take_untyped(reader, view, infos, params, &received);
     if (code == DDS_RETCODE_NO_DATA) {
         ZULSequence::set_length(data, 0, context);
+        ZULSequence::set_length(infos, 0, context);
     }
     if (code != DDS_RETCODE_OK) {
         return code;
@@ -107,20 +128,16 @@ DDS_ReturnCode_t nextSample(DDS_DataReader* reader, T* sample, DDS_SampleInfo* i
                           sample == nullptr ? "received_data" : "sample_info");
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    // A sequence over the caller's sample, which is never finalised.
+    // Sequences over what is the caller's, which are never finalised.
     Seq one{};
-    ZULSequence::initialize(&one, context);
-    one.contiguous = sample;
-    one.maximum = 1;
     DDS_SampleInfoSeq infos{};
-    const DDS_ReturnCode_t code =
-        readOrTake(reader, &one, &infos,
-                   {.take = take, .max_samples = 1, .sample_states = DDS_NOT_READ_SAMPLE_STATE}, context);
-    if (code == DDS_RETCODE_OK) {
-        *info = ZULSequence::at(infos, 0);
-    }
-    ZULSequence::finalize(&infos, context);
-    return code;
+    ZULSequence::initialize(&one, context);
+    ZULSequence::initialize(&infos, context);
+    one.contiguous = sample;
+    infos.contiguous = info;
+    one.maximum = infos.maximum = 1;
+    return readOrTake(reader, &one, &infos,
+                      {.take = take, .max_samples = 1, .sample_states = DDS_NOT_READ_SAMPLE_STATE}, context);
 }
 
 template <class T, class Traits>

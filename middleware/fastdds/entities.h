@@ -8,6 +8,7 @@
 #include "middleware/fastdds/delivery_thread.h"
 #include "middleware/fastdds/type_adapter.h"
 
+#include <algorithm>
 #include <atomic>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/publisher/DataWriter.hpp>
@@ -18,6 +19,7 @@
 #include <fastdds/dds/subscriber/Subscriber.hpp>
 #include <fastdds/dds/topic/Topic.hpp>
 #include <fastdds/dds/topic/TypeSupport.hpp>
+#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -32,6 +34,11 @@ class MatchedEndpoints {
 public:
     void update(const DDS_InstanceHandle_t& handle, std::int32_t change);
     DDS_ReturnCode_t copyTo(DDS_InstanceHandleSeq* handles) const;
+    template <class Test>
+    bool any(Test test) const {
+        const std::lock_guard lock(mutex_);
+        return std::any_of(handles_.begin(), handles_.end(), test);
+    }
 
 private:
     mutable std::mutex mutex_;
@@ -73,14 +80,20 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     zul::MatchedEndpoints matched;
     DDS_Long maxSamples = 0; // most samples of one read or take
     std::atomic<bool> leavesReadSamples{false};
+    std::atomic<bool> hasToldOfLoss{false};
+    struct Loan {
+        std::vector<void*> samples; // its address is what was handed out
+        std::vector<DDS_SampleInfo> infos;
+    };
     std::mutex loansMutex;
-    std::map<void**, std::vector<void*>> loans; // by the address handed out
+    std::list<Loan> loans;
     mutable std::mutex conditionsMutex;
     std::vector<std::unique_ptr<DDS_ReadCondition>> conditions;
     std::unique_ptr<zul::DeliveryThread> delivery;
 
     bool isEnabled() const { return reader->is_enabled(); }
     void note(DDS_StatusMask status);
+    void tellOfLoss();
     void on_data_available(eprosima::fastdds::dds::DataReader* reader) override;
     void on_subscription_matched(eprosima::fastdds::dds::DataReader* reader,
                                  const eprosima::fastdds::dds::SubscriptionMatchedStatus& status) override;

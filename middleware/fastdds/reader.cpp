@@ -4,7 +4,11 @@
 #include "middleware/fastdds/qos_mapping.h"
 #include "middleware/fastdds/status_bits.h"
 
+#include <fastrtps/xmlparser/XMLProfileManager.h>
+#include <string>
+
 namespace fast = eprosima::fastdds::dds;
+namespace rtps = eprosima::fastrtps::rtps;
 
 namespace {
 
@@ -16,6 +20,26 @@ constexpr DDS_Long DEFAULT_MAX_SAMPLES_PER_READ = 32;
 void DDS_DataReader::note(DDS_StatusMask status) {
     if (delivery != nullptr) {
         delivery->notify(status);
+    }
+}
+// A full reader refuses samples, and a reliable writer sends them again later, but for one in the same
+// process: the library hands it the sample directly, once, and as none behind the gap is delivered, the
+// reader is silent for good. Its limit is therefore a limit on what such a writer may send between two takes.
+void DDS_DataReader::tellOfLoss() {
+    using eprosima::fastrtps::xmlparser::XMLProfileManager;
+    const rtps::GUID_t own = reader->guid();
+    const auto isNear = [&own](const DDS_InstanceHandle_t& handle) {
+        rtps::GUID_t writer;
+        std::copy_n(handle.value, rtps::GuidPrefix_t::size, writer.guidPrefix.value);
+        return own.is_on_same_process_as(writer);
+    };
+    if (XMLProfileManager::library_settings().intraprocess_delivery != eprosima::fastrtps::INTRAPROCESS_OFF &&
+        matched.any(isNear) && !hasToldOfLoss.exchange(true)) {
+        const std::string message =
+            "a reader is full (" + std::to_string(maxSamples) +
+            " samples); what a writer in its own process sends now is lost, and all that follows: raise "
+            "max_samples, or set intraprocess_delivery to OFF in the library's profile file";
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, "DDS_DataReader", ZUL_LOG_ANY_s, std::string_view(message));
     }
 }
 void DDS_DataReader::on_data_available(fast::DataReader* /*reader*/) {
@@ -36,6 +60,7 @@ void DDS_DataReader::on_liveliness_changed(fast::DataReader* /*reader*/,
 }
 void DDS_DataReader::on_sample_rejected(fast::DataReader* /*reader*/,
                                         const eprosima::fastrtps::SampleRejectedStatus&) {
+    tellOfLoss();
     note(zul::STATUS_SAMPLE_REJECTED);
 }
 void DDS_DataReader::on_requested_incompatible_qos(fast::DataReader* /*reader*/,
@@ -53,6 +78,7 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
     return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DataReader* {
         auto reader = std::make_unique<DDS_DataReader>();
         reader->adapter = topic->adapter;
+        // What a full reader means for a writer in the same process is told at tellOfLoss.
         reader->maxSamples = qos->resource_limits.max_samples > 0 ? qos->resource_limits.max_samples
                                                                   : DEFAULT_MAX_SAMPLES_PER_READ;
         if (listener != nullptr) {

@@ -1,6 +1,7 @@
 // Reading and taking: samples of the type's pool, decoded into by the library, as loans or as copies.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/qos_mapping.h"
+#include "middleware/reading_rules.h"
 
 #include <algorithm>
 #include <fastdds/dds/core/LoanableCollection.hpp>
@@ -82,17 +83,6 @@ DDS_ReturnCode_t statesOf(const DDS_DataReader& self, const DDS_ReadOrTakeParams
     return DDS_RETCODE_OK;
 }
 
-// The one instance of a keyless topic comes first, nothing comes after it, and no handle names it.
-DDS_ReturnCode_t checkInstance(const DDS_ReadOrTakeParams& params) {
-    if (params.instances == DDS_ANY_INSTANCE) {
-        return DDS_RETCODE_OK;
-    }
-    if (params.instances == DDS_THIS_INSTANCE || params.handle == nullptr) {
-        return DDS_RETCODE_BAD_PARAMETER;
-    }
-    return params.handle->isValid == 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA;
-}
-
 } // namespace
 
 DDS_ReadCondition* DDS_DataReader_create_readcondition(DDS_DataReader* self, DDS_SampleStateMask sampleStates,
@@ -121,20 +111,13 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,
                                                      DDS_ReceivedSamples* received) {
-    if (self == nullptr || infos == nullptr || received == nullptr ||
-        (params.max_samples < 1 && params.max_samples != DDS_LENGTH_UNLIMITED)) {
+    if (self == nullptr || received == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    if (data.maximum > 0 && !data.has_ownership) {
-        return DDS_RETCODE_PRECONDITION_NOT_MET;
-    }
+    DDS_ReturnCode_t code = ZULReading_check(data, infos, params);
     States states;
-    DDS_ReturnCode_t code = statesOf(*self, params, states);
     if (code == DDS_RETCODE_OK) {
-        code = checkInstance(params);
-    }
-    if (code == DDS_RETCODE_OK || code == DDS_RETCODE_NO_DATA) {
-        ZULSequence::set_length(infos, 0, __func__);
+        code = statesOf(*self, params, states);
     }
     if (code != DDS_RETCODE_OK) {
         return code;
@@ -144,11 +127,14 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
     const DDS_Long wanted = samplesToAskFor(*self, params, limit);
     PooledSamples samples(*self->adapter, wanted);
     const auto room = static_cast<DDS_Long>(samples.maximum());
-    // Before samples are taken, which would be lost later.
-    if (room == 0 || !ZULSequence::ensure_length(infos, room, room, __func__)) {
+    if (room == 0) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
-    ZULSequence::set_length(infos, 0, __func__);
+    // Whatever may fail comes before samples are taken, which would be lost later.
+    std::list<DDS_DataReader::Loan> loan(asLoan ? 1 : 0);
+    if (asLoan) {
+        loan.front().infos.resize(static_cast<std::size_t>(room));
+    }
     fast::SampleInfoSeq libraryInfos;
     libraryInfos.length(samples.maximum()); // makes room
     libraryInfos.length(0);
@@ -164,17 +150,19 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
     if (params.take && count == room) {
         self->note(DDS_DATA_AVAILABLE_STATUS); // there may be more than this call could return
     }
-    ZULSequence::set_length(infos, count, __func__);
+    DDS_SampleInfo* const filledInfos = asLoan ? loan.front().infos.data() : infos->contiguous;
     for (DDS_Long i = 0; i < count; ++i) {
-        ZULSequence::at(*infos, i) = zul::toSampleInfo(libraryInfos[i]);
+        filledInfos[i] = zul::toSampleInfo(libraryInfos[i]);
+        filledInfos[i].instance_handle = ZUL_HANDLE_KEYLESS_INSTANCE;
     }
     *received = {.is_loan = asLoan, .samples = nullptr, .count = count};
     std::vector<void*> filled = samples.release();
     if (asLoan) {
-        void** address = filled.data();
+        received->samples = filled.data();
+        loan.front().samples = std::move(filled);
+        ZULSequence::loan_contiguous(infos, filledInfos, count, count, __func__);
         const std::lock_guard lock(self->loansMutex);
-        self->loans.emplace(address, std::move(filled));
-        received->samples = address;
+        self->loans.splice(self->loans.end(), loan);
         return DDS_RETCODE_OK;
     }
     bool copied = true;
@@ -184,9 +172,7 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
         destination += data.element_size;
         self->adapter->returnReaderSample(sample);
     }
-    if (!copied) { // a buffer is missing in the caller's records
-        ZULSequence::set_length(infos, 0, __func__);
-    }
+    ZULSequence::set_length(infos, copied ? count : 0, __func__);
     return copied ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
 }
 
@@ -196,14 +182,15 @@ DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void**
         return DDS_RETCODE_BAD_PARAMETER;
     }
     const std::lock_guard lock(self->loansMutex);
-    const auto loan = self->loans.find(samples);
-    if (loan == self->loans.end()) {
+    const auto loan = std::find_if(self->loans.begin(), self->loans.end(),
+                                   [samples](const auto& each) { return each.samples.data() == samples; });
+    if (loan == self->loans.end() || infos->contiguous != loan->infos.data()) {
         return DDS_RETCODE_PRECONDITION_NOT_MET;
     }
-    for (void* sample : loan->second) {
+    for (void* sample : loan->samples) {
         self->adapter->returnReaderSample(sample);
     }
+    ZULSequence::unloan(infos, __func__);
     self->loans.erase(loan);
-    ZULSequence::set_length(infos, 0, __func__);
     return DDS_RETCODE_OK;
 }

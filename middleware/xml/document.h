@@ -35,9 +35,9 @@ struct ZULXMLTypeSetDeleter {
 };
 
 struct ZULXMLDocument {
-    ZULXMLObject* root = nullptr;                                 // null when the document could not be read
-    std::string path{};                                           // of the file; empty when it came as text
-    ZULXMLError error{};                                          // why there is no root, or no types
+    ZULXMLObject* root = nullptr; // null when the document could not be read
+    std::string path{};           // of the file; empty when it came as text
+    ZULXMLError error{};          // why there is no root, or not the type last asked for
     std::unique_ptr<ZULXMLTypeSet, ZULXMLTypeSetDeleter> types{}; // once they were asked for
 };
 

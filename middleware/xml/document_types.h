@@ -4,10 +4,15 @@
 #include "middleware/type_code.h"
 #include "middleware/xml/document.h"
 
-// The element that defines the type of that scoped name ("Module::Type", without "::" in front) in a types
-// section of the document, or null. An announcement (forward_dcl) is no definition. The first of several
-// counts.
-const ZULXMLObject* ZULXMLDocument_findDefinition(const ZULXMLDocument* self, std::string_view name);
-// The type code of that scoped name, valid as long as the document. All types sections are read on first use.
-// Null, with the reason in `error` and logged, when one is wrong; null when there is no such type.
-const DDS_TypeCode* ZULXMLDocument_getTypeCode(ZULXMLDocument* self, std::string_view name);
+// What a document and the files that it includes say of one scoped name ("Module::Type", without "::" in
+// front).
+struct ZULXMLTypeDefinition {
+    std::string_view tag;     // of the element that defines it; empty when there is none
+    std::int32_t line;        // of that element, of what is wrong in it, or of the include that brings it
+    const DDS_TypeCode* code; // null when it is wrong or no type
+};
+// Looks the name up; what it returns is valid as long as the document. All types sections are read on first
+// use. What is wrong with one type leaves the others alone; for the one that was asked for, it is in the
+// document's `error`. An announcement (forward_dcl) counts only where there is no definition, and of several
+// definitions the first.
+ZULXMLTypeDefinition ZULXMLDocument_findType(ZULXMLDocument* self, std::string_view name);

@@ -1,87 +1,135 @@
+// Two walks find what is wrong with a type by itself; what is wrong because of its parts is then found
+// backwards, from the wrong types to those that use them. All of it is linear in the members, and nothing is
+// recursive in the depth.
 #include "middleware/xml/type_check.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 
 namespace xml_types {
 
 namespace {
 
+// The parts of a type: what it contains, then the types of its members. Null where there is none.
+std::size_t partCount(const DDS_TypeCode& type) {
+    return 1 + type.members.size();
+}
+const DDS_TypeCode* partAt(const DDS_TypeCode& type, std::size_t index) {
+    return index == 0 ? type.content : type.members[index - 1].type;
+}
+
 // A walk over type codes along what they are made of. By value, a sequence ends the walk, and coming back to
 // an open type is the error; through everything, coming back is how recursive types end.
 class Walk {
 public:
-    Walk(bool byValue, const Symbols& symbols, ZULXMLError& error)
-        : byValue_(byValue), symbols_(symbols), error_(error) {}
+    // `loops` gets the types that contain themselves.
+    Walk(bool byValue, std::set<const DDS_TypeCode*>& loops) : byValue_(byValue), loops_(loops) {}
 
-    // The levels from `type` down; 0 with the error set. `line` is that of the type where the walk began.
-    int depthOf(const DDS_TypeCode* type, std::int32_t line, int level = 0) {
-        if (type == nullptr || (type->name.empty() && type->content == nullptr)) {
-            return 1;
+    // The levels from `type` down.
+    int depthOf(const DDS_TypeCode* type) {
+        if (depths_.try_emplace(type, OPEN).second) {
+            open_.push_back({type});
         }
-        const auto [place, isNew] = depths_.try_emplace(type, OPEN);
-        if (!isNew && place->second == OPEN) {
-            // An open type is named: nothing but its owner leads to an anonymous one.
-            if (byValue_) {
-                error_.set(symbols_.all().at(type->name).line,
-                           "'" + type->name + "' contains itself; put a sequence of it there");
-            }
-            return byValue_ ? 0 : 1;
+        while (!open_.empty()) {
+            step();
         }
-        if (!isNew) {
-            return place->second;
-        }
-        int deepest = byValue_ && type->kind == DDS_TK_SEQUENCE ? 1 : below(type->content, line, level);
-        for (const DDS_TypeCodeMember& member : type->members) {
-            deepest = deepest == 0 ? 0 : std::max(deepest, below(member.type, line, level));
-            if (!error_.text.empty()) {
-                return 0;
-            }
-        }
-        if (deepest >= TYPE_DEPTH_MAX) {
-            error_.set(line, "types stand more than " + std::to_string(TYPE_DEPTH_MAX) +
-                                 " levels inside each other");
-        }
-        depths_[type] = deepest + 1;
-        return error_.text.empty() ? deepest + 1 : 0;
+        return depths_[type];
     }
 
 private:
     static constexpr int OPEN = 0;
+    struct Visit {
+        const DDS_TypeCode* type;
+        std::size_t nextPart = 0;
+        int deepest = 0; // of the parts so far
+    };
 
-    int below(const DDS_TypeCode* type, std::int32_t line, int level) {
-        if (level >= TYPE_DEPTH_MAX) {
-            error_.set(line, "types stand more than " + std::to_string(TYPE_DEPTH_MAX) +
-                                 " levels inside each other");
-            return 0;
+    void step() {
+        Visit& visit = open_.back();
+        const bool isEnd = byValue_ && visit.type->kind == DDS_TK_SEQUENCE;
+        if (isEnd || visit.nextPart == partCount(*visit.type)) {
+            depths_[visit.type] = visit.deepest + 1;
+            open_.pop_back();
+            return;
         }
-        return depthOf(type, line, level + 1);
+        const DDS_TypeCode* part = partAt(*visit.type, visit.nextPart);
+        const auto depth = part != nullptr ? depths_.find(part) : depths_.end();
+        if (part != nullptr && depth == depths_.end()) {
+            depths_.emplace(part, OPEN);
+            open_.push_back({part}); // this part is looked at again once its depth is known
+            return;
+        }
+        ++visit.nextPart;
+        if (part == nullptr) {
+            return;
+        }
+        // An open type is named: nothing but its owner leads to an anonymous one.
+        if (depth->second == OPEN && byValue_) {
+            loops_.insert(part);
+        }
+        visit.deepest = std::max({visit.deepest, depth->second, 1});
     }
 
     bool byValue_;
-    const Symbols& symbols_;
-    ZULXMLError& error_;
+    std::set<const DDS_TypeCode*>& loops_;
     std::unordered_map<const DDS_TypeCode*, int> depths_;
+    std::vector<Visit> open_; // from the outermost in
 };
+
+// Which named types use a type directly, through types without a name.
+using Users = std::unordered_map<const DDS_TypeCode*, std::vector<const DDS_TypeCode*>>;
+void addUses(const DDS_TypeCode& user, const DDS_TypeCode& part, Users& users) {
+    for (std::size_t i = 0; i < partCount(part); ++i) {
+        const DDS_TypeCode* used = partAt(part, i);
+        if (used != nullptr && used->name.empty()) {
+            addUses(user, *used, users);
+        } else if (used != nullptr) {
+            users[used].push_back(&user);
+        }
+    }
+}
 
 } // namespace
 
-bool checkTypes(const Symbols& symbols, ZULXMLError& error) {
-    Walk byValue(true, symbols, error);
-    Walk throughAll(false, symbols, error);
+void checkTypes(const Symbols& symbols,
+                const std::function<void(const std::string&, const std::string&, bool)>& tell) {
+    std::set<const DDS_TypeCode*> loops;
+    Walk byValue(true, loops);
+    Walk throughAll(false, loops);
+    Users users;
+    std::vector<const DDS_TypeCode*> wrong;
+    std::set<const DDS_TypeCode*> known; // of the wrong ones
+    const auto add = [&](const DDS_TypeCode* type, const std::string& reason, bool isOwn) {
+        if (known.insert(type).second) {
+            wrong.push_back(type);
+            tell(type->name, reason, isOwn);
+        }
+    };
     for (const auto& [name, symbol] : symbols.all()) {
         if (symbol.kind != SymbolKind::TYPE) {
             continue;
         }
-        if (!symbol.isDefined) {
-            return error.set(symbol.line, "'" + name + "' is announced but never defined");
+        addUses(*symbol.type, *symbol.type, users);
+        if (symbol.isWrong && known.insert(symbol.type).second) {
+            wrong.push_back(symbol.type);
+        } else if (!symbol.isDefined) {
+            add(symbol.type, "'" + name + "' is announced but never defined", true);
+        } else if (std::max(byValue.depthOf(symbol.type), throughAll.depthOf(symbol.type)) > TYPE_DEPTH_MAX) {
+            add(symbol.type,
+                "types stand more than " + std::to_string(TYPE_DEPTH_MAX) + " levels inside each other",
+                true);
         }
-        if (byValue.depthOf(symbol.type, symbol.line) == 0 ||
-            throughAll.depthOf(symbol.type, symbol.line) == 0) {
-            return false;
+        for (const DDS_TypeCode* loop : loops) {
+            add(loop, "'" + loop->name + "' contains itself; put a sequence of it there", true);
+        }
+        loops.clear();
+    }
+    for (std::size_t i = 0; i < wrong.size(); ++i) {
+        for (const DDS_TypeCode* user : users[wrong[i]]) {
+            add(user, "'" + user->name + "' is made of '" + wrong[i]->name + "', which is wrong", false);
         }
     }
-    return true;
 }
 
 } // namespace xml_types

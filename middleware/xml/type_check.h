@@ -3,14 +3,19 @@
 
 #include "middleware/xml/type_scope.h"
 
+#include <functional>
+
 namespace xml_types {
 
 // A type and the types that it is made of, and so on, stand at most so many levels inside each other;
 // sequences, arrays and typedefs count as levels.
 constexpr int TYPE_DEPTH_MAX = 256;
 
-// Every announced type is defined, none contains itself other than through a sequence, and none is too deep.
-// False with the error set otherwise.
-bool checkTypes(const Symbols& symbols, ZULXMLError& error);
+// Finds the types that are announced and never defined, contain themselves other than through a sequence, or
+// are too deep; then those that are made of a wrong one, however far down. `tell(name, reason, isOwn)` is
+// called once for each; `isOwn` is false for the latter.
+void checkTypes(
+    const Symbols& symbols,
+    const std::function<void(const std::string& name, const std::string& reason, bool isOwn)>& tell);
 
 } // namespace xml_types

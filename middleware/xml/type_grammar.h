@@ -5,8 +5,8 @@
 
 namespace xml_types {
 
-// Checks the element by itself, its children by their tags only. False, with the line and what is wrong, when
-// it does not follow the form.
+// Checks the element by itself, its children by their tags only, and those of a types section or module not
+// at all. False, with the line and what is wrong, when it does not follow the form.
 bool checkForm(const ZULXMLObject& element, ZULXMLError& error);
 
 // The value of an attribute that `checkForm` has found, or "" when it is not given.

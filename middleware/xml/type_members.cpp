@@ -79,6 +79,10 @@ const DDS_TypeCode* TypeReader::namedType(Element element, Scope scope, std::str
              "unknown type '" + name + "'; define it, or announce it with forward_dcl, before it is used");
         return nullptr;
     }
+    if (symbol->isWrong) {
+        fail(element, "the type '" + name + "' is wrong itself");
+        return nullptr;
+    }
     if (mustBeDefined && !symbol->isDefined) {
         fail(element, "the type '" + name + "' must be defined before this use, not only announced");
         return nullptr;

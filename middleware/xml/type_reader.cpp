@@ -14,7 +14,7 @@ const TypeReader::Definition TypeReader::DEFINITIONS[] = {
     {"module", &TypeReader::readModule, DDS_TK_NULL},
     {"const", &TypeReader::readConstant, DDS_TK_NULL},
     {"forward_dcl", &TypeReader::readForward, DDS_TK_NULL},
-    {"typedef", &TypeReader::readTypedef, DDS_TK_NULL},
+    {"typedef", &TypeReader::readTypedef, DDS_TK_ALIAS},
     {"enum", &TypeReader::readEnum, DDS_TK_ENUM},
     {"struct", &TypeReader::readRecord, DDS_TK_STRUCT},
     {"valuetype", &TypeReader::readRecord, DDS_TK_VALUE},
@@ -36,36 +36,104 @@ bool TypeReader::read(const ZULXMLDocument& document) {
     if (real != nullptr) {
         included_.insert(real.get());
     }
-    if (!readSections(document, "") || !checkTypes(symbols_, error_)) {
-        return false;
-    }
+    readSections(document, "");
     for (const auto& [name, symbol] : symbols_.all()) {
-        if (symbol.kind == SymbolKind::TYPE) {
-            types_.byName.emplace(name, symbol.type);
+        const auto entry = types_.byName.find(name);
+        if (symbol.kind == SymbolKind::TYPE && entry != types_.byName.end()) {
+            entry->second.code = symbol.isDefined && !symbol.isWrong ? symbol.type : nullptr;
         }
     }
-    return true;
+    checkTypes(symbols_, [this](const std::string& name, const std::string& reason, bool isOwn) {
+        ZULXMLTypeEntry& entry = types_.byName.at(name);
+        entry.code = nullptr;
+        entry.reason = entry.place + reason;
+        if (isOwn) {
+            first_.set(entry.line, entry.reason);
+        }
+    });
+    return first_.text.empty();
 }
 
-bool TypeReader::readSections(const ZULXMLDocument& document, Scope scope) {
+void TypeReader::readSections(const ZULXMLDocument& document, Scope scope) {
     const ZULXMLDocument* outer = std::exchange(document_, &document);
-    bool isRead = true;
-    for (const ZULXMLObject* section = document.root->children.first; isRead && section != nullptr;
+    for (const ZULXMLObject* section = document.root->children.first; section != nullptr;
          section = section->next) {
-        isRead = std::strcmp(section->tagName, "types") != 0 ||
-                 (checkForm(*section, error_) && readDefinitions(*section, scope));
+        if (std::strcmp(section->tagName, "types") == 0) {
+            if (!checkForm(*section, error_)) {
+                tell(*section, "", nullptr);
+            }
+            readDefinitions(*section, scope);
+        }
     }
     document_ = outer;
-    return isRead;
 }
 
-bool TypeReader::readDefinitions(Element parent, Scope scope) {
+void TypeReader::readDefinitions(Element parent, Scope scope) {
     for (const ZULXMLObject* child = parent.children.first; child != nullptr; child = child->next) {
-        if (!checkForm(*child, error_) || !(this->*findDefinition(child->tagName)->read)(*child, scope)) {
-            return false;
+        const std::string_view ownName = attribute(*child, "name");
+        const std::string name = ownName.empty() ? "" : scopedName(scope, ownName);
+        ZULXMLTypeEntry* entry = name.empty() ? nullptr : beginEntry(*child, name);
+        if (!readDefinition(*child, parent, scope)) {
+            tell(*child, name, entry);
         }
     }
-    return true;
+}
+
+bool TypeReader::readDefinition(Element element, Element parent, Scope scope) {
+    const Definition* definition = findDefinition(element.tagName);
+    if (definition == nullptr) {
+        return fail(element,
+                    "<" + std::string(element.tagName) + "> cannot stand in <" + parent.tagName + ">");
+    }
+    return checkForm(element, error_) && (this->*definition->read)(element, scope);
+}
+
+// The first of several counts, and any definition more than an announcement.
+ZULXMLTypeEntry* TypeReader::beginEntry(Element element, const std::string& name) {
+    ZULXMLTypeEntry fresh{
+        .tag = element.tagName, .line = lineOf(element.line), .place = placeOf(element.line)};
+    const auto [place, isNew] = types_.byName.try_emplace(name, fresh);
+    if (!isNew && place->second.tag == "forward_dcl" && fresh.tag != place->second.tag) {
+        place->second = std::move(fresh);
+        return &place->second;
+    }
+    return isNew ? &place->second : nullptr;
+}
+
+// "in '<file>', line <n>: " for each include on the way to that line of the document being read.
+std::string TypeReader::placeOf(std::int32_t innermost) const {
+    std::string place;
+    for (std::size_t i = 0; i < includes_.size(); ++i) {
+        const std::int32_t line = i + 1 < includes_.size() ? includes_[i + 1].line : innermost;
+        place += "in '" + includes_[i].file + "', line " + std::to_string(line) + ": ";
+    }
+    return place;
+}
+
+// Keeps what is wrong with a definition where its name is looked up, and marks the name for those that use
+// it. A failed include has no name: it is what may be missing where a name is not found.
+void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry) {
+    ZULXMLError error = std::exchange(error_, {});
+    error.text = placeOf(error.line) + error.text;
+    error.line = lineOf(error.line);
+    first_.set(error.line, error.text);
+    if (entry == nullptr) {
+        if (std::strcmp(element.tagName, "include") == 0) {
+            types_.missing.set(error.line, error.text);
+        }
+        return;
+    }
+    entry->line = error.line;
+    entry->reason = error.text;
+    const Definition* definition = findDefinition(element.tagName);
+    Symbol* symbol = symbols_.find(name);
+    if (symbol == nullptr && definition != nullptr && definition->kind != DDS_TK_NULL) {
+        symbol = symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line}, error_);
+        symbol->type = newCode({.kind = definition->kind, .name = name});
+    }
+    if (symbol != nullptr && symbol->kind == SymbolKind::TYPE) {
+        symbol->isWrong = true;
+    }
 }
 
 // Each file is taken in once, so that files which include each other come to an end.
@@ -92,23 +160,27 @@ bool TypeReader::readInclude(Element element, Scope scope) {
     if (other == nullptr) {
         return fail(element, "out of memory");
     }
-    if (other->root == nullptr) {
+    includes_.push_back({file, element.line});
+    if (other->root != nullptr) {
+        readSections(*other, scope);
+    } else {
         error_ = other->error;
-    } else if (readSections(*other, scope)) {
-        return true;
+        tell(element, "", nullptr);
     }
-    error_.text = "in '" + file + "', line " + std::to_string(error_.line) + ": " + error_.text;
-    error_.line = element.line;
-    return false;
+    includes_.pop_back();
+    return true;
 }
 
 bool TypeReader::readModule(Element element, Scope scope) {
     const std::string name = scopedName(scope, attribute(element, "name"));
     const Symbol* known = symbols_.find(name);
     const bool isReopened = known != nullptr && known->kind == SymbolKind::MODULE;
-    return (isReopened ||
-            symbols_.add(name, {.kind = SymbolKind::MODULE, .line = element.line}, error_) != nullptr) &&
-           readDefinitions(element, name);
+    if (!isReopened &&
+        symbols_.add(name, {.kind = SymbolKind::MODULE, .line = element.line}, error_) == nullptr) {
+        return false;
+    }
+    readDefinitions(element, name);
+    return true;
 }
 
 bool TypeReader::readConstant(Element element, Scope scope) {

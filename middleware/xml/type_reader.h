@@ -9,13 +9,24 @@
 #include <deque>
 #include <set>
 
+// What a document says of one scoped name: the first element that defines it, or else announces it.
+struct ZULXMLTypeEntry {
+    std::string tag;            // of that element
+    std::int32_t line;          // its line in the document asked for, or of the include that brought it
+    std::string place{};        // in front of what is wrong with it: the files in between
+    std::string reason{};       // why there is no type; empty where nothing is wrong
+    const DDS_TypeCode* code{}; // null where the element is wrong or no type
+};
+
 // The type codes that were read; owns them and all they refer to but the basic types. Nothing in it moves.
 struct ZULXMLTypeSet {
     std::deque<DDS_TypeCode> codes;
-    std::map<std::string, const DDS_TypeCode*, std::less<>> byName; // by scoped name
+    std::map<std::string, ZULXMLTypeEntry, std::less<>> byName; // by scoped name
+    ZULXMLError missing{};                                      // the first include that failed
 };
 
-// Reads all types sections of the document. False, with the line and what to do about it, when one is wrong.
+// Reads all types sections of the document, and what is sound of them when something is wrong. False then,
+// with the line and what to do about the first thing that is.
 bool ZULXMLTypeReader_read(const ZULXMLDocument* document, ZULXMLTypeSet* types, ZULXMLError* error);
 
 enum ZULXMLTypesStatus { ZUL_XML_TYPES_OK, ZUL_XML_TYPES_BAD_DOCUMENT, ZUL_XML_TYPES_BAD_DEFINITION };
@@ -29,11 +40,13 @@ constexpr std::size_t BASES_MAX = 32;           // types above each other in a c
 constexpr std::uint64_t COUNT_MAX = 0x7FFFFFFF; // a bound, or all elements of an array
 constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 
-// One run over a document and what it includes. Functions return false or null with the error set; each is
-// given the scope ("" is the outermost) where its element stands.
+// One run over a document and what it includes. Functions that read one definition return false or null with
+// the error set; it is then told of that definition, and reading goes on with the next. Each is given the
+// scope ("" is the outermost) where its element stands.
 class TypeReader {
 public:
-    TypeReader(ZULXMLTypeSet& types, ZULXMLError& error) : types_(types), error_(error) {}
+    // `first` gets the first thing that is wrong.
+    TypeReader(ZULXMLTypeSet& types, ZULXMLError& first) : types_(types), first_(first) {}
     bool read(const ZULXMLDocument& document);
 
 private:
@@ -42,7 +55,7 @@ private:
     struct Definition {
         std::string_view tag;
         bool (TypeReader::*read)(Element, Scope);
-        DDS_TCKind kind; // of a type that can be announced
+        DDS_TCKind kind; // of the type; DDS_TK_NULL for what defines none
     };
     static const Definition DEFINITIONS[];
     static const Definition* findDefinition(std::string_view tag);
@@ -65,8 +78,15 @@ private:
     bool fail(Element at, std::string message) { return error_.set(at.line, std::move(message)); }
 
     // type_reader.cpp: sections, modules and small definitions
-    bool readSections(const ZULXMLDocument& document, Scope scope);
-    bool readDefinitions(Element parent, Scope scope);
+    void readSections(const ZULXMLDocument& document, Scope scope);
+    void readDefinitions(Element parent, Scope scope);
+    bool readDefinition(Element element, Element parent, Scope scope);
+    // The entry of the name that the element defines, if the element is the one that counts; otherwise null.
+    ZULXMLTypeEntry* beginEntry(Element element, const std::string& name);
+    void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry);
+    // That line of the document being read, or of the outermost include that led to it.
+    std::int32_t lineOf(std::int32_t line) const { return includes_.empty() ? line : includes_.front().line; }
+    std::string placeOf(std::int32_t line) const;
     bool readInclude(Element element, Scope scope);
     bool readModule(Element element, Scope scope);
     bool readConstant(Element element, Scope scope);
@@ -99,11 +119,18 @@ private:
                   Record& record);
     bool readLabel(Element element, Scope scope, Discriminator& discriminator, DDS_TypeCodeMember& branch);
 
+    struct Include {
+        std::string file;
+        std::int32_t line; // in the document that includes it
+    };
+
     ZULXMLTypeSet& types_;
-    ZULXMLError& error_;
+    ZULXMLError& first_;
+    ZULXMLError error_; // of the definition being read
     Symbols symbols_;
     std::map<const DDS_TypeCode*, Record> records_;
     const ZULXMLDocument* document_ = nullptr; // the one being read
+    std::vector<Include> includes_;            // that lead to it, from the outermost in
     std::set<std::string> included_;           // files
 };
 

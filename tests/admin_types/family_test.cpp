@@ -235,31 +235,34 @@ using PluginFamilies = testing::Types<ZUL_LISTED(ZUL_RoutingService_Administrati
                                           ZUL_RoutingService_Administration_EntityNameFamily>;
 TYPED_TEST_SUITE(EveryPlugin, PluginFamilies, );
 
+// At every parity of the position: a header is aligned to 2.
 TYPED_TEST(EveryPlugin, WritesReadsSkipsAndSizesAlike) {
     using Plugin = PluginOf<TypeParam>;
-    for (const std::uint16_t id : {ZUL_ENCAPSULATION_CDR_BE, ZUL_ENCAPSULATION_CDR_LE}) {
+    for (const auto& [id, at] : {std::pair<std::uint16_t, std::size_t>{ZUL_ENCAPSULATION_CDR_BE, 0},
+                                 {ZUL_ENCAPSULATION_CDR_LE, 0},
+                                 {ZUL_ENCAPSULATION_CDR_LE, 5}}) {
         for (const auto& value : this->values) {
-            const std::size_t size = Plugin::size(nullptr, true, id, 0, &value);
-            EXPECT_LE(size, Plugin::maximum(nullptr, true, id, 0));
-            EXPECT_EQ(Plugin::keyMaximum(nullptr, true, id, 0), Plugin::maximum(nullptr, true, id, 0));
+            const std::size_t end = at + Plugin::size(nullptr, true, id, at, &value);
+            EXPECT_LE(end, at + Plugin::maximum(nullptr, true, id, at));
+            EXPECT_EQ(Plugin::keyMaximum(nullptr, true, id, at), Plugin::maximum(nullptr, true, id, at));
             for (const auto write : {Plugin::serialize, Plugin::serializeKey}) {
-                Bytes wire(size);
-                ZULCdrOutput small{.data = wire.data(), .capacity = size - 1};
+                Bytes wire(end);
+                ZULCdrOutput small{.data = wire.data(), .capacity = end - 1, .position = at};
                 EXPECT_FALSE(write(nullptr, &value, &small, true, id, true, nullptr));
-                ZULCdrOutput out{.data = wire.data(), .capacity = size};
+                ZULCdrOutput out{.data = wire.data(), .capacity = end, .position = at};
                 ASSERT_TRUE(write(nullptr, &value, &out, true, id, true, nullptr));
-                EXPECT_EQ(out.position, size);
+                EXPECT_EQ(out.position, end);
                 for (const auto read : {Plugin::deserialize, Plugin::deserializeKey, Plugin::toKey}) {
                     typename TestFixture::Value decoded;
                     ASSERT_TRUE(TypeParam::initialize(&decoded));
-                    ZULCdrInput in{.data = wire.data(), .size = size};
+                    ZULCdrInput in{.data = wire.data(), .size = end, .position = at};
                     EXPECT_TRUE(read(nullptr, &decoded, &in, true, true, nullptr));
                     EXPECT_EQ(this->bytes(decoded), this->bytes(value));
                     TypeParam::finalize(&decoded);
                 }
-                ZULCdrInput in{.data = wire.data(), .size = size};
+                ZULCdrInput in{.data = wire.data(), .size = end, .position = at};
                 EXPECT_TRUE(Plugin::skip(nullptr, &in, true, true, nullptr));
-                EXPECT_EQ(in.position, size);
+                EXPECT_EQ(in.position, end);
             }
         }
     }

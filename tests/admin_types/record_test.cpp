@@ -113,6 +113,43 @@ TEST(Memory, ExhaustedAnywhere) {
     EXPECT_EQ(elements[0], std::string(255, 'n'));
 }
 
+// Whatever has replaced the elements of a list, decoding stays inside them.
+TEST(PeerList, KeepsTheRoomThatDecodingNeeds) {
+    const auto source = newSample<Request>();
+    source->command._d = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER;
+    auto& sent = source->command._u.peer_desc.peer_list;
+    sent.length = 2;
+    set(sent.contiguous[0], std::string(255, 'a'));
+    const Bytes wire = *encode(*source, 1, 8192);
+    const auto destination = newSample<Request>();
+    auto& received = destination->command._u.peer_desc.peer_list;
+    char one[] = "1", two[] = "22";
+    char* const texts[] = {one, two};
+    EXPECT_TRUE(ZULSequence::from_array(&received, texts, 2, __func__));
+    EXPECT_STREQ(received.contiguous[1], "22");
+    EXPECT_TRUE(decode(*destination, wire).accepted);
+    EXPECT_STREQ(received.contiguous[0], sent.contiguous[0]);
+    DDS_String_free(std::exchange(received.contiguous[0], DDS_String_dup("p")));
+    EXPECT_FALSE(decode(*destination, wire).accepted);
+}
+
+TEST(Record, RefusedArrayLeavesTheSequenceAsItWas) {
+    using Seq = ZUL_RoutingService_Administration_CommandResponseSeq;
+    const auto good = newSample<Response>();
+    set(good->message, "new");
+    for (const DDS_Long maximum : {1, 2}) { // it would have to grow, or not
+        Seq sequence{};
+        ASSERT_TRUE(ZULSequence::ensure_length(&sequence, 1, maximum, __func__));
+        set(sequence.contiguous->message, "old");
+        const Response* elements = sequence.contiguous;
+        const Response array[] = {*good, {}}; // the second one has no message
+        EXPECT_FALSE(ZUL_RoutingService_Administration_CommandResponseSeq_from_array(&sequence, array, 2));
+        EXPECT_STREQ(sequence.contiguous->message, "old");
+        EXPECT_TRUE(sequence.contiguous == elements && sequence.length == 1 && sequence.maximum == maximum);
+        EXPECT_TRUE(ZULSequence::finalize(&sequence, __func__));
+    }
+}
+
 TEST(Plugin, DescribesItsTypeAndPoolsSamples) {
     const ZULTypePlugin& record = plugin<Request>();
     EXPECT_STREQ(record.typeName, "ZUL::RoutingService::Administration::CommandRequest");

@@ -56,6 +56,7 @@ struct DDS_DataReader {
     DDS_DataReaderListener listener;
     std::vector<Sample> available{};
     std::vector<void*> loan{};
+    std::vector<DDS_SampleInfo> loanInfos{};
     bool isPending = false;
     bool isBusy = false;
     std::condition_variable_any change{};

@@ -1,4 +1,5 @@
 // The reader: its delivery thread, takes and loans.
+#include "middleware/reading_rules.h"
 #include "tests/fake_dds/fake_dds.h"
 
 #include <chrono>
@@ -53,34 +54,41 @@ DDS_DataReader::~DDS_DataReader() {
     }
 }
 
-DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView&,
+DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,
                                                      DDS_ReceivedSamples* received) {
-    const DDS_ReturnCode_t code = world().note(params.take ? "take" : "read");
+    const DDS_ReturnCode_t failure = world().note(params.take ? "take" : "read");
+    const DDS_ReturnCode_t code = failure != DDS_RETCODE_OK ? failure : ZULReading_check(data, infos, params);
     if (code != DDS_RETCODE_OK) {
         return code;
+    }
+    if (data.maximum > 0) {
+        return DDS_RETCODE_UNSUPPORTED; // only loans
     }
     const std::lock_guard lock(world().mutex);
     const auto count = static_cast<DDS_Long>(self->available.size());
     if (count == 0) {
         return DDS_RETCODE_NO_DATA;
     }
-    if (!self->loan.empty() || !ZULSequence::ensure_length(infos, count, count, __func__)) {
+    if (!self->loan.empty()) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
     for (const DDS_DataReader::Sample& sample : self->available) {
-        ZULSequence::at(*infos, static_cast<DDS_Long>(self->loan.size())).valid_data = sample.isValid;
+        DDS_SampleInfo& info = self->loanInfos.emplace_back();
+        info.instance_handle = ZUL_HANDLE_KEYLESS_INSTANCE;
+        info.valid_data = sample.isValid;
         self->loan.push_back(sample.response);
     }
     self->available.clear();
+    ZULSequence::loan_contiguous(infos, self->loanInfos.data(), count, count, __func__);
     *received = {.is_loan = true, .samples = self->loan.data(), .count = count};
     ++world().openLoans;
     return DDS_RETCODE_OK;
 }
 
 DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long count,
-                                                    DDS_SampleInfoSeq*) {
+                                                    DDS_SampleInfoSeq* infos) {
     if (const auto hook = world().currentHooks().onReturnLoan) {
         hook();
     }
@@ -89,12 +97,15 @@ DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void**
         return code;
     }
     const std::lock_guard lock(world().mutex);
-    if (samples != self->loan.data() || static_cast<std::size_t>(count) != self->loan.size()) {
+    if (samples != self->loan.data() || static_cast<std::size_t>(count) != self->loan.size() ||
+        infos->contiguous != self->loanInfos.data()) {
         return DDS_RETCODE_PRECONDITION_NOT_MET;
     }
     for (void* sample : std::exchange(self->loan, {})) {
         release(sample);
     }
+    ZULSequence::unloan(infos, __func__);
+    self->loanInfos = {};
     --world().openLoans;
     return DDS_RETCODE_OK;
 }

@@ -14,6 +14,7 @@ namespace {
 
 using Seq = ZUL_RESPONSE(Seq);
 constexpr int DOMAIN = 28;
+constexpr int OTHER_LIMIT = 8; // samples of the reader that nobody takes from
 constexpr DDS_SampleStateMask ANY = DDS_ANY_SAMPLE_STATE;
 constexpr DDS_Long ALL = DDS_LENGTH_UNLIMITED;
 
@@ -60,10 +61,11 @@ protected:
             qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
             return qos;
         };
-        const DDS_DataReaderQos readerQos = keepingAll(DDS_DATAREADER_QOS_DEFAULT);
+        DDS_DataReaderQos readerQos = keepingAll(DDS_DATAREADER_QOS_DEFAULT);
         const DDS_DataWriterQos writerQos = keepingAll(DDS_DATAWRITER_QOS_DEFAULT);
         untypedReader = DDS_Subscriber_create_datareader(subscriber, topic, &readerQos, &listener,
                                                          DDS_DATA_AVAILABLE_STATUS);
+        readerQos.resource_limits.max_samples = OTHER_LIMIT;
         otherReader = DDS_Subscriber_create_datareader(subscriber, topic, &readerQos, nullptr, 0);
         auto* publisher =
             DDS_DomainParticipant_create_publisher(participant, &DDS_PUBLISHER_QOS_DEFAULT, nullptr, 0);
@@ -129,28 +131,51 @@ TEST_F(TypedEndpoints, ReadSelectsAndTakeRemoves) {
     EXPECT_EQ(giveBack(ZUL_READER(read)(reader, &data, &infos, ALL, ANY, ANY, ANY)), "1 2 3 4 ");
     EXPECT_EQ(infos.length, 0);
 
-    // What a keyless topic's one instance holds; no handle names it, nothing follows it.
+    // Instance by instance: the one of a keyless topic, which its samples name, and nothing after it.
     const auto takeAfter = [&](const DDS_InstanceHandle_t* handle) {
         return ZUL_READER(take_next_instance)(reader, &data, &infos, 1, handle, ANY, ANY, ANY);
     };
-    DDS_InstanceHandle_t named = DDS_HANDLE_NIL;
-    named.isValid = 1;
-    EXPECT_EQ(giveBack(takeAfter(&DDS_HANDLE_NIL)), "1 ");
+    ASSERT_EQ(takeAfter(&DDS_HANDLE_NIL), DDS_RETCODE_OK);
+    const DDS_InstanceHandle_t named = infos.contiguous[0].instance_handle;
+    EXPECT_EQ(giveBack(DDS_RETCODE_OK), "1 ");
     EXPECT_EQ(giveBack(takeAfter(&named)), "code 11");
     EXPECT_EQ(takeAfter(nullptr), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(giveBack(ZUL_READER(read_next_instance_w_condition)(reader, &data, &infos, ALL, &DDS_HANDLE_NIL,
                                                                   unread)),
               "code 11");
+    EXPECT_EQ(giveBack(ZUL_READER(read_instance)(reader, &data, &infos, ALL, &named, ANY, ANY, ANY)),
+              "2 3 4 ");
     EXPECT_EQ(ZUL_READER(take_instance)(reader, &data, &infos, ALL, &DDS_HANDLE_NIL, ANY, ANY, ANY),
               DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(ZUL_WRITER(get_key_value)(writer, &sample, &named), DDS_RETCODE_BAD_PARAMETER);
 
     // A loan stays out until it is returned; records of one's own are copied into.
     EXPECT_EQ(take(&data, 1), DDS_RETCODE_OK);
     EXPECT_EQ(take(&data, 1), DDS_RETCODE_PRECONDITION_NOT_MET);
+    DDS_SampleInfoSeq otherInfos{};
+    EXPECT_EQ(ZUL_READER(return_loan)(reader, &data, &otherInfos), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(giveBack(DDS_RETCODE_OK), "2 ");
+    EXPECT_TRUE(data.owned && data.maximum == 0 && infos.owned && infos.maximum == 0);
     ASSERT_TRUE(ZUL_RESPONSE(Seq_set_maximum)(&data, 4));
-    EXPECT_EQ(giveBack(take(&data, ALL)), "3 4 ");
+    EXPECT_EQ(take(&data, ALL), DDS_RETCODE_PRECONDITION_NOT_MET); // no such room for infos
+    ASSERT_TRUE(ZULSequence::set_maximum(&infos, 4, __func__));
+    EXPECT_EQ(take(&data, 5), DDS_RETCODE_PRECONDITION_NOT_MET);
+    CapturedLog log;
+    char* const message = std::exchange(data.contiguous[2].message, nullptr);
+    EXPECT_EQ(take(&data, 3), DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(log.take(), "ERROR [ZUL_RoutingService_Administration_CommandResponseDataReader_take] refused: "
+                          "received_data has elements without buffers; initialize them first\n");
+    EXPECT_EQ(giveBack(take(&data, 2)), "3 4 ");
+    data.contiguous[2].message = message;
+    EXPECT_EQ(infos.length, 2);
+    infos.length = 1;
+    EXPECT_EQ(take(&data, ALL), DDS_RETCODE_PRECONDITION_NOT_MET);
+    infos.length = 2;
     EXPECT_EQ(giveBack(take(&data, ALL)), "code 11");
+    EXPECT_EQ(infos.length, 0);
+    EXPECT_EQ(ZUL_READER(take)(reader, &data, nullptr, 1, ANY, ANY, ANY), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(log.take(), "ERROR [ZUL_RoutingService_Administration_CommandResponseDataReader_take] "
+                          "bad parameter: info_seq\n");
     EXPECT_EQ(take(nullptr, 1), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(take(&data, 0), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(take(&data, -5), DDS_RETCODE_BAD_PARAMETER);
@@ -190,6 +215,19 @@ TEST_F(TypedEndpoints, KeylessTopicsHaveNoNamedInstance) {
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(ZUL_WRITER(dispose)(writer, nullptr, &DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(ZUL_WRITER(get_key_value)(writer, &sample, &DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
+}
+
+TEST_F(TypedEndpoints, AFullReaderTellsOnceThatAWriterOfItsProcessIsNotHeardAgain) {
+    CapturedLog log;
+    for (int i = 1; i <= OTHER_LIMIT; ++i) {
+        write(i);
+    }
+    EXPECT_EQ(log.take(), "");
+    write(OTHER_LIMIT + 1);
+    write(OTHER_LIMIT + 2);
+    const std::string told = log.take();
+    EXPECT_TRUE(told.starts_with("ERROR [DDS_DataReader] a reader is full (8 samples); ")) << told;
+    EXPECT_EQ(told.find('\n'), told.size() - 1) << told;
 }
 
 TEST_F(TypedEndpoints, NarrowOnlyToTheirOwnType) {

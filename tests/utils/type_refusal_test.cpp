@@ -94,28 +94,45 @@ TEST(TypeRefusals, EachNamesItsLineAndReason) {
     }
 }
 
-TEST(TypeRefusals, ReportsOfTheService) {
+// One line a failure; what is wrong with one type leaves the others alone, but for those that are made of it.
+TEST(TypeRefusals, BlockOnlyWhatTheyAreMadeOfAndAreToldOnce) {
     CapturedLog log;
     const std::string context = "ERROR [ROUTERUtils_getTypeCodeFromXML] XML line ";
-    const std::string reason =
-        "unknown type 'X'; define it, or announce it with forward_dcl, before it is used";
-    const DocumentPtr document = readText(typesDocument(structOf(member(BYTE)) + "\n" + typedefOf(BYTE) +
-                                                        "\n" + structOf("", "B", "baseType='X'")));
-    for (const auto& [name, logged] : {std::pair{"A", context + "3: This is not a type definition\n"},
-                                       {"Missing", context + "1: This is not a type definition\n"},
-                                       {"T::B", context + "1: This is not a type definition\n"},
-                                       {"T", "ERROR [ZULXMLDocument_getTypeCode] XML line 4: " + reason +
-                                                 "\n" + context + "4: Bad type definition\n"}}) {
-        EXPECT_EQ(ROUTERUtils_getTypeCodeFromXMLDom(document.get(), name), nullptr);
-        EXPECT_EQ(log.take(), logged);
+    const std::string isNoType = ": This is not a type definition\n", isBad = ": Bad type definition\n";
+    const DocumentPtr document = readText(typesDocument(
+        structOf(member(BYTE)) + "<bad/>\n" + typedefOf(BYTE) + "\n" + structOf("", "B", "baseType='X'") +
+        "\n" + structOf(member(named("B") + " sequenceMaxLength='2'"), "C") +
+        "\n<forward_dcl name='D' kind='struct'/>\n" + structOf(member(named("D")), "E") +
+        "\n<forward_dcl name='F' kind='struct'/>\n" +
+        structOf(member(named("F") + " sequenceMaxLength='2'"), "G") + "\n" + structOf("", "F") +
+        "\n<module name='T'/>\n" + structOf(member(named("T")), "H") + chain(300, "")));
+    for (const auto& [name, logged] : {std::pair{"A", context + "3" + isNoType},
+                                       {"Missing", context + "1" + isNoType},
+                                       {"T::B", context + "1" + isNoType},
+                                       {"D", context + "6" + isNoType},
+                                       {"B", context + "4" + isBad},
+                                       {"C", context + "5" + isBad},
+                                       {"E", context + "7" + isBad},
+                                       {"G", context + "9" + isBad},
+                                       {"F", context + "10" + isBad},
+                                       {"S255", context + "12" + isBad},
+                                       {"S254", std::string()},
+                                       {"T", std::string()},
+                                       {"H", std::string()}}) {
+        EXPECT_EQ(ROUTERUtils_getTypeCodeFromXMLDom(document.get(), name) == nullptr, !logged.empty())
+            << name;
+        EXPECT_EQ(log.take(), logged) << name;
     }
+    EXPECT_EQ(ROUTERUtils_getTypeCodeFromXMLDom(document.get(), "B"), nullptr);
+    EXPECT_EQ(document->error.text,
+              "unknown type 'X'; define it, or announce it with forward_dcl, before it is used");
     const DocumentPtr broken = readText("<dds>\n</types>");
     log.take();
     EXPECT_EQ(ROUTERUtils_getTypeCodeFromXMLDom(broken.get(), "A"), nullptr);
     EXPECT_EQ(log.take(), context + "2: Error getting DOM\n");
 }
 
-// Files that include each other, one of them in a module, and one with a fault.
+// Files that include each other, one of them in a module, with faults, and one that is not there.
 TEST(TypeRefusals, IncludedFiles) {
     CapturedLog log;
     const std::filesystem::path path = testing::TempDir() + "zul_include_" + std::to_string(::getpid());
@@ -123,19 +140,24 @@ TEST(TypeRefusals, IncludedFiles) {
     const auto include = [](const std::string& file) {
         return "<include file='" + file + "'/>";
     };
-    std::ofstream(path / "a.xml") << typesDocument("<module name='M'>" + include("b.xml") + "</module>" +
-                                                   structOf(member(named("M::B")), "A"));
+    std::ofstream(path / "a.xml") << typesDocument("<module name='M'>" + include("b.xml") + "</module>\n" +
+                                                   structOf(member(named("M::B")), "A") + include("c.xml"));
     std::ofstream(path / "b.xml") << typesDocument(include("a.xml") + structOf(member(BYTE), "B"));
-    std::ofstream(path / "c.xml") << typesDocument("\n" + include("d.xml") + "<enum name='E'/>");
-    std::ofstream(path / "d.xml") << "<dds>\n\n<types><bad/></types></dds>";
-    const DocumentPtr good = readFile(path / "a.xml");
-    const DDS_TypeCode* code = ROUTERUtils_getTypeCodeFromXMLDom(good.get(), "A");
-    ASSERT_NE(code, nullptr) << good->error.text;
-    EXPECT_EQ(code->members[0].type->name, "M::B");
-    const DocumentPtr bad = readFile(path / "c.xml");
-    EXPECT_EQ(ROUTERUtils_getTypeCodeFromXMLDom(bad.get(), "E"), nullptr);
-    EXPECT_EQ(bad->error.line, 3);
-    EXPECT_EQ(bad->error.text, "in 'd.xml', line 3: <bad> cannot stand in <types>");
+    std::ofstream(path / "c.xml") << typesDocument("\n" + include("d.xml") + include("http://host/e.xml"));
+    std::ofstream(path / "d.xml") << typesDocument("<enum name='E'/>" + structOf(member(named("E")), "D"));
+    const DocumentPtr document = readFile(path / "a.xml");
+    for (const auto& [name, line, wrong] :
+         {std::tuple{"M::B", 0, ""},
+          {"A", 0, ""},
+          {"E", 3, "in 'c.xml', line 3: in 'd.xml', line 2: an enum needs an enumerator"},
+          {"D", 3, "in 'c.xml', line 3: in 'd.xml', line 2: the type 'E' is wrong itself"},
+          {"Missing", 3,
+           "in 'c.xml', line 3: cannot include 'http://host/e.xml': No such file or directory"}}) {
+        const DDS_TypeCode* code = ROUTERUtils_getTypeCodeFromXMLDom(document.get(), name);
+        EXPECT_EQ(code == nullptr ? "" : code->name, line == 0 ? name : "");
+        EXPECT_EQ(document->error.line, line);
+        EXPECT_EQ(document->error.text, wrong);
+    }
     std::filesystem::remove_all(path);
 }
 

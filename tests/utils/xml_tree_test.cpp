@@ -172,6 +172,9 @@ TEST(XmlTree, FailuresAreReported) {
     EXPECT_FALSE(ROUTERUtils_moveChildXmlObject(child, right, child));
     EXPECT_EQ(log.take(), "ERROR [ROUTERUtils_moveChildXmlObject] failure: addChildXmlObject\n"
                           "ERROR [ROUTERUtils_moveChildXmlObject] failure: addChildXmlObject\n");
+    EXPECT_FALSE(ROUTERUtils_addChildXMLObject(child, below)); // it is there already
+    EXPECT_EQ(log.take(), "ZULXMLObject_addChild: XML object with name "
+                          "'::right::default_topic_qos_0::below' already exists\n");
     EXPECT_FALSE(ROUTERUtils_addChildXMLObject(left, below)); // it has a place
     EXPECT_FALSE(ROUTERUtils_addChildXMLObject(left, left));
     EXPECT_STREQ(below->fullName, "::right::default_topic_qos_0::below");
