@@ -22,9 +22,10 @@ void DDS_DataReader::note(DDS_StatusMask status) {
         delivery->notify(status);
     }
 }
-// A full reader refuses samples, and a reliable writer sends them again later, but for one in the same
-// process: the library hands it the sample directly, once, and as none behind the gap is delivered, the
-// reader is silent for good. Its limit is therefore a limit on what such a writer may send between two takes.
+// A full reader refuses samples, and a reliable writer sends them again when the reader asks. Inside a
+// process the library hands samples over directly, and there no reader asks: the sample is lost, and since
+// nothing after the gap is delivered, the reader is silent for good. Its limit is therefore a limit on what
+// such a writer may send between two takes.
 void DDS_DataReader::tellOfLoss() {
     using eprosima::fastrtps::xmlparser::XMLProfileManager;
     const rtps::GUID_t own = reader->guid();

@@ -32,11 +32,11 @@ public:
     PooledSamples(const PooledSamples&) = delete;
     PooledSamples& operator=(const PooledSamples&) = delete;
 
-    // Hands over the samples that were filled; the others go back to the pool.
-    std::vector<void*> release() {
-        std::vector<void*> filled(samples_.begin(), samples_.begin() + length_);
+    // Hands over the samples that were filled, to a vector that has room for them; the others go back to the
+    // pool.
+    void release(std::vector<void*>& filled) {
+        filled.assign(samples_.begin(), samples_.begin() + length_);
         samples_.erase(samples_.begin(), samples_.begin() + length_);
-        return filled;
     }
 
 private:
@@ -131,10 +131,10 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
     // Whatever may fail comes before samples are taken, which would be lost later.
-    std::list<DDS_DataReader::Loan> loan(asLoan ? 1 : 0);
-    if (asLoan) {
-        loan.front().infos.resize(static_cast<std::size_t>(room));
-    }
+    std::list<DDS_DataReader::Loan> loan(1);
+    std::vector<void*>& filled = loan.front().samples;
+    filled.reserve(samples.maximum());
+    loan.front().infos.resize(asLoan ? samples.maximum() : 0);
     fast::SampleInfoSeq libraryInfos;
     libraryInfos.length(samples.maximum()); // makes room
     libraryInfos.length(0);
@@ -156,10 +156,9 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
         filledInfos[i].instance_handle = ZUL_HANDLE_KEYLESS_INSTANCE;
     }
     *received = {.is_loan = asLoan, .samples = nullptr, .count = count};
-    std::vector<void*> filled = samples.release();
+    samples.release(filled);
     if (asLoan) {
         received->samples = filled.data();
-        loan.front().samples = std::move(filled);
         ZULSequence::loan_contiguous(infos, filledInfos, count, count, __func__);
         const std::lock_guard lock(self->loansMutex);
         self->loans.splice(self->loans.end(), loan);
