@@ -1,14 +1,60 @@
 // The practice router takes any bytes as a document, an update and a new entity: it changes its configuration
-// whole or not at all.
+// whole or not at all. What it finds wrong by the definition, the library finds wrong too, and the reverse.
 #include "practice_router/configuration.h"
+#include "practice_router/definition.h"
+#include "practice_router/xml_nodes.h"
 #include "product/product_info.h"
+
+#include <libxml/parser.h>
+#include <libxml/valid.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
 
+namespace {
+
+xmlDtd* parseDtd() {
+    std::string text;
+    for (std::int32_t i = 0; i < ROUTER_getProductInfo()->dtdChunkCount; ++i) {
+        text += ROUTER_getProductInfo()->dtdChunks[i];
+    }
+    xmlSetStructuredErrorFunc(nullptr, [](void*, xmlError*) {});
+    return xmlIOParseDTD(
+        nullptr,
+        xmlParserInputBufferCreateMem(text.data(), static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE),
+        XML_CHAR_ENCODING_NONE);
+}
+
+bool followsRules(const xmlNode* element) {
+    bool follows = !zul::practice::Definition::ofProduct()->faultIn(element);
+    for (const xmlNode* child = PracticeNode_firstChild(element); child != nullptr && follows;
+         child = PracticeNode_next(child)) {
+        follows = followsRules(child);
+    }
+    return follows;
+}
+
+void compareWithLibrary(std::string_view bytes) {
+    static xmlDtd* const dtd = parseDtd();
+    std::string error;
+    const PracticeXmlDocument document = PracticeXml_parse(bytes, {}, error);
+    if (document == nullptr || xmlDocGetRootElement(document.get())->nsDef != nullptr) {
+        return; // the library knows nothing of schema locations
+    }
+    xmlValidCtxt* validator = xmlNewValidCtxt();
+    const bool isValid = xmlValidateDtd(validator, document.get(), dtd) == 1;
+    xmlFreeValidCtxt(validator);
+    if (isValid != followsRules(xmlDocGetRootElement(document.get()))) {
+        std::abort();
+    }
+}
+
+} // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    compareWithLibrary(bytes);
     PracticeConfiguration configuration;
     PracticeConfiguration_load(configuration, bytes, "BuiltinDefault");
     PracticeConfiguration_loadFirst(configuration, *ROUTER_getProductInfo()->builtinDefaultConfiguration);

@@ -1,65 +1,30 @@
-// Loading, unloading, and the edits of the active document: each is made on a copy, which becomes active only
-// if it passes every check that a loaded document passes.
+// Loading, unloading, and the edits of the active document that a snippet or a deletion makes.
 #include "practice_router/configuration.h"
 
+#include "practice_router/children.h"
+#include "practice_router/definition.h"
 #include "practice_router/document.h"
+#include "practice_router/draft.h"
 #include "practice_router/entity.h"
+#include "practice_router/layout.h"
 #include "practice_router/merge.h"
 #include "practice_router/xml_nodes.h"
 
+using namespace zul::practice;
+
 namespace {
 
-PracticeAnswer noEntity(std::string_view path) {
-    return PracticeAnswer_notFound("no entity named " + std::string(path));
-}
-
-// A copy of the active document and the entity at a path in it; null when there is none of that path.
-struct Draft {
-    PracticeXmlDocument document;
-    xmlNode* entity;
-};
-Draft draftFor(const PracticeConfiguration& self, std::string_view path) {
-    PracticeXmlDocument copy(xmlCopyDoc(self.document.get(), 1));
-    xmlNode* service = copy != nullptr ? PracticeEntity_findService(copy.get(), self.serviceName) : nullptr;
-    xmlNode* entity = service != nullptr ? PracticeEntity_find(service, path) : nullptr;
-    return {std::move(copy), entity};
-}
-
-// Makes a draft the active document. False, with the reason, when it would not be accepted as a loaded one.
-bool activate(PracticeConfiguration& self, const Draft& draft, std::string& error) {
-    PracticeXmlDocument checked = PracticeDocument_read(PracticeXml_write(draft.document.get()), error);
-    if (checked == nullptr) {
-        error = "the configuration would become invalid: " + error;
-        return false;
-    }
-    self.document = std::move(checked);
-    return true;
-}
-
-PracticeAnswer takeDocument(PracticeConfiguration& self, PracticeXmlDocument document,
-                            const xmlNode* service) {
-    self = {};
-    self.serviceName = PracticeNode_name(service);
+PracticeAnswer takeDocument(PracticeConfiguration& self, PracticeXmlDocument document, xmlNode* service) {
     self.document = std::move(document);
-    return PracticeAnswer_ok("loaded " + self.serviceName);
-}
-
-// Whether `path` is `entity` or inside it.
-bool isWithin(std::string_view path, std::string_view entity) {
-    return path.starts_with(entity) &&
-           (path.size() == entity.size() || path.substr(entity.size()).starts_with(PRACTICE_PATH_SEPARATOR));
-}
-
-void forget(PracticeConfiguration& self, std::string_view entity) {
-    std::erase_if(self.states, [entity](const auto& state) { return isWithin(state.first, entity); });
-    std::erase_if(self.peers, [entity](const auto& peers) { return isWithin(peers.first.first, entity); });
+    self.service = service;
+    return PracticeAnswer_ok("loaded " + PracticeNode_name(service));
 }
 
 // Why the entity of a snippet cannot be added to `parent`; empty when it can.
 std::string refuseChild(const xmlNode* parent, const xmlNode* child) {
-    const std::string tag(PracticeNode_tag(child));
+    const std::string tag = shortened(PracticeNode_tag(child));
     const std::string name = PracticeNode_name(child);
-    const auto level = PracticeEntity_level(tag);
+    const auto level = PracticeEntity_level(PracticeNode_tag(child));
     if (!level || *level == PracticeEntityLevel::SERVICE) {
         return "a " + tag + " cannot be created; create " +
                PracticeEntity_describeLevel(PracticeEntityLevel::DOMAIN_ROUTE) + ", " +
@@ -87,11 +52,11 @@ PracticeAnswer PracticeConfiguration_load(PracticeConfiguration& self, std::stri
         return PracticeAnswer_error("the name of the configuration is missing; say which one to load");
     }
     std::string error;
-    PracticeXmlDocument document = PracticeDocument_read(xml, error);
+    PracticeXmlDocument document = PracticeDocument_read(xml, self.stop, error);
     if (document == nullptr) {
         return PracticeAnswer_error(error);
     }
-    const xmlNode* service = PracticeEntity_findService(document.get(), configurationName);
+    xmlNode* service = PracticeEntity_findService(document.get(), configurationName);
     return service != nullptr ? takeDocument(self, std::move(document), service)
                               : PracticeAnswer_notFound("the document holds no configuration named " +
                                                         std::string(configurationName));
@@ -99,76 +64,74 @@ PracticeAnswer PracticeConfiguration_load(PracticeConfiguration& self, std::stri
 
 PracticeAnswer PracticeConfiguration_loadFirst(PracticeConfiguration& self, std::string_view xml) {
     std::string error;
-    PracticeXmlDocument document = PracticeDocument_read(xml, error);
+    PracticeXmlDocument document = PracticeDocument_read(xml, self.stop, error);
     if (document == nullptr) {
         return PracticeAnswer_error(error);
     }
-    const xmlNode* service = PracticeEntity_firstService(document.get());
+    xmlNode* service = PracticeEntity_firstService(document.get());
     return service != nullptr ? takeDocument(self, std::move(document), service)
                               : PracticeAnswer_error("the document holds no configuration of this service");
 }
 
 PracticeAnswer PracticeConfiguration_unload(PracticeConfiguration& self) {
-    const std::string name = self.serviceName;
-    self = {};
+    const std::string name = PracticeNode_name(self.service);
+    self.service = nullptr;
+    self.document.reset();
     return PracticeAnswer_ok("unloaded " + name);
 }
 
 PracticeAnswer PracticeConfiguration_update(PracticeConfiguration& self, std::string_view path,
                                             std::string_view snippet) {
-    const Draft draft = draftFor(self, path);
-    if (draft.entity == nullptr) {
+    Draft draft(self, path);
+    if (draft.entity() == nullptr) {
         return noEntity(path);
     }
     std::string error;
-    const PracticeXmlDocument change = PracticeXml_parse(snippet, error);
-    const std::string updated = PracticeEntity_path(draft.entity);
-    if (change == nullptr || !PracticeMerge_apply(draft.entity, xmlDocGetRootElement(change.get()), error) ||
-        !activate(self, draft, error)) {
+    const PracticeXmlDocument change = draft.parseSnippet(snippet, error);
+    if (change == nullptr ||
+        !applySnippet(draft.entity(), xmlDocGetRootElement(change.get()), self.stop, error) ||
+        !draft.activate(error)) {
         return PracticeAnswer_error(error);
     }
-    return PracticeAnswer_ok("updated " + (updated.empty() ? "the router" : updated));
+    return PracticeAnswer_ok("updated " + pathInWords(draft.entity()));
 }
 
 PracticeAnswer PracticeConfiguration_create(PracticeConfiguration& self, std::string_view parentPath,
                                             std::string_view snippet) {
-    const Draft draft = draftFor(self, parentPath);
-    if (draft.entity == nullptr) {
+    Draft draft(self, parentPath);
+    xmlNode* parent = draft.entity();
+    if (parent == nullptr) {
         return noEntity(parentPath);
     }
     std::string error;
-    const PracticeXmlDocument addition = PracticeXml_parse(snippet, error);
+    const PracticeXmlDocument addition = draft.parseSnippet(snippet, error);
     if (addition == nullptr) {
         return PracticeAnswer_error(error);
     }
     xmlNode* child = xmlDocGetRootElement(addition.get());
-    error = refuseChild(draft.entity, child);
+    error = refuseChild(parent, child);
     if (!error.empty()) {
         return PracticeAnswer_error(error);
     }
-    xmlNode* created = PracticeNode_insertCopy(draft.entity, child);
-    if (created == nullptr || !activate(self, draft, error)) {
-        return PracticeAnswer_error(created == nullptr ? "out of memory" : error);
-    }
-    return PracticeAnswer_ok("created " + PracticeEntity_path(created));
+    const ContentModel& content = *Definition::ofProduct()->contentOf(PracticeNode_tag(parent));
+    Layout layout(parent->doc);
+    return Children(parent, content, layout).insert(child, error) && draft.activate(error)
+               ? PracticeAnswer_ok("created " + pathInWords(child))
+               : PracticeAnswer_error(error);
 }
 
 PracticeAnswer PracticeConfiguration_remove(PracticeConfiguration& self, std::string_view path) {
-    const Draft draft = draftFor(self, path);
-    if (draft.entity == nullptr) {
+    Draft draft(self, path);
+    if (draft.entity() == nullptr) {
         return noEntity(path);
     }
-    const std::string removed = PracticeEntity_path(draft.entity);
+    const std::string removed = PracticeEntity_path(draft.entity());
     if (removed.empty()) {
         return PracticeAnswer_error("the router itself cannot be deleted; name an entity, or use unload");
     }
-    PracticeNode_remove(draft.entity);
+    Layout::remove(draft.entity());
     std::string error;
-    if (!activate(self, draft, error)) {
-        return PracticeAnswer_error(error);
-    }
-    forget(self, removed);
-    return PracticeAnswer_ok("deleted " + removed);
+    return draft.activate(error) ? PracticeAnswer_ok("deleted " + removed) : PracticeAnswer_error(error);
 }
 
 std::string PracticeConfiguration_text(const PracticeConfiguration& self) {

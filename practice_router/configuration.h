@@ -1,36 +1,26 @@
-// The router's configuration: the active document, which service element of it is in force, and the state of
-// its entities. Every operation answers as a router does and leaves the configuration whole when it fails.
-// One thread at a time.
+// The router's configuration: the active document and which service element of it is in force. The state of
+// an entity is its element's own, so it comes and goes with the element, whatever that is called. Every
+// operation answers as a router does and leaves the configuration whole when it fails. One thread at a time.
 #pragma once
 
 #include "practice_router/answer.h"
 #include "practice_router/xml.h"
 
-#include <map>
+#include <stop_token>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-struct PracticeEntityState {
-    bool enabled;
-    bool paused; // only while enabled
-};
-
-// A participant of a domain route: the route's path, and whether it is the first.
-using PracticeParticipant = std::pair<std::string, bool>;
-
 struct PracticeConfiguration {
-    PracticeXmlDocument document; // null while none is loaded
-    std::string serviceName;
-    std::map<std::string, PracticeEntityState, std::less<>>
-        states; // by path, once it differs from the document's
-    std::map<PracticeParticipant, std::vector<std::string>> peers;
+    PracticeXmlDocument document{}; // null while none is loaded
+    xmlNode* service = nullptr;     // in the document
+    std::stop_token stop{};         // asked to stop, every operation gives up soon and fails
 };
 
-constexpr std::size_t PRACTICE_MAX_PEERS = 256; // added to one participant
+constexpr std::size_t PRACTICE_MAX_PEERS = 256; // of one participant
 
-// The commands that change the state of one entity; an empty path is the router itself.
+// The commands that change the state of one entity; an empty path is the router itself. The document shows
+// what its definition has a place for.
 enum class PracticeStateChange { ENABLE, DISABLE, PAUSE, RESUME };
 PracticeAnswer PracticeConfiguration_changeState(PracticeConfiguration& self, PracticeStateChange change,
                                                  std::string_view path);
@@ -50,6 +40,7 @@ PracticeAnswer PracticeConfiguration_create(PracticeConfiguration& self, std::st
                                             std::string_view snippet);
 PracticeAnswer PracticeConfiguration_remove(PracticeConfiguration& self, std::string_view path);
 
+// Adds to the initial peers of a domain route's participant, in the document.
 PracticeAnswer PracticeConfiguration_addPeers(PracticeConfiguration& self, std::string_view domainRoutePath,
                                               bool isFirstParticipant, const std::vector<std::string>& peers);
 

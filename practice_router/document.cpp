@@ -1,7 +1,9 @@
 #include "practice_router/document.h"
 
 #include "middleware/dds.h"
+#include "practice_router/definition.h"
 #include "practice_router/entity.h"
+#include "practice_router/text.h"
 #include "practice_router/xml_nodes.h"
 #include "product/product_info.h"
 
@@ -9,13 +11,11 @@
 #include <charconv>
 #include <set>
 
+using namespace zul::practice;
+
 namespace {
 
 constexpr std::string_view ROOT_TAG = "dds";
-
-std::string atLine(const xmlNode* node, const std::string& what) {
-    return "line " + std::to_string(xmlGetLineNo(node)) + ": " + what;
-}
 
 bool isNameCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
@@ -41,56 +41,82 @@ bool isDomainId(std::string_view text) {
            value <= DDS_DOMAIN_ID_MAX;
 }
 
-bool checkEntity(const xmlNode* node, std::set<std::string>& siblings, std::string& error) {
+// What is wrong with the name of an entity; empty when nothing is.
+std::string faultInName(const xmlNode* node, std::set<std::string>& siblings) {
     const std::string name = PracticeNode_name(node);
-    const std::string tag(PracticeNode_tag(node));
+    const std::string what = "the name " + quoted(name) + " of this " + std::string(PracticeNode_tag(node));
     if (!isName(name)) {
-        error = atLine(node, "the name \"" + name + "\" of this " + tag +
-                                 " is not allowed; use 1 to 254 letters, digits, \"_\" and \"-\"");
-        return false;
+        return what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"";
     }
-    if (!siblings.insert(name).second) {
-        error = atLine(node, "the name \"" + name + "\" of this " + tag +
-                                 " is taken by an element beside it; choose another");
-        return false;
-    }
-    return true;
+    return siblings.insert(name).second ? "" : what + " is taken by an element beside it; choose another";
 }
 
-// What the definition cannot express, for everything inside `parent`. As deep as documents may be.
-bool checkMeaning(const xmlNode* parent, std::string& error) {
-    std::set<std::string> siblings; // names of the entities among the children
-    for (const xmlNode* node = PracticeNode_firstChild(parent); node != nullptr;
-         node = PracticeNode_next(node)) {
-        if (PracticeEntity_level(PracticeNode_tag(node)) && !checkEntity(node, siblings, error)) {
+class Check {
+public:
+    Check(const Definition& definition, const std::stop_token& stop, std::string& error)
+        : definition_(definition), stop_(stop), error_(error) {}
+
+    // An element and everything inside. As deep as documents may be. `siblings` are the names of the entities
+    // in front of it.
+    bool passes(const xmlNode* node, std::set<std::string>& siblings) {
+        if (stop_.stop_requested()) {
+            error_ = PRACTICE_XML_STOPPED;
             return false;
+        }
+        if (const auto fault = definition_.faultIn(node)) {
+            return failed(fault->element, fault->what);
+        }
+        const std::string wrong =
+            PracticeEntity_level(PracticeNode_tag(node)) ? faultInName(node, siblings) : "";
+        if (!wrong.empty()) {
+            return failed(node, wrong);
         }
         if (PracticeNode_tag(node) == "domain_id" && !isDomainId(PracticeNode_text(node))) {
-            error = atLine(node, "\"" + PracticeNode_text(node) +
-                                     "\" is no domain id; use an integer from 0 to " +
-                                     std::to_string(DDS_DOMAIN_ID_MAX));
-            return false;
+            return failed(node, quoted(PracticeNode_text(node)) +
+                                    " is no domain id; expected an integer from 0 to " +
+                                    std::to_string(DDS_DOMAIN_ID_MAX));
         }
-        if (!checkMeaning(node, error)) {
-            return false;
+        std::set<std::string> names;
+        const xmlNode* child = PracticeNode_firstChild(node);
+        while (child != nullptr && passes(child, names)) {
+            child = PracticeNode_next(child);
         }
+        return child == nullptr;
     }
-    return true;
-}
+
+private:
+    bool failed(const xmlNode* node, const std::string& what) {
+        error_ = "line " + std::to_string(PracticeXml_lineOf(node)) + ": " + what;
+        return false;
+    }
+
+    const Definition& definition_;
+    const std::stop_token& stop_;
+    std::string& error_;
+};
 
 } // namespace
 
-PracticeXmlDocument PracticeDocument_read(std::string_view xml, std::string& error) {
-    PracticeXmlDocument document = PracticeXml_parse(xml, error);
-    if (document == nullptr) {
-        return nullptr;
-    }
-    const xmlNode* root = xmlDocGetRootElement(document.get());
+bool PracticeDocument_isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::string& error) {
+    const xmlNode* root = xmlDocGetRootElement(document);
     if (PracticeNode_tag(root) != ROOT_TAG) {
-        error =
-            atLine(root, "the root element is " + std::string(PracticeNode_tag(root)) + "; it must be dds");
-        return nullptr;
+        error = "line " + std::to_string(PracticeXml_lineOf(root)) + ": the root element is " +
+                PracticeNode_describe(root) + "; it must be dds";
+        return false;
     }
-    return PracticeXml_followsDtd(document.get(), error) && checkMeaning(root, error) ? std::move(document)
-                                                                                      : nullptr;
+    const Definition* definition = Definition::ofProduct();
+    if (definition == nullptr) {
+        error = "out of memory";
+        return false;
+    }
+    std::set<std::string> none;
+    return Check(*definition, stop, error).passes(root, none);
+}
+
+PracticeXmlDocument PracticeDocument_read(std::string_view xml, const std::stop_token& stop,
+                                          std::string& error) {
+    PracticeXmlDocument document = PracticeXml_parse(xml, stop, error);
+    return document != nullptr && PracticeDocument_isAcceptable(document.get(), stop, error)
+               ? std::move(document)
+               : nullptr;
 }

@@ -11,8 +11,8 @@ namespace {
 
 constexpr DDS_Long MAX_REQUESTS = 32;   // held by the reader
 constexpr DDS_Long MAX_RESPONSES = 256; // sent but not yet acknowledged
-// How long a response may block on shells that do not acknowledge: a dead one must not hold up the others.
-constexpr DDS_Duration_t WRITE_BLOCKING_TIME{5, 0};
+// How long one write may block on shells that do not acknowledge. Short, as it cannot be interrupted.
+constexpr DDS_Duration_t WRITE_BLOCKING_TIME{0, 100'000'000};
 // A shell that holds 32 responses turns the rest of a burst away, and gets it again with the next heartbeat.
 constexpr DDS_Duration_t HEARTBEAT_PERIOD{0, 20'000'000};
 
@@ -163,27 +163,27 @@ void PracticeEndpoints_close(PracticeEndpoints& self) {
     self = {};
 }
 
-bool PracticeEndpoints_knowsReader(const PracticeEndpoints& self, const PracticeClientPrefix& client) {
+bool PracticeEndpoints_knowsReader(const PracticeEndpoints& self, const PracticeWriterGuid& writer) {
     DDS_InstanceHandleSeq handles{};
     bool known = false;
     if (DDS_DataWriter_get_matched_subscriptions(self.responseWriter, &handles) == DDS_RETCODE_OK) {
         for (DDS_Long i = 0; i < handles.length && !known; ++i) {
-            known = std::memcmp(ZULSequence::at(handles, i).value, client.data(), client.size()) == 0;
+            known = std::memcmp(ZULSequence::at(handles, i).value, writer.data(), PRACTICE_GUID_PREFIX) == 0;
         }
     }
     ZULSequence::finalize(&handles, __func__);
     return known;
 }
 
-bool PracticeEndpoints_writeResponse(PracticeEndpoints& self) {
+DDS_ReturnCode_t PracticeEndpoints_writeResponse(PracticeEndpoints& self) {
     auto* writer = ZUL_RoutingService_Administration_CommandResponseDataWriter_narrow(self.responseWriter);
-    return ZUL_RoutingService_Administration_CommandResponseDataWriter_write(
-               writer, self.response, &DDS_HANDLE_NIL) == DDS_RETCODE_OK;
+    return ZUL_RoutingService_Administration_CommandResponseDataWriter_write(writer, self.response,
+                                                                             &DDS_HANDLE_NIL);
 }
 
-bool PracticeEndpoints_writeRaw(PracticeEndpoints& self, std::span<const std::uint8_t> bytes) {
+DDS_ReturnCode_t PracticeEndpoints_writeRaw(PracticeEndpoints& self, std::span<const std::uint8_t> bytes) {
     rawSample = bytes;
-    const bool written = PracticeEndpoints_writeResponse(self);
+    const DDS_ReturnCode_t written = PracticeEndpoints_writeResponse(self);
     rawSample = {};
     return written;
 }

@@ -28,10 +28,11 @@ bool PracticeEndpoints_enable(PracticeEndpoints& self, std::string& error);
 // Takes everything down. The queue must have been closed and the writing thread ended before.
 void PracticeEndpoints_close(PracticeEndpoints& self);
 
-// Whether a reader of responses in that participant is known.
-bool PracticeEndpoints_knowsReader(const PracticeEndpoints& self, const PracticeClientPrefix& client);
+// Whether a reader of responses in that writer's participant is known.
+bool PracticeEndpoints_knowsReader(const PracticeEndpoints& self, const PracticeWriterGuid& writer);
 
-// Writes `response`. False when readers did not acknowledge earlier samples in time.
-bool PracticeEndpoints_writeResponse(PracticeEndpoints& self);
+// Writes `response`. TIMEOUT: readers have not acknowledged enough of the earlier samples for a while, and
+// nothing was written.
+DDS_ReturnCode_t PracticeEndpoints_writeResponse(PracticeEndpoints& self);
 // Writes any bytes, encapsulation included, as a sample of the response topic.
-bool PracticeEndpoints_writeRaw(PracticeEndpoints& self, std::span<const std::uint8_t> bytes);
+DDS_ReturnCode_t PracticeEndpoints_writeRaw(PracticeEndpoints& self, std::span<const std::uint8_t> bytes);

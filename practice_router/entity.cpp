@@ -16,6 +16,12 @@ constexpr EntityTag ENTITY_TAGS[] = {
     {"auto_route", PracticeEntityLevel::ROUTE},
 };
 
+// What a node's private pointer points to.
+constexpr char PAUSED = 'p';
+constexpr char DISABLED = 'd'; // only for the service, which has no attribute that says so
+
+constexpr const char* ENABLED = "enabled";
+
 xmlNode* walk(xmlNode* entity, std::string_view path) {
     while (entity != nullptr && !path.empty()) {
         const std::size_t end = path.find(PRACTICE_PATH_SEPARATOR);
@@ -107,4 +113,38 @@ std::string PracticeEntity_path(const xmlNode* entity) {
         entity = entity->parent;
     }
     return path;
+}
+
+PracticeEntityState PracticeEntity_state(const xmlNode* entity) {
+    const bool enabled = entity->_private != &DISABLED && PracticeNode_attribute(entity, ENABLED) != "false";
+    return {.enabled = enabled, .paused = enabled && entity->_private == &PAUSED};
+}
+
+bool PracticeEntity_setState(xmlNode* entity, PracticeEntityState state) {
+    entity->_private = state.paused ? const_cast<char*>(&PAUSED) : nullptr;
+    if (PracticeEntity_level(PracticeNode_tag(entity)) == PracticeEntityLevel::SERVICE) {
+        if (!state.enabled) {
+            entity->_private = const_cast<char*>(&DISABLED);
+        }
+        return true;
+    }
+    const auto* name = reinterpret_cast<const xmlChar*>(ENABLED);
+    if (state.enabled) {
+        // Enabled is the default: an entity that was disabled and enabled again reads as it did.
+        xmlAttr* attribute = PracticeEntity_state(entity).enabled ? nullptr : xmlHasProp(entity, name);
+        return attribute == nullptr || xmlRemoveProp(attribute) == 0;
+    }
+    return xmlSetProp(entity, name, reinterpret_cast<const xmlChar*>("false")) != nullptr;
+}
+
+void PracticeEntity_carryMarks(const xmlNode* from, xmlNode* to) {
+    // What an update has disabled is no longer paused.
+    const bool isEnded = from->_private == &PAUSED && !PracticeEntity_state(from).paused;
+    to->_private = isEnded ? nullptr : from->_private;
+    xmlNode* copy = PracticeNode_firstChild(to);
+    for (const xmlNode* child = PracticeNode_firstChild(from); child != nullptr && copy != nullptr;
+         child = PracticeNode_next(child)) {
+        PracticeEntity_carryMarks(child, copy);
+        copy = PracticeNode_next(copy);
+    }
 }

@@ -29,3 +29,15 @@ xmlNode* PracticeEntity_findChild(const xmlNode* parent, std::string_view name);
 xmlNode* PracticeEntity_find(xmlNode* service, std::string_view path);
 // The path of an entity, empty for the service.
 std::string PracticeEntity_path(const xmlNode* entity);
+
+// What commands switch. It belongs to the element: the enabled attribute, where the definition has one, and
+// for the rest a mark that only the tree in memory bears.
+struct PracticeEntityState {
+    bool enabled;
+    bool paused; // only while enabled
+};
+PracticeEntityState PracticeEntity_state(const xmlNode* entity);
+// False when memory is exhausted.
+bool PracticeEntity_setState(xmlNode* entity, PracticeEntityState state);
+// Gives the marks of all entities in `from` to their counterparts in `to`, a copy of it.
+void PracticeEntity_carryMarks(const xmlNode* from, xmlNode* to);

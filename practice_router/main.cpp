@@ -4,6 +4,7 @@
 #include "middleware/process.h"
 #include "middleware/version.h"
 #include "practice_router/options.h"
+#include "practice_router/save_file.h"
 #include "practice_router/worker.h"
 #include "practice_router/xml_url.h"
 #include "product/product_info.h"
@@ -102,6 +103,9 @@ int start(int argc, char** argv) {
     if (saveDirectory.empty()) {
         return fail(EXIT_BAD_USAGE,
                     "--save-dir " + options.saveDirectory + " is no directory; name an existing one");
+    }
+    if (PracticeSaveFile_nameFor(options.name).empty()) {
+        return fail(EXIT_BAD_USAGE, "--name is too long for the file that save writes; choose a shorter one");
     }
     ROUTER_setProductId(options.isFederation ? ROUTER_PRODUCT_FEDERATION_SERVICE
                                              : ROUTER_PRODUCT_ROUTING_SERVICE);

@@ -1,168 +1,218 @@
 #include "practice_router/merge.h"
 
+#include "practice_router/children.h"
+#include "practice_router/definition.h"
 #include "practice_router/entity.h"
+#include "practice_router/text.h"
 #include "practice_router/xml.h"
 #include "practice_router/xml_nodes.h"
 
-#include <algorithm>
-#include <vector>
+#include <set>
+#include <unordered_map>
+
+namespace zul::practice {
 
 namespace {
 
-bool mergeChild(xmlNode* target, xmlNode* child, std::string& error);
-
-std::string quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
+bool isEntity(const xmlNode* node) {
+    return PracticeEntity_level(PracticeNode_tag(node)).has_value();
 }
 
-std::string describe(const xmlNode* node) {
-    const std::string name = PracticeNode_name(node);
-    return std::string(PracticeNode_tag(node)) + (name.empty() ? "" : " " + quoted(name));
-}
+// One merge: what it knows of the elements that it has come to.
+class Merge {
+public:
+    Merge(const Definition& definition, const xmlDoc* document, const std::stop_token& stop,
+          std::string& error)
+        : definition_(definition), stop_(stop), error_(error), layout_(document) {}
 
-bool failed(std::string& error, std::string what) {
-    error = std::move(what);
-    return false;
-}
+    bool apply(xmlNode* entity, xmlNode* snippet);
+    bool mergeChild(xmlNode* target, xmlNode* child);
 
-// What tells an element from its siblings of the same tag: its name attribute or, in a list of pairs, its
-// name element; in a list of texts the text itself. Empty when there can be only one.
-std::string identity(const xmlNode* node) {
-    if (PracticeNode_tag(node) != "element") {
-        return PracticeNode_name(node);
+private:
+    bool failed(std::string what) {
+        error_ = std::move(what);
+        return false;
     }
-    for (const xmlNode* part = PracticeNode_firstChild(node); part != nullptr;
-         part = PracticeNode_next(part)) {
-        if (PracticeNode_tag(part) == "name") {
-            return PracticeNode_text(part);
-        }
-    }
-    return PracticeNode_text(node);
+    Children& childrenOf(xmlNode* target);
+    bool trimValues(xmlNode* node);
+    bool merge(xmlNode* target, xmlNode* source);
+    bool mergeLeaf(xmlNode* target, const xmlNode* source);
+    bool mergeByNames(const Children& children, xmlNode* child);
+    bool mergeUnmatched(xmlNode* target, xmlNode* child);
+    bool checkRepetitions(const xmlNode* target, const xmlNode* source);
+
+    const Definition& definition_;
+    const std::stop_token stop_;
+    std::string& error_;
+    Layout layout_;
+    std::unordered_map<xmlNode*, Children> children_;
+};
+
+Children& Merge::childrenOf(xmlNode* target) {
+    const auto found = children_.find(target);
+    // What is in an accepted document is declared.
+    return found != children_.end()
+               ? found->second
+               : children_
+                     .try_emplace(target, target, *definition_.contentOf(PracticeNode_tag(target)), layout_)
+                     .first->second;
 }
 
-void mergeAttributes(xmlNode* target, const xmlNode* source) {
+bool mergeAttributes(xmlNode* target, const xmlNode* source) {
     for (const xmlAttr* attribute = source->properties; attribute != nullptr; attribute = attribute->next) {
-        const auto* name = reinterpret_cast<const char*>(attribute->name);
-        const std::string value = PracticeNode_attribute(source, name);
-        xmlSetProp(target, attribute->name, reinterpret_cast<const xmlChar*>(value.c_str()));
-    }
-}
-
-bool mergeLeaf(xmlNode* target, const xmlNode* source, std::string& error) {
-    const std::string text = PracticeNode_text(source);
-    if (PracticeNode_firstChild(target) == nullptr) {
-        return PracticeNode_setText(target, text) || failed(error, "out of memory");
-    }
-    return text.empty() ||
-           failed(error, describe(target) + " holds elements and cannot be set to a text; name one of them");
-}
-
-bool merge(xmlNode* target, xmlNode* source, std::string& error) {
-    mergeAttributes(target, source);
-    xmlNode* child = PracticeNode_firstChild(source);
-    if (child == nullptr) {
-        return mergeLeaf(target, source, error);
-    }
-    for (; child != nullptr; child = PracticeNode_next(child)) {
-        if (!mergeChild(target, child, error)) {
+        const std::string value =
+            PracticeNode_attribute(source, reinterpret_cast<const char*>(attribute->name));
+        if (!PracticeXml_isSchemaLocation(attribute) &&
+            xmlSetProp(target, attribute->name, reinterpret_cast<const xmlChar*>(value.c_str())) == nullptr) {
             return false;
         }
     }
     return true;
 }
 
-std::vector<xmlNode*> candidatesFor(const xmlNode* target, const xmlNode* child) {
-    const std::string wanted = identity(child);
-    const bool needsIdentity = !wanted.empty();
-    std::vector<xmlNode*> found;
-    for (xmlNode* node = PracticeNode_firstChild(target); node != nullptr; node = PracticeNode_next(node)) {
-        if (PracticeNode_tag(node) == PracticeNode_tag(child) &&
-            (!needsIdentity || identity(node) == wanted)) {
-            found.push_back(node);
+bool Merge::mergeLeaf(xmlNode* target, const xmlNode* source) {
+    const std::string text = PracticeNode_text(source);
+    if (PracticeNode_firstChild(target) == nullptr) {
+        return PracticeNode_setText(target, text) || failed("out of memory");
+    }
+    return text.empty() || failed(PracticeNode_describe(target) +
+                                  " holds elements and cannot be set to a text; name one of them");
+}
+
+// An element that the definition wants once must not be given twice. Which of two values counts would depend
+// on their order.
+bool Merge::checkRepetitions(const xmlNode* target, const xmlNode* source) {
+    const ContentModel& content = *definition_.contentOf(PracticeNode_tag(target));
+    std::set<std::string_view> tags;
+    for (const xmlNode* child = PracticeNode_firstChild(source); child != nullptr;
+         child = PracticeNode_next(child)) {
+        const std::string_view tag = PracticeNode_tag(child);
+        if (!tags.insert(tag).second && definition_.contentOf(tag) != nullptr && !content.repeats(tag)) {
+            return failed("line " + std::to_string(PracticeXml_lineOf(child)) + " of the update: a second " +
+                          shortened(tag) + " in " + PracticeNode_describe(target) + "; expected one");
         }
     }
-    return found;
+    return true;
+}
+
+bool Merge::merge(xmlNode* target, xmlNode* source) {
+    if (stop_.stop_requested()) {
+        return failed(PRACTICE_XML_STOPPED);
+    }
+    if (definition_.contentOf(PracticeNode_tag(target)) == nullptr) {
+        return failed(PracticeNode_describe(target) + " is not known");
+    }
+    if (!mergeAttributes(target, source)) {
+        return failed("out of memory");
+    }
+    xmlNode* child = PracticeNode_firstChild(source);
+    if (child == nullptr) {
+        return mergeLeaf(target, source);
+    }
+    if (!checkRepetitions(target, source)) {
+        return false;
+    }
+    while (child != nullptr) {
+        xmlNode* next = PracticeNode_next(child); // before it is moved away
+        if (!mergeChild(target, child)) {
+            return false;
+        }
+        child = next;
+    }
+    return true;
 }
 
 // Several elements have the tag: each next tag must be the name of one of them.
-bool mergeByNames(const std::vector<xmlNode*>& candidates, const xmlNode* child, std::string& error) {
+bool Merge::mergeByNames(const Children& children, xmlNode* child) {
     xmlNode* part = PracticeNode_firstChild(child);
-    bool named = part != nullptr;
-    for (; named && part != nullptr; part = PracticeNode_next(part)) {
-        const auto match =
-            std::find_if(candidates.begin(), candidates.end(), [part](const xmlNode* candidate) {
-                return PracticeNode_name(candidate) == PracticeNode_tag(part);
-            });
-        named = match != candidates.end();
-        if (named && !merge(*match, part, error)) {
+    xmlNode* named = nullptr;
+    do {
+        named = part != nullptr ? children.find(PracticeNode_tag(child), std::string(PracticeNode_tag(part)))
+                                : nullptr;
+        if (named == nullptr) {
+            return failed("several elements " + PracticeNode_describe(child) +
+                          " match; name the one that is meant");
+        }
+        if (!merge(named, part)) {
             return false;
         }
-    }
-    return named ||
-           failed(error, "several elements " + describe(child) + " match; name the one that is meant");
+        part = PracticeNode_next(part);
+    } while (part != nullptr);
+    return true;
 }
 
 // No element has the tag: it may be a name, or a setting that was not there before.
-bool mergeUnmatched(xmlNode* target, xmlNode* child, std::string& error) {
+bool Merge::mergeUnmatched(xmlNode* target, xmlNode* child) {
     const std::string_view tag = PracticeNode_tag(child);
-    const bool isEntity = PracticeEntity_level(tag).has_value();
-    if (!isEntity && PracticeEntity_level(PracticeNode_tag(target)) && PracticeNode_name(target) == tag) {
-        return merge(target, child, error);
+    if (!isEntity(child)) {
+        if (isEntity(target) && PracticeNode_name(target) == tag) {
+            return merge(target, child);
+        }
+        if (xmlNode* named = childrenOf(target).findEntity(tag)) {
+            return merge(named, child);
+        }
     }
-    xmlNode* named = isEntity ? nullptr : PracticeEntity_findChild(target, tag);
-    if (named != nullptr) {
-        return merge(named, child, error);
+    if (isEntity(child) || definition_.contentOf(tag) == nullptr) {
+        return failed(PracticeNode_describe(child) + " matches nothing in " + PracticeNode_describe(target) +
+                      (isEntity(child) ? "; use create for a new entity" : ""));
     }
-    if (isEntity || !PracticeXml_isDeclared(child->name)) {
-        return failed(error, describe(child) + " matches nothing in " + describe(target) +
-                                 (isEntity ? "; use create for a new entity" : ""));
-    }
-    return PracticeNode_insertCopy(target, child) != nullptr || failed(error, "out of memory");
+    return childrenOf(target).insert(child, error_);
 }
 
-bool mergeChild(xmlNode* target, xmlNode* child, std::string& error) {
-    const std::vector<xmlNode*> candidates = candidatesFor(target, child);
-    if (candidates.empty()) {
-        return mergeUnmatched(target, child, error);
+bool Merge::mergeChild(xmlNode* target, xmlNode* child) {
+    const std::string_view tag = PracticeNode_tag(child);
+    const std::string identity = identityOf(child);
+    const Children& children = childrenOf(target);
+    if (identity.empty() && isEntity(child) && children.hasSeveral(tag)) {
+        return mergeByNames(children, child);
     }
-    const bool isEntity = PracticeEntity_level(PracticeNode_tag(child)).has_value();
-    if (candidates.size() > 1 && isEntity) {
-        return mergeByNames(candidates, child, error);
-    }
-    return merge(candidates.back(), child, error); // of a repeated setting the last one counts
+    // Of a repeated setting the last one counts.
+    xmlNode* found = identity.empty() ? children.findLast(tag) : children.find(tag, identity);
+    return found != nullptr ? merge(found, child) : mergeUnmatched(target, child);
 }
 
 // Blanks and line ends around a value do not count; a typed line leaves some.
-bool trimValues(xmlNode* node, std::string& error) {
+bool Merge::trimValues(xmlNode* node) {
     xmlNode* child = PracticeNode_firstChild(node);
     if (child == nullptr) {
-        return PracticeNode_setText(node, PracticeNode_text(node)) || failed(error, "out of memory");
+        return PracticeNode_setText(node, PracticeNode_text(node)) || failed("out of memory");
     }
-    while (child != nullptr && trimValues(child, error)) {
+    while (child != nullptr && trimValues(child)) {
         child = PracticeNode_next(child);
     }
     return child == nullptr;
 }
 
-} // namespace
-
-bool PracticeMerge_apply(xmlNode* target, xmlNode* snippet, std::string& error) {
-    if (!trimValues(snippet, error)) {
+bool Merge::apply(xmlNode* entity, xmlNode* snippet) {
+    if (!trimValues(snippet)) {
         return false;
     }
-    const bool isService = PracticeEntity_level(PracticeNode_tag(target)) == PracticeEntityLevel::SERVICE;
-    if (isService && PracticeNode_tag(snippet) == PracticeNode_tag(target->parent)) {
-        return merge(target->parent, snippet, error);
+    const std::string_view tag = PracticeNode_tag(snippet);
+    const bool isService = PracticeEntity_level(PracticeNode_tag(entity)) == PracticeEntityLevel::SERVICE;
+    if (isService && tag == PracticeNode_tag(entity->parent)) {
+        return merge(entity->parent, snippet);
     }
     const std::string name = PracticeNode_name(snippet);
-    if (PracticeNode_tag(snippet) == PracticeNode_tag(target) &&
-        (name.empty() || name == PracticeNode_name(target))) {
-        return merge(target, snippet, error);
+    if (tag == PracticeNode_tag(entity) && (name.empty() || name == PracticeNode_name(entity))) {
+        return merge(entity, snippet);
     }
-    if (!PracticeEntity_level(PracticeNode_tag(snippet))) {
-        return mergeChild(target, snippet, error);
-    }
-    return !candidatesFor(target, snippet).empty()
-               ? mergeChild(target, snippet, error)
-               : failed(error, describe(snippet) + " matches nothing in " + describe(target));
+    const bool isInside = name.empty() ? childrenOf(entity).findLast(tag) != nullptr
+                                       : childrenOf(entity).find(tag, name) != nullptr;
+    return !isEntity(snippet) || isInside ? mergeChild(entity, snippet)
+                                          : failed(PracticeNode_describe(snippet) + " matches nothing in " +
+                                                   PracticeNode_describe(entity));
 }
+
+} // namespace
+
+bool applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop, std::string& error) {
+    const Definition* definition = Definition::ofProduct();
+    return definition != nullptr && Merge(*definition, entity->doc, stop, error).apply(entity, snippet);
+}
+
+bool mergeChild(xmlNode* target, xmlNode* child, std::string& error) {
+    const Definition* definition = Definition::ofProduct();
+    return definition != nullptr && Merge(*definition, target->doc, {}, error).mergeChild(target, child);
+}
+
+} // namespace zul::practice

@@ -1,14 +1,23 @@
-// Merging an XML snippet into a document: elements are matched by tag and name attribute, the values of
-// leaves replaced (without the blanks around them, which do not count). Works on a document of the caller's
-// that is thrown away when a merge fails half way.
+// Merging an XML snippet into a document: elements are matched by tag and name attribute as they were before,
+// the values of leaves replaced (without the blanks around them, which do not count). Works on a document of
+// the caller's that is thrown away when a merge fails half way. The time is linear in document and snippet.
 #pragma once
 
 #include <libxml/tree.h>
 
+#include <stop_token>
 #include <string>
 
-// Applies the snippet to an entity. The snippet's outermost element is the entity itself or something inside
-// it; for the service it may also be a whole document. Where several elements have a snippet's tag, the name
-// of the one that is meant may stand as the next tag. False when something in the snippet has no counterpart;
-// `error` then names it.
-bool PracticeMerge_apply(xmlNode* target, xmlNode* snippet, std::string& error);
+namespace zul::practice {
+
+// Applies the snippet to an entity, whose document it shares the dictionary with, and takes nodes out of it.
+// The snippet's outermost element is the entity itself or something inside it; for the service it may also be
+// a whole document. Where several elements have a snippet's tag, the name of the one that is meant may stand
+// as the next tag. False when something in the snippet has no counterpart or no place; `error` then names it.
+// Gives up soon when asked to stop.
+bool applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop, std::string& error);
+
+// Merges `child` into the children of `target`, as if it came in a snippet for `target`; may move it there.
+bool mergeChild(xmlNode* target, xmlNode* child, std::string& error);
+
+} // namespace zul::practice

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-// The participant that a request came from: the first twelve bytes of its GUID.
-using PracticeClientPrefix = std::array<std::uint8_t, 12>;
+// The GUID of the writer that a request came from. Its first twelve bytes are those of the participant.
+using PracticeWriterGuid = std::array<std::uint8_t, 16>;
+constexpr std::size_t PRACTICE_GUID_PREFIX = 12;
 
 struct PracticeRequestId {
     std::int32_t host;
@@ -27,7 +28,7 @@ struct PracticeRequest {
     std::string content;            // XML URL, or a piece of one
     bool isFirstParticipant = true; // add_peer
     std::vector<std::string> peers; // add_peer
-    PracticeClientPrefix client{};
+    PracticeWriterGuid writer{};
 };
 
 constexpr const char* PRACTICE_EVERY_ROUTER = "*";

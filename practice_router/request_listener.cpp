@@ -16,8 +16,8 @@ PracticeRequest copyOf(const Request& sample, const DDS_SampleInfo& info) {
                             .entity = {},
                             .content = {},
                             .peers = {}};
-    std::copy_n(static_cast<const std::uint8_t*>(info.publication_handle.value), request.client.size(),
-                request.client.begin());
+    std::copy_n(static_cast<const std::uint8_t*>(info.publication_handle.value), request.writer.size(),
+                request.writer.begin());
     const auto& branches = sample.command._u;
     switch (request.kind) {
     case ZUL_ROUTING_SERVICE_COMMAND_LOAD:

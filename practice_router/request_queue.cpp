@@ -26,6 +26,7 @@ std::optional<PracticeRequest> PracticeRequestQueue_pop(PracticeRequestQueue& se
 void PracticeRequestQueue_close(PracticeRequestQueue& self) {
     const std::lock_guard lock(self.mutex);
     self.isClosed = true;
+    self.ending.request_stop();
     self.changed.notify_all();
 }
 

@@ -10,6 +10,7 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 
 constexpr std::size_t PRACTICE_QUEUE_MAX = 64; // requests
 
@@ -18,6 +19,7 @@ struct PracticeRequestQueue {
     std::condition_variable changed;
     std::deque<PracticeRequest> requests;
     bool isClosed = false;
+    std::stop_source ending{}; // for work in progress; asked to stop when the queue is closed
 };
 
 // Waits for room. False when the queue is closed: the request is dropped.

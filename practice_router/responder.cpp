@@ -13,10 +13,11 @@ using std::chrono::milliseconds;
 // request.
 constexpr milliseconds READER_WAIT{1000};
 constexpr milliseconds READER_POLL{1};
+constexpr milliseconds WRITE_WAIT{5000};
 constexpr std::size_t MAX_WRITERS_ONLY = 256; // remembered
 
 // A response written before the middleware knows the client's reader would be lost.
-void awaitReader(PracticeResponder& self, const PracticeClientPrefix& client) {
+void awaitReader(PracticeResponder& self, const PracticeWriterGuid& client) {
     const auto deadline = std::chrono::steady_clock::now() + READER_WAIT;
     while (!PracticeEndpoints_knowsReader(self.endpoints, client)) {
         if (self.writersOnly.contains(client)) {
@@ -35,6 +36,19 @@ void awaitReader(PracticeResponder& self, const PracticeClientPrefix& client) {
     }
 }
 
+// Writes, however long readers take to acknowledge earlier samples, up to a bound: a dead shell must not hold
+// up the others. False when the bound is reached or the program ends.
+template <class Write>
+bool writePatiently(PracticeResponder& self, Write write) {
+    const auto deadline = std::chrono::steady_clock::now() + WRITE_WAIT;
+    DDS_ReturnCode_t written = DDS_RETCODE_TIMEOUT;
+    while (written == DDS_RETCODE_TIMEOUT && !PracticeRequestQueue_isClosed(self.queue) &&
+           std::chrono::steady_clock::now() < deadline) {
+        written = write();
+    }
+    return written == DDS_RETCODE_OK;
+}
+
 bool write(PracticeResponder& self, const PracticeRequestId& id,
            ZUL_RoutingService_Administration_CommandResponseKind kind, std::string_view text, bool isFinal) {
     auto& response = *self.endpoints.response;
@@ -43,13 +57,13 @@ bool write(PracticeResponder& self, const PracticeRequestId& id,
     response.is_final = isFinal ? 1 : 0;
     std::copy(text.begin(), text.end(), response.message);
     response.message[text.size()] = '\0';
-    return PracticeEndpoints_writeResponse(self.endpoints);
+    return writePatiently(self, [&] { return PracticeEndpoints_writeResponse(self.endpoints); });
 }
 
 bool writeFaultsAhead(PracticeResponder& self, const PracticeRequestId& id) {
     for (std::int32_t i = 0; i < self.faults.garbage; ++i) {
-        if (PracticeRequestQueue_isClosed(self.queue) ||
-            !PracticeEndpoints_writeRaw(self.endpoints, PracticeGarbage_next(self.garbage, id))) {
+        const auto bytes = PracticeGarbage_next(self.garbage, id);
+        if (!writePatiently(self, [&] { return PracticeEndpoints_writeRaw(self.endpoints, bytes); })) {
             return false;
         }
     }
@@ -66,7 +80,7 @@ bool writeFaultsAhead(PracticeResponder& self, const PracticeRequestId& id) {
 
 bool PracticeResponder_send(PracticeResponder& self, const PracticeRequest& request,
                             const PracticeAnswer& answer) {
-    awaitReader(self, request.client);
+    awaitReader(self, request.writer);
     if (!writeFaultsAhead(self, request.id)) {
         return false;
     }
@@ -74,8 +88,7 @@ bool PracticeResponder_send(PracticeResponder& self, const PracticeRequest& requ
     const int copies = self.faults.duplicates ? 2 : 1;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         for (int copy = 0; copy < copies; ++copy) {
-            if (PracticeRequestQueue_isClosed(self.queue) ||
-                !write(self, request.id, answer.kind, parts[i], i + 1 == parts.size())) {
+            if (!write(self, request.id, answer.kind, parts[i], i + 1 == parts.size())) {
                 return false;
             }
         }

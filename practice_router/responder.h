@@ -15,7 +15,7 @@ struct PracticeResponder {
     PracticeRequestQueue& queue; // closed: the program ends, and so does every wait here
     const PracticeFaults& faults;
     PracticeGarbage garbage{};
-    std::set<PracticeClientPrefix> writersOnly{}; // clients that were waited for in vain
+    std::set<PracticeWriterGuid> writersOnly{}; // of clients whose reader was waited for in vain
 };
 
 // False when the answer was not sent whole: nobody acknowledged, or the program ends.

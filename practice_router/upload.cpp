@@ -4,21 +4,23 @@
 
 namespace {
 
-bool isSameClient(const PracticeRequestId& left, const PracticeRequestId& right) {
-    return left.host == right.host && left.app == right.app;
+bool isFromClient(const PracticeUpload& upload, const PracticeRequest& request) {
+    return upload.writer == request.writer && upload.id.host == request.id.host &&
+           upload.id.app == request.id.app;
 }
 
 template <class Uploads>
-auto findOf(Uploads& pending, const PracticeRequestId& id) {
+auto findOf(Uploads& pending, const PracticeRequest& request) {
     return std::find_if(pending.begin(), pending.end(),
-                        [&id](const PracticeUpload& upload) { return isSameClient(upload.id, id); });
+                        [&request](const PracticeUpload& upload) { return isFromClient(upload, request); });
 }
 
 // Takes out the upload that a piece goes on with, or begins a new one; whatever else the client has
 // unfinished is dropped.
 PracticeUpload continued(PracticeUploads& self, const PracticeRequest& piece) {
-    PracticeUpload upload{.id = piece.id, .kind = piece.kind, .entity = piece.entity, .text = {}};
-    const auto found = findOf(self.pending, piece.id);
+    PracticeUpload upload{
+        .writer = piece.writer, .id = piece.id, .kind = piece.kind, .entity = piece.entity, .text = {}};
+    const auto found = findOf(self.pending, piece);
     if (found != self.pending.end()) {
         if (found->id == piece.id && found->kind == piece.kind) {
             upload = std::move(*found);
@@ -32,11 +34,11 @@ PracticeUpload continued(PracticeUploads& self, const PracticeRequest& piece) {
 
 void PracticeUploads_interrupt(PracticeUploads& self, const PracticeRequest& other) {
     std::erase_if(self.pending,
-                  [&other](const PracticeUpload& upload) { return isSameClient(upload.id, other.id); });
+                  [&other](const PracticeUpload& upload) { return isFromClient(upload, other); });
 }
 
 const PracticeUpload* PracticeUploads_find(const PracticeUploads& self, const PracticeRequest& piece) {
-    const auto found = findOf(self.pending, piece.id);
+    const auto found = findOf(self.pending, piece);
     return found != self.pending.end() ? &*found : nullptr;
 }
 

@@ -1,7 +1,7 @@
 // Putting the pieces of long XML texts together. The pieces of one text carry one id and kind; all but the
-// last are marked as not final. Uploads of different clients are kept apart by host and app; whatever else
-// arrives from a client drops its unfinished upload, which is therefore never applied by half. One thread at
-// a time.
+// last are marked as not final. Clients are told apart by their writer, and by host and app as well; whatever
+// else arrives from a client drops its unfinished upload, which is therefore never applied by half. One
+// thread at a time.
 #pragma once
 
 #include "practice_router/request.h"
@@ -16,6 +16,7 @@ constexpr std::size_t PRACTICE_UPLOAD_MAX_SIZE = PRACTICE_XML_MAX_SIZE + 16; // 
 constexpr std::size_t PRACTICE_MAX_PENDING_UPLOADS = 16; // beyond it the one that rested longest is dropped
 
 struct PracticeUpload {
+    PracticeWriterGuid writer{};
     PracticeRequestId id{};
     ZUL_RoutingService_Administration_CommandKind kind{};
     std::string entity;    // as the first piece names it

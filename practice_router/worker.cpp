@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t MAX_LOGGED = 200; // characters of one text
+constexpr std::size_t MAX_LOGGED = 200; // bytes of one text
 constexpr int OUTPUT_POLL_MILLISECONDS = 100;
 
 constexpr const char* answerName(ZUL_RoutingService_Administration_CommandResponseKind kind) {
@@ -23,22 +23,9 @@ constexpr const char* answerName(ZUL_RoutingService_Administration_CommandRespon
     }
 }
 
-// A text as one piece of a log line: its beginning, with control characters and runs of blanks as one blank.
+// A text as one piece of a log line.
 std::string shown(std::string_view text) {
-    if (text.empty()) {
-        return "-";
-    }
-    std::string result;
-    for (const char c : text) {
-        const bool isBlank = static_cast<unsigned char>(c) <= ' ' || static_cast<unsigned char>(c) == 0x7F;
-        if (result.size() >= MAX_LOGGED) {
-            return result + "...";
-        }
-        if (!isBlank || result.empty() || result.back() != ' ') {
-            result += isBlank ? ' ' : c;
-        }
-    }
-    return result;
+    return text.empty() ? "-" : zul::practice::shortened(text, MAX_LOGGED);
 }
 
 // One line on standard output at once. A full pipe that nobody reads holds the router up, but not its end.
@@ -90,6 +77,7 @@ void handle(PracticeRouter& router, PracticeResponder& responder, const Practice
 void PracticeWorker_run(PracticeRouter& router, PracticeRequestQueue& queue, PracticeEndpoints& endpoints,
                         const PracticeOptions& options) {
     PracticeResponder responder{.endpoints = endpoints, .queue = queue, .faults = options.faults};
+    router.configuration.stop = queue.ending.get_token();
     while (const std::optional<PracticeRequest> request = PracticeRequestQueue_pop(queue)) {
         if (PracticeRouter_isAddressed(router, *request)) {
             handle(router, responder, *request);

@@ -14,17 +14,14 @@ std::string PracticeNode_attribute(const xmlNode* node, const char* name);
 inline std::string PracticeNode_name(const xmlNode* node) {
     return PracticeNode_attribute(node, "name");
 }
+// Its tag and, in quotes, its name attribute, for messages.
+std::string PracticeNode_describe(const xmlNode* node);
 // All text inside, without the blanks around it.
 std::string PracticeNode_text(const xmlNode* node);
 
-// Element children: the first, and the one behind `node`; null when there is none.
+// Element children: the first, and the one after `node`; null when there is none.
 xmlNode* PracticeNode_firstChild(const xmlNode* node);
 xmlNode* PracticeNode_next(const xmlNode* node);
 
 // Puts `text`, taken literally, in place of everything inside `node`. False when memory is exhausted.
 bool PracticeNode_setText(xmlNode* node, const std::string& text);
-// Copies `child` into `parent` at the last place where the document's definition allows it; at the end when
-// it allows none. Indented like its new siblings. Null when memory is exhausted.
-xmlNode* PracticeNode_insertCopy(xmlNode* parent, xmlNode* child);
-// Removes and frees `node` with the indentation in front of it.
-void PracticeNode_remove(xmlNode* node);

@@ -1,6 +1,7 @@
 // Documents from outside: hostile ones are refused within bounds, faulty ones with the line, and none of them
 // touches what is active.
 #include "practice_router/configuration.h"
+#include "practice_router/merge.h"
 #include "product/product_info.h"
 #include "tests/practice_router/kinds.h"
 
@@ -13,6 +14,14 @@ std::string repeated(const std::string& text, int count) {
     std::string result;
     for (int i = 0; i < count; ++i) {
         result += text;
+    }
+    return result;
+}
+
+std::string manyAttributes(int count) {
+    std::string result;
+    for (int i = 0; i < count; ++i) {
+        result += " a" + std::to_string(i) + "=''";
     }
     return result;
 }
@@ -51,15 +60,33 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
         {"DefaultSession", "Default\xC3(Session", "line 10: ", "UTF-8"},
         {"<domain_id>0", "<domain_id>&zero;", "line 5: ", "zero"},
         {"", "<routing_service name=\"A\"/>", "line 1: ", "it must be dds"},
-        {"<output/>", "<outlet/>", "line 11: ", "auto_topic_route"},
-        {"participant=\"1\"", "side=\"1\"", "line 12: ", "side"},
-        {" name=\"DefaultSession\"", "", "line 10: ", "name"},
+        {"<output/>", "<outlet/>",
+         "line 13: ", "outlet cannot stand here in auto_topic_route \"All\"; expected"},
+        {"<output/>", "", "line 11: ", "not complete; expected publish_with_original_info, "},
+        {"<domain_id>1", "<domain_id>1</domain_id><domain_id>1", "line 8: ", "expected participant_qos, "},
+        {"<session", "text<session", "line 3: ", "domain_route \"DefaultDomainRoute\" holds text; expected "},
+        {"<output/>", "<output><topic_name/><topic_name x=\"\"/></output>",
+         "line 13: ", "expected no attribute"},
+        {"participant=\"1\"", "side=\"1\"",
+         "line 12: ", "no attribute side; expected participant or connection"},
+        {"participant=\"1\"", "participant=\"3\"", "line 12: ", "is \"3\"; expected 1 or 2"},
+        {" name=\"DefaultSession\"", "", "line 10: ", "session lacks an attribute; expected name"},
+        {"DefaultSession", std::string(60000, 'n'), "line 10: ", "n...\" of this session is not allowed; "},
+        {"<output/>", repeated("\n", 70000) + "<outlet/>",
+         "line 70013: ", "outlet"}, // beyond the library's numbers
         {"DefaultSession", "A::B", "line 10: ", "letters, digits"},
         {"</session>", "</session><session name=\"DefaultSession\"/>", "line 15: ", "taken"},
         {"<domain_id>0", "<domain_id>x", "line 5: ", "from 0 to 232"},
         {"<domain_id>1", "<domain_id>233", "line 8: ", "from 0 to 232"},
-        {"<dds>", "<!DOCTYPE dds SYSTEM \"http://127.0.0.1/x.dtd\"><dds>",
-         "line 1: ", "take out the <!DOCTYPE"},
+        {"<dds>", "<!DOCTYPE dds SYSTEM \"http://127.0.0.1/x.dtd\"><dds>&x;", "line 1: ", "'x' not defined"},
+        {"<dds>", "<!DOCTYPE dds SYSTEM \"x.dtd\" [%x;]><dds>", "line 1: ", "%x; not found"},
+        {"<dds>", "<!DOCTYPE dds [<!ATTLIST dds a CDATA 'b'>]><dds>", "line 1: ", "take out the part in [ ]"},
+        {"<dds>", "<dds xmlns=\"urn:x\">", "line 1: ", "in no namespace"},
+        {"<routing", "<routing_service xmlns:x=\"http://www.w3.org/2001/XMLSchema-instance\"/><routing",
+         "line 2: ", "xmlns"},
+        {"<dds>", "<dds" + manyAttributes(65) + ">", "line 1: ", "more than 64 attributes"},
+        {"<dds>", "<dds" + manyAttributes(500000) + ">", "line 1: ", "a tag has more than 65536 bytes"},
+        {"<dds>", "<dds>" + repeated("<?a?>", PRACTICE_XML_MAX_NODES), "line 1: ", "shorten the document"},
         {"", "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\">" + bomb + "]><dds>&z;</dds>", "line 1: ", "DOCTYPE"},
         {"", repeated("<dds>\n", 10000) + repeated("</dds>", 10000), "line 65: ", "64 deep"},
         {"</dds>", "</dds>" + std::string(PRACTICE_XML_MAX_SIZE, ' '), "the document has ", "at most"},
@@ -80,8 +107,41 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
         EXPECT_EQ(answer.kind, ERROR) << what;
         EXPECT_TRUE(answer.text.starts_with(row.line)) << what << ": " << answer.text;
         EXPECT_NE(answer.text.find(row.fault), std::string::npos) << what << ": " << answer.text;
+        EXPECT_LE(answer.text.size(), PRACTICE_MAX_FAILURE + 3) << what;
+        EXPECT_EQ(answer.text.find('\n'), std::string::npos) << what;
         EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN) << what;
     }
+}
+
+TEST(Document, KeepsWhatEditorsWriteInItAndFollowsNoneOfIt) {
+    const std::string head = "<!DOCTYPE dds PUBLIC \"-//x\" \"http://127.0.0.1/x.dtd\">\n"
+                             "<?xml-model href=\"file:///x.dtd\"?>\n<dds xmlns:xsi=\"http://www.w3.org/2001/"
+                             "XMLSchema-instance\" xsi:noNamespaceSchemaLocation=\"http://127.0.0.1/x.xsd\">";
+    const std::string document = head + BUILTIN.substr(BUILTIN.find('>') + 1);
+    PracticeConfiguration configuration;
+    const PracticeAnswer answer = PracticeConfiguration_loadFirst(configuration, document);
+    ASSERT_EQ(answer.kind, OK) << answer.text;
+    EXPECT_EQ(PracticeConfiguration_text(configuration), document);
+    EXPECT_EQ(PracticeConfiguration_update(configuration, "", document).text, "updated the router");
+    EXPECT_EQ(PracticeConfiguration_text(configuration), document);
+}
+
+TEST(Document, IsLeftAsItIsByWorkThatIsStopped) {
+    std::stop_source ending;
+    PracticeConfiguration configuration{.stop = ending.get_token()};
+    ASSERT_EQ(PracticeConfiguration_loadFirst(configuration, BUILTIN).kind, OK);
+    std::string error;
+    const PracticeXmlDocument snippet = PracticeXml_parse(BUILTIN, ending.get_token(), error);
+    ending.request_stop();
+    EXPECT_FALSE(zul::practice::applySnippet(configuration.service, xmlDocGetRootElement(snippet.get()),
+                                             ending.get_token(), error));
+    EXPECT_EQ(error, PRACTICE_XML_STOPPED);
+    EXPECT_EQ(PracticeConfiguration_loadFirst(configuration, BUILTIN).text, PRACTICE_XML_STOPPED);
+    EXPECT_EQ(
+        PracticeConfiguration_changeState(configuration, PracticeStateChange::DISABLE, "DefaultDomainRoute")
+            .kind,
+        ERROR);
+    EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN);
 }
 
 TEST(Document, HoldsSeveralConfigurationsOfWhichOneIsInForce) {

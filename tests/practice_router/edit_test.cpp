@@ -1,7 +1,11 @@
 // Commands on a configuration: what they change, what they answer, and that a refused one changes nothing.
+#include "practice_router/save_file.h"
 #include "tests/practice_router/kinds.h"
 
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace {
 
@@ -71,13 +75,18 @@ TEST_F(Router, UpdatesWhatASnippetNames) {
         {"D", nested("participant_2 domain_id", " 7"), "<domain_id>7</domain_id>"},
         {"", nested("domain_route E participant_2 domain_id", "9"), "<domain_id>9</domain_id>"},
         {"S", nested("routing_service administration domain_id", " 8"),
-         "<administration><domain_id>8</domain_id></administration>"},
+         "<administration>\n            <domain_id>8</domain_id>\n        </administration>\n    "
+         "</routing_service>"},
         // A name as a tag: behind the entity's own tag, whether the entity is the target or inside it.
-        {"D::s1", nested("session s1", property("a", " a&lt;b \n")), property("a", "a&lt;b")},
+        {"D::s1", nested("session s1", property("a", " a&lt;b \n")),
+         "<property>\n                    <value>\n                        "
+         "<element><name>a</name><value>a&lt;b</value>"
+         "</element>\n                    </value>\n                </property>\n            </session>"},
         {"D", nested("session s2", property("size", "16")),
          property("size", "16") + "\n            </session>"},
         {"D", "<session name=\"s2\">" + property("new", "1") + "</session>",
-         "<value>8</value></element><element><name>new</name><value>1</value></element>"},
+         "<value>\n                        <element><name>size</name><value>8</value></element>\n"
+         "                        <element><name>new</name>"},
         // Where the definition orders the elements, a new one goes where it belongs.
         {"D::s1::T", "<topic_route><transformation plugin_name=\"L::P\"/></topic_route>",
          "<input/>\n                    <transformation plugin_name=\"L::P\"/>\n                    "
@@ -111,7 +120,17 @@ TEST_F(Router, RefusesWhatMakesNoSenseAndChangesNothing) {
         {UPDATE, "D", nested("routing_service administration", ""), ERROR, "routing_service matches"},
         {UPDATE, "", nested("domain_route documentation", "1"), ERROR, "several"},
         {UPDATE, "D", nested("domain_route", "5"), ERROR, "holds elements"},
-        {UPDATE, "D", nested("domain_route polling_period", ""), ERROR, "invalid: line 3"},
+        {UPDATE, "D", nested("domain_route polling_period", ""), ERROR,
+         "polling_period has no place in domain_route \"D\""},
+        {UPDATE, "D",
+         nested("domain_route participant_1", "<domain_id>1</domain_id><domain_id>2</domain_id>"), ERROR,
+         "a second domain_id in participant_1; expected one"},
+        {UPDATE, "D",
+         "<domain_route><property><x/></property><property><x><y/></x></property></domain_route>", ERROR,
+         "x is not known"},
+        {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", ERROR, "invalid: line 2"},
+        {UPDATE, "D", nested("session s1", "<x/>" + std::string(1 << 20, 'y')), ERROR, "x matches nothing"},
+        {UPDATE, "D", "<" + std::string(40000, 'z') + "/>", ERROR, "zzz... matches nothing"},
         {UPDATE, "D", "<domain_route", ERROR, "line 1"},
         {CREATE, "", "<session name=\"n\"/>", ERROR, "its parent is a domain_route"},
         {CREATE, "D", "<domain_route name=\"n\"/>", ERROR, "its parent is the service"},
@@ -129,6 +148,7 @@ TEST_F(Router, RefusesWhatMakesNoSenseAndChangesNothing) {
         {PAUSE, "E", "", ERROR, "disabled; enable it first"},
         {ADD_PEER, "D::s1", "", NOT_FOUND, "D::s1"},
         {ADD_PEER, "E", "", ERROR, "no participant_1"},
+        {ADD_PEER, "D", "", ERROR, "name at least one"},
     };
     for (const auto& row : rows) {
         const PracticeAnswer answer = send(row.kind, row.entity, row.xml);
@@ -170,6 +190,80 @@ TEST_F(Router, KeepsTheStateOfEntities) {
     EXPECT_EQ(send(DISABLE, "D").kind, OK);
     EXPECT_EQ(send(ENABLE).kind, OK);
     EXPECT_NE(send(PAUSE, "D::s1").text.find("D is disabled"), std::string::npos);
+}
+
+TEST_F(Router, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
+    EXPECT_EQ(send(DISABLE, "D::s1::T").kind, OK);
+    EXPECT_NE(text().find("<topic_route name=\"T\" enabled=\"false\">"), std::string::npos) << text();
+    EXPECT_EQ(send(ENABLE, "D::s1::T").kind, OK);
+    EXPECT_EQ(text(), DOCUMENT);
+    EXPECT_EQ(send(PAUSE, "D::s1").kind, OK);
+    const std::string disabled =
+        "<routing_service><domain_route><D enabled=\"false\"/></domain_route></routing_service>";
+    EXPECT_EQ(send(UPDATE, "", disabled).kind, OK);
+    EXPECT_EQ(send(DISABLE, "D").text, "D is disabled already")
+        << "by an update, whatever was commanded before";
+    EXPECT_EQ(send(ENABLE, "D").kind, OK);
+    EXPECT_EQ(send(RESUME, "D::s1").kind, OK);
+
+    const auto addPeers = [this](const std::vector<std::string>& peers) {
+        return PracticeConfiguration_addPeers(router.configuration, "E", false, peers);
+    };
+    EXPECT_EQ(addPeers({"udpv4://10.0.0.1", "a&b"}).text, "peers of E participant_2: udpv4://10.0.0.1, a&b");
+    EXPECT_EQ(addPeers({"c", "a&b"}).text, "peers of E participant_2: udpv4://10.0.0.1, a&b, c");
+    EXPECT_EQ(addPeers({"d\x01"}).kind, ERROR);
+    EXPECT_EQ(addPeers({"d\xFF"}).kind, ERROR);
+    std::vector<std::string> many;
+    for (std::size_t i = 0; i < PRACTICE_MAX_PEERS; ++i) {
+        many.push_back("p" + std::to_string(i));
+    }
+    EXPECT_NE(addPeers(many).text.find("more than 256 peers"), std::string::npos);
+    const std::string list = "                        <initial_peers>\n"
+                             "                            <element>udpv4://10.0.0.1</element>\n"
+                             "                            <element>a&amp;b</element>\n"
+                             "                            <element>c</element>\n"
+                             "                        </initial_peers>\n";
+    EXPECT_NE(text().find(list), std::string::npos) << text();
+    EXPECT_EQ(PracticeConfiguration_load(router.configuration, text(), "S").kind, OK);
+    EXPECT_NE(text().find(list), std::string::npos);
+}
+
+TEST_F(Router, RenamesEntitiesWithTheirState) {
+    EXPECT_EQ(send(PAUSE, "D::s1").kind, OK);
+    EXPECT_EQ(send(DISABLE, "D::s2").kind, OK);
+    EXPECT_EQ(send(UPDATE, "D", "<session><s1 name=\"s3\"/><s2 name=\"s1\"/></session>").kind, OK);
+    EXPECT_EQ(send(RESUME, "D::s3").kind, OK);
+    EXPECT_EQ(send(ENABLE, "D::s1").text, "enabled D::s1");
+    EXPECT_EQ(send(CREATE, "D", "<session name=\"s2\"/>").kind, OK);
+    EXPECT_EQ(send(ENABLE, "D::s2").text, "D::s2 is enabled already")
+        << "it is not the one that was disabled";
+    EXPECT_EQ(send(DISABLE).kind, OK);
+    EXPECT_EQ(send(UPDATE, "", "<routing_service><S name=\"New\"/></routing_service>").text,
+              "updated the router");
+    EXPECT_EQ(send(ENABLE, "New").text, "enabled the router");
+    EXPECT_EQ(send(DISABLE, "S").kind, NOT_FOUND);
+    EXPECT_EQ(send(UPDATE, "New::D", "<domain_route><D name=\"F\"/></domain_route>").text, "updated F");
+    EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_UNLOAD).text, "unloaded New");
+}
+
+TEST_F(Router, SavesToAFileOfItsOwnAndNotThroughALink) {
+    EXPECT_EQ(PracticeSaveFile_nameFor("..a/b"), "%2E.a%2Fb.xml");
+    EXPECT_EQ(PracticeSaveFile_nameFor("a_b%\xC3"), "a_b%25%C3.xml");
+    EXPECT_EQ(PracticeSaveFile_nameFor(std::string(251, 'n')).size(), 255U);
+    EXPECT_EQ(PracticeSaveFile_nameFor(std::string(252, 'n')), "") << "two such names could share a file";
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(testing::TempDir()) / ("save" + std::to_string(getpid()));
+    fs::create_directory(folder);
+    std::ofstream(folder / "victim") << "untouched";
+    fs::create_symlink("victim", folder / "r1.xml");
+    fs::create_symlink("victim", folder / "r1.xml.new");
+    router.saveDirectory = folder;
+    EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_SAVE).kind, OK);
+    EXPECT_EQ(fs::file_size(folder / "victim"), 9U);
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / "r1.xml")));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 3) << "nothing is left over";
+    fs::remove_all(folder);
+    EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_SAVE).kind, ERROR);
 }
 
 TEST_F(Router, WithoutAConfigurationOnlyLoadsAndAnnounces) {

@@ -10,6 +10,7 @@ PracticeRequest piece(std::int32_t app, std::int32_t invocation, Kind kind, cons
                       bool isFinal) {
     PracticeRequest request{};
     request.id = {7, app, invocation};
+    request.writer[0] = 1;
     request.kind = kind;
     request.entity = "E";
     request.isFinal = isFinal;
@@ -39,6 +40,9 @@ TEST(Upload, IsTheSumOfItsOwnPieces) {
         {piece(1, 7, LOAD, "g", true), "fg"},
     };
     PracticeUploads uploads;
+    PracticeRequest foreign = piece(1, 2, LOAD, "z", false); // a client of the same host and app
+    foreign.writer[15] = 9;
+    PracticeUploads_add(uploads, foreign);
     for (const auto& step : steps) {
         if (step.request.kind == GET) {
             PracticeUploads_interrupt(uploads, step.request);
@@ -51,6 +55,8 @@ TEST(Upload, IsTheSumOfItsOwnPieces) {
             EXPECT_EQ(upload->entity, "E");
         }
     }
+    foreign.isFinal = true;
+    EXPECT_EQ(PracticeUploads_add(uploads, foreign)->text, "zz");
     EXPECT_TRUE(uploads.pending.empty());
 }
 

@@ -43,6 +43,7 @@ class Configuration(SessionTest):
             for command in ("disable", "enable", "pause", "resume", "delete"):
                 self.assertRegex(shell.run(f"{command} {name} Second::S1"), ok, command)
             self.assertRegex(shell.run(f"enable {name} Second::S1"), r"\AError: .*Second::S1.*\n\Z")
+            self.assertRegex(shell.run(f"disable {name} Second"), ok)
             saved = shell.run(f"save {name}")
             path = next(word for word in saved.split() if word.endswith(".xml"))
             self.assertIn('name="Second"', pathlib.Path(self.folder, os.path.basename(path)).read_text("utf-8"))
@@ -54,6 +55,11 @@ class Configuration(SessionTest):
             for form in (f"{large} remote", f"file://{large}", f"file://{large} local"):
                 self.assertRegex(shell.run(f"load {name} BuiltinDefault {form}"), ok, form)
                 self.assertIn('name="Second"', shell.run(f"get {name}"))
+            # A router started with what was saved is in the state that the first was in.
+            with Router(DOMAIN, "again", "--config", os.path.join(self.folder, name + ".xml"), *options) as again:
+                shell.connect(again)
+                self.assertRegex(shell.run("disable again Second"), "is disabled already")
+                self.assertIn("<element>udpv4://127.0.0.1</element>", shell.run("get again"))
 
     def test_files_that_cannot_be_read_change_nothing(self):
         shell = self.shell("-timeout", "1", router=self.router())

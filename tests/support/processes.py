@@ -117,6 +117,17 @@ class Program:
                     return
         raise AssertionError(f"it was never seen in system call {system_call}")
 
+    def wait_until_idle(self):
+        """Waits until the program prints nothing and uses no processor time for half a second."""
+        now, end = None, time.monotonic() + DEADLINE_SECONDS
+        while time.monotonic() < end:
+            with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as state:
+                before, now = now, (self.output, state.read().rsplit(")", 1)[1].split()[11:13])
+            if now == before:
+                return
+            self.read(0.5)
+        raise AssertionError("it never rested")
+
     def expect(self, pattern, seconds=DEADLINE_SECONDS):
         """Waits for a match of the regular expression; returns the text before it and the match."""
         end = time.monotonic() + seconds

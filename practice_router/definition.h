@@ -1,0 +1,98 @@
+// The product's document type definition as rules that can be asked: what is wrong with an element, in one
+// line that says what was expected, and where one more child may go. Every answer takes time linear in the
+// element's own children and attributes. Immutable once built.
+#pragma once
+
+#include <libxml/tree.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zul::practice {
+
+// Which elements may stand in an element, and in which order: the occurrences of names in the content model
+// are numbered (its positions), and for each is known which may come next.
+class ContentModel {
+public:
+    using Positions = std::uint64_t; // a set, a bit for each
+
+    // How far a list of children has got.
+    struct State {
+        Positions next = 0;      // what may come next
+        bool isComplete = false; // or nothing more
+    };
+
+    explicit ContentModel(const xmlElementContent* content);
+
+    State begin() const { return begin_; }
+    // Nothing: `tag` cannot come next.
+    std::optional<State> after(const State& state, std::string_view tag) const;
+    // The last place among the children of `parent` where one of that tag may go: the element that it goes
+    // before, null for the end. Nothing: it can go nowhere.
+    std::optional<xmlNode*> placeFor(std::string_view tag, const xmlNode* parent) const;
+    // Whether an element of that tag may stand there more than once.
+    bool repeats(std::string_view tag) const;
+    // What may come next, in words.
+    std::string expected(const State& state) const;
+
+private:
+    struct Part {
+        Positions first, last;
+        bool isOptional;
+    };
+
+    Part build(const xmlElementContent* content);
+    Part addPosition(std::string_view name);
+    void link(Positions from, Positions to);
+    Positions following(Positions positions) const;
+    Positions positionsOf(std::string_view tag) const;
+
+    std::vector<std::string> names_; // of the positions
+    std::vector<Positions> follow_;  // by position
+    std::map<std::string, Positions, std::less<>> positions_;
+    State begin_;
+    Positions last_ = 0; // may end the list
+};
+
+class Definition {
+public:
+    struct Fault {
+        const xmlNode* element; // the one to blame
+        std::string what;
+    };
+
+    // The selected product's. Null when memory is exhausted.
+    static const Definition* ofProduct();
+    explicit Definition(const xmlDtd& dtd);
+
+    // How the content of an element is made up; null when it is not declared.
+    const ContentModel* contentOf(std::string_view tag) const;
+    // What is wrong with the attributes of an element or the list of its children. What is inside the
+    // children is not looked at.
+    std::optional<Fault> faultIn(const xmlNode* element) const;
+
+private:
+    struct Attribute {
+        std::string name;
+        bool isRequired;
+        std::vector<std::string> words; // the values allowed; none: any
+    };
+    struct Rule {
+        ContentModel content;
+        bool isEmpty;
+        bool allowsText;
+        std::vector<Attribute> attributes;
+    };
+
+    static std::optional<Fault> faultInAttributes(const Rule& rule, const xmlNode* element);
+    static std::optional<Fault> faultInContent(const Rule& rule, const xmlNode* element);
+
+    std::map<std::string, Rule, std::less<>> rules_; // by tag
+};
+
+} // namespace zul::practice
