@@ -87,7 +87,7 @@ class Faults(SessionTest):
             update.flush()
             for computes in (True, False):
                 router = self.router()
-                shell = self.shell(router)
+                shell = self.shell(router=router)
                 shell.send(f"update r1 DefaultDomainRoute {update.name} local\n")
                 router.expect("piece 700,")
                 if not computes:

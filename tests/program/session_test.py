@@ -38,7 +38,7 @@ class Terminal(SessionTest):
         self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
         self.assertEqual(shell.run(""), "")
         # What a router sends is shown, not obeyed.
-        self.assertRegex(shell.run('enable r1 "\x1b[7m\u00e9"'), r"\nError: [^\x1b]*\\x1b\[7m\u00e9[^\x1b]*\n\Z")
+        self.assertRegex(shell.run('enable r1 "\u009b7m\u00e9"'), r"Error: [^\n]*\\xc2\\x9b7m\u00e9[^\n]*\n\Z")
         # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
         begin = time.monotonic()
         for _ in range(8):
@@ -143,7 +143,7 @@ class CommandFile(SessionTest):
     def test_runs_to_its_end_with_echo_and_stops(self):
         self.router()
         with tempfile.NamedTemporaryFile("w", suffix=".cmd") as commands:
-            commands.write('enable\n\nget r1  \nenable r1 "\x1b[7m"\n"get" nobody')
+            commands.write('enable\n\nget r1  \nenable r1 "\u009b7m"\n"get" nobody')
             commands.flush()
             with Shell(self.domain, "-timeout", "2", "-cmdFile", commands.name) as shell:
                 status, output = shell.wait()
@@ -153,7 +153,7 @@ class CommandFile(SessionTest):
             output.startswith(f"Domain id 22, timeout 2\n{prompt}enable \n{ENABLE_SYNTAX}{prompt}{prompt}"
                               "get r1 \nResult: <dds>"), output[:400])
         # Not on a terminal, a router's bytes are printed as they are.
-        self.assertRegex(output, r"</dds>\n\n[^\n]*> enable r1 \x1b\[7m \nError: [^\n]*\x1b\[7m[^\n]*\n")
+        self.assertRegex(output, r"</dds>\n\n[^\n]*> enable r1 \u009b7m \nError: [^\n]*\u009b7m[^\n]*\n")
         self.assertTrue(output.endswith(f"{prompt}get nobody \nNo response received\n{prompt}Stopping...\n"),
                         output[-300:])
 
