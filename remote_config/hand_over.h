@@ -4,10 +4,9 @@
 // two semaphores and the number of its request. Nobody else touches these.
 //
 // - L publishes a response in `currentResponse`, gives "ready", and waits for "taken".
-// - S, woken by "ready", claims the response by exchanging `currentResponse` with null. Each claim owes
-// exactly
-//   one "taken"; until then L keeps the loan. A "ready" without a response is stray: L had withdrawn it, or
-//   H crossed a delivery. S waits on with the time that is left.
+// - S, woken by "ready", claims the response by exchanging `currentResponse` with null. Each claim owes one
+//   "taken", no more and no less; until then L keeps the loan. A "ready" without a response is stray: L had
+//   withdrawn it, or H crossed a delivery. S waits on with the time that is left.
 // - L withdraws by compare-exchange when its patience ends. If S was faster, L waits until "taken" is given.
 // - `waitingForResponse` is true from the start of a request until S has the final response or gives up. H
 //   clears it and gives "ready". It stays true while S gathers a part, so that H counts then, too.
@@ -22,8 +21,8 @@ namespace zul::remote_config {
 
 using Response = ZUL_RoutingService_Administration_CommandResponse;
 
-// What the hand-over stands on: the record that keeps the shared words, and the operations on them that the
-// words do not have themselves. A test puts its own in this place, to order them as it likes.
+// What the hand-over stands on: the record that keeps the shared words, and the operations that the words do
+// not have themselves. A test puts its own in this place, to order them as it likes.
 struct ClientPlatform {
     using Record = ROUTERRemoteConfigClient;
 
@@ -58,7 +57,7 @@ public:
     void nextRequest();
     // S: starts the waiting state. All that is sent until the next start belongs together.
     void begin() { record_.waitingForResponse.store(true); }
-    // S: whether H has come since `begin`. Asked before `await` has ended.
+    // S: whether H has come since `begin`. For sends that belong together, before one of them is awaited.
     bool isInterrupted() const { return !record_.waitingForResponse.load(); }
     // S: passes each response to the request on to `bool gather(const Response&)` until one is final. The
     // response is valid during the call; false gives up. Leaves the waiting state.

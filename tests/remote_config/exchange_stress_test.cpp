@@ -182,11 +182,17 @@ TEST_F(ExchangeStress, OneSignalEndsAnAnswerWithoutEnd) {
     interrupter = {};
     ASSERT_NO_FATAL_FAILURE(connect({.sec = ZUL_TIME_FOREVER_SEC, .frac = 0}));
     const auto deliverPart = [this] {
-        fake_dds::deliver(
-            {{.id = client.commandSample->id, .message = std::string(1000000, 'x'), .isFinal = false}});
+        const std::lock_guard lock(mutex);
+        fake_dds::deliver({{.id = *newest, .message = std::string(1000000, 'x'), .isFinal = false}});
     };
-    fake_dds::setHooks(
-        {.onWrite = [&](const fake_dds::Request&) { deliverPart(); }, .onReturnLoan = deliverPart});
+    const auto onWrite = [this, deliverPart](const fake_dds::Request& request) {
+        {
+            const std::lock_guard lock(mutex);
+            newest = request.id;
+        }
+        deliverPart();
+    };
+    fake_dds::setHooks({onWrite, deliverPart});
     for (int round = 0; round < 50; ++round) {
         ROUTERRemoteConfigClient_nextInvocation(&client);
         std::atomic<bool> ended{false};
