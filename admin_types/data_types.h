@@ -5,7 +5,7 @@
 #pragma once
 
 #include "admin_types/records.h"
-#include "middleware/type_code.h"
+#include "middleware/idl/type_code.h"
 
 // False when memory is exhausted (nothing is then left allocated), or when a copy meets a missing buffer or a
 // string longer than its bound. `get_typecode` is valid for ever. All fail on a null record.

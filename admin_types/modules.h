@@ -2,7 +2,7 @@
 // the administration types is described once, for both, in records.h and descriptions.h.
 #pragma once
 
-#include "middleware/basic_types.h"
+#include "middleware/base/basic_types.h"
 
 #include <cstdint>
 

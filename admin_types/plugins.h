@@ -6,8 +6,8 @@
 #pragma once
 
 #include "admin_types/data_types.h"
-#include "middleware/cdr_stream.h"
-#include "middleware/type_plugin.h"
+#include "middleware/cdr/stream.h"
+#include "middleware/idl/type_plugin.h"
 
 // Every type.
 #define ZUL_DECLARE_PLUGIN_CODEC(Type)                                                                       \

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "admin_types/modules.h"
-#include "middleware/sequence.h"
+#include "middleware/idl/sequence.h"
 
 namespace admin {
 

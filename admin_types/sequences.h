@@ -1,11 +1,11 @@
 // Sequences of the administration types of both modules, under their C names: <type>Seq_get_length,
-// <type>Seq_set_maximum, ... What each does and refuses is told in middleware/sequence.h; refusals are logged
+// <type>Seq_set_maximum, ... What each does and refuses is told in middleware/idl/sequence.h; refusals are logged
 // with the operation's full name. An owned sequence's elements are whole records, initialised with its
 // element allocation parameters.
 #pragma once
 
 #include "admin_types/data_types.h"
-#include "middleware/sequence.h"
+#include "middleware/idl/sequence.h"
 
 // How a sequence treats one administration record: the type's data-type operations.
 template <class Type>

@@ -5,7 +5,7 @@
 
 #include "admin_types/data_types.h"
 #include "admin_types/typed_endpoints.h"
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 #define ZUL_DECLARE_TYPE_SUPPORT(Type)                                                                       \
     /* The caller owns the plugin; null when memory is exhausted. */                                         \

@@ -1,10 +1,10 @@
 // Typed writers and readers of the two types that travel by themselves: typed views of the untyped endpoints,
 // whose records they take and give (OMG DDS 1.4, 2.2.2.4.2 and 2.2.2.5.3). Both types are keyless: what that
-// means for instances is told in middleware/dds.h.
+// means for instances is told in middleware/dds/dds.h.
 #pragma once
 
 #include "admin_types/sequences.h"
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 #define ZUL_DECLARE_WRITER(Type)                                                                             \
     struct Type##DataWriter;                                                                                 \
@@ -33,7 +33,7 @@
 // maximum and ownership, before and after. Samples and infos are loaned when they have no buffers of their
 // own; give both back with `return_loan`, which leaves both owned and without a buffer. Otherwise they are
 // copied into the elements, which must be initialised records. NO_DATA (11) leaves both empty. What else is
-// refused is told in middleware/reading_rules.h.
+// refused is told in middleware/dds/reading_rules.h.
 #define ZUL_DECLARE_READS(Type, verb)                                                                        \
     DDS_ReturnCode_t Type##DataReader_##verb(Type##DataReader* reader, Type##Seq* data,                      \
                                              DDS_SampleInfoSeq* infos, DDS_Long maxSamples,                  \

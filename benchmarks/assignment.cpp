@@ -1,7 +1,7 @@
 // Conversion of a dotted assignment, with a long value against a short one. The rates are characters a
 // second; the time of a character must not grow with the length.
 #include "remote_config/assignment.h"
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 
 #include <benchmark/benchmark.h>
 #include <string>

@@ -1,7 +1,7 @@
 #include "benchmarks/samples.h"
 
-#include "middleware/heap.h"
-#include "middleware/strings.h"
+#include "middleware/base/heap.h"
+#include "middleware/base/strings.h"
 
 namespace samples {
 

@@ -11,14 +11,29 @@ function(zul_settings target)
     target_link_options(${target} PRIVATE ${ZUL_SANITIZER_FLAGS})
 endfunction()
 
+# Gives a target the one folder it stands for, by a folder of links in the build tree: whoever links the target can
+# include "<folder>/...", and nothing that stands beside it.
+function(zul_include_root target scope folder)
+    set(root ${PROJECT_BINARY_DIR}/include/${target})
+    get_filename_component(parent ${root}/${folder} DIRECTORY)
+    file(MAKE_DIRECTORY ${parent})
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${folder} ${root}/${folder} SYMBOLIC)
+    target_include_directories(${target} ${scope} $<BUILD_INTERFACE:${root}>)
+endfunction()
+
+# zul_library(<name> [OBJECT] SOURCES ... [PUBLIC_HEADERS ...] [LINK ...] [PRIVATE_LINK ...]): the library of this
+# folder. PUBLIC_HEADERS are those that are installed; what is not listed stays internal.
 function(zul_library target)
-    cmake_parse_arguments(ARG "OBJECT" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+    cmake_parse_arguments(ARG "OBJECT" "" "SOURCES;PUBLIC_HEADERS;LINK;PRIVATE_LINK" ${ARGN})
     if(ARG_OBJECT)
         add_library(${target} OBJECT ${ARG_SOURCES})
     else()
         add_library(${target} STATIC ${ARG_SOURCES})
     endif()
-    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    zul_include_root(${target} PUBLIC ${folder})
+    list(TRANSFORM ARG_PUBLIC_HEADERS PREPEND ${folder}/)
+    set_target_properties(${target} PROPERTIES ZUL_PUBLIC_HEADERS "${ARG_PUBLIC_HEADERS}")
     target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
     zul_settings(${target})
 endfunction()

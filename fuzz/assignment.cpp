@@ -1,6 +1,6 @@
 // An assignment becomes nothing, or an inline XML URL in which no character of the value stands unescaped.
 #include "remote_config/assignment.h"
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "admin_types/type_support.h"
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 #include "practice_router/request_queue.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "practice_router/garbage.h"
 
-#include "middleware/cdr_stream.h"
+#include "middleware/cdr/stream.h"
 
 #include <algorithm>
 #include <string_view>

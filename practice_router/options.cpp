@@ -1,6 +1,6 @@
 #include "practice_router/options.h"
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 #include "practice_router/entity.h"
 
 #include <algorithm>

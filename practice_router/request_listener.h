@@ -1,7 +1,7 @@
 // The listener of the request reader: copies every request that arrives into a queue.
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 #include "practice_router/request_queue.h"
 
 // The queue must outlive the reader.

@@ -3,7 +3,7 @@
 // thread too.
 #pragma once
 
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 
 #include <atomic>
 #include <cstdint>

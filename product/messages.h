@@ -2,7 +2,7 @@
 // configuration files) and 0x21C4000 (remote configuration).
 #pragma once
 
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 
 extern const ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_REQUIRED_PARAMETER_s; // parameter name
 extern const ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETERS;

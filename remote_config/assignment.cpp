@@ -1,6 +1,6 @@
 #include "remote_config/assignment.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "product/product_info.h"
 #include "remote_config/log.h"
 

@@ -1,7 +1,7 @@
 #include "remote_config/client.h"
 
-#include "middleware/heap.h"
-#include "middleware/strings.h"
+#include "middleware/base/heap.h"
+#include "middleware/base/strings.h"
 #include "product/log_masks.h"
 #include "remote_config/log.h"
 

@@ -1,7 +1,7 @@
 // What the senders share: filling the request's name members within their bounds, and refusing an argument.
 #pragma once
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "remote_config/client.h"
 #include "remote_config/log.h"
 #include "remote_config/result.h"

@@ -1,6 +1,6 @@
 // Connecting and disconnecting: every DDS entity of the client, with its QoS.
 #include "admin_types/type_support.h"
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 #include "product/product_info.h"
 #include "remote_config/client.h"
 #include "remote_config/exchange.h"

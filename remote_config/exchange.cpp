@@ -2,7 +2,7 @@
 // remote_config/hand_over.h; here stands what an outcome means to the sender.
 #include "remote_config/exchange.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "remote_config/hand_over.h"
 #include "remote_config/log.h"
 

@@ -1,6 +1,6 @@
 #include "remote_config/known_routers.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 #include "remote_config/local_file.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "remote_config/log.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Local files: streamed piece by piece, or read whole.
 #pragma once
 
-#include "middleware/semaphore.h"
+#include "middleware/base/semaphore.h"
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // The text is plain for its reader; what growing it needs to know lives only while it is gathered.
 #include "remote_config/result.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "product/log_masks.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The outcome of one command: the kind of the last response and the text gathered from all of them.
 #pragma once
 
-#include "middleware/basic_types.h"
+#include "middleware/base/basic_types.h"
 
 #include <cstddef>
 #include <string_view>

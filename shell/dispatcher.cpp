@@ -1,8 +1,8 @@
 #include "shell/dispatcher.h"
 
-#include "middleware/semaphore.h"
-#include "middleware/strings.h"
-#include "middleware/terminal_text.h"
+#include "middleware/base/semaphore.h"
+#include "middleware/base/strings.h"
+#include "middleware/base/terminal_text.h"
 #include "remote_config/entity_commands.h"
 #include "remote_config/exchange.h"
 #include "remote_config/url_commands.h"

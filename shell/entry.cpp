@@ -1,6 +1,6 @@
 #include "shell/entry.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "product/product_info.h"
 #include "shell/command_line.h"
 #include "shell/instance.h"

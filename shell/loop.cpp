@@ -1,6 +1,6 @@
 #include "shell/loop.h"
 
-#include "middleware/semaphore.h"
+#include "middleware/base/semaphore.h"
 #include "product/product_info.h"
 #include "remote_config/exchange.h"
 #include "shell/dispatcher.h"

@@ -1,5 +1,5 @@
 // The federation service's shell.
-#include "middleware/process.h"
+#include "middleware/dds/process.h"
 #include "product/product_info.h"
 #include "shell/entry.h"
 

@@ -1,5 +1,5 @@
 // The routing service's shell.
-#include "middleware/process.h"
+#include "middleware/dds/process.h"
 #include "product/product_info.h"
 #include "shell/entry.h"
 

@@ -1,8 +1,8 @@
 #include "shell/parameter_manager.h"
 
-#include "middleware/heap.h"
-#include "middleware/strings.h"
-#include "middleware/version.h"
+#include "middleware/base/heap.h"
+#include "middleware/base/strings.h"
+#include "middleware/base/version.h"
 #include "product/log_masks.h"
 #include "product/messages.h"
 #include "product/product_info.h"

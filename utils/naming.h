@@ -1,7 +1,7 @@
 // Names of entities inside a service.
 #pragma once
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 
 // A qualified name is "::<service>::<domain route>::<session>::...". These return "::<service name>::<domain
 // route>" and "::<service name>::<domain route>::<session>", new strings that the caller frees with

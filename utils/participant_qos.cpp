@@ -1,7 +1,7 @@
 #include "utils/participant_qos.h"
 
-#include "middleware/strings.h"
-#include "middleware/version.h"
+#include "middleware/base/strings.h"
+#include "middleware/base/version.h"
 #include "product/log_masks.h"
 #include "product/product_info.h"
 

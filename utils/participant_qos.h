@@ -1,7 +1,7 @@
 // Helpers that edit a participant QoS in place, shared with the service programs.
 #pragma once
 
-#include "middleware/qos.h"
+#include "middleware/dds/qos.h"
 
 // Names the participant "<product>: <name>", with ".<qualifier><suffix>" behind it when both are given; the
 // product name alone when all of it, counted with three separators, would exceed 254 characters. No argument

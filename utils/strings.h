@@ -1,7 +1,7 @@
 // String helpers. Strings that are changed in place are owned ones (DDS_String_alloc) or null.
 #pragma once
 
-#include "middleware/sequence.h"
+#include "middleware/idl/sequence.h"
 
 // Same length and, position by position, the same reference or equal texts. A present text differs from an
 // absent one. Null sequences equal only each other.

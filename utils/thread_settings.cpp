@@ -1,6 +1,6 @@
 #include "utils/thread_settings.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "middleware/xml/text.h"
 #include "product/log_masks.h"
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "admin_types/derive/idl_types.h"
-#include "middleware/cdr_stream.h"
+#include "middleware/cdr/stream.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "admin_types/derive/data.h"
-#include "middleware/cdr_parameters.h"
+#include "middleware/cdr/parameters.h"
 
 namespace admin {
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "admin_types/derive/plugin.h"
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 namespace admin {
 

@@ -3,8 +3,8 @@
 // follow from its Description. `Value` is the C++ type that holds a value.
 #pragma once
 
-#include "middleware/basic_types.h"
-#include "middleware/sequence.h"
+#include "middleware/base/basic_types.h"
+#include "middleware/idl/sequence.h"
 
 #include <array>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include "admin_types/derive/data.h"
 #include "admin_types/derive/print.h"
 #include "admin_types/derive/type_codes.h"
-#include "middleware/type_plugin.h"
+#include "middleware/idl/type_plugin.h"
 
 #include <cstdio>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "admin_types/derive/idl_types.h"
-#include "middleware/type_code.h"
+#include "middleware/idl/type_code.h"
 
 namespace admin {
 

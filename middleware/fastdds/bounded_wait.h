@@ -1,7 +1,7 @@
 // Bounded wait: repeats an attempt that itself waits, without ever waiting longer than allowed in all.
 #pragma once
 
-#include "middleware/basic_types.h"
+#include "middleware/base/basic_types.h"
 
 #include <algorithm>
 #include <chrono>

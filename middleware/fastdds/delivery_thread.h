@@ -3,7 +3,7 @@
 // acknowledgements. All signals are blocked on this thread.
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 #include <condition_variable>
 #include <mutex>

@@ -3,7 +3,7 @@
 // deleted.
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 #include "middleware/fastdds/bounded_wait.h"
 #include "middleware/fastdds/delivery_thread.h"
 #include "middleware/fastdds/type_adapter.h"

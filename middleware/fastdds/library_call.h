@@ -3,7 +3,7 @@
 // of them blocked.
 #pragma once
 
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 
 #include <csignal>
 #include <exception>

@@ -1,7 +1,7 @@
 // Participant identity: the two words by which requests name the participant that sent them.
 #pragma once
 
-#include "middleware/qos.h"
+#include "middleware/dds/qos.h"
 
 #include <fastdds/rtps/common/GuidPrefix_t.hpp>
 

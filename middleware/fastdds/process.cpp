@@ -1,7 +1,7 @@
-#include "middleware/process.h"
+#include "middleware/dds/process.h"
 
 #include "middleware/fastdds/library_call.h"
-#include "middleware/standard_streams.h"
+#include "middleware/base/standard_streams.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Mapping of this system's QoS records, return codes and handles to the library's and back.
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 #include <fastdds/dds/domain/qos/DomainParticipantQos.hpp>
 #include <fastdds/dds/publisher/qos/DataWriterQos.hpp>

@@ -1,7 +1,7 @@
 // Reading and taking: samples of the type's pool, decoded into by the library, as loans or as copies.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/qos_mapping.h"
-#include "middleware/reading_rules.h"
+#include "middleware/dds/reading_rules.h"
 
 #include <algorithm>
 #include <fastdds/dds/core/LoanableCollection.hpp>

@@ -1,7 +1,7 @@
 // The only way to know is to try: open and start as many as are needed, and end them all again.
 #include "middleware/fastdds/resource_check.h"
 
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 
 #include <algorithm>
 #include <array>

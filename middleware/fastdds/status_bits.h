@@ -1,7 +1,7 @@
 // The standard's communication status bits that readers deliver (OMG DDS 1.4, 2.2.4.1).
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 namespace zul {
 constexpr DDS_StatusMask STATUS_REQUESTED_DEADLINE_MISSED = 1U << 2;

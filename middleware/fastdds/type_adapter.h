@@ -2,7 +2,7 @@
 // record and the endpoint data of both endpoint kinds for as long as the type is registered or used.
 #pragma once
 
-#include "middleware/type_plugin.h"
+#include "middleware/idl/type_plugin.h"
 
 #include <fastdds/dds/topic/TopicDataType.hpp>
 

@@ -2,7 +2,7 @@
 // so that a participant that knows nothing of the type can list its members.
 #pragma once
 
-#include "middleware/type_code.h"
+#include "middleware/idl/type_code.h"
 
 #include <fastdds/dds/topic/TopicDataType.hpp>
 

@@ -1,7 +1,7 @@
 // The types that the types sections of a document describe.
 #pragma once
 
-#include "middleware/type_code.h"
+#include "middleware/idl/type_code.h"
 #include "middleware/xml/document.h"
 
 // What a document and the files that it includes say of one scoped name ("Module::Type", without "::" in

@@ -1,7 +1,7 @@
 #include "middleware/xml/object.h"
 
-#include "middleware/heap.h"
-#include "middleware/strings.h"
+#include "middleware/base/heap.h"
+#include "middleware/base/strings.h"
 
 #include <cstring>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "middleware/xml/ordered_set.h"
 
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "middleware/xml/parser.h"
 
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 #include "middleware/xml/sax_reader.h"
 
 #include <cerrno>

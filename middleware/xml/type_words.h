@@ -1,7 +1,7 @@
 // Words and literals of a types section: the names of the basic types, and values written in a document.
 #pragma once
 
-#include "middleware/type_code.h"
+#include "middleware/idl/type_code.h"
 
 #include <optional>
 #include <string_view>

@@ -1,4 +1,4 @@
-// A DDS without a network, for tests: implements middleware/dds.h for one participant at a time, notes every
+// A DDS without a network, for tests: implements middleware/dds/dds.h for one participant at a time, notes every
 // call, fails the one it is told to fail, keeps written requests, and delivers responses to the reader's
 // listener from a thread of its own. A released loan is poisoned and freed, so that whoever still reads it is
 // found.

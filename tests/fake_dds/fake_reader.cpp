@@ -1,5 +1,5 @@
 // The reader: its delivery thread, takes and loans.
-#include "middleware/reading_rules.h"
+#include "middleware/dds/reading_rules.h"
 #include "tests/fake_dds/fake_dds.h"
 
 #include <chrono>

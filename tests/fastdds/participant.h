@@ -1,7 +1,7 @@
 // A participant for the length of a test.
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Collects log lines while it lives. One at a time.
 #pragma once
 
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 
 #include <string>
 #include <utility>

@@ -1,10 +1,10 @@
 // Semaphores, strings, the log, text on a terminal, the property policy, the version text.
-#include "middleware/heap.h"
-#include "middleware/qos.h"
-#include "middleware/semaphore.h"
-#include "middleware/strings.h"
-#include "middleware/terminal_text.h"
-#include "middleware/version.h"
+#include "middleware/base/heap.h"
+#include "middleware/dds/qos.h"
+#include "middleware/base/semaphore.h"
+#include "middleware/base/strings.h"
+#include "middleware/base/terminal_text.h"
+#include "middleware/base/version.h"
 #include "tests/middleware/captured_log.h"
 
 #include <atomic>

@@ -1,6 +1,6 @@
 // Sequences: what each operation refuses and says, loans, lazy initialisation. What holds for every type, and
 // exhausted memory, is tested with the administration types.
-#include "middleware/sequence.h"
+#include "middleware/idl/sequence.h"
 #include "tests/middleware/captured_log.h"
 
 #include <gtest/gtest.h>

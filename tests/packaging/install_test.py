@@ -63,7 +63,7 @@ class Install(unittest.TestCase):
         self.assertEqual([path for path in named if not os.path.exists(share + path)], [])
 
     def test_every_installed_header_stands_for_itself(self):
-        include = os.path.join(self.prefix, "include/zul_remote_config")
+        include = os.path.join(self.prefix, "include/zul")
         headers = [os.path.relpath(os.path.join(folder, name), include)
                    for folder, _, names in os.walk(include) for name in names]
         self.assertGreater(len(headers), 30)

@@ -2,7 +2,7 @@
 // condition.
 #pragma once
 
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 #include "product/log_masks.h"
 #include "product/product_info.h"
 #include "remote_config/client.h"

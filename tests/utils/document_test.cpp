@@ -1,5 +1,5 @@
 // Documents: what the tree holds, and hostile ones: refused with a line, in bounded memory and time.
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 #include "tests/middleware/captured_log.h"
 #include "tests/utils/documents.h"
 

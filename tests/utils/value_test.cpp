@@ -1,5 +1,5 @@
 // Names, strings, GUIDs and the thread-settings mask: what goes in and exactly what comes out.
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 #include "tests/middleware/captured_log.h"
 #include "utils/guid.h"
 #include "utils/naming.h"

@@ -1,5 +1,5 @@
 // The object tree: its operations under random use, checked against a plain model, and what they report.
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 #include "tests/middleware/captured_log.h"
 #include "utils/xml_tree.h"
 

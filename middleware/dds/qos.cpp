@@ -1,4 +1,4 @@
-#include "middleware/qos.h"
+#include "middleware/dds/qos.h"
 
 const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT{
     .durability = {DDS_VOLATILE_DURABILITY_QOS},

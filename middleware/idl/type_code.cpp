@@ -1,4 +1,4 @@
-#include "middleware/type_code.h"
+#include "middleware/idl/type_code.h"
 
 #include <algorithm>
 #include <array>

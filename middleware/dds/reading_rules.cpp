@@ -1,4 +1,4 @@
-#include "middleware/reading_rules.h"
+#include "middleware/dds/reading_rules.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 // was.
 #pragma once
 
-#include "middleware/basic_types.h"
-#include "middleware/heap.h"
-#include "middleware/log.h"
-#include "middleware/strings.h"
+#include "middleware/base/basic_types.h"
+#include "middleware/base/heap.h"
+#include "middleware/base/log.h"
+#include "middleware/base/strings.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "middleware/version.h"
+#include "middleware/base/version.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "middleware/cdr_stream.h"
+#include "middleware/cdr/stream.h"
 
 void ZULCdr_copyText(void* to, const char* from, std::size_t size) {
     std::memcpy(to, from, size);

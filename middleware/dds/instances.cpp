@@ -1,5 +1,5 @@
 // Instances of keyless topics: the same answers whatever implements the entities.
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 namespace {
 

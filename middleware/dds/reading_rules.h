@@ -2,7 +2,7 @@
 // decided in one place for every implementation of the reader. Keeps nothing; any thread may call it.
 #pragma once
 
-#include "middleware/dds.h"
+#include "middleware/dds/dds.h"
 
 // OK when the call may go ahead. NO_DATA when the instance that is asked for cannot have a sample.
 // BAD_PARAMETER for null infos, a maximum number of samples below 1, or an instance that does not exist.

@@ -1,4 +1,4 @@
-#include "middleware/terminal_text.h"
+#include "middleware/base/terminal_text.h"
 
 #include <algorithm>
 #include <cstdint>

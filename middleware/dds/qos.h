@@ -4,8 +4,8 @@
 // `_initialize` and released by `_finalize`, which tolerates a record that was never filled.
 #pragma once
 
-#include "middleware/basic_types.h"
-#include "middleware/sequence.h"
+#include "middleware/base/basic_types.h"
+#include "middleware/idl/sequence.h"
 
 enum DDS_ReliabilityQosPolicyKind { DDS_BEST_EFFORT_RELIABILITY_QOS, DDS_RELIABLE_RELIABILITY_QOS };
 struct DDS_ReliabilityQosPolicy {

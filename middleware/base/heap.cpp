@@ -1,4 +1,4 @@
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -3,9 +3,9 @@
 // plugins build on.
 #pragma once
 
-#include "middleware/basic_types.h"
-#include "middleware/cdr_stream.h"
-#include "middleware/type_code.h"
+#include "middleware/base/basic_types.h"
+#include "middleware/cdr/stream.h"
+#include "middleware/idl/type_code.h"
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
-#include "middleware/semaphore.h"
+#include "middleware/base/semaphore.h"
 
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 
 #include <cerrno>
 #include <ctime>

@@ -2,7 +2,7 @@
 // version 1 encoding). In a header because every member of every request passes through here.
 #pragma once
 
-#include "middleware/cdr_stream.h"
+#include "middleware/cdr/stream.h"
 
 // A parameter being written: where its length goes and where its value began.
 struct ZULParameterMark {

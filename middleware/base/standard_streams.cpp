@@ -1,4 +1,4 @@
-#include "middleware/standard_streams.h"
+#include "middleware/base/standard_streams.h"
 
 #include <fcntl.h>
 #include <unistd.h>

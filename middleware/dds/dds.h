@@ -6,10 +6,10 @@
 // first sample can arrive. Creation and deletion run on one thread; writing and reading may run on any.
 #pragma once
 
-#include "middleware/basic_types.h"
-#include "middleware/qos.h"
-#include "middleware/sequence.h"
-#include "middleware/type_plugin.h"
+#include "middleware/base/basic_types.h"
+#include "middleware/dds/qos.h"
+#include "middleware/idl/sequence.h"
+#include "middleware/idl/type_plugin.h"
 
 using DDS_DomainId_t = DDS_Long;
 using DDS_StatusMask = DDS_UnsignedLong;

@@ -1,6 +1,6 @@
-#include "middleware/type_plugin.h"
+#include "middleware/idl/type_plugin.h"
 
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 
 #include <algorithm>
 #include <mutex>

@@ -1,6 +1,6 @@
-#include "middleware/log.h"
+#include "middleware/base/log.h"
 
-#include "middleware/terminal_text.h"
+#include "middleware/base/terminal_text.h"
 
 #include <atomic>
 #include <mutex>

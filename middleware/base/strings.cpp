@@ -1,6 +1,6 @@
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 
-#include "middleware/heap.h"
+#include "middleware/base/heap.h"
 
 #include <algorithm>
 #include <cstddef>
