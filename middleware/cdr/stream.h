@@ -214,9 +214,13 @@ struct ZULCdrInput {
 // Encapsulation header: identifier and options, two aligned 16-bit words, most significant byte first,
 // whatever the byte order of what follows; sets byte order and origin. Fails for an identifier outside 0..3.
 inline bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id) {
+    const std::size_t padding = ZULCdr_padding(stream.position - stream.origin, ZUL_ENCAPSULATION_ALIGNMENT);
     if (!ZULEncapsulation_isValid(id) ||
-        !stream.reserve(ZUL_ENCAPSULATION_ALIGNMENT, ZUL_ENCAPSULATION_SIZE)) {
+        stream.capacity - stream.position < padding + ZUL_ENCAPSULATION_SIZE) {
         return false;
+    }
+    if (padding != 0) {
+        stream.align(ZUL_ENCAPSULATION_ALIGNMENT);
     }
     const std::uint8_t header[ZUL_ENCAPSULATION_SIZE] = {0, static_cast<std::uint8_t>(id), 0, 0};
     if (stream.data != nullptr) {
