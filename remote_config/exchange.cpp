@@ -5,6 +5,7 @@
 #include "middleware/base/strings.h"
 #include "remote_config/hand_over.h"
 #include "remote_config/log.h"
+#include "remote_config/result_text.h"
 
 using zul::remote_config::HandOver;
 using zul::remote_config::Response;

@@ -1,11 +1,7 @@
-// The text is plain for its reader; what growing it needs to know lives only while it is gathered.
+// The record's own operations; result_text.cpp fills it.
 #include "remote_config/result.h"
 
 #include "middleware/base/strings.h"
-#include "product/log_masks.h"
-
-#include <algorithm>
-#include <cstring>
 
 void ROUTERRemoteConfigResult_initialize(ROUTERRemoteConfigResult* self) {
     self->textBuffer[0] = '\0';
@@ -20,44 +16,3 @@ void ROUTERRemoteConfigResult_finalize(ROUTERRemoteConfigResult* self) {
     self->textBuffer[0] = '\0';
     self->text = self->textBuffer;
 }
-
-namespace zul::remote_config {
-
-bool ResultText::makeRoom(std::size_t needed) {
-    if (needed <= room_) {
-        return true;
-    }
-    const std::size_t room = std::max(needed, 2 * room_);
-    char* grown = DDS_String_alloc(room);
-    if (grown == nullptr) {
-        return false;
-    }
-    std::memcpy(grown, result_.text, length_);
-    if (result_.text != result_.textBuffer) {
-        DDS_String_free(result_.text);
-    }
-    result_.text = grown;
-    room_ = room;
-    return true;
-}
-
-bool ResultText::append(std::string_view message, const char* context) {
-    if (message.empty()) {
-        return true;
-    }
-    if (result_.text == nullptr) {
-        message = message.substr(0, ROUTER_RESULT_TEXT_MAX);
-        result_.text = result_.textBuffer;
-    }
-    const std::size_t needed = length_ + message.size();
-    if (!makeRoom(needed)) {
-        ROUTERLog_error(ROUTER_SUBMODULE_REMOTE_CONFIG, context, ZUL_LOG_OUT_OF_HEAP_STRING_d, needed);
-        return false;
-    }
-    message.copy(result_.text + length_, message.size());
-    result_.text[needed] = '\0';
-    length_ = needed;
-    return true;
-}
-
-} // namespace zul::remote_config
