@@ -131,6 +131,8 @@ TEST_F(Router, RefusesWhatMakesNoSenseAndChangesNothing) {
         {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", ERROR, "invalid: line 2"},
         {UPDATE, "D", nested("session s1", "<x/>" + std::string(1 << 20, 'y')), ERROR, "x matches nothing"},
         {UPDATE, "D", "<" + std::string(40000, 'z') + "/>", ERROR, "zzz... matches nothing"},
+        {UPDATE, "D", "<connection_1 plugin_name=\"A::B\"/>", ERROR,
+         "connection_1 has no place in domain_route"},
         {UPDATE, "D", "<domain_route", ERROR, "line 1"},
         {CREATE, "", "<session name=\"n\"/>", ERROR, "its parent is a domain_route"},
         {CREATE, "D", "<domain_route name=\"n\"/>", ERROR, "its parent is the service"},
