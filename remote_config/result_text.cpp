@@ -1,7 +1,7 @@
 // The text moves once from the inline buffer to the heap, then from room to room of twice the size.
 #include "remote_config/result_text.h"
 
-#include "middleware/strings.h"
+#include "middleware/base/strings.h"
 #include "product/log_masks.h"
 
 #include <algorithm>
