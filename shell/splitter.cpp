@@ -40,8 +40,8 @@ struct Splitter {
     }
 
     void step(char* at) {
-        // Also tested in the middle of a word: both words then run to the end of the line, and scripts rely on
-        // it. The command word itself never is one.
+        // Also tested in the middle of a word: both words then run to the end of the line, and scripts rely
+        // on it. The command word itself never is one.
         if (mode != Mode::REST_OF_LINE && count > 0 && startsRestOfLine(at)) {
             startWord(at, Mode::REST_OF_LINE);
             return;

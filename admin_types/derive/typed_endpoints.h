@@ -2,8 +2,8 @@
 // operation, and the one routine behind every typed read and take.
 #pragma once
 
-#include "middleware/dds/dds.h"
 #include "middleware/base/log.h"
+#include "middleware/dds/dds.h"
 
 #include <algorithm>
 #include <cstring>

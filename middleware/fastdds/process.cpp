@@ -1,7 +1,7 @@
 #include "middleware/dds/process.h"
 
-#include "middleware/fastdds/library_call.h"
 #include "middleware/base/standard_streams.h"
+#include "middleware/fastdds/library_call.h"
 
 #include <cstdio>
 #include <cstdlib>
