@@ -13,7 +13,7 @@ namespace fast = eprosima::fastdds::dds;
 namespace {
 
 // A collection that owns pointers to pooled samples: the library decodes into them and leaves out what it
-// cannot decode. (Its own loans would hand out undecodable samples as valid.)
+// cannot decode. Its own loans would hand out undecodable samples as valid.
 class PooledSamples final : public fast::LoanableCollection {
 public:
     PooledSamples(const zul::TypeAdapter& adapter, DDS_Long count) : adapter_(adapter) {
@@ -33,8 +33,7 @@ public:
     PooledSamples(const PooledSamples&) = delete;
     PooledSamples& operator=(const PooledSamples&) = delete;
 
-    // Hands over the samples that were filled, to a vector that has room for them; the others go back to the
-    // pool.
+    // Hands the filled samples over to a vector that has room for them; the others go back to the pool.
     void release(std::vector<void*>& filled) {
         filled.assign(samples_.begin(), samples_.begin() + length_);
         samples_.erase(samples_.begin(), samples_.begin() + length_);
