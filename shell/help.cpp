@@ -1,7 +1,9 @@
 #include "shell/help.h"
 
 #include "product/product_info.h"
+#include "shell/commands.h"
 
+#include <algorithm>
 #include <cstdio>
 
 void ROUTERShell_printHelp() {
@@ -9,22 +11,15 @@ void ROUTERShell_printHelp() {
     std::printf("\n"
                 "%s Shell, licensed under the Apache License, Version 2.0\n"
                 "--------------------------------------------\n"
-                "Commands:\n"
-                "load     - Load %s XML configuration\n"
-                "unload   - Unload current %s configuration\n",
-                product, product, product);
-    std::printf("enable   - Enable an entity\n"
-                "disable  - Disable an entity\n"
-                "pause    - Pause an entity\n"
-                "resume   - Resume an entity\n"
-                "update   - Update the configuration of an entity\n"
-                "create   - Create an entity\n"
-                "delete   - Delete an entity\n");
-    // The two blanks after "Get" are part of the text that scripts compare.
-    std::printf("save     - Save %s configuration to file\n"
-                "get      - Get  %s configuration as a string\n"
-                "add_peer - Add discovery peer for domain participant\n"
-                "exit     - Exit the shell\n"
-                "\n",
-                product, product);
+                "Commands:\n",
+                product);
+    const auto findLine = [](int line) {
+        return std::ranges::find(zul::shell::COMMANDS, line, &zul::shell::Command::helpLine);
+    };
+    for (int line = 1; findLine(line) != zul::shell::COMMANDS.end(); ++line) {
+        std::printf("%-8s - ", findLine(line)->names[0]);
+        std::printf(findLine(line)->help, product);
+        std::printf("\n");
+    }
+    std::printf("\n");
 }
