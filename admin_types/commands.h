@@ -55,4 +55,19 @@ constexpr const Command* findCommand(std::int32_t kind) {
     return nullptr;
 }
 
+// Where the branch of a command holds its name, or null: a member of the union, which owns it.
+constexpr char* findName(const auto& branches, CommandBranch branch) {
+    switch (branch) {
+    case CommandBranch::ENTITY_DESC:
+        return branches.entity_desc.name;
+    case CommandBranch::ENTITY_NAME:
+        return branches.entity_name;
+    case CommandBranch::PEER_DESC:
+        return branches.peer_desc.domain_route_name;
+    case CommandBranch::DUMMY:
+        break;
+    }
+    return nullptr;
+}
+
 } // namespace admin

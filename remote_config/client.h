@@ -7,8 +7,8 @@
 #pragma once
 
 #include "admin_types/records.h"
-#include "middleware/dds/dds.h"
 #include "middleware/base/semaphore.h"
+#include "middleware/dds/dds.h"
 
 #include <atomic>
 

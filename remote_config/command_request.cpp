@@ -9,18 +9,6 @@
 
 namespace zul::remote_config {
 
-namespace {
-
-bool isLongerThan(std::size_t longest, const char* name) {
-    return strnlen(name, longest + 1) > longest;
-}
-
-void setName(char* member, const char* name) {
-    ZULString_copyBounded(member, admin::ENTITY_NAME_BOUND + 1, name);
-}
-
-} // namespace
-
 bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfigResult* result) {
     remoteConfigWarning(context, ZUL_LOG_ANY_FAILURE_s, message);
     ZULString_copyBounded(result->textBuffer, sizeof(result->textBuffer), message);
@@ -29,6 +17,9 @@ bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfig
 
 bool checkNames(const Sender& sender, const char* targetRouter, const char* name,
                 ROUTERRemoteConfigResult* result) {
+    const auto isLongerThan = [](std::size_t longest, const char* text) {
+        return strnlen(text, longest + 1) > longest;
+    };
     if (isLongerThan(admin::SHORTER_NAME, targetRouter)) {
         return refuseArgument(sender.context, "target router name too long", result);
     }
@@ -36,33 +27,18 @@ bool checkNames(const Sender& sender, const char* targetRouter, const char* name
            refuseArgument(sender.context, sender.command.nameTooLong, result);
 }
 
-void fillRequest(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
-                 const char* name) {
-    auto& [kind, branches] = client.commandSample->command;
-    setName(client.commandSample->target_router, targetRouter);
-    kind = sender.command.kind;
-    switch (sender.command.branch) {
-    case admin::CommandBranch::ENTITY_DESC:
-        setName(branches.entity_desc.name, name);
-        break;
-    case admin::CommandBranch::ENTITY_NAME:
-        setName(branches.entity_name, name);
-        break;
-    case admin::CommandBranch::PEER_DESC:
-        setName(branches.peer_desc.domain_route_name, name);
-        break;
-    case admin::CommandBranch::DUMMY:
-        break;
-    }
-    ROUTERRemoteConfigClient_nextInvocation(&client);
-}
-
 bool prepareRequest(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
                     const char* name, ROUTERRemoteConfigResult* result) {
     if (!checkNames(sender, targetRouter, name, result)) {
         return false;
     }
-    fillRequest(client, sender, targetRouter, name);
+    auto& request = *client.commandSample;
+    request.command._d = sender.command.kind;
+    ZULString_copyBounded(request.target_router, admin::ENTITY_NAME_BOUND + 1, targetRouter);
+    if (char* member = admin::findName(request.command._u, sender.command.branch)) {
+        ZULString_copyBounded(member, admin::ENTITY_NAME_BOUND + 1, name);
+    }
+    ROUTERRemoteConfigClient_nextInvocation(&client);
     return true;
 }
 

@@ -23,11 +23,7 @@ bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfig
 bool checkNames(const Sender& sender, const char* targetRouter, const char* name,
                 ROUTERRemoteConfigResult* result);
 
-// Writes target, kind and the name of the branch, all checked, and counts `invocation` up.
-void fillRequest(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
-                 const char* name);
-
-// Both in turn.
+// Checks them, writes target, kind and name, and counts `invocation` up.
 bool prepareRequest(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
                     const char* name, ROUTERRemoteConfigResult* result);
 

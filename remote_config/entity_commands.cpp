@@ -8,7 +8,6 @@
 #include <string_view>
 
 using zul::remote_config::checkNames;
-using zul::remote_config::fillRequest;
 using zul::remote_config::prepareRequest;
 using zul::remote_config::refuseArgument;
 using zul::remote_config::Sender;
@@ -107,7 +106,6 @@ bool ROUTERRemoteConfigClient_sendCommandAddPeer(ROUTERRemoteConfigClient* self,
     if (!parsePeers(peers.peer_list, peerList)) {
         return refuseArgument(__func__, "peerList too long", result);
     }
-    fillRequest(*self, sender, targetRouter, domainRouteName);
     peers.is_first_participant = isFirstParticipant ? 1 : 0;
-    return ROUTERRemoteConfigClient_sendCommandRequest(self, result, true);
+    return send(*self, sender, targetRouter, domainRouteName, result);
 }

@@ -19,7 +19,6 @@ namespace {
 using Status = ROUTERUrlCommandStatus;
 using zul::product::FILE_SCHEME;
 using zul::product::INLINE_SCHEME;
-using zul::remote_config::fillRequest;
 using zul::remote_config::prepareRequest;
 using zul::remote_config::refuseArgument;
 using zul::remote_config::Sender;
@@ -183,7 +182,8 @@ bool ROUTERRemoteConfigClient_sendCommandsDUE(ROUTERRemoteConfigClient* self, co
     // An interrupt from here on drops the rest of the update. That, or a failed one, is followed by the
     // enable.
     if (!ROUTERRemoteConfigClient_isInterrupted(self)) {
-        fillRequest(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_UPDATE}, targetRouter, entityName);
+        prepareRequest(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_UPDATE}, targetRouter, entityName,
+                       result);
         sendUpload({.client = *self, .result = result, .wait = false, .hasBegun = true}, xmlUrl, isRemote);
     }
 

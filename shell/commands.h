@@ -2,35 +2,14 @@
 // read.
 #pragma once
 
-#include "remote_config/result.h"
-#include "shell/instance.h"
-
 #include <array>
 #include <cstdint>
 #include <span>
 
 namespace zul::shell {
 
-// One line of input under dispatch. words[0] is the command.
-struct Line {
-    ROUTERShellInstance& shell;
-    std::span<char* const> words;
-    ROUTERRemoteConfigResult& result;
-
-    ROUTERRemoteConfigClient* client() const { return &shell.client; }
-    // The word at a position, or the empty text.
-    const char* wordOrEmpty(std::size_t position) const {
-        return position < words.size() ? words[position] : "";
-    }
-};
-
-// What an action leaves for the dispatcher to print.
-enum class Outcome {
-    NOTHING,
-    SYNTAX_ERROR,
-    ANSWERED,   // the result record holds the answer
-    UNANSWERED, // nobody answered, or the request was not sent; the cause, if any, is already printed
-};
+struct Line;        // of input, under dispatch
+enum class Outcome; // what is printed after an action
 
 constexpr std::size_t ANY_NUMBER = SIZE_MAX;
 
