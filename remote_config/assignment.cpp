@@ -1,7 +1,9 @@
+// The text is parsed once into its parts, then rendered twice: to measure the snippet, and to write it.
 #include "remote_config/assignment.h"
 
 #include "middleware/base/strings.h"
 #include "product/product_info.h"
+#include "product/vocabulary.h"
 #include "remote_config/log.h"
 
 #include <algorithm>
@@ -15,17 +17,14 @@ namespace {
 
 constexpr std::size_t MAX_COMPONENTS = 31;
 
-constexpr std::string_view PREFIXES[] = {"domain_route",     "session", "polling_session", "topic_route",
-                                         "auto_topic_route", "route",   "auto_route"};
-
 bool isSpace(char c) {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
 bool isAssignment(std::string_view text) {
     return text.starts_with(ROUTER_getProductInfo()->xmlTagName) ||
-           std::any_of(std::begin(PREFIXES), std::end(PREFIXES),
-                       [text](std::string_view prefix) { return text.starts_with(prefix); });
+           std::ranges::any_of(zul::product::ENTITY_KINDS,
+                               [text](const auto& entity) { return text.starts_with(entity.tag); });
 }
 
 void trimEnd(char* text) {
@@ -52,7 +51,7 @@ void blankQuotes(char* value) {
 struct Assignment {
     std::array<const char*, MAX_COMPONENTS> components{};
     std::size_t componentCount = 0;
-    const char* member = nullptr; // between brackets behind the last component
+    const char* member = nullptr; // between brackets after the last component
     const char* value = nullptr;
 };
 
@@ -106,7 +105,7 @@ std::string_view escaped(const char& character) {
 template <class Put>
 void render(const Assignment& assignment, Put put) {
     const std::span components(assignment.components.data(), assignment.componentCount);
-    put("str://\"");
+    put(zul::product::INLINE_SCHEME), put("\"");
     for (const char* component : components) {
         put("<"), put(component), put(">");
     }

@@ -1,28 +1,30 @@
-// What the senders share: filling the request's name members within their bounds, and refusing an argument.
+// What the senders share: checking the names of a command and filling the request, as the command's row in
+// admin_types/commands.h says, and refusing an argument.
 #pragma once
 
-#include "middleware/base/strings.h"
+#include "admin_types/commands.h"
 #include "remote_config/client.h"
-#include "remote_config/log.h"
 #include "remote_config/result.h"
 
-#include <cstring>
+namespace zul::remote_config {
 
-// Names of this length and more are refused: one character below the wire's bound, on purpose.
-constexpr std::size_t ROUTER_NAME_LIMIT = 255;
+// One sender: what it sends, and the context of its log lines.
+struct Sender {
+    const char* context;
+    const admin::Command& command;
 
-inline bool isTooLong(const char* name, std::size_t limit) {
-    return strnlen(name, limit) >= limit;
-}
+    Sender(const char* name, std::int32_t kind) : context(name), command(*admin::findCommand(kind)) {}
+};
 
 // Reports a refused argument: a warning in the log, and the same text for the operator. Always false.
-inline bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfigResult* result) {
-    remoteConfigWarning(context, ZUL_LOG_ANY_FAILURE_s, message);
-    ZULString_copyBounded(result->textBuffer, sizeof(result->textBuffer), message);
-    return false;
-}
+bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfigResult* result);
 
-// `name` has been checked against the bound.
-inline void setName(char* member, const char* name) {
-    ZULString_copyBounded(member, admin::ENTITY_NAME_BOUND + 1, name);
-}
+// False: a name is too long, and refused. `name` is empty where the command carries none.
+bool checkNames(const Sender& sender, const char* targetRouter, const char* name,
+                ROUTERRemoteConfigResult* result);
+
+// Checks them, writes target, kind and name, and counts `invocation` up.
+bool prepareRequest(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
+                    const char* name, ROUTERRemoteConfigResult* result);
+
+} // namespace zul::remote_config

@@ -1,25 +1,31 @@
+// Text goes out by way of Upload, which knows what an interrupt or a failed write between two pieces ends.
 #include "remote_config/url_commands.h"
 
+#include "middleware/base/strings.h"
+#include "product/vocabulary.h"
 #include "remote_config/assignment.h"
 #include "remote_config/command_request.h"
 #include "remote_config/entity_commands.h"
 #include "remote_config/exchange.h"
 #include "remote_config/local_file.h"
+#include "remote_config/log.h"
 
-#include <algorithm>
+#include <cstring>
+#include <string>
 #include <string_view>
 
 namespace {
 
-using Kind = ZUL_RoutingService_Administration_CommandKind;
 using Status = ROUTERUrlCommandStatus;
+using zul::product::FILE_SCHEME;
+using zul::product::INLINE_SCHEME;
+using zul::remote_config::prepareRequest;
+using zul::remote_config::refuseArgument;
+using zul::remote_config::Sender;
 
 constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendUrlCommand";
 constexpr std::size_t PIECE = admin::XML_CONTENT_BOUND; // characters of one sample
-constexpr std::string_view INLINE_SCHEME = "str://";
-constexpr std::string_view FILE_SCHEME = "file://";
-constexpr std::string_view INLINE_OPENING = "str://\"";
-constexpr char CLOSING_QUOTE = '"';
+constexpr char QUOTE = '"';
 
 // One upload under way.
 struct Upload {
@@ -68,7 +74,7 @@ Status sendText(Upload& upload, std::string_view text) {
         ZULString_copyBounded(upload.content() + scheme.size(), PIECE + 1 - scheme.size(), text);
         return upload.sendFinal();
     }
-    // A bare path this long goes without the scheme in front, deliberately.
+    // oddity 11: a bare path this long
     for (; text.size() >= PIECE; text.remove_prefix(PIECE)) {
         Status status = ROUTER_URL_COMMAND_OK;
         upload.setContent(text.substr(0, PIECE));
@@ -83,7 +89,7 @@ Status sendText(Upload& upload, std::string_view text) {
 // The file's bytes go as they stand, in double quotes. It is taken as text: a NUL byte cuts the piece in
 // which it stands.
 Status sendFile(Upload& upload, const char* path) {
-    upload.setContent(INLINE_OPENING);
+    upload.setContent(std::string(INLINE_SCHEME) + QUOTE);
     ROUTERLocalFile file(path, upload.client.responseTimeout);
     if (!file.isOpen()) {
         remoteConfigWarning(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "open file");
@@ -111,7 +117,7 @@ Status sendFile(Upload& upload, const char* path) {
     }
     // The end is only seen by a read that finds less than it asked for, so there is room for the quote.
     const std::size_t length = std::strlen(content);
-    content[length] = CLOSING_QUOTE;
+    content[length] = QUOTE;
     content[length + 1] = '\0';
     return upload.sendFinal();
 }
@@ -125,31 +131,11 @@ Status sendUpload(Upload upload, const char* xmlUrl, bool isRemote) {
     return sendFile(upload, text.data() + (text.starts_with(FILE_SCHEME) ? FILE_SCHEME.size() : 0));
 }
 
-// What one command of the family does.
-struct UrlCommand {
-    const char* context;
-    Kind kind;
-    std::size_t nameLimit; // a name of this length or more is refused
-    const char* nameTooLong;
-};
-constexpr std::size_t WIRE_LIMIT = admin::ENTITY_NAME_BOUND + 1;
-
-Status send(ROUTERRemoteConfigClient& client, const UrlCommand& command, const char* targetRouter,
+Status send(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
             const char* name, const char* xmlUrl, bool isRemote, ROUTERRemoteConfigResult* result) {
-    if (isTooLong(targetRouter, ROUTER_NAME_LIMIT)) {
-        refuseArgument(command.context, "target router name too long", result);
-        return ROUTER_URL_COMMAND_OK; // the caller prints the result, which holds the reason
-    }
-    if (isTooLong(name, command.nameLimit)) {
-        refuseArgument(command.context, command.nameTooLong, result);
-        return ROUTER_URL_COMMAND_OK;
-    }
-    auto& request = *client.commandSample;
-    setName(request.target_router, targetRouter);
-    request.command._d = command.kind;
-    setName(request.command._u.entity_desc.name, name);
-    ROUTERRemoteConfigClient_nextInvocation(&client);
-    return ROUTERRemoteConfigClient_sendUrlCommand(&client, xmlUrl, isRemote, true, result);
+    return prepareRequest(client, sender, targetRouter, name, result)
+               ? ROUTERRemoteConfigClient_sendUrlCommand(&client, xmlUrl, isRemote, true, result)
+               : ROUTER_URL_COMMAND_OK; // oddity 6
 }
 
 } // namespace
@@ -160,44 +146,47 @@ ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendUrlCommand(ROUTERRemoteConfi
     return sendUpload({.client = *self, .result = result, .wait = wait}, xmlUrl, isRemote);
 }
 
-#define ZUL_URL_COMMAND(Name, kind, limit, nameTooLong)                                                      \
-    ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendCommand##Name(                                       \
-        ROUTERRemoteConfigClient* self, const char* targetRouter, const char* name, const char* xmlUrl,      \
-        bool isRemote, ROUTERRemoteConfigResult* result) {                                                   \
-        return send(*self, {__func__, kind, limit, nameTooLong}, targetRouter, name, xmlUrl, isRemote,       \
-                    result);                                                                                 \
-    }
-
-ZUL_URL_COMMAND(Load, ZUL_ROUTING_SERVICE_COMMAND_LOAD, WIRE_LIMIT, "cfgName too long")
-ZUL_URL_COMMAND(Update, ZUL_ROUTING_SERVICE_COMMAND_UPDATE, WIRE_LIMIT, "entityName too long")
-ZUL_URL_COMMAND(Create, ZUL_ROUTING_SERVICE_COMMAND_CREATE, ROUTER_NAME_LIMIT, "parentEntityName too long")
+ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendCommandLoad(ROUTERRemoteConfigClient* self,
+                                                                const char* targetRouter, const char* cfgName,
+                                                                const char* xmlUrl, bool isRemote,
+                                                                ROUTERRemoteConfigResult* result) {
+    return send(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_LOAD}, targetRouter, cfgName, xmlUrl, isRemote,
+                result);
+}
+ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendCommandUpdate(ROUTERRemoteConfigClient* self,
+                                                                  const char* targetRouter,
+                                                                  const char* entityName, const char* xmlUrl,
+                                                                  bool isRemote,
+                                                                  ROUTERRemoteConfigResult* result) {
+    return send(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_UPDATE}, targetRouter, entityName, xmlUrl,
+                isRemote, result);
+}
+ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendCommandCreate(ROUTERRemoteConfigClient* self,
+                                                                  const char* targetRouter,
+                                                                  const char* parentEntityName,
+                                                                  const char* xmlUrl, bool isRemote,
+                                                                  ROUTERRemoteConfigResult* result) {
+    return send(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_CREATE}, targetRouter, parentEntityName, xmlUrl,
+                isRemote, result);
+}
 
 bool ROUTERRemoteConfigClient_sendCommandsDUE(ROUTERRemoteConfigClient* self, const char* targetRouter,
                                               const char* entityName, const char* xmlUrl, bool isRemote,
                                               ROUTERRemoteConfigResult* result) {
-    if (isTooLong(targetRouter, ROUTER_NAME_LIMIT)) {
-        return refuseArgument(__func__, "target router name too long", result);
+    const Sender disable(__func__, ZUL_ROUTING_SERVICE_COMMAND_DISABLE);
+    if (!prepareRequest(*self, disable, targetRouter, entityName, result)) {
+        return false;
     }
-    if (isTooLong(entityName, WIRE_LIMIT)) {
-        return refuseArgument(__func__, "entityName too long", result);
-    }
-    auto& request = *self->commandSample;
-    setName(request.target_router, targetRouter);
-    request.command._d = ZUL_ROUTING_SERVICE_COMMAND_DISABLE;
-    setName(request.command._u.entity_name, entityName);
-    ROUTERRemoteConfigClient_nextInvocation(self);
     ROUTERRemoteConfigClient_sendCommandRequest(self, result, false);
 
     // An interrupt from here on drops the rest of the update. That, or a failed one, is followed by the
     // enable.
     if (!ROUTERRemoteConfigClient_isInterrupted(self)) {
-        request.command._d = ZUL_ROUTING_SERVICE_COMMAND_UPDATE;
-        setName(request.command._u.entity_desc.name, entityName);
-        ROUTERRemoteConfigClient_nextInvocation(self);
+        prepareRequest(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_UPDATE}, targetRouter, entityName,
+                       result);
         sendUpload({.client = *self, .result = result, .wait = false, .hasBegun = true}, xmlUrl, isRemote);
     }
 
-    // Counts here and once more in the sender: the number in between is never sent, deliberately.
-    ROUTERRemoteConfigClient_nextInvocation(self);
+    ROUTERRemoteConfigClient_nextInvocation(self); // oddity 4
     return ROUTERRemoteConfigClient_sendCommandEnable(self, targetRouter, entityName, result);
 }

@@ -1,24 +1,25 @@
+// What the shell does for each command, the table of the commands, and what is printed of an outcome.
 #include "shell/dispatcher.h"
 
 #include "middleware/base/semaphore.h"
 #include "middleware/base/strings.h"
 #include "middleware/base/terminal_text.h"
+#include "product/product_info.h"
+#include "product/vocabulary.h"
 #include "remote_config/entity_commands.h"
 #include "remote_config/exchange.h"
 #include "remote_config/url_commands.h"
-#include "shell/help.h"
+#include "shell/commands.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <span>
 #include <string_view>
 
 const char* const ROUTERShell_g_commandList[] = {"load",   "unload", "enable", "disable",  "update", "exit",
                                                  "quit",   "hello",  "help",   "history",  "clear",  "create",
                                                  "delete", "save",   "get",    "add_peer", ""};
 
-namespace {
+namespace zul::shell {
 
 // One line of input under dispatch. words[0] is the command.
 struct Line {
@@ -33,7 +34,7 @@ struct Line {
     }
 };
 
-// What a handler leaves for the dispatcher to print.
+// What an action leaves for the dispatcher to print.
 enum class Outcome {
     NOTHING,
     SYNTAX_ERROR,
@@ -41,20 +42,22 @@ enum class Outcome {
     UNANSWERED, // nobody answered, or the request was not sent; the cause, if any, is already printed
 };
 
+namespace {
+
 Outcome answered(bool success) {
     return success ? Outcome::ANSWERED : Outcome::UNANSWERED;
 }
 
-Outcome runExit(const Line&) {
+Outcome endShell(const Line&) {
     ROUTERShell_g_terminate = 1;
     return Outcome::NOTHING;
 }
 
-Outcome runNothing(const Line&) {
+Outcome doNothing(const Line&) {
     return Outcome::NOTHING;
 }
 
-Outcome runSleep(const Line& line) {
+Outcome sleep(const Line& line) {
     // Without a number of seconds: the time-out.
     const long seconds = line.words.size() > 1 ? std::strtol(line.words[1], nullptr, 10) : line.shell.timeout;
     ZULSleep(static_cast<std::int32_t>(std::clamp<long>(seconds, 0, INT32_MAX)), 0);
@@ -62,16 +65,16 @@ Outcome runSleep(const Line& line) {
 }
 
 template <auto sender>
-Outcome runRouterCommand(const Line& line) {
+Outcome routerCommand(const Line& line) {
     return answered(sender(line.client(), line.words[1], &line.result));
 }
 
 template <auto sender>
-Outcome runEntityCommand(const Line& line) {
+Outcome entityCommand(const Line& line) {
     return answered(sender(line.client(), line.words[1], line.wordOrEmpty(2), &line.result));
 }
 
-Outcome runAddPeer(const Line& line) {
+Outcome addPeer(const Line& line) {
     const bool isFirst = ZULString_equalsIgnoreCase(line.words[3], "p1");
     if (!isFirst && !ZULString_equalsIgnoreCase(line.words[3], "p2")) {
         return Outcome::SYNTAX_ERROR;
@@ -108,7 +111,7 @@ Outcome reportStatus(int status, const char* xmlUrl) {
     return Outcome::UNANSWERED;
 }
 
-Outcome runLoad(const Line& line) {
+Outcome load(const Line& line) {
     bool isRemote = true;
     if (!readRemoteFlag(line, 4, isRemote)) {
         return Outcome::SYNTAX_ERROR;
@@ -118,10 +121,9 @@ Outcome runLoad(const Line& line) {
                         line.words[3]);
 }
 
-// A dupdate's sender returns a success flag, which is printed as if it were a status: a successful one reads
-// like a file that could not be opened. Scripts rely on it.
+// oddity 3: the sender of a dupdate returns a success flag, not a status
 template <auto sender>
-Outcome runUpdate(const Line& line) {
+Outcome updateWith(const Line& line) {
     bool isRemote = true;
     if (!readRemoteFlag(line, 4, isRemote)) {
         return Outcome::SYNTAX_ERROR;
@@ -135,125 +137,103 @@ Outcome runUpdate(const Line& line) {
     return reportStatus(sender(line.client(), line.words[1], entity, xmlUrl, isRemote, &line.result), xmlUrl);
 }
 
-Outcome runCreate(const Line& line) {
-    struct EntityKind {
-        const char* name;
-        bool hasParent;
-    };
-    constexpr EntityKind KINDS[] = {
-        {"domain_route", false}, {"session", true}, {"topic_route", true}, {"auto_route", true}};
-    const auto* kind = std::find_if(std::begin(KINDS), std::end(KINDS), [&line](const EntityKind& known) {
-        return ZULString_equalsIgnoreCase(known.name, line.words[2]);
+Outcome create(const Line& line) {
+    const auto* kind = std::ranges::find_if(product::ENTITY_KINDS, [&line](const auto& known) {
+        return known.isKeyword && ZULString_equalsIgnoreCase(known.tag, line.words[2]);
     });
-    if (kind == std::end(KINDS)) {
+    if (kind == std::end(product::ENTITY_KINDS)) {
         return Outcome::SYNTAX_ERROR;
     }
-    const std::size_t url = kind->hasParent ? 4 : 3;
+    const bool hasParent = kind->level != product::EntityLevel::DOMAIN_ROUTE;
+    const std::size_t url = hasParent ? 4 : 3;
     bool isRemote = true;
     if (line.words.size() <= url || !readRemoteFlag(line, url + 1, isRemote)) {
         return Outcome::SYNTAX_ERROR;
     }
     // The kind itself is not passed on: what is created follows from the XML.
     return answered(ROUTERRemoteConfigClient_sendCommandCreate(
-                        line.client(), line.words[1], kind->hasParent ? line.words[3] : "", line.words[url],
+                        line.client(), line.words[1], hasParent ? line.words[3] : "", line.words[url],
                         isRemote, &line.result) == ROUTER_URL_COMMAND_OK);
 }
 
-Outcome runHello(const Line& line) {
+Outcome announce(const Line& line) {
     ROUTERRemoteConfigClient_sendCommandAnnounce(line.client()); // its outcome is not printed
     return Outcome::NOTHING;
 }
 
-Outcome runHelp(const Line&) {
+Outcome printHelp(const Line&) {
     ROUTERShell_printHelp();
     return Outcome::NOTHING;
 }
 
-constexpr std::size_t ANY = SIZE_MAX;
-constexpr const char* UPDATE_SYNTAX =
-    "Command syntax: update <target_router> [<entity_name>] <xml_url> [remote|local]";
+constexpr const char* UPDATE_SYNTAX = "update <target_router> [<entity_name>] <xml_url> [remote|local]";
 
-struct Command {
-    std::array<const char*, 3> names; // compared without regard to case; null where unused
-    std::size_t leastWords;
-    std::size_t mostWords;
-    const char* syntax;
-    Outcome (*run)(const Line&);
+// clang-format off
+constexpr Command TABLE[] = {
+    {.names = {"exit", "quit", "q"}, .helpLine = 13, .help = "Exit the shell", .run = endShell},
+    {.names = {"history"}, .run = doNothing},
+    {.names = {"clear"}, .run = doNothing},
+    {.names = {"sleep"}, .run = sleep},
+    {.names = {"enable"}, .leastWords = 2, .helpLine = 3, .help = "Enable an entity",
+     .syntax = "enable <target_router> [<entity_name>]",
+     .run = entityCommand<ROUTERRemoteConfigClient_sendCommandEnable>},
+    {.names = {"disable"}, .leastWords = 2, .helpLine = 4, .help = "Disable an entity",
+     .syntax = "disable <target_router> [<entity_name>]",
+     .run = entityCommand<ROUTERRemoteConfigClient_sendCommandDisable>},
+    {.names = {"pause"}, .leastWords = 2, .helpLine = 5, .help = "Pause an entity",
+     .syntax = "pause <target_router> [<entity_name>]",
+     .run = entityCommand<ROUTERRemoteConfigClient_sendCommandPause>},
+    {.names = {"resume"}, .leastWords = 2, .helpLine = 6, .help = "Resume an entity",
+     .syntax = "resume <target_router> [<entity_name>]",
+     .run = entityCommand<ROUTERRemoteConfigClient_sendCommandResume>},
+    {.names = {"update"}, .leastWords = 3, .helpLine = 7, .help = "Update the configuration of an entity",
+     .syntax = UPDATE_SYNTAX, .run = updateWith<ROUTERRemoteConfigClient_sendCommandUpdate>},
+    {.names = {"dupdate"}, .leastWords = 3,
+     .syntax = UPDATE_SYNTAX, .run = updateWith<ROUTERRemoteConfigClient_sendCommandsDUE>},
+    {.names = {"unload"}, .leastWords = 2, .mostWords = 2, .helpLine = 2, .help = "Unload current %s configuration",
+     .syntax = "unload <target_router>", .run = routerCommand<ROUTERRemoteConfigClient_sendCommandUnload>},
+    {.names = {"load"}, .leastWords = 4, .helpLine = 1, .help = "Load %s XML configuration",
+     .syntax = "load <target_router> <cfg_name> <xml_url> [remote|local]", .run = load},
+    {.names = {"create"}, .leastWords = 3, .helpLine = 8, .help = "Create an entity",
+     .syntax = "create <target_router> domain_route|session|topic_route|auto_route [<parent_entity_name>] "
+               "<xml_url> [remote|local]",
+     .run = create},
+    {.names = {"delete"}, .leastWords = 2, .helpLine = 9, .help = "Delete an entity",
+     .syntax = "delete <target_router> [<entity_name>]",
+     .run = entityCommand<ROUTERRemoteConfigClient_sendCommandDelete>},
+    {.names = {"save"}, .leastWords = 2, .helpLine = 10, .help = "Save %s configuration to file",
+     .syntax = "save <target_router>", .run = routerCommand<ROUTERRemoteConfigClient_sendCommandSave>},
+    {.names = {"get"}, .leastWords = 2, .helpLine = 11, .help = "Get  %s configuration as a string", // oddity 16
+     .syntax = "get <target_router>", .run = routerCommand<ROUTERRemoteConfigClient_sendCommandGet>},
+    {.names = {"add_peer"}, .leastWords = 5, .helpLine = 12, .help = "Add discovery peer for domain participant",
+     .syntax = "add_peer <target_router> <domain_route_name> p1|p2 <peer_list>", .run = addPeer},
+    {.names = {"hello"}, .run = announce},
+    {.names = {"help"}, .run = printHelp},
 };
+// clang-format on
 
-// Walked in order; the first match decides.
-constexpr Command COMMANDS[] = {
-    {{"exit", "quit", "q"}, 1, ANY, "", runExit},
-    {{"history"}, 1, ANY, "", runNothing},
-    {{"clear"}, 1, ANY, "", runNothing},
-    {{"sleep"}, 1, ANY, "", runSleep},
-    {{"enable"},
-     2,
-     ANY,
-     "Command syntax: enable <target_router> [<entity_name>]",
-     runEntityCommand<ROUTERRemoteConfigClient_sendCommandEnable>},
-    {{"disable"},
-     2,
-     ANY,
-     "Command syntax: disable <target_router> [<entity_name>]",
-     runEntityCommand<ROUTERRemoteConfigClient_sendCommandDisable>},
-    {{"pause"},
-     2,
-     ANY,
-     "Command syntax: pause <target_router> [<entity_name>]",
-     runEntityCommand<ROUTERRemoteConfigClient_sendCommandPause>},
-    {{"resume"},
-     2,
-     ANY,
-     "Command syntax: resume <target_router> [<entity_name>]",
-     runEntityCommand<ROUTERRemoteConfigClient_sendCommandResume>},
-    {{"update"}, 3, ANY, UPDATE_SYNTAX, runUpdate<ROUTERRemoteConfigClient_sendCommandUpdate>},
-    {{"dupdate"}, 3, ANY, UPDATE_SYNTAX, runUpdate<ROUTERRemoteConfigClient_sendCommandsDUE>},
-    {{"unload"},
-     2,
-     2,
-     "Command syntax: unload <target_router>",
-     runRouterCommand<ROUTERRemoteConfigClient_sendCommandUnload>},
-    {{"load"}, 4, ANY, "Command syntax: load <target_router> <cfg_name> <xml_url> [remote|local]", runLoad},
-    {{"create"},
-     3,
-     ANY,
-     "Command syntax: create <target_router> domain_route|session|topic_route|auto_route "
-     "[<parent_entity_name>] "
-     "<xml_url> [remote|local]",
-     runCreate},
-    {{"delete"},
-     2,
-     ANY,
-     "Command syntax: delete <target_router> [<entity_name>]",
-     runEntityCommand<ROUTERRemoteConfigClient_sendCommandDelete>},
-    {{"save"},
-     2,
-     ANY,
-     "Command syntax: save <target_router>",
-     runRouterCommand<ROUTERRemoteConfigClient_sendCommandSave>},
-    {{"get"},
-     2,
-     ANY,
-     "Command syntax: get <target_router>",
-     runRouterCommand<ROUTERRemoteConfigClient_sendCommandGet>},
-    {{"add_peer"},
-     5,
-     ANY,
-     "Command syntax: add_peer <target_router> <domain_route_name> p1|p2 <peer_list>",
-     runAddPeer},
-    {{"hello"}, 1, ANY, "", runHello},
-    {{"help"}, 1, ANY, "", runHelp},
-};
+} // namespace
 
-const Command* findCommand(const char* word) {
-    const auto* found =
-        std::find_if(std::begin(COMMANDS), std::end(COMMANDS), [word](const Command& command) {
-            return std::any_of(command.names.begin(), command.names.end(), [word](const char* name) {
-                return name != nullptr && ZULString_equalsIgnoreCase(name, word);
-            });
-        });
-    return found != std::end(COMMANDS) ? found : nullptr;
+const std::span<const Command> COMMANDS = TABLE;
+
+} // namespace zul::shell
+
+using zul::shell::Command;
+using zul::shell::COMMANDS;
+using zul::shell::Outcome;
+
+namespace {
+
+const Command* findCommand(std::string_view word) {
+    const auto isNamed = [word](const char* name) {
+        return name != nullptr && ZULString_equalsIgnoreCase(name, word);
+    };
+    for (const Command& command : COMMANDS) {
+        if (std::ranges::any_of(command.names, isNamed)) {
+            return &command;
+        }
+    }
+    return nullptr;
 }
 
 void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteConfigResult& result) {
@@ -261,7 +241,7 @@ void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteCon
     case Outcome::NOTHING:
         break;
     case Outcome::SYNTAX_ERROR:
-        std::printf("%s\n", command.syntax);
+        std::printf("Command syntax: %s\n", command.syntax);
         break;
     case Outcome::ANSWERED: {
         const bool isOk = result.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
@@ -287,9 +267,28 @@ void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordC
     ROUTERRemoteConfigResult result{};
     ROUTERRemoteConfigResult_initialize(&result);
     result.kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR; // what a refused argument is printed as
-    const Line line{.shell = *self, .words = {words, static_cast<std::size_t>(wordCount)}, .result = result};
+    const zul::shell::Line line{
+        .shell = *self, .words = {words, static_cast<std::size_t>(wordCount)}, .result = result};
     const bool isCountRight =
         line.words.size() >= command->leastWords && line.words.size() <= command->mostWords;
     printOutcome(isCountRight ? command->run(line) : Outcome::SYNTAX_ERROR, *command, result);
     ROUTERRemoteConfigResult_finalize(&result);
+}
+
+void ROUTERShell_printHelp() {
+    const char* product = ROUTER_getProductInfo()->productName;
+    std::printf("\n"
+                "%s Shell, licensed under the Apache License, Version 2.0\n"
+                "--------------------------------------------\n"
+                "Commands:\n",
+                product);
+    const auto findLine = [](int line) {
+        return std::ranges::find(COMMANDS, line, &Command::helpLine);
+    };
+    for (int line = 1; findLine(line) != COMMANDS.end(); ++line) {
+        std::printf("%-8s - ", findLine(line)->names[0]);
+        std::printf(findLine(line)->help, product);
+        std::printf("\n");
+    }
+    std::printf("\n");
 }

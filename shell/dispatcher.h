@@ -10,3 +10,5 @@ extern const char* const ROUTERShell_g_commandList[];
 
 // `wordCount` is at least 1. Everything is printed; nothing is returned. The words may be changed.
 void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordCount);
+
+void ROUTERShell_printHelp(); // to standard output: the commands with a line in the help

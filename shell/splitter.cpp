@@ -1,4 +1,7 @@
+// A machine with three modes that looks at one position after the other; words are ended in place.
 #include "shell/splitter.h"
+
+#include "product/vocabulary.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,23 +11,22 @@ namespace {
 
 enum class Mode { BETWEEN, IN_WORD, REST_OF_LINE };
 
-constexpr std::string_view REST_OF_LINE_PREFIXES[] = {"str://",           "topic_route.", "auto_topic_route.",
-                                                      "route.",           "auto_route.",  "domain_route.",
-                                                      "polling_session.", "session."};
-
 bool isPrintable(char c) {
     return c >= 0x21 && c <= 0x7E; // codes from 0x80 up are no printable characters here
 }
 
-bool startsRestOfLine(const char* text) {
-    return std::any_of(
-        std::begin(REST_OF_LINE_PREFIXES), std::end(REST_OF_LINE_PREFIXES),
-        [text](std::string_view prefix) { return std::strncmp(text, prefix.data(), prefix.size()) == 0; });
+// Inline XML, or an assignment to a member of an entity.
+bool startsRestOfLine(std::string_view text) {
+    return text.starts_with(zul::product::INLINE_SCHEME) ||
+           std::ranges::any_of(zul::product::ENTITY_KINDS, [text](const auto& entity) {
+               return text.starts_with(entity.tag) && text.substr(entity.tag.size()).starts_with('.');
+           });
 }
 
 struct Splitter {
     char** words;
     int& count;
+    const char* end; // of the line, found first: a word that is ended does not end the line
     Mode mode = Mode::BETWEEN;
     bool quoted = false;
 
@@ -40,9 +42,8 @@ struct Splitter {
     }
 
     void step(char* at) {
-        // Also tested in the middle of a word: both words then run to the end of the line, and scripts rely
-        // on it. The command word itself never is one.
-        if (mode != Mode::REST_OF_LINE && count > 0 && startsRestOfLine(at)) {
+        // oddity 13: also in the middle of a word
+        if (mode != Mode::REST_OF_LINE && count > 0 && startsRestOfLine({at, end})) {
             startWord(at, Mode::REST_OF_LINE);
             return;
         }
@@ -77,10 +78,8 @@ void ROUTERShell_createArgv(char* line, char** words, int* wordCount) {
         return;
     }
     *wordCount = 0;
-    Splitter splitter{.words = words, .count = *wordCount};
-    // The end is found first: a word that is ended does not end the line.
-    const char* end = line + std::strlen(line);
-    for (char* at = line; at != end; ++at) {
+    Splitter splitter{.words = words, .count = *wordCount, .end = line + std::strlen(line)};
+    for (char* at = line; at != splitter.end; ++at) {
         splitter.step(at);
     }
 }

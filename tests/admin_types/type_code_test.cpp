@@ -1,4 +1,5 @@
 // The type codes of both modules: what is announced of each type, and how they link.
+#include "admin_types/commands.h"
 #include "admin_types/data_types.h"
 
 #include <gtest/gtest.h>
@@ -98,6 +99,25 @@ TEST(TypeCodes, OfBothModules) {
     EXPECT_EQ(request->members[2].type, ZUL_RoutingService_Administration_Command_get_typecode());
     EXPECT_EQ(request->members[1].type, ZUL_RoutingService_Administration_EntityName_get_typecode());
     EXPECT_EQ(request, ZUL_RoutingService_Administration_CommandRequest_get_typecode());
+}
+
+// What the senders fill in is what the codec writes.
+TEST(TypeCodes, TheTableOfCommandsAgreesWithThem) {
+    std::size_t labels = 0;
+    for (const DDS_TypeCodeMember& branch :
+         ZUL_RoutingService_Administration_Command_get_typecode()->members) {
+        for (const std::int32_t label : branch.labels) {
+            const admin::Command* command = admin::findCommand(label);
+            ASSERT_NE(command, nullptr) << label;
+            EXPECT_EQ(static_cast<std::uint32_t>(command->branch), branch.id) << command->name;
+            const DDS_TypeCode* kinds = ZUL_RoutingService_Administration_CommandKind_get_typecode();
+            EXPECT_EQ(kinds->members[static_cast<std::size_t>(label) - 1].name,
+                      std::string("ZUL_ROUTING_SERVICE_COMMAND_") + command->name);
+            ++labels;
+        }
+    }
+    EXPECT_EQ(labels, std::size(admin::COMMANDS));
+    EXPECT_EQ(admin::findCommand(0), nullptr);
 }
 
 } // namespace

@@ -1,4 +1,0 @@
-// The help text of the interactive commands.
-#pragma once
-
-void ROUTERShell_printHelp(); // to standard output
