@@ -1,7 +1,7 @@
 #include "admin_types/sequences.h"
 
-#include "admin_types/derive/data.h"
 #include "admin_types/descriptions.h"
+#include "middleware/idl/data_operations.h"
 
 // The named operations only forward; `__func__` is the context of their refusals.
 #define ZUL_DEFINE_SEQUENCE(Type, IdlType)                                                                   \
@@ -15,7 +15,7 @@
     }                                                                                                        \
     template <>                                                                                              \
     bool ZULRecordElement<Type>::prepare(Type& destination, const Type* source) {                            \
-        return admin::prepare(IdlType{}, destination, source);                                               \
+        return zul::idl::prepare(IdlType{}, destination, source);                                            \
     }                                                                                                        \
     template <>                                                                                              \
     bool ZULRecordElement<Type>::copy(Type& destination, const Type& source) {                               \
@@ -113,11 +113,11 @@
         }                                                                                                    \
     }
 
-#define ZUL_DEFINE_STRUCT_SEQUENCE(Type) ZUL_DEFINE_SEQUENCE(Type, admin::Struct<Type>)
-#define ZUL_DEFINE_ENUMERATION_SEQUENCE(Type) ZUL_DEFINE_SEQUENCE(Type, admin::Enum<Type>)
+#define ZUL_DEFINE_STRUCT_SEQUENCE(Type) ZUL_DEFINE_SEQUENCE(Type, zul::idl::Struct<Type>)
+#define ZUL_DEFINE_ENUMERATION_SEQUENCE(Type) ZUL_DEFINE_SEQUENCE(Type, zul::idl::Enum<Type>)
 #define ZUL_DEFINE_SEQUENCES(prefix)                                                                         \
     ZUL_FOR_EACH_STRUCT(ZUL_DEFINE_STRUCT_SEQUENCE, prefix)                                                  \
-    ZUL_DEFINE_SEQUENCE(prefix##Command, admin::Union<prefix##Command>)                                      \
+    ZUL_DEFINE_SEQUENCE(prefix##Command, zul::idl::Union<prefix##Command>)                                   \
     ZUL_FOR_EACH_ENUMERATION(ZUL_DEFINE_ENUMERATION_SEQUENCE, prefix)
 ZUL_DEFINE_SEQUENCE(ZUL_RoutingService_Administration_EntityName, admin::EntityName<admin::RoutingModule>)
 ZUL_DEFINE_SEQUENCES(ZUL_RoutingService_Administration_)
@@ -125,7 +125,7 @@ ZUL_DEFINE_SEQUENCES(ZUL_FederationService_Administration_)
 
 #define ZUL_DEFINE_VALUES(Type)                                                                              \
     bool Type##_getValues(Type##Seq* values) {                                                               \
-        constexpr auto& enumerators = admin::Description<Type>::enumerators;                                 \
+        constexpr auto& enumerators = zul::idl::Description<Type>::enumerators;                              \
         constexpr auto count = static_cast<DDS_Long>(std::size(enumerators));                                \
         if (!ZULSequence::set_maximum(values, count, __func__) ||                                            \
             !ZULSequence::set_length(values, count, __func__)) {                                             \

@@ -1,6 +1,6 @@
 // Sequences of the administration types of both modules, under their C names: <type>Seq_get_length,
-// <type>Seq_set_maximum, ... What each does and refuses is told in middleware/idl/sequence.h; refusals are logged
-// with the operation's full name. An owned sequence's elements are whole records, initialised with its
+// <type>Seq_set_maximum, ... What each does and refuses is told in middleware/idl/sequence.h; refusals are
+// logged with the operation's full name. An owned sequence's elements are whole records, initialised with its
 // element allocation parameters.
 #pragma once
 

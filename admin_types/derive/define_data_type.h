@@ -3,15 +3,15 @@
 #pragma once
 
 #include "admin_types/data_types.h"
-#include "admin_types/derive/data.h"
-#include "admin_types/derive/type_codes.h"
+#include "middleware/idl/data_operations.h"
+#include "middleware/idl/type_code_of.h"
 
 #define ZUL_DEFINE_DATA_TYPE(Type, IdlType)                                                                  \
     const DDS_TypeCode* Type##_get_typecode() {                                                              \
-        return admin::typeCode(IdlType{});                                                                   \
+        return zul::idl::typeCode(IdlType{});                                                                \
     }                                                                                                        \
     bool Type##_initialize_w_params(Type* self, const DDS_TypeAllocationParams_t* params) {                  \
-        return self != nullptr && params != nullptr && admin::initialize(IdlType{}, *self, *params);         \
+        return self != nullptr && params != nullptr && zul::idl::initialize(IdlType{}, *self, *params);      \
     }                                                                                                        \
     bool Type##_initialize_ex(Type* self, bool allocatePointers, bool allocateMemory) {                      \
         const DDS_TypeAllocationParams_t params{.allocate_pointers = allocatePointers,                       \
@@ -24,7 +24,7 @@
     }                                                                                                        \
     void Type##_finalize_w_params(Type* self, const DDS_TypeDeallocationParams_t* params) {                  \
         if (self != nullptr && params != nullptr) {                                                          \
-            admin::finalize(IdlType{}, *self);                                                               \
+            zul::idl::finalize(IdlType{}, *self);                                                            \
         }                                                                                                    \
     }                                                                                                        \
     void Type##_finalize_ex(Type* self, bool deletePointers) {                                               \
@@ -37,18 +37,20 @@
     }                                                                                                        \
     void Type##_finalize_optional_members(Type*, bool) {}                                                    \
     bool Type##_copy(Type* destination, const Type* source) {                                                \
-        return destination != nullptr && source != nullptr && admin::copy(IdlType{}, *destination, *source); \
+        return destination != nullptr && source != nullptr &&                                                \
+               zul::idl::copy(IdlType{}, *destination, *source);                                             \
     }
 
-#define ZUL_DEFINE_RECORD(Type) ZUL_DEFINE_DATA_TYPE(Type, admin::Struct<Type>)
-#define ZUL_DEFINE_ENUMERATION(Type) ZUL_DEFINE_DATA_TYPE(Type, admin::Enum<Type>)
+#define ZUL_DEFINE_RECORD(Type) ZUL_DEFINE_DATA_TYPE(Type, zul::idl::Struct<Type>)
+#define ZUL_DEFINE_ENUMERATION(Type) ZUL_DEFINE_DATA_TYPE(Type, zul::idl::Enum<Type>)
 #define ZUL_DEFINE_UNION(prefix)                                                                             \
-    ZUL_DEFINE_DATA_TYPE(prefix##Command, admin::Union<prefix##Command>)                                     \
+    ZUL_DEFINE_DATA_TYPE(prefix##Command, zul::idl::Union<prefix##Command>)                                  \
     prefix##CommandKind prefix##Command_getDefaultDiscriminator() {                                          \
-        return static_cast<prefix##CommandKind>(admin::Description<prefix##Command>::defaultDiscriminator);  \
+        return static_cast<prefix##CommandKind>(                                                             \
+            zul::idl::Description<prefix##Command>::defaultDiscriminator);                                   \
     }                                                                                                        \
     bool prefix##Command_isCaseHandled(prefix##CommandKind discriminator) {                                  \
-        return !admin::visitSelected<prefix##Command>(discriminator, [](const auto&) { return false; });     \
+        return zul::idl::selectsBranch<prefix##Command>(discriminator);                                      \
     }
 
 // All types of one module but its entity name.

@@ -9,9 +9,9 @@ namespace {
 
 // Fills a value with what differs from its default and, by `seed`, from other values.
 template <class Record>
-void fill(admin::Struct<Record>, Record& record, int seed);
+void fill(zul::idl::Struct<Record>, Record& record, int seed);
 template <class Record>
-void fill(admin::Union<Record>, Record& record, int seed);
+void fill(zul::idl::Union<Record>, Record& record, int seed);
 template <class IdlType, class Value>
 void fill(IdlType, Value& value, int seed) {
     if constexpr (std::is_same_v<Value, char*>) {
@@ -19,27 +19,22 @@ void fill(IdlType, Value& value, int seed) {
     } else if constexpr (std::is_same_v<Value, DDS_StringSeq>) {
         ASSERT_TRUE(ZULSequence::set_length(&value, seed % 16, __func__));
         for (DDS_Long i = 0; i < value.length; ++i) {
-            fill(admin::String<IdlType::bound>{}, value.contiguous[i], seed + i);
+            fill(zul::idl::String<IdlType::bound>{}, value.contiguous[i], seed + i);
         }
     } else {
         value = static_cast<Value>(std::is_same_v<Value, DDS_Boolean> ? 1 : 1 + seed % 3);
     }
 }
 template <class Record>
-void fill(admin::Struct<Record>, Record& record, int seed) {
-    admin::visitWhile(admin::Description<Record>::members, [&](const auto& member, std::uint32_t) {
-        fill(typename std::remove_cvref_t<decltype(member)>::Type{}, member.get(record), seed);
-        return true;
-    });
+void fill(zul::idl::Struct<Record>, Record& record, int seed) {
+    zul::idl::forEachMember(record, [seed](auto type, const auto&, auto& value) { fill(type, value, seed); });
 }
 template <class Record>
-void fill(admin::Union<Record>, Record& record, int seed) {
+void fill(zul::idl::Union<Record>, Record& record, int seed) {
     const DDS_Long kinds[] = {1, 7, 9, 14}; // one of each branch
     record._d = static_cast<decltype(record._d)>(kinds[seed % 4]);
-    admin::visitSelected<Record>(record._d, [&](const auto& branch) {
-        fill(typename std::remove_cvref_t<decltype(branch)>::Type{}, branch.get(record), seed);
-        return true;
-    });
+    zul::idl::forSelectedBranch(record,
+                                [seed](auto type, const auto&, auto& value) { fill(type, value, seed); });
 }
 
 // The operations that every type has. `FORM` is the IDL type of the values.
@@ -69,11 +64,11 @@ void fill(admin::Union<Record>, Record& record, int seed) {
         static constexpr auto setReadToken = Type##Seq_set_read_token;                                       \
         static constexpr auto getReadToken = Type##Seq_get_read_token;                                       \
     };
-#define ZUL_STRUCT_FAMILY(Type) ZUL_FAMILY(Type, admin::Struct<Type>)
-#define ZUL_ENUM_FAMILY(Type) ZUL_FAMILY(Type, admin::Enum<Type>)
+#define ZUL_STRUCT_FAMILY(Type) ZUL_FAMILY(Type, zul::idl::Struct<Type>)
+#define ZUL_ENUM_FAMILY(Type) ZUL_FAMILY(Type, zul::idl::Enum<Type>)
 #define ZUL_FAMILIES(prefix)                                                                                 \
     ZUL_FOR_EACH_STRUCT(ZUL_STRUCT_FAMILY, prefix)                                                           \
-    ZUL_FAMILY(prefix##Command, admin::Union<prefix##Command>)                                               \
+    ZUL_FAMILY(prefix##Command, zul::idl::Union<prefix##Command>)                                            \
     ZUL_FOR_EACH_ENUMERATION(ZUL_ENUM_FAMILY, prefix)
 ZUL_FAMILIES(ZUL_RoutingService_Administration_)
 ZUL_FAMILIES(ZUL_FederationService_Administration_)
@@ -107,7 +102,7 @@ protected:
     static Bytes bytes(const Value& value) {
         Bytes out(8192);
         ZULCdrOutput stream{.data = out.data(), .capacity = out.size()};
-        EXPECT_TRUE(admin::PluginOperations<Idl>::serializeSample(nullptr, value, stream, true, 1, true));
+        EXPECT_TRUE(zul::idl::PluginOperations<Idl>::serializeSample(nullptr, value, stream, true, 1, true));
         out.resize(stream.position);
         return out;
     }
