@@ -1,12 +1,12 @@
 // zul-practice-router: options, start, the wait for a signal, and the end of everything in reverse order.
 // Exit status: 0 after a signal, --help or --version; 1 when the router cannot start; 2 for a bad command
 // line.
-#include "middleware/dds/process.h"
 #include "middleware/base/version.h"
-#include "practice_router/options.h"
-#include "practice_router/save_file.h"
-#include "practice_router/worker.h"
-#include "practice_router/xml_url.h"
+#include "middleware/dds/process.h"
+#include "practice_router/actions/save_file.h"
+#include "practice_router/actions/xml_url.h"
+#include "practice_router/endpoints/options.h"
+#include "practice_router/endpoints/worker.h"
 #include "product/product_info.h"
 
 #include <csignal>
