@@ -1,6 +1,6 @@
 // An update of the practice router with many new properties against one with a quarter of them. The time must
 // not grow faster than their number.
-#include "practice_router/configuration.h"
+#include "practice_router/actions/configuration.h"
 #include "product/product_info.h"
 
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 // The practice router takes any bytes as a document, an update and a new entity: it changes its configuration
 // whole or not at all. What it finds wrong by the definition, the library finds wrong too, and the reverse.
-#include "practice_router/configuration.h"
-#include "practice_router/definition.h"
-#include "practice_router/xml_nodes.h"
+#include "practice_router/actions/configuration.h"
+#include "practice_router/document/definition.h"
+#include "practice_router/document/xml_nodes.h"
 #include "product/product_info.h"
 
 #include <libxml/parser.h>

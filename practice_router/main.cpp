@@ -3,10 +3,10 @@
 // line.
 #include "middleware/base/version.h"
 #include "middleware/dds/process.h"
-#include "practice_router/options.h"
-#include "practice_router/save_file.h"
-#include "practice_router/worker.h"
-#include "practice_router/xml_url.h"
+#include "practice_router/actions/save_file.h"
+#include "practice_router/actions/xml_url.h"
+#include "practice_router/endpoints/options.h"
+#include "practice_router/endpoints/worker.h"
 #include "product/product_info.h"
 
 #include <csignal>

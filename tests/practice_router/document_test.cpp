@@ -1,7 +1,7 @@
 // Documents from outside: hostile ones are refused within bounds, faulty ones with the line, and none of them
 // touches what is active.
-#include "practice_router/configuration.h"
-#include "practice_router/merge.h"
+#include "practice_router/actions/configuration.h"
+#include "practice_router/document/merge.h"
 #include "product/product_info.h"
 #include "tests/practice_router/kinds.h"
 
@@ -107,7 +107,7 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
         EXPECT_EQ(answer.kind, ERROR) << what;
         EXPECT_TRUE(answer.text.starts_with(row.line)) << what << ": " << answer.text;
         EXPECT_NE(answer.text.find(row.fault), std::string::npos) << what << ": " << answer.text;
-        EXPECT_LE(answer.text.size(), PRACTICE_MAX_FAILURE + 3) << what;
+        EXPECT_LE(answer.text.size(), zul::practice::MAX_FAILURE + 3) << what;
         EXPECT_EQ(answer.text.find('\n'), std::string::npos) << what;
         EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN) << what;
     }

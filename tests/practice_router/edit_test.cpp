@@ -1,5 +1,5 @@
 // Commands on a configuration: what they change, what they answer, and that a refused one changes nothing.
-#include "practice_router/save_file.h"
+#include "practice_router/actions/save_file.h"
 #include "tests/practice_router/kinds.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 // Short names of the kinds of commands and answers that the tests use.
 #pragma once
 
-#include "practice_router/router.h"
+#include "practice_router/actions/router.h"
 
 using Kind = ZUL_RoutingService_Administration_CommandKind;
 constexpr auto LOAD = ZUL_ROUTING_SERVICE_COMMAND_LOAD;

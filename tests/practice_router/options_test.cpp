@@ -1,5 +1,5 @@
 // The command line: each kind of option, and what is said about bad ones.
-#include "practice_router/options.h"
+#include "practice_router/endpoints/options.h"
 
 #include <gtest/gtest.h>
 #include <vector>

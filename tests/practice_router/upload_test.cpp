@@ -1,5 +1,5 @@
 // Pieces of long texts: put together in order, dropped when anything comes between them, never mixed up.
-#include "practice_router/xml_url.h"
+#include "practice_router/actions/xml_url.h"
 #include "tests/practice_router/kinds.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,26 @@
+// The answer to one request: its outcome and its text. The text is UTF-8 and has no line feed at its end
+// unless it is a document. What went well may be of any length; why something failed is one line within a
+// bound, whatever names and texts from outside it quotes.
+#pragma once
+
+#include "admin_types/modules.h"
+#include "practice_router/document/text.h"
+
+#include <string>
+
+struct PracticeAnswer {
+    ZUL_RoutingService_Administration_CommandResponseKind kind;
+    std::string text;
+};
+
+inline PracticeAnswer PracticeAnswer_ok(std::string text) {
+    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK, std::move(text)};
+}
+inline PracticeAnswer PracticeAnswer_error(std::string_view text) {
+    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR,
+            zul::practice::shortened(text, zul::practice::MAX_FAILURE)};
+}
+inline PracticeAnswer PracticeAnswer_notFound(std::string_view text) {
+    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND,
+            zul::practice::shortened(text, zul::practice::MAX_FAILURE)};
+}

@@ -1,0 +1,104 @@
+#include "practice_router/document/children.h"
+
+#include "practice_router/document/entity.h"
+#include "practice_router/document/text.h"
+#include "practice_router/document/xml_nodes.h"
+
+namespace zul::practice {
+
+namespace {
+
+std::string keyOf(std::string_view tag, const std::string& identity) {
+    return std::string(tag) + '\0' + identity;
+}
+
+} // namespace
+
+std::string identityOf(const xmlNode* element) {
+    if (PracticeNode_tag(element) != "element") {
+        return PracticeNode_name(element);
+    }
+    for (const xmlNode* part = PracticeNode_firstChild(element); part != nullptr;
+         part = PracticeNode_next(part)) {
+        if (PracticeNode_tag(part) == "name") {
+            return PracticeNode_text(part);
+        }
+    }
+    return PracticeNode_text(element);
+}
+
+Children::Children(xmlNode* parent, const ContentModel& content, Layout& layout)
+    : parent_(parent), content_(content), layout_(layout) {
+    for (xmlNode* child = PracticeNode_firstChild(parent); child != nullptr;
+         child = PracticeNode_next(child)) {
+        note(child);
+    }
+    findEnd();
+}
+
+void Children::findEnd() {
+    end_ = content_.begin();
+    for (const xmlNode* child = PracticeNode_firstChild(parent_); child != nullptr;
+         child = PracticeNode_next(child)) {
+        end_ = content_.after(end_, PracticeNode_tag(child)).value_or(ContentModel::State{});
+    }
+}
+
+void Children::note(xmlNode* child) {
+    const std::string_view tag = PracticeNode_tag(child);
+    const std::string identity = identityOf(child);
+    Tagged& tagged = byTag_[std::string(tag)];
+    tagged.last = child;
+    ++tagged.count;
+    if (!identity.empty()) {
+        byIdentity_[keyOf(tag, identity)] = child;
+    }
+    if (PracticeEntity_level(tag)) {
+        entities_.emplace(PracticeNode_name(child), child);
+    }
+}
+
+xmlNode* Children::find(std::string_view tag, const std::string& identity) const {
+    const auto found = byIdentity_.find(keyOf(tag, identity));
+    return found != byIdentity_.end() ? found->second : nullptr;
+}
+
+xmlNode* Children::findLast(std::string_view tag) const {
+    const auto found = byTag_.find(std::string(tag));
+    return found != byTag_.end() ? found->second.last : nullptr;
+}
+
+xmlNode* Children::findEntity(std::string_view name) const {
+    const auto found = entities_.find(std::string(name));
+    return found != entities_.end() ? found->second : nullptr;
+}
+
+bool Children::hasSeveral(std::string_view tag) const {
+    const auto found = byTag_.find(std::string(tag));
+    return found != byTag_.end() && found->second.count > 1;
+}
+
+bool Children::insert(xmlNode* child, std::string& error) {
+    const std::string_view tag = PracticeNode_tag(child);
+    const auto atEnd = content_.after(end_, tag);
+    const bool fitsAtEnd = atEnd && atEnd->isComplete;
+    const std::optional<xmlNode*> place =
+        fitsAtEnd ? std::optional<xmlNode*>(nullptr) : content_.placeFor(tag, parent_);
+    if (!place) {
+        error = shortened(tag) + " has no place in " + PracticeNode_describe(parent_) +
+                "; after its other elements may come " + content_.expected(end_);
+        return false;
+    }
+    xmlUnlinkNode(child);
+    xmlSetTreeDoc(child, parent_->doc);
+    layout_.insert(parent_, child, *place);
+    note(child);
+    if (fitsAtEnd) {
+        end_ = *atEnd;
+    } else {
+        findEnd();
+    }
+    return true;
+}
+
+} // namespace zul::practice

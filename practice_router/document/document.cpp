@@ -1,0 +1,122 @@
+#include "practice_router/document/document.h"
+
+#include "middleware/dds/dds.h"
+#include "practice_router/document/definition.h"
+#include "practice_router/document/entity.h"
+#include "practice_router/document/text.h"
+#include "practice_router/document/xml_nodes.h"
+#include "product/product_info.h"
+
+#include <algorithm>
+#include <charconv>
+#include <set>
+
+using namespace zul::practice;
+
+namespace {
+
+constexpr std::string_view ROOT_TAG = "dds";
+
+bool isNameCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+}
+
+bool isName(std::string_view name) {
+    return !name.empty() && name.size() <= PRACTICE_ENTITY_NAME_MAX &&
+           std::all_of(name.begin(), name.end(), isNameCharacter);
+}
+
+// Decimal with an optional sign, or hexadecimal after 0x; false for anything else or out of range.
+bool isDomainId(std::string_view text) {
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        base = 16;
+        text.remove_prefix(2);
+    } else if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    DDS_DomainId_t value = -1;
+    const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    return code == std::errc{} && end == text.data() + text.size() && value >= 0 &&
+           value <= DDS_DOMAIN_ID_MAX;
+}
+
+// What is wrong with the name of an entity; empty when nothing is.
+std::string faultInName(const xmlNode* node, std::set<std::string>& siblings) {
+    const std::string name = PracticeNode_name(node);
+    const std::string what = "the name " + quoted(name) + " of this " + std::string(PracticeNode_tag(node));
+    if (!isName(name)) {
+        return what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"";
+    }
+    return siblings.insert(name).second ? "" : what + " is taken by an element beside it; choose another";
+}
+
+class Check {
+public:
+    Check(const Definition& definition, const std::stop_token& stop, std::string& error)
+        : definition_(definition), stop_(stop), error_(error) {}
+
+    // An element and everything inside. As deep as documents may be. `siblings` are the names of the entities
+    // in front of it.
+    bool passes(const xmlNode* node, std::set<std::string>& siblings) {
+        if (stop_.stop_requested()) {
+            error_ = PRACTICE_XML_STOPPED;
+            return false;
+        }
+        if (const auto fault = definition_.faultIn(node)) {
+            return failed(fault->element, fault->what);
+        }
+        const std::string wrong =
+            PracticeEntity_level(PracticeNode_tag(node)) ? faultInName(node, siblings) : "";
+        if (!wrong.empty()) {
+            return failed(node, wrong);
+        }
+        if (PracticeNode_tag(node) == "domain_id" && !isDomainId(PracticeNode_text(node))) {
+            return failed(node, quoted(PracticeNode_text(node)) +
+                                    " is no domain id; expected an integer from 0 to " +
+                                    std::to_string(DDS_DOMAIN_ID_MAX));
+        }
+        std::set<std::string> names;
+        const xmlNode* child = PracticeNode_firstChild(node);
+        while (child != nullptr && passes(child, names)) {
+            child = PracticeNode_next(child);
+        }
+        return child == nullptr;
+    }
+
+private:
+    bool failed(const xmlNode* node, const std::string& what) {
+        error_ = "line " + std::to_string(PracticeXml_lineOf(node)) + ": " + what;
+        return false;
+    }
+
+    const Definition& definition_;
+    const std::stop_token& stop_;
+    std::string& error_;
+};
+
+} // namespace
+
+bool PracticeDocument_isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::string& error) {
+    const xmlNode* root = xmlDocGetRootElement(document);
+    if (PracticeNode_tag(root) != ROOT_TAG) {
+        error = "line " + std::to_string(PracticeXml_lineOf(root)) + ": the root element is " +
+                PracticeNode_describe(root) + "; it must be dds";
+        return false;
+    }
+    const Definition* definition = Definition::ofProduct();
+    if (definition == nullptr) {
+        error = "out of memory";
+        return false;
+    }
+    std::set<std::string> none;
+    return Check(*definition, stop, error).passes(root, none);
+}
+
+PracticeXmlDocument PracticeDocument_read(std::string_view xml, const std::stop_token& stop,
+                                          std::string& error) {
+    PracticeXmlDocument document = PracticeXml_parse(xml, stop, error);
+    return document != nullptr && PracticeDocument_isAcceptable(document.get(), stop, error)
+               ? std::move(document)
+               : nullptr;
+}

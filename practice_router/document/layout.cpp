@@ -1,0 +1,168 @@
+// Indentation is text between elements: a line feed and blanks in front of each child, and in front of the
+// end tag. Out of memory, a line may lack it; that does no harm.
+#include "practice_router/document/layout.h"
+
+#include "practice_router/document/xml_nodes.h"
+
+namespace zul::practice {
+
+namespace {
+
+constexpr const char* USUAL_UNIT = "    ";
+
+bool isBlank(const xmlNode* node) {
+    return node != nullptr && node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 1;
+}
+
+bool isLineStart(const xmlNode* node) {
+    return isBlank(node) && xmlStrchr(node->content, '\n') != nullptr;
+}
+
+bool isElement(const xmlNode* node) {
+    return node != nullptr && node->type == XML_ELEMENT_NODE;
+}
+
+xmlNode* newText(const std::string& text) {
+    return xmlNewText(reinterpret_cast<const xmlChar*>(text.c_str()));
+}
+
+void removeNode(xmlNode* node) {
+    xmlUnlinkNode(node);
+    xmlFreeNode(node);
+}
+
+void removeBlanks(xmlNode* parent) {
+    for (xmlNode* child = parent->children; child != nullptr;) {
+        xmlNode* next = child->next;
+        if (isBlank(child)) {
+            removeNode(child);
+        }
+        child = next;
+    }
+}
+
+bool holdsText(const xmlNode* parent) {
+    for (const xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        if (child->type == XML_CDATA_SECTION_NODE || (child->type == XML_TEXT_NODE && !isBlank(child))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// A name and its value, as in a property, stay on one line.
+bool isPair(const xmlNode* element) {
+    bool isFlat = PracticeNode_tag(element) == "element";
+    for (const xmlNode* part = PracticeNode_firstChild(element); part != nullptr && isFlat;
+         part = PracticeNode_next(part)) {
+        isFlat = PracticeNode_firstChild(part) == nullptr;
+    }
+    return isFlat;
+}
+
+} // namespace
+
+Layout::Layout(const xmlDoc* document) : unit_(USUAL_UNIT) {
+    const xmlNode* root = xmlDocGetRootElement(document);
+    if (root == nullptr || !isLineStart(root->children)) {
+        return;
+    }
+    const std::string blanks = reinterpret_cast<const char*>(root->children->content);
+    if (!blanks.ends_with('\n')) {
+        unit_ = blanks.substr(blanks.rfind('\n') + 1);
+    }
+}
+
+// A line feed and as many units as there are elements around a child of `parent`.
+std::string Layout::indentationIn(const xmlNode* parent) const {
+    std::string text = "\n";
+    for (; isElement(parent); parent = parent->parent) {
+        text += unit_;
+    }
+    return text;
+}
+
+void Layout::startLine(xmlNode* node) const {
+    xmlNode* blank = newText(indentationIn(node->parent));
+    if (blank != nullptr && xmlAddPrevSibling(node, blank) == nullptr) {
+        xmlFreeNode(blank);
+    }
+}
+
+void Layout::startEndTagLine(xmlNode* parent) const {
+    xmlNode* blank = newText(indentationIn(parent->parent));
+    if (blank != nullptr && xmlAddChild(parent, blank) == nullptr) {
+        xmlFreeNode(blank);
+    }
+}
+
+void Layout::startLines(xmlNode* parent) const {
+    removeBlanks(parent);
+    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        startLine(child);
+    }
+    startEndTagLine(parent);
+}
+
+// Whether the children of an element have a line each, after giving them one if nothing is in the way.
+bool Layout::isInLines(xmlNode* parent) {
+    const auto known = inLines_.find(parent);
+    if (known != inLines_.end()) {
+        return known->second;
+    }
+    if (isElement(parent->parent) && !isLineStart(parent->prev)) {
+        isInLines(parent->parent);
+    }
+    const bool hasLines = isLineStart(parent->children) || !holdsText(parent);
+    if (hasLines && parent->children != nullptr && !isLineStart(parent->children)) {
+        startLines(parent);
+    }
+    return inLines_[parent] = hasLines;
+}
+
+// As deep as documents may be.
+void Layout::layOutInside(xmlNode* element) const {
+    if (PracticeNode_firstChild(element) == nullptr || holdsText(element)) {
+        return;
+    }
+    if (isPair(element)) {
+        removeBlanks(element);
+        return;
+    }
+    startLines(element);
+    for (xmlNode* child = PracticeNode_firstChild(element); child != nullptr;
+         child = PracticeNode_next(child)) {
+        layOutInside(child);
+    }
+}
+
+void Layout::insert(xmlNode* parent, xmlNode* element, xmlNode* before) {
+    const bool inLines = isInLines(parent);
+    // In front of the indentation of what follows.
+    xmlNode* place = before == nullptr ? parent->last : isBlank(before->prev) ? before->prev : before;
+    if (before != nullptr || isBlank(place)) {
+        xmlAddPrevSibling(place, element);
+    } else {
+        xmlAddChild(parent, element);
+    }
+    layOutInside(element);
+    if (inLines) {
+        startLine(element);
+        if (element->next == nullptr) {
+            startEndTagLine(parent);
+        }
+    }
+}
+
+void Layout::remove(xmlNode* element) {
+    const xmlNode* parent = element->parent;
+    if (isBlank(element->prev)) {
+        removeNode(element->prev);
+    }
+    removeNode(element);
+    if (isBlank(parent->children) && parent->children == parent->last) {
+        removeNode(parent->children); // the line of an end tag that nothing is in front of any more
+    }
+}
+
+} // namespace zul::practice

@@ -1,0 +1,218 @@
+#include "practice_router/document/merge.h"
+
+#include "practice_router/document/children.h"
+#include "practice_router/document/definition.h"
+#include "practice_router/document/entity.h"
+#include "practice_router/document/text.h"
+#include "practice_router/document/xml.h"
+#include "practice_router/document/xml_nodes.h"
+
+#include <set>
+#include <unordered_map>
+
+namespace zul::practice {
+
+namespace {
+
+bool isEntity(const xmlNode* node) {
+    return PracticeEntity_level(PracticeNode_tag(node)).has_value();
+}
+
+// One merge: what it knows of the elements that it has come to.
+class Merge {
+public:
+    Merge(const Definition& definition, const xmlDoc* document, const std::stop_token& stop,
+          std::string& error)
+        : definition_(definition), stop_(stop), error_(error), layout_(document) {}
+
+    bool apply(xmlNode* entity, xmlNode* snippet);
+    bool mergeChild(xmlNode* target, xmlNode* child);
+
+private:
+    bool failed(std::string what) {
+        error_ = std::move(what);
+        return false;
+    }
+    Children& childrenOf(xmlNode* target);
+    bool trimValues(xmlNode* node);
+    bool merge(xmlNode* target, xmlNode* source);
+    bool mergeLeaf(xmlNode* target, const xmlNode* source);
+    bool mergeByNames(const Children& children, xmlNode* child);
+    bool mergeUnmatched(xmlNode* target, xmlNode* child);
+    bool checkRepetitions(const xmlNode* target, const xmlNode* source);
+
+    const Definition& definition_;
+    const std::stop_token stop_;
+    std::string& error_;
+    Layout layout_;
+    std::unordered_map<xmlNode*, Children> children_;
+};
+
+Children& Merge::childrenOf(xmlNode* target) {
+    const auto found = children_.find(target);
+    // What is in an accepted document is declared.
+    return found != children_.end()
+               ? found->second
+               : children_
+                     .try_emplace(target, target, *definition_.contentOf(PracticeNode_tag(target)), layout_)
+                     .first->second;
+}
+
+bool mergeAttributes(xmlNode* target, const xmlNode* source) {
+    for (const xmlAttr* attribute = source->properties; attribute != nullptr; attribute = attribute->next) {
+        const std::string value =
+            PracticeNode_attribute(source, reinterpret_cast<const char*>(attribute->name));
+        if (!PracticeXml_isSchemaLocation(attribute) &&
+            xmlSetProp(target, attribute->name, reinterpret_cast<const xmlChar*>(value.c_str())) == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Merge::mergeLeaf(xmlNode* target, const xmlNode* source) {
+    const std::string text = PracticeNode_text(source);
+    if (PracticeNode_firstChild(target) == nullptr) {
+        return PracticeNode_setText(target, text) || failed("out of memory");
+    }
+    return text.empty() || failed(PracticeNode_describe(target) +
+                                  " holds elements and cannot be set to a text; name one of them");
+}
+
+// An element that the definition wants once must not be given twice. Which of two values counts would depend
+// on their order.
+bool Merge::checkRepetitions(const xmlNode* target, const xmlNode* source) {
+    const ContentModel& content = *definition_.contentOf(PracticeNode_tag(target));
+    std::set<std::string_view> tags;
+    for (const xmlNode* child = PracticeNode_firstChild(source); child != nullptr;
+         child = PracticeNode_next(child)) {
+        const std::string_view tag = PracticeNode_tag(child);
+        if (!tags.insert(tag).second && definition_.contentOf(tag) != nullptr && !content.repeats(tag)) {
+            return failed("line " + std::to_string(PracticeXml_lineOf(child)) + " of the update: a second " +
+                          shortened(tag) + " in " + PracticeNode_describe(target) + "; expected one");
+        }
+    }
+    return true;
+}
+
+bool Merge::merge(xmlNode* target, xmlNode* source) {
+    if (stop_.stop_requested()) {
+        return failed(PRACTICE_XML_STOPPED);
+    }
+    if (definition_.contentOf(PracticeNode_tag(target)) == nullptr) {
+        return failed(PracticeNode_describe(target) + " is not known");
+    }
+    if (!mergeAttributes(target, source)) {
+        return failed("out of memory");
+    }
+    xmlNode* child = PracticeNode_firstChild(source);
+    if (child == nullptr) {
+        return mergeLeaf(target, source);
+    }
+    if (!checkRepetitions(target, source)) {
+        return false;
+    }
+    while (child != nullptr) {
+        xmlNode* next = PracticeNode_next(child); // before it is moved away
+        if (!mergeChild(target, child)) {
+            return false;
+        }
+        child = next;
+    }
+    return true;
+}
+
+// Several elements have the tag: each next tag must be the name of one of them.
+bool Merge::mergeByNames(const Children& children, xmlNode* child) {
+    xmlNode* part = PracticeNode_firstChild(child);
+    xmlNode* named = nullptr;
+    do {
+        named = part != nullptr ? children.find(PracticeNode_tag(child), std::string(PracticeNode_tag(part)))
+                                : nullptr;
+        if (named == nullptr) {
+            return failed("several elements " + PracticeNode_describe(child) +
+                          " match; name the one that is meant");
+        }
+        if (!merge(named, part)) {
+            return false;
+        }
+        part = PracticeNode_next(part);
+    } while (part != nullptr);
+    return true;
+}
+
+// No element has the tag: it may be a name, or a setting that was not there before.
+bool Merge::mergeUnmatched(xmlNode* target, xmlNode* child) {
+    const std::string_view tag = PracticeNode_tag(child);
+    if (!isEntity(child)) {
+        if (isEntity(target) && PracticeNode_name(target) == tag) {
+            return merge(target, child);
+        }
+        if (xmlNode* named = childrenOf(target).findEntity(tag)) {
+            return merge(named, child);
+        }
+    }
+    if (isEntity(child) || definition_.contentOf(tag) == nullptr) {
+        return failed(PracticeNode_describe(child) + " matches nothing in " + PracticeNode_describe(target) +
+                      (isEntity(child) ? "; use create for a new entity" : ""));
+    }
+    return childrenOf(target).insert(child, error_);
+}
+
+bool Merge::mergeChild(xmlNode* target, xmlNode* child) {
+    const std::string_view tag = PracticeNode_tag(child);
+    const std::string identity = identityOf(child);
+    const Children& children = childrenOf(target);
+    if (identity.empty() && isEntity(child) && children.hasSeveral(tag)) {
+        return mergeByNames(children, child);
+    }
+    // Of a repeated setting the last one counts.
+    xmlNode* found = identity.empty() ? children.findLast(tag) : children.find(tag, identity);
+    return found != nullptr ? merge(found, child) : mergeUnmatched(target, child);
+}
+
+// Blanks and line ends around a value do not count; a typed line leaves some.
+bool Merge::trimValues(xmlNode* node) {
+    xmlNode* child = PracticeNode_firstChild(node);
+    if (child == nullptr) {
+        return PracticeNode_setText(node, PracticeNode_text(node)) || failed("out of memory");
+    }
+    while (child != nullptr && trimValues(child)) {
+        child = PracticeNode_next(child);
+    }
+    return child == nullptr;
+}
+
+bool Merge::apply(xmlNode* entity, xmlNode* snippet) {
+    if (!trimValues(snippet)) {
+        return false;
+    }
+    const std::string_view tag = PracticeNode_tag(snippet);
+    const bool isService = PracticeEntity_level(PracticeNode_tag(entity)) == PracticeEntityLevel::SERVICE;
+    if (isService && tag == PracticeNode_tag(entity->parent)) {
+        return merge(entity->parent, snippet);
+    }
+    const std::string name = PracticeNode_name(snippet);
+    if (tag == PracticeNode_tag(entity) && (name.empty() || name == PracticeNode_name(entity))) {
+        return merge(entity, snippet);
+    }
+    const bool isInside = name.empty() ? childrenOf(entity).findLast(tag) != nullptr
+                                       : childrenOf(entity).find(tag, name) != nullptr;
+    return !isEntity(snippet) || isInside ? mergeChild(entity, snippet)
+                                          : failed(PracticeNode_describe(snippet) + " matches nothing in " +
+                                                   PracticeNode_describe(entity));
+}
+
+} // namespace
+
+bool applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop, std::string& error) {
+    const Definition* definition = Definition::ofProduct();
+    return definition != nullptr && Merge(*definition, entity->doc, stop, error).apply(entity, snippet);
+}
+
+bool mergeChild(xmlNode* target, xmlNode* child, std::string& error) {
+    const Definition* definition = Definition::ofProduct();
+    return definition != nullptr && Merge(*definition, target->doc, {}, error).mergeChild(target, child);
+}
+
+} // namespace zul::practice

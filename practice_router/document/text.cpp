@@ -1,0 +1,51 @@
+#include "practice_router/document/text.h"
+
+namespace zul::practice {
+
+namespace {
+
+constexpr std::size_t MAX_UTF8_LENGTH = 4; // bytes of one character
+
+bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+bool isBlank(char c) {
+    return static_cast<unsigned char>(c) <= ' ' || c == 0x7F;
+}
+
+} // namespace
+
+std::size_t wholeCharacters(std::string_view text, std::size_t length) {
+    if (length >= text.size()) {
+        return text.size();
+    }
+    for (std::size_t back = 0; back < MAX_UTF8_LENGTH && back <= length; ++back) {
+        if (!isContinuation(text[length - back])) {
+            return length - back;
+        }
+    }
+    return length;
+}
+
+std::string shortened(std::string_view text, std::size_t most) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size() && result.size() <= most; ++i) {
+        if (!isBlank(text[i])) {
+            result += text[i];
+        } else if (result.empty() || result.back() != ' ') {
+            result += ' ';
+        }
+    }
+    if (result.size() > most) {
+        result.resize(wholeCharacters(result, most));
+        result += "...";
+    }
+    return result;
+}
+
+std::string quoted(std::string_view text) {
+    return "\"" + shortened(text) + "\"";
+}
+
+} // namespace zul::practice

@@ -1,0 +1,300 @@
+// The parser pulls its input through a function of ours, piece by piece. There the limits are checked that
+// must hold before the library works on what they limit, and there it is stopped.
+#include "practice_router/document/xml.h"
+
+#include "practice_router/document/text.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+#include <libxml/xmlerror.h>
+#include <libxml/xmlsave.h>
+
+#include <cstdint>
+
+namespace {
+
+constexpr std::string_view SCHEMA_INSTANCE = "http://www.w3.org/2001/XMLSchema-instance";
+
+std::string_view toView(const xmlChar* text) {
+    return text != nullptr ? reinterpret_cast<const char*>(text) : "";
+}
+
+// One document being parsed; the library hands it to every event.
+struct Reading {
+    std::string_view rest;
+    const bool buildsTree;
+    const std::stop_token& stop;
+    std::string error{}; // the first; later ones mostly follow from it
+    xmlParserCtxt* parser = nullptr;
+    std::size_t nodes = 0;      // elements, comments and the like
+    std::size_t sinceEvent = 0; // bytes handed out since the library last told of something
+
+    void note(int line, std::string_view what) {
+        if (error.empty()) {
+            const std::string whole = "line " + std::to_string(line) + ": " + std::string(what);
+            error = zul::practice::shortened(whole, zul::practice::MAX_FAILURE);
+            while (error.ends_with(' ')) {
+                error.pop_back();
+            }
+        }
+    }
+    int line() const { return parser->input != nullptr ? parser->input->line : 0; }
+    void refuse(const std::string& what) {
+        note(line(), what);
+        xmlStopParser(parser);
+    }
+    void noteNodes(int count = 1) {
+        sinceEvent = 0;
+        nodes += static_cast<std::size_t>(count);
+        if (nodes > PRACTICE_XML_MAX_NODES) {
+            refuse("there are more than " + std::to_string(PRACTICE_XML_MAX_NODES) +
+                   " elements, attributes and comments; shorten the document");
+        }
+    }
+};
+
+Reading& readingOf(void* context) {
+    return *static_cast<Reading*>(static_cast<xmlParserCtxt*>(context)->_private);
+}
+
+// The library's work on a tag grows with the square of its attributes, so a tag must not be long. A comment
+// and the like may be: their cost grows with their length alone.
+bool isInTag(const xmlParserCtxt* parser) {
+    return parser->instate != XML_PARSER_COMMENT && parser->instate != XML_PARSER_PI &&
+           parser->instate != XML_PARSER_CDATA_SECTION;
+}
+
+int handOut(void* context, char* buffer, int size) {
+    auto& reading = *static_cast<Reading*>(context);
+    if (reading.stop.stop_requested()) {
+        reading.error = PRACTICE_XML_STOPPED;
+        return -1;
+    }
+    if (reading.sinceEvent > PRACTICE_XML_MAX_TAG && isInTag(reading.parser)) {
+        reading.note(reading.line(),
+                     "a tag has more than " + std::to_string(PRACTICE_XML_MAX_TAG) + " bytes; shorten it");
+        return -1;
+    }
+    const std::size_t count = reading.rest.copy(buffer, static_cast<std::size_t>(size));
+    reading.rest.remove_prefix(count);
+    reading.sinceEvent += count;
+    return static_cast<int>(count);
+}
+
+// The library's own handlers, after noting that there was an event.
+void endElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
+    Reading& reading = readingOf(context);
+    reading.sinceEvent = 0;
+    if (reading.buildsTree) {
+        xmlSAX2EndElementNs(context, name, prefix, uri);
+    }
+}
+void addCharacters(void* context, const xmlChar* text, int length) {
+    Reading& reading = readingOf(context);
+    reading.sinceEvent = 0;
+    if (reading.buildsTree) {
+        xmlSAX2Characters(context, text, length);
+    }
+}
+void addCharacterData(void* context, const xmlChar* text, int length) {
+    Reading& reading = readingOf(context);
+    reading.noteNodes();
+    if (reading.buildsTree) {
+        xmlSAX2CDataBlock(context, text, length);
+    }
+}
+void addComment(void* context, const xmlChar* text) {
+    Reading& reading = readingOf(context);
+    reading.noteNodes();
+    if (reading.buildsTree) {
+        xmlSAX2Comment(context, text);
+    }
+}
+void addInstruction(void* context, const xmlChar* target, const xmlChar* data) {
+    Reading& reading = readingOf(context);
+    reading.noteNodes();
+    if (reading.buildsTree) {
+        xmlSAX2ProcessingInstruction(context, target, data);
+    }
+}
+
+// Why an element cannot be accepted; empty when it can. Attributes come as local name, prefix, URI, begin and
+// end of the value, declarations of namespaces as prefix and URI.
+std::string refuseElement(const Reading& reading, const xmlChar* uri, int namespaceCount,
+                          const xmlChar** namespaces, int attributeCount) {
+    const int depth = reading.parser->nameNr;
+    if (depth >= PRACTICE_XML_MAX_DEPTH) {
+        return "elements stand more than " + std::to_string(PRACTICE_XML_MAX_DEPTH) +
+               " deep in each other; flatten the document";
+    }
+    if (namespaceCount + attributeCount > PRACTICE_XML_MAX_ATTRIBUTES) {
+        return "an element has more than " + std::to_string(PRACTICE_XML_MAX_ATTRIBUTES) +
+               " attributes; take some out";
+    }
+    bool declaresOthers = namespaceCount > 0 && depth > 0;
+    for (int i = 0; i < namespaceCount; ++i) {
+        declaresOthers = declaresOthers || toView(namespaces[2 * i + 1]) != SCHEMA_INSTANCE;
+    }
+    return uri != nullptr || declaresOthers
+               ? "the elements of a configuration are in no namespace; take out the xmlns attribute"
+               : "";
+}
+
+void startElement(void* context, const xmlChar* localname, const xmlChar* prefix, const xmlChar* uri,
+                  int namespaceCount, const xmlChar** namespaces, int attributeCount, int defaultedCount,
+                  const xmlChar** attributes) {
+    Reading& reading = readingOf(context);
+    reading.noteNodes(1 + attributeCount);
+    const std::string refusal = refuseElement(reading, uri, namespaceCount, namespaces, attributeCount);
+    if (!refusal.empty()) {
+        reading.refuse(refusal);
+        return;
+    }
+    if (!reading.buildsTree) {
+        return;
+    }
+    xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
+                          defaultedCount, attributes);
+    if (reading.parser->node != nullptr) {
+        // The library's own line numbers end at 65535.
+        reading.parser->node->psvi = reinterpret_cast<void*>(static_cast<std::intptr_t>(reading.line()));
+    }
+}
+
+void refuseDeclaration(void* context) {
+    readingOf(context).refuse(
+        "declarations inside <!DOCTYPE ...> are not accepted; take out the part in [ ]");
+}
+void refuseElementDeclaration(void* context, const xmlChar*, int, xmlElementContent*) {
+    refuseDeclaration(context);
+}
+void refuseAttributeDeclaration(void* context, const xmlChar*, const xmlChar*, int, int, const xmlChar*,
+                                xmlEnumeration* words) {
+    xmlFreeEnumeration(words);
+    refuseDeclaration(context);
+}
+void refuseEntity(void* context, const xmlChar*, int, const xmlChar*, const xmlChar*, xmlChar*) {
+    refuseDeclaration(context);
+}
+void refuseUnparsedEntity(void* context, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*) {
+    refuseDeclaration(context);
+}
+void refuseNotation(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+    refuseDeclaration(context);
+}
+
+// An entity that only the definition, which nobody reads, could declare is no more than a warning to the
+// library.
+void noteError(void* context, xmlError* error) {
+    if (error->level == XML_ERR_WARNING && error->code != XML_WAR_UNDECLARED_ENTITY) {
+        return;
+    }
+    readingOf(context).note(error->line, error->message != nullptr ? error->message : "unknown error");
+}
+
+void setHandlers(xmlSAXHandler& events) {
+    events.startElementNs = startElement;
+    events.endElementNs = endElement;
+    events.characters = addCharacters;
+    events.ignorableWhitespace = addCharacters;
+    events.cdataBlock = addCharacterData;
+    events.comment = addComment;
+    events.processingInstruction = addInstruction;
+    events.externalSubset = nullptr;
+    events.resolveEntity = nullptr;
+    events.elementDecl = refuseElementDeclaration;
+    events.attributeDecl = refuseAttributeDeclaration;
+    events.entityDecl = refuseEntity;
+    events.unparsedEntityDecl = refuseUnparsedEntity;
+    events.notationDecl = refuseNotation;
+    events.serror = noteError;
+}
+
+struct ParserDeleter {
+    void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+};
+
+// The document, with its tree only if that is wanted; null on failure.
+PracticeXmlDocument read(std::string_view text, bool buildsTree, const std::stop_token& stop,
+                         std::string& error, xmlDict* names) {
+    if (text.empty()) {
+        error = "the document is empty";
+        return nullptr;
+    }
+    if (text.size() > PRACTICE_XML_MAX_SIZE) {
+        error = "the document has " + std::to_string(text.size()) + " bytes; at most " +
+                std::to_string(PRACTICE_XML_MAX_SIZE) + " are accepted";
+        return nullptr;
+    }
+    const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
+    if (parser == nullptr) {
+        error = "out of memory";
+        return nullptr;
+    }
+    if (names != nullptr) {
+        xmlDictFree(parser->dict);
+        parser->dict = names;
+        xmlDictReference(names);
+    }
+    Reading reading{.rest = text, .buildsTree = buildsTree, .stop = stop, .parser = parser.get()};
+    parser->_private = &reading;
+    setHandlers(*parser->sax);
+    PracticeXmlDocument document(xmlCtxtReadIO(parser.get(), handOut, nullptr, &reading, nullptr, nullptr,
+                                               XML_PARSE_NONET | XML_PARSE_COMPACT));
+    if (document == nullptr || !reading.error.empty()) {
+        error = reading.error.empty() ? "the document cannot be read" : reading.error;
+        return nullptr;
+    }
+    return document;
+}
+
+} // namespace
+
+PracticeXmlDocument PracticeXml_parse(std::string_view text, const std::stop_token& stop, std::string& error,
+                                      xmlDict* names) {
+    return read(text, true, stop, error, names);
+}
+
+bool PracticeXml_isReadable(std::string_view text, const std::stop_token& stop, std::string& error) {
+    return read(text, false, stop, error, nullptr) != nullptr;
+}
+
+PracticeXmlDocument PracticeXml_copy(xmlDoc* document) {
+    PracticeXmlDocument copy(xmlCopyDoc(document, 0));
+    // A dictionary of its own spares the copy an allocation for each name.
+    if (copy == nullptr || (copy->dict = xmlDictCreate()) == nullptr) {
+        return nullptr;
+    }
+    copy->children = xmlDocCopyNodeList(copy.get(), document->children);
+    for (xmlNode* node = copy->children; node != nullptr; node = node->next) {
+        node->parent = reinterpret_cast<xmlNode*>(copy.get());
+        copy->last = node;
+    }
+    return xmlDocGetRootElement(copy.get()) != nullptr ? std::move(copy) : nullptr;
+}
+
+int PracticeXml_lineOf(const xmlNode* element) {
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(element->psvi));
+}
+
+bool PracticeXml_isSchemaLocation(const xmlAttr* attribute) {
+    const std::string_view name = toView(attribute->name);
+    return attribute->ns != nullptr && toView(attribute->ns->href) == SCHEMA_INSTANCE &&
+           (name == "schemaLocation" || name == "noNamespaceSchemaLocation");
+}
+
+std::string PracticeXml_write(xmlDoc* document) {
+    std::string text;
+    const auto append = [](void* context, const char* bytes, int count) {
+        static_cast<std::string*>(context)->append(bytes, static_cast<std::size_t>(count));
+        return count;
+    };
+    const int options = document->encoding == nullptr ? XML_SAVE_NO_DECL : 0;
+    xmlSaveCtxt* writer = xmlSaveToIO(append, nullptr, &text, "UTF-8", options);
+    if (writer != nullptr) {
+        xmlSaveDoc(writer, document);
+        xmlSaveClose(writer);
+    }
+    return text;
+}

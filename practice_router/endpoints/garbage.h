@@ -1,0 +1,19 @@
+// Hostile response samples: bytes as they would travel, none of which may ever be taken for an answer. The
+// sequence is the same in every run.
+#pragma once
+
+#include "practice_router/actions/request.h"
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+struct PracticeGarbage {
+    std::mt19937 random{20240229}; // any fixed seed
+    std::size_t made = 0;
+};
+
+// The next sample. Most carry the id of the request, as an answer to it would; they differ in what is wrong
+// behind it: an unknown outcome, the length or the end of the text, the encapsulation. Others are cut short
+// or plain noise.
+std::vector<std::uint8_t> PracticeGarbage_next(PracticeGarbage& self, const PracticeRequestId& id);

@@ -1,0 +1,165 @@
+#include "practice_router/endpoints/options.h"
+
+#include "middleware/dds/dds.h"
+#include "practice_router/document/entity.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <variant>
+
+namespace {
+
+constexpr std::int32_t MAX_DELAY_MILLISECONDS = 3'600'000;
+constexpr std::int32_t MAX_PARTS = 100'000;
+constexpr std::int32_t MAX_GARBAGE = 1'000'000;
+
+// Where the value of an option goes: a member of the options, or of the faults in them.
+template <class Value>
+using Target = Value& (*)(PracticeOptions&);
+template <auto Member>
+auto& option(PracticeOptions& options) {
+    return options.*Member;
+}
+template <auto Member>
+auto& fault(PracticeOptions& options) {
+    return options.faults.*Member;
+}
+
+struct Number {
+    Target<std::int32_t> target;
+    std::int32_t least;
+    std::int32_t most;
+};
+struct Text {
+    Target<std::string> target;
+    std::size_t mostCharacters;
+};
+struct Flag {
+    Target<bool> target;
+};
+
+struct Option {
+    std::string_view name;
+    std::string_view value; // what the help calls it; empty for a flag
+    std::string_view help;
+    std::variant<Number, Text, Flag> kind;
+};
+
+constexpr std::size_t MAX_PATH_LENGTH = 4095;
+
+using Options = PracticeOptions;
+using Faults = PracticeFaults;
+const Option OPTIONS[] = {
+    {"--domain", "N", "DDS domain to join, 0 to 232 (default 0)",
+     Number{option<&Options::domain>, 0, DDS_DOMAIN_ID_MAX}},
+    {"--name", "NAME", "name of this router, which requests are addressed to (default practice)",
+     Text{option<&Options::name>, PRACTICE_ENTITY_NAME_MAX}},
+    {"--federation", "", "be a federation service instead of a routing service",
+     Flag{option<&Options::isFederation>}},
+    {"--config", "FILE", "start with this document instead of the builtin default configuration",
+     Text{option<&Options::configurationFile>, MAX_PATH_LENGTH}},
+    {"--save-dir", "DIR", "directory that save writes its file to (default: the current one)",
+     Text{option<&Options::saveDirectory>, MAX_PATH_LENGTH}},
+    {"--count-only", "", "count the bytes of loads, updates and creates, and do nothing else with them",
+     Flag{option<&Options::countsOnly>}},
+    {"--delay-ms", "N", "fault: wait N milliseconds before each answer",
+     Number{fault<&Faults::delayMilliseconds>, 0, MAX_DELAY_MILLISECONDS}},
+    {"--silent", "", "fault: act on requests but never answer", Flag{fault<&Faults::isSilent>}},
+    {"--parts", "N", "fault: split every answer into N parts", Number{fault<&Faults::parts>, 1, MAX_PARTS}},
+    {"--duplicate", "", "fault: send each response twice", Flag{fault<&Faults::duplicates>}},
+    {"--wrong-invocation", "", "fault: send an answer to the request before it in front of each answer",
+     Flag{fault<&Faults::wrongInvocation>}},
+    {"--garbage", "N", "fault: send N undecodable samples in front of each answer",
+     Number{fault<&Faults::garbage>, 0, MAX_GARBAGE}},
+    {"--verbose", "", "log the requests to other routers too", Flag{option<&Options::isVerbose>}},
+    {"--help", "", "show this text and end", Flag{option<&Options::showsHelp>}},
+    {"--version", "", "show the version and end", Flag{option<&Options::showsVersion>}},
+};
+
+const Option* findOption(std::string_view name) {
+    for (const Option& each : OPTIONS) {
+        if (each.name == name) {
+            return &each;
+        }
+    }
+    return nullptr;
+}
+
+// Stores a value. Returns what it should have been; empty when it was good.
+std::string store(PracticeOptions& options, const Number& kind, std::string_view value) {
+    std::int32_t number = 0;
+    const auto [end, code] = std::from_chars(value.data(), value.data() + value.size(), number);
+    if (code != std::errc{} || end != value.data() + value.size() || number < kind.least ||
+        number > kind.most) {
+        return "an integer from " + std::to_string(kind.least) + " to " + std::to_string(kind.most);
+    }
+    kind.target(options) = number;
+    return {};
+}
+std::string store(PracticeOptions& options, const Text& kind, std::string_view value) {
+    if (value.empty() || value.size() > kind.mostCharacters) {
+        return "a text of 1 to " + std::to_string(kind.mostCharacters) + " characters";
+    }
+    kind.target(options) = value;
+    return {};
+}
+std::string store(PracticeOptions& options, const Flag& kind, std::string_view) {
+    kind.target(options) = true;
+    return {};
+}
+
+// One option with its value. `next` is the argument behind it, or null; `usesNext` is set when it is the
+// value. Returns what is wrong; empty when nothing is.
+std::string parseOne(PracticeOptions& options, std::string_view argument, const char* next, bool& usesNext) {
+    const std::size_t equals = argument.find('=');
+    const std::string name(argument.substr(0, equals));
+    const Option* found = findOption(name);
+    if (found == nullptr) {
+        return "unknown option " + name + "; --help lists the options";
+    }
+    std::string value(equals != std::string_view::npos ? argument.substr(equals + 1) : "");
+    if (found->value.empty() && equals != std::string_view::npos) {
+        return name + " takes no value; leave out \"=" + value + "\"";
+    }
+    usesNext = !found->value.empty() && equals == std::string_view::npos;
+    if (usesNext && next == nullptr) {
+        return name + " needs a value: " + name + " " + std::string(found->value);
+    }
+    if (usesNext) {
+        value = next;
+    }
+    const std::string wanted =
+        std::visit([&](const auto& kind) { return store(options, kind, value); }, found->kind);
+    return wanted.empty() ? "" : "\"" + value + "\" is no value for " + name + "; give " + wanted;
+}
+
+} // namespace
+
+bool PracticeOptions_parse(PracticeOptions& self, int count, const char* const* arguments,
+                           std::string& error) {
+    for (int i = 1; i < count; ++i) {
+        bool usesNext = false;
+        error = parseOne(self, arguments[i], i + 1 < count ? arguments[i + 1] : nullptr, usesNext);
+        if (!error.empty()) {
+            return false;
+        }
+        i += usesNext ? 1 : 0;
+    }
+    return true;
+}
+
+std::string PracticeOptions_help() {
+    constexpr std::size_t COLUMN = 24;
+    std::string text = "Usage: zul-practice-router [options]\n"
+                       "A router to try the administration shell on. It keeps a real configuration, acts on\n"
+                       "requests, answers them, and logs one line for each; it routes no data. End it with\n"
+                       "SIGINT (Ctrl-C) or SIGTERM.\n\n";
+    for (const Option& each : OPTIONS) {
+        std::string line = "  ";
+        line.append(each.name).append(" ").append(each.value);
+        line.resize(std::max(line.size() + 1, COLUMN), ' ');
+        text.append(line).append(each.help).append("\n");
+    }
+    return text;
+}

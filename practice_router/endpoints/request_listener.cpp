@@ -1,0 +1,84 @@
+#include "practice_router/endpoints/request_listener.h"
+
+#include "admin_types/type_support.h"
+
+#include <algorithm>
+
+namespace {
+
+using Request = ZUL_RoutingService_Administration_CommandRequest;
+
+// What each kind of command names and carries stands in the branch of the union that the kind selects.
+PracticeRequest copyOf(const Request& sample, const DDS_SampleInfo& info) {
+    PracticeRequest request{.id = {sample.id.host, sample.id.app, sample.id.invocation},
+                            .target = sample.target_router,
+                            .kind = sample.command._d,
+                            .entity = {},
+                            .content = {},
+                            .peers = {}};
+    std::copy_n(static_cast<const std::uint8_t*>(info.publication_handle.value), request.writer.size(),
+                request.writer.begin());
+    const auto& branches = sample.command._u;
+    switch (request.kind) {
+    case ZUL_ROUTING_SERVICE_COMMAND_LOAD:
+    case ZUL_ROUTING_SERVICE_COMMAND_INSERT:
+    case ZUL_ROUTING_SERVICE_COMMAND_UPDATE:
+    case ZUL_ROUTING_SERVICE_COMMAND_CREATE:
+        request.entity = branches.entity_desc.name;
+        request.isFinal = branches.entity_desc.xml_url.is_final != 0;
+        request.content = branches.entity_desc.xml_url.content;
+        break;
+    case ZUL_ROUTING_SERVICE_COMMAND_PAUSE:
+    case ZUL_ROUTING_SERVICE_COMMAND_RESUME:
+    case ZUL_ROUTING_SERVICE_COMMAND_ENABLE:
+    case ZUL_ROUTING_SERVICE_COMMAND_DISABLE:
+    case ZUL_ROUTING_SERVICE_COMMAND_DELETE:
+        request.entity = branches.entity_name;
+        break;
+    case ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER: {
+        const auto& peers = branches.peer_desc;
+        request.entity = peers.domain_route_name;
+        request.isFirstParticipant = peers.is_first_participant != 0;
+        for (DDS_Long i = 0; i < peers.peer_list.length; ++i) {
+            const char* peer = ZULSequence::at(peers.peer_list, i);
+            request.peers.emplace_back(peer != nullptr ? peer : "");
+        }
+        break;
+    }
+    default: // the other kinds carry nothing
+        break;
+    }
+    return request;
+}
+
+void queueRequests(void* listenerData, DDS_DataReader* reader) {
+    auto& queue = *static_cast<PracticeRequestQueue*>(listenerData);
+    auto* typed = ZUL_RoutingService_Administration_CommandRequestDataReader_narrow(reader);
+    ZUL_RoutingService_Administration_CommandRequestSeq samples{};
+    DDS_SampleInfoSeq infos{};
+    if (typed != nullptr && ZUL_RoutingService_Administration_CommandRequestDataReader_take(
+                                typed, &samples, &infos, DDS_LENGTH_UNLIMITED, DDS_ANY_SAMPLE_STATE,
+                                DDS_ANY_VIEW_STATE, DDS_ANY_INSTANCE_STATE) == DDS_RETCODE_OK) {
+        const DDS_Long count = ZUL_RoutingService_Administration_CommandRequestSeq_get_length(&samples);
+        for (DDS_Long i = 0; i < count; ++i) {
+            const DDS_SampleInfo& info = ZULSequence::at(infos, i);
+            if (info.valid_data != 0) {
+                PracticeRequestQueue_push(
+                    queue,
+                    copyOf(*ZUL_RoutingService_Administration_CommandRequestSeq_get_reference(&samples, i),
+                           info));
+            }
+        }
+        ZUL_RoutingService_Administration_CommandRequestDataReader_return_loan(typed, &samples, &infos);
+    }
+    ZULSequence::finalize(&infos, __func__);
+}
+
+} // namespace
+
+DDS_DataReaderListener PracticeRequestListener_make(PracticeRequestQueue& queue) {
+    DDS_DataReaderListener listener{};
+    listener.listener_data = &queue;
+    listener.on_data_available = queueRequests;
+    return listener;
+}
