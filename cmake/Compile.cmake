@@ -11,8 +11,8 @@ function(zul_settings target)
     target_link_options(${target} PRIVATE ${ZUL_SANITIZER_FLAGS})
 endfunction()
 
-# Gives a target the one folder it stands for, by a folder of links in the build tree: whoever links the target can
-# include "<folder>/...", and nothing that stands beside it.
+# Gives a target an include path of its own, a folder of links in the build tree with the target's folder and nothing else:
+# whoever links the target can include "<folder>/...".
 function(zul_include_root target scope folder)
     set(root ${PROJECT_BINARY_DIR}/include/${target})
     get_filename_component(parent ${root}/${folder} DIRECTORY)

@@ -1,9 +1,9 @@
 // The DDS entities as far as this system calls them, under the standard's C names (OMG DDS 1.4, 2.2.2).
 // Implemented by `fastdds/`; tests link an implementation of their own that records and fails calls.
 //
-// Entities belong to whoever created them and go with their factory. A participant is created disabled and
-// starts to take part in its domain with DDS_Entity_enable, so that everything it contains exists before the
-// first sample can arrive. Creation and deletion run on one thread; writing and reading may run on any.
+// Entities belong to whoever created them and go with their factory. A participant is seen by others once it
+// is created; what it contains starts with DDS_Entity_enable, so that all of it exists before the first
+// sample can arrive. Creation and deletion run on one thread; writing and reading may run on any.
 #pragma once
 
 #include "middleware/base/basic_types.h"
@@ -87,7 +87,7 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(DDS_DomainParti
 
 // ---- participant ----
 DDS_Entity* DDS_DomainParticipant_as_entity(DDS_DomainParticipant* self);
-// Starts the participant; again is harmless.
+// Starts what the participant contains; again is harmless.
 DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self);
 DDS_ReturnCode_t DDS_DomainParticipant_get_default_datareader_qos(DDS_DomainParticipant* self,
                                                                   DDS_DataReaderQos* qos);

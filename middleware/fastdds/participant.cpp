@@ -16,7 +16,7 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
     auto* participant =
-        static_cast<DDS_DomainParticipant*>(self); // the only entities that can be had as such
+        static_cast<DDS_DomainParticipant*>(self); // nothing else is handed out as a DDS_Entity
     return zul::createInLibrary(__func__, DDS_RETCODE_ERROR, [participant] {
         for (const auto& publisher : participant->publishers) {
             publisher->publisher->enable();
@@ -25,7 +25,7 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self) {
             subscriber->subscriber->enable();
         }
         participant->enabled = true;
-        // The library does not say so when an endpoint could not be started.
+        // The library does not report an endpoint that could not be started.
         const auto isEnabled = [](const auto& endpoint) {
             return endpoint->isEnabled();
         };

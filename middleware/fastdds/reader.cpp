@@ -23,9 +23,9 @@ void DDS_DataReader::note(DDS_StatusMask status) {
     }
 }
 // A full reader refuses samples, and a reliable writer sends them again when the reader asks. Inside a
-// process the library hands samples over directly, and there no reader asks: the sample is lost, and since
-// nothing after the gap is delivered, the reader is silent for good. Its limit is therefore a limit on what
-// such a writer may send between two takes.
+// process the library hands samples over directly, and there no reader asks: the sample is lost, nothing
+// after the gap is delivered, and the reader stays silent. So its limit is also a limit on what such a writer
+// may send between two takes.
 void DDS_DataReader::tellOfLoss() {
     using eprosima::fastrtps::xmlparser::XMLProfileManager;
     const rtps::GUID_t own = reader->guid();
@@ -79,7 +79,7 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
     return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DataReader* {
         auto reader = std::make_unique<DDS_DataReader>();
         reader->adapter = topic->adapter;
-        // What a full reader means for a writer in the same process is told at tellOfLoss.
+        // What a full reader means for a writer in the same process is at tellOfLoss.
         reader->maxSamples = qos->resource_limits.max_samples > 0 ? qos->resource_limits.max_samples
                                                                   : DEFAULT_MAX_SAMPLES_PER_READ;
         if (listener != nullptr) {

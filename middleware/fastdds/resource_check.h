@@ -1,5 +1,5 @@
-// Resource check: whether there is enough of what the library does not survive running out of. Without
-// threads it ends the process from its own clean-up, and without descriptors it starts deaf.
+// Resource check: the library does not survive running out of threads (it ends the process) or of descriptors
+// (it starts, and hears nothing). So both are counted first.
 #pragma once
 
 namespace zul {

@@ -1,4 +1,4 @@
-// Data writer.
+// Data writer: a write waits for room in slices, within its blocking time; matches are counted as they come.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"
