@@ -20,7 +20,7 @@ struct Command {
     const char* nameTooLong = "entityName too long"; // the reason given for that
 };
 
-// A name of 255 characters is refused though the wire allows it.
+// The longest name of a router, and of some entities.
 constexpr std::size_t SHORTER_NAME = ENTITY_NAME_BOUND - 1; // oddity 5
 
 // clang-format off
