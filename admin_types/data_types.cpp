@@ -1,8 +1,10 @@
+// The named operations of data_types.h, derived from the descriptions: family/data_type.inc for every type.
 #include "admin_types/data_types.h"
 
-#include "admin_types/derive/define_data_type.h"
 #include "admin_types/descriptions.h"
+#include "middleware/idl/data_operations.h"
+#include "middleware/idl/type_code_of.h"
 
-ZUL_DEFINE_DATA_TYPE(ZUL_RoutingService_Administration_EntityName, admin::EntityName<admin::RoutingModule>)
-ZUL_DEFINE_MODULE(ZUL_RoutingService_Administration_)
-ZUL_DEFINE_MODULE(ZUL_FederationService_Administration_)
+#define ZUL_TEMPLATE "admin_types/family/data_type.inc"
+#include "admin_types/family/federation_types.inc"
+#include "admin_types/family/routing_types.inc"

@@ -2,145 +2,171 @@
 // written down.
 #pragma once
 
-#include "admin_types/derive/idl_types.h"
 #include "admin_types/records.h"
+#include "middleware/idl/types.h"
 
 namespace admin {
 
+// Only the routing module names entity names by a typedef.
+template <class ModuleOfAlias>
+struct EntityNameAlias {
+    using Module = ModuleOfAlias;
+    static constexpr const char* name = "EntityName";
+};
 template <class Module>
-using EntityName = EntityNameOf<Module, ENTITY_NAME_BOUND>;
-using XmlContent = String<XML_CONTENT_BOUND>;
-using PeerList = StringSequence<PEER_LIST_BOUND, ENTITY_NAME_BOUND>;
+using EntityName = std::conditional_t<Module::declaresEntityName,
+                                      zul::idl::StringAlias<EntityNameAlias<Module>, ENTITY_NAME_BOUND>,
+                                      zul::idl::String<ENTITY_NAME_BOUND>>;
+using XmlContent = zul::idl::String<XML_CONTENT_BOUND>;
+using PeerList = zul::idl::StringSequence<PEER_LIST_BOUND, ENTITY_NAME_BOUND>;
 
-#define X(name, value) Enumerator{#name, value},
+#define X(name, value) zul::idl::Enumerator{#name, value},
 template <class ModuleOfKind>
 struct CommandKindDescription {
     using Module = ModuleOfKind;
     static constexpr const char* name = "CommandKind";
     static constexpr const char* enumeratorInfix = "";
-    static constexpr Enumerator enumerators[] = {ZUL_ADMINISTRATION_COMMAND_KINDS(X)};
+    static constexpr zul::idl::Enumerator enumerators[] = {ZUL_ADMINISTRATION_COMMAND_KINDS(X)};
 };
 template <class ModuleOfKind>
 struct CommandResponseKindDescription {
     using Module = ModuleOfKind;
     static constexpr const char* name = "CommandResponseKind";
     static constexpr const char* enumeratorInfix = "RESPONSE_";
-    static constexpr Enumerator enumerators[] = {ZUL_ADMINISTRATION_RESPONSE_KINDS(X)};
+    static constexpr zul::idl::Enumerator enumerators[] = {ZUL_ADMINISTRATION_RESPONSE_KINDS(X)};
 };
 #undef X
+
+// The one member that the modules name differently.
+template <class Module>
+inline constexpr auto targetMember =
+    zul::idl::Member<EntityName<Module>, &CommandRequestRecord<Module>::target_router>{1, "target_router"};
 template <>
-struct Description<RoutingModule::CommandKind> : CommandKindDescription<RoutingModule> {};
+inline constexpr auto targetMember<FederationModule> =
+    zul::idl::Member<EntityName<FederationModule>, &CommandRequestRecord<FederationModule>::target_service>{
+        1, "target_service"};
+
+} // namespace admin
+
 template <>
-struct Description<FederationModule::CommandKind> : CommandKindDescription<FederationModule> {};
+struct zul::idl::Description<admin::RoutingModule::CommandKind>
+    : admin::CommandKindDescription<admin::RoutingModule> {};
 template <>
-struct Description<RoutingModule::CommandResponseKind> : CommandResponseKindDescription<RoutingModule> {};
+struct zul::idl::Description<admin::FederationModule::CommandKind>
+    : admin::CommandKindDescription<admin::FederationModule> {};
 template <>
-struct Description<FederationModule::CommandResponseKind> : CommandResponseKindDescription<FederationModule> {
-};
+struct zul::idl::Description<admin::RoutingModule::CommandResponseKind>
+    : admin::CommandResponseKindDescription<admin::RoutingModule> {};
+template <>
+struct zul::idl::Description<admin::FederationModule::CommandResponseKind>
+    : admin::CommandResponseKindDescription<admin::FederationModule> {};
 
 template <class ModuleOfRecord>
-struct Description<XmlUrlRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::XmlUrlRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = XmlUrlRecord<Module>;
+    using Record = admin::XmlUrlRecord<Module>;
     static constexpr const char* name = "XmlUrl";
     static constexpr WireForm form = WireForm::EXTENSIBLE;
     static constexpr auto members = std::tuple{
-        Member<Boolean, &Record::is_final>{"is_final"},
-        Member<XmlContent, &Record::content>{"content"},
+        Member<Boolean, &Record::is_final>{0, "is_final"},
+        Member<admin::XmlContent, &Record::content>{1, "content"},
     };
 };
 
 template <class ModuleOfRecord>
-struct Description<EntityDescriptionRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::EntityDescriptionRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = EntityDescriptionRecord<Module>;
+    using Record = admin::EntityDescriptionRecord<Module>;
     static constexpr const char* name = "EntityDescription";
     static constexpr WireForm form = WireForm::EXTENSIBLE;
     static constexpr auto members = std::tuple{
-        Member<EntityName<Module>, &Record::name>{"name"},
-        Member<Struct<XmlUrlRecord<Module>>, &Record::xml_url>{"xml_url"},
+        Member<admin::EntityName<Module>, &Record::name>{0, "name"},
+        Member<Struct<admin::XmlUrlRecord<Module>>, &Record::xml_url>{1, "xml_url"},
     };
 };
 
 template <class ModuleOfRecord>
-struct Description<PeerUpdateDescriptionRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::PeerUpdateDescriptionRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = PeerUpdateDescriptionRecord<Module>;
+    using Record = admin::PeerUpdateDescriptionRecord<Module>;
     static constexpr const char* name = "PeerUpdateDescription";
     static constexpr WireForm form = WireForm::EXTENSIBLE;
     static constexpr auto members = std::tuple{
-        Member<EntityName<Module>, &Record::domain_route_name>{"domain_route_name"},
-        Member<Boolean, &Record::is_first_participant>{"is_first_participant"},
-        Member<PeerList, &Record::peer_list>{"peer_list"},
+        Member<admin::EntityName<Module>, &Record::domain_route_name>{0, "domain_route_name"},
+        Member<Boolean, &Record::is_first_participant>{1, "is_first_participant"},
+        Member<admin::PeerList, &Record::peer_list>{2, "peer_list"},
     };
 };
 
 template <class ModuleOfRecord>
-struct Description<CommandRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::CommandRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = CommandRecord<Module>;
+    using Record = admin::CommandRecord<Module>;
     using Discriminator = Enum<typename Module::CommandKind>;
     using Branches = decltype(Record::_u);
     static constexpr const char* name = "Command";
     static constexpr WireForm form = WireForm::MUTABLE;
-    static constexpr DDS_Long defaultDiscriminator = 1; // LOAD
-    // UNLOAD carries the dummy and no entity name, deliberately: routers decode by the same table.
-    static constexpr auto branches = std::tuple{
-        Branch<Struct<EntityDescriptionRecord<Module>>, &Record::_u, &Branches::entity_desc>{
-            {"entity_desc"}, 1, {1, 3, 4, 10}},
-        Branch<Long, &Record::_u, &Branches::dummy>{{"dummy"}, 2, {9, 2, 12, 13}, true},
-        Branch<EntityName<Module>, &Record::_u, &Branches::entity_name>{{"entity_name"}, 3, {5, 6, 7, 8, 11}},
-        Branch<Struct<PeerUpdateDescriptionRecord<Module>>, &Record::_u, &Branches::peer_desc>{
-            {"peer_desc"}, 4, {14}},
+    static constexpr DDS_Long defaultDiscriminator = ZUL_ROUTING_SERVICE_COMMAND_LOAD;
+    // Both modules number their commands alike. UNLOAD carries the dummy and no entity name: routers decode
+    // by the same table.
+    // clang-format off
+    static constexpr auto members = std::tuple{
+        Branch<Struct<admin::EntityDescriptionRecord<Module>>, &Record::_u, &Branches::entity_desc>{
+            {1, "entity_desc"},
+            {ZUL_ROUTING_SERVICE_COMMAND_LOAD, ZUL_ROUTING_SERVICE_COMMAND_INSERT,
+             ZUL_ROUTING_SERVICE_COMMAND_UPDATE, ZUL_ROUTING_SERVICE_COMMAND_CREATE}},
+        Branch<Long, &Record::_u, &Branches::dummy>{
+            {2, "dummy"},
+            {ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,
+             ZUL_ROUTING_SERVICE_COMMAND_SAVE, ZUL_ROUTING_SERVICE_COMMAND_GET}, true},
+        Branch<admin::EntityName<Module>, &Record::_u, &Branches::entity_name>{
+            {3, "entity_name"},
+            {ZUL_ROUTING_SERVICE_COMMAND_PAUSE, ZUL_ROUTING_SERVICE_COMMAND_RESUME,
+             ZUL_ROUTING_SERVICE_COMMAND_ENABLE, ZUL_ROUTING_SERVICE_COMMAND_DISABLE,
+             ZUL_ROUTING_SERVICE_COMMAND_DELETE}},
+        Branch<Struct<admin::PeerUpdateDescriptionRecord<Module>>, &Record::_u, &Branches::peer_desc>{
+            {4, "peer_desc"},
+            {ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER}},
     };
+    // clang-format on
 };
 
 template <class ModuleOfRecord>
-struct Description<CommandIdRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::CommandIdRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = CommandIdRecord<Module>;
+    using Record = admin::CommandIdRecord<Module>;
     static constexpr const char* name = "CommandId";
     static constexpr WireForm form = WireForm::FINAL;
     static constexpr auto members = std::tuple{
-        Member<Long, &Record::host>{"host"},
-        Member<Long, &Record::app>{"app"},
-        Member<Long, &Record::invocation>{"invocation"},
+        Member<Long, &Record::host>{0, "host"},
+        Member<Long, &Record::app>{1, "app"},
+        Member<Long, &Record::invocation>{2, "invocation"},
     };
 };
 
-template <class Module>
-inline constexpr auto targetMember =
-    Member<EntityName<Module>, &CommandRequestRecord<Module>::target_router>{"target_router"};
-template <>
-inline constexpr auto targetMember<FederationModule> =
-    Member<EntityName<FederationModule>, &CommandRequestRecord<FederationModule>::target_service>{
-        "target_service"};
-
 template <class ModuleOfRecord>
-struct Description<CommandRequestRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::CommandRequestRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = CommandRequestRecord<Module>;
+    using Record = admin::CommandRequestRecord<Module>;
     static constexpr const char* name = "CommandRequest";
     static constexpr WireForm form = WireForm::MUTABLE;
     static constexpr auto members = std::tuple{
-        Member<Struct<CommandIdRecord<Module>>, &Record::id>{"id"},
-        targetMember<Module>,
-        Member<Union<CommandRecord<Module>>, &Record::command>{"command"},
+        Member<Struct<admin::CommandIdRecord<Module>>, &Record::id>{0, "id"},
+        admin::targetMember<Module>,
+        Member<Union<admin::CommandRecord<Module>>, &Record::command>{2, "command"},
     };
 };
 
 template <class ModuleOfRecord>
-struct Description<CommandResponseRecord<ModuleOfRecord>> {
+struct zul::idl::Description<admin::CommandResponseRecord<ModuleOfRecord>> {
     using Module = ModuleOfRecord;
-    using Record = CommandResponseRecord<Module>;
+    using Record = admin::CommandResponseRecord<Module>;
     static constexpr const char* name = "CommandResponse";
     static constexpr WireForm form = WireForm::EXTENSIBLE;
     static constexpr auto members = std::tuple{
-        Member<Struct<CommandIdRecord<Module>>, &Record::id>{"id"},
-        Member<Enum<typename Module::CommandResponseKind>, &Record::kind>{"kind"},
-        Member<XmlContent, &Record::message>{"message"},
-        Member<Boolean, &Record::is_final>{"is_final"},
+        Member<Struct<admin::CommandIdRecord<Module>>, &Record::id>{0, "id"},
+        Member<Enum<typename Module::CommandResponseKind>, &Record::kind>{1, "kind"},
+        Member<admin::XmlContent, &Record::message>{2, "message"},
+        Member<Boolean, &Record::is_final>{3, "is_final"},
     };
 };
-
-} // namespace admin

@@ -74,17 +74,27 @@ struct CommandResponseRecord {
 
 using ZUL_RoutingService_Administration_EntityName = char*;
 
-#define ZUL_ADMINISTRATION_RECORD_NAMES(prefix, Module)                                                      \
-    using prefix##XmlUrl = admin::XmlUrlRecord<Module>;                                                      \
-    using prefix##EntityDescription = admin::EntityDescriptionRecord<Module>;                                \
-    using prefix##PeerUpdateDescription = admin::PeerUpdateDescriptionRecord<Module>;                        \
-    using prefix##Command = admin::CommandRecord<Module>;                                                    \
-    using prefix##CommandId = admin::CommandIdRecord<Module>;                                                \
-    using prefix##CommandRequest = admin::CommandRequestRecord<Module>;                                      \
-    using prefix##CommandResponse = admin::CommandResponseRecord<Module>;
-ZUL_ADMINISTRATION_RECORD_NAMES(ZUL_RoutingService_Administration_, admin::RoutingModule)
-ZUL_ADMINISTRATION_RECORD_NAMES(ZUL_FederationService_Administration_, admin::FederationModule)
-#undef ZUL_ADMINISTRATION_RECORD_NAMES
+using ZUL_RoutingService_Administration_XmlUrl = admin::XmlUrlRecord<admin::RoutingModule>;
+using ZUL_RoutingService_Administration_EntityDescription =
+    admin::EntityDescriptionRecord<admin::RoutingModule>;
+using ZUL_RoutingService_Administration_PeerUpdateDescription =
+    admin::PeerUpdateDescriptionRecord<admin::RoutingModule>;
+using ZUL_RoutingService_Administration_Command = admin::CommandRecord<admin::RoutingModule>;
+using ZUL_RoutingService_Administration_CommandId = admin::CommandIdRecord<admin::RoutingModule>;
+using ZUL_RoutingService_Administration_CommandRequest = admin::CommandRequestRecord<admin::RoutingModule>;
+using ZUL_RoutingService_Administration_CommandResponse = admin::CommandResponseRecord<admin::RoutingModule>;
+
+using ZUL_FederationService_Administration_XmlUrl = admin::XmlUrlRecord<admin::FederationModule>;
+using ZUL_FederationService_Administration_EntityDescription =
+    admin::EntityDescriptionRecord<admin::FederationModule>;
+using ZUL_FederationService_Administration_PeerUpdateDescription =
+    admin::PeerUpdateDescriptionRecord<admin::FederationModule>;
+using ZUL_FederationService_Administration_Command = admin::CommandRecord<admin::FederationModule>;
+using ZUL_FederationService_Administration_CommandId = admin::CommandIdRecord<admin::FederationModule>;
+using ZUL_FederationService_Administration_CommandRequest =
+    admin::CommandRequestRecord<admin::FederationModule>;
+using ZUL_FederationService_Administration_CommandResponse =
+    admin::CommandResponseRecord<admin::FederationModule>;
 
 static_assert(sizeof(ZUL_RoutingService_Administration_CommandRequest) ==
               sizeof(ZUL_FederationService_Administration_CommandRequest));

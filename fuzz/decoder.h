@@ -1,8 +1,8 @@
 // Fuzzing of a decoder: what it accepts goes out again, and comes back as the same bytes.
 #pragma once
 
-#include "admin_types/derive/plugin.h"
 #include "admin_types/descriptions.h"
+#include "middleware/idl/plugin_operations.h"
 
 #include <cstdlib>
 #include <memory>
@@ -25,13 +25,13 @@ public:
         ZULCdrInput again{.data = once.data(), .size = once.size()};
         require(Plugin::deserialize(*second_, again, true, true) && again.position == once.size());
         require(encode(*second_, id) == once);
-        require(admin::copy(admin::Struct<Record>{}, *first_, *second_));
+        require(zul::idl::copy(zul::idl::Struct<Record>{}, *first_, *second_));
         require(encode(*first_, id) == once);
         return 0;
     }
 
 private:
-    using Plugin = admin::PluginOperations<admin::Struct<Record>>;
+    using Plugin = zul::idl::PluginOperations<zul::idl::Struct<Record>>;
     struct Destroy {
         void operator()(Record* record) const { Plugin::destroyData(record); }
     };
@@ -44,7 +44,8 @@ private:
     }
     static std::vector<std::uint8_t> encode(const Record& record, std::uint16_t id) {
         std::vector<std::uint8_t> bytes(Plugin::exactSize(nullptr, true, id, 0, record));
-        require(bytes.size() <= admin::boundOf<admin::Bound::MAXIMUM>(admin::Struct<Record>{}, true, id, 0));
+        require(bytes.size() <=
+                zul::idl::boundOf<zul::idl::Bound::MAXIMUM>(zul::idl::Struct<Record>{}, true, id, 0));
         ZULCdrOutput stream{.data = bytes.data(), .capacity = bytes.size()};
         require(Plugin::serializeSample(nullptr, record, stream, true, id, true) &&
                 stream.position == bytes.size());

@@ -18,7 +18,7 @@ extern std::atomic<std::uint32_t> ROUTERLog_g_instrumentationMask; // initially 
 void ROUTERLog_setBitmaps(std::uint32_t submoduleMask, std::uint32_t instrumentationMask);
 void ROUTERLog_getBitmaps(std::uint32_t* submoduleMask, std::uint32_t* instrumentationMask);
 // Sets the instrumentation mask to 0 for a negative verbosity, else to the low verbosity + 1 bits. The shift
-// is taken modulo 32: verbosity 31 yields 0, deliberately.
+// is taken modulo 32, so verbosity 31 yields 0: oddity 33.
 void ROUTERLog_setVerbosity(std::uint32_t submoduleMask, std::int32_t verbosity);
 
 inline bool ROUTERLog_isEnabled(ZULLogLevel level, std::uint32_t submodule) {

@@ -1,3 +1,4 @@
+// The two rows of the product table. A row's type and topic names follow from two spellings of its service.
 #include "product/product_info.h"
 
 #include "product/default_configuration.h"

@@ -1,6 +1,5 @@
 // The product variants: one record of names per variant, shared by the shell and the service programs, and
-// the process-wide product id that selects it. The id is set once, first thing at start; everything else only
-// reads.
+// the process-wide product id that selects it. The id is set once, first thing at start; all else only reads.
 #pragma once
 
 #include <cstdint>
@@ -30,8 +29,7 @@ struct ROUTERProductInfo {
     const char* administrationRequestTopicName;
     const char* administrationResponseTypeName;
     const char* administrationResponseTopicName;
-    // Route status, domain route status, auto route status, service status, session status; then the data of
-    // each.
+    // Route, domain route, auto route, service and session status; then the data of each.
     ROUTERMonitoringNames monitoring[10];
 };
 

@@ -7,7 +7,7 @@ void ROUTERUtils_calculateGUID(ROUTERUtilsGuid* guid, std::uint32_t host, std::u
     *guid = {htonl(host), htonl(application), htonl(instance), htonl(object)};
 }
 
-// The words are in network byte order already and are converted all the same, deliberately.
+// oddity 29: the words are in network byte order already.
 void ROUTERUtils_guidToBuiltinTopicKey(ROUTERUtilsBuiltinTopicKey* key, const ROUTERUtilsGuid* guid) {
     *key = {{htonl(guid->host), htonl(guid->application), htonl(guid->instance), htonl(guid->object)}};
 }

@@ -1,3 +1,4 @@
+// A qualified name is cut by counting colons: a part begins after one pair and ends before the next.
 #include "utils/naming.h"
 
 #include "product/log_masks.h"
@@ -15,7 +16,7 @@ char* ROUTERUtils_makeNameI(const char* serviceName, const char* qualifiedEntity
     }
     const int lastColon = 2 * level + 3;
     const char* start = nullptr;
-    // The first character counts as a colon whatever it is, deliberately.
+    // oddity 28: the first character counts as a colon, whatever it is.
     int colons = 1;
     const char* end = qualifiedEntityName + 1;
     for (; *end != '\0'; ++end) {

@@ -12,5 +12,5 @@ char* ROUTERUtils_makeSessionName(const char* serviceName, const char* qualified
 // What both are made of: level 1 for the domain route, 2 for the session.
 char* ROUTERUtils_makeNameI(const char* serviceName, const char* qualifiedEntityName, int level);
 
-// The text behind a leading "::", or the whole name: a part of `name`. Null for null.
+// The text after a leading "::", or the whole name: a part of `name`. Null for null.
 const char* ROUTERUtils_removeScopeChars(const char* name);

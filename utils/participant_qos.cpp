@@ -1,3 +1,4 @@
+// A new name or property replaces an old one only when its memory is there.
 #include "utils/participant_qos.h"
 
 #include "middleware/base/strings.h"
@@ -25,7 +26,7 @@ bool ROUTERUtils_setParticipantName(DDS_DomainParticipantQos* qos, const char* n
     }
     char* copy = DDS_String_dup(text.c_str());
     if (copy == nullptr) {
-        // The context is another module's name, deliberately.
+        // oddity 10
         ROUTERLog_error(ROUTER_SUBMODULE_UTILS, "ROUTERCfgFileDomainRoute_setParticipantName",
                         ZUL_LOG_OUT_OF_HEAP_STRING_d, length <= PARTICIPANT_NAME_MAX ? length : text.size());
         return false;
@@ -41,6 +42,7 @@ bool ROUTERUtils_setServiceVersion(DDS_DomainParticipantQos* qos) {
     ZULProductVersion_toString(version, text);
     if (DDS_PropertyQosPolicyHelper_assert_property(&qos->property, "zul.service.version", text, 1) !=
         DDS_RETCODE_OK) {
+        // oddity 34
         ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_ADD_FAILURE_s,
                         "zul.service.versionproperty");
         return false;

@@ -1,3 +1,4 @@
+// Strings are measured by their text, not by their room: "long enough" is what the text says.
 #include "utils/strings.h"
 
 #include "product/log_masks.h"

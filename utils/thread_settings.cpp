@@ -1,3 +1,5 @@
+// The text is copied into a buffer of fixed size and cut at each "|" there. A keyword's three spellings
+// differ only in what comes before it.
 #include "utils/thread_settings.h"
 
 #include "middleware/base/strings.h"
@@ -10,7 +12,7 @@
 
 namespace {
 
-// The bare spelling of a keyword, and what comes before it behind "THREAD_SETTINGS_" in the full ones.
+// The bare spelling of a keyword; the full ones have "THREAD_SETTINGS_" and the infix before it.
 struct Keyword {
     std::string_view bare;
     std::string_view infix;

@@ -12,8 +12,7 @@ constexpr std::uint32_t DDS_THREAD_SETTINGS_PRIORITY_ENFORCE = 16;
 
 constexpr std::size_t ROUTER_THREAD_SETTINGS_TEXT_MAX = 1023; // characters of a mask's text
 
-// Ends `text` at its first "|" and returns the text after it; null, with `text` as it was, when there is
-// none.
+// Ends `text` at its first "|" and returns the text after it. Without one, null, and `text` is as it was.
 char* ROUTERUtils_separateFirstElementFromMask(char* text);
 
 // The bits that the text names; 0 for one of blanks only. Each keyword may be written bare, or in full, with

@@ -1,3 +1,4 @@
+// Checks come before changes, and a child keeps its node of the set, so that going back needs no memory.
 #include "utils/xml_tree.h"
 
 #include "product/log_masks.h"
@@ -8,7 +9,7 @@ std::atomic<std::int32_t> ROUTERUtils_g_uniqueNameSuffix{0};
 
 namespace {
 
-// The context of these messages is the reader's operation, deliberately.
+// oddity 30
 constexpr const char* ADD_CONTEXT = "ZULXMLObject_addChild";
 
 bool refuse(const char* context, const ZULLogTemplate& message, const char* argument) {
@@ -16,7 +17,7 @@ bool refuse(const char* context, const ZULLogTemplate& message, const char* argu
     return false;
 }
 
-// Whether `object` is `ancestor` or stands below it.
+// Whether `object` is `ancestor` or anywhere below it.
 bool isWithin(const ZULXMLObject* object, const ZULXMLObject* ancestor) {
     while (object != nullptr && object != ancestor) {
         object = object->parent;
@@ -24,9 +25,9 @@ bool isWithin(const ZULXMLObject* object, const ZULXMLObject* ancestor) {
     return object != nullptr;
 }
 
-// Before `next`, or as the last one for null; `node` as for the reader's operation. The name comes first: a
-// child that is there already is told as such. What else stands in a list, or has the parent in it, would tie
-// the tree to a knot.
+// Adds the child before `next` (null: at the end), with `node` as ZULXMLObject_insertChild takes it. The name
+// is checked first: one that is taken has a message of its own. A child that is in another list, or above the
+// parent, would tie the tree into a knot.
 bool addBefore(ZULXMLObject* parent, ZULXMLObject* child, ZULXMLObject* next, ZULOrderedSetNode* node) {
     if (ZULOrderedSet_find(&parent->childSet, child->fullName) != nullptr) {
         if (ROUTERLog_isEnabled(ZUL_LOG_LEVEL_ERROR, ROUTER_SUBMODULE_UTILS)) {

@@ -9,15 +9,14 @@
 // Names default objects; counts up by one a name.
 extern std::atomic<std::int32_t> ROUTERUtils_g_uniqueNameSuffix; // initially 0
 
-// Adds `child`, made for this parent, as the last one; the parent owns it then. Fails when a child of its
-// full name is there, when `child` has a parent's list or the parent itself stands in it, or when memory is
-// exhausted.
+// Adds `child`, made for this parent, as the last one; the parent owns it then. Fails when a child has its
+// full name already, when `child` is in a list or above the parent, or when memory is exhausted.
 bool ROUTERUtils_addChildXMLObject(ZULXMLObject* parent, ZULXMLObject* child);
 // Takes `child` out; the caller owns it then. Fails when it is not a child of `parent`.
 bool ROUTERUtils_removeChildXmlObject(ZULXMLObject* parent, ZULXMLObject* child);
 // Moves `child` with all below it from one parent to the end of another, where it takes over the document
-// context and its full names change. When that fails, as it does where `to` stands in `child`, all is as
-// before, the place among its siblings included.
+// context and its full names change. When that fails, as it does when `to` is inside `child`, all is as
+// before, its place among its siblings included.
 bool ROUTERUtils_moveChildXmlObject(ZULXMLObject* child, ZULXMLObject* from, ZULXMLObject* to);
 // Takes the object out of its parent and frees it with all below it. Fails for one without a parent.
 bool ROUTERUtils_deleteXMLObject(ZULXMLParser* parser, ZULXMLObject* object);

@@ -2,8 +2,8 @@
 // files only.
 #pragma once
 
-#include "admin_types/derive/plugin.h"
 #include "middleware/dds/dds.h"
+#include "middleware/idl/plugin_operations.h"
 
 namespace admin {
 
@@ -15,7 +15,7 @@ inline DDS_ReturnCode_t returnCode(bool done) {
 
 #define ZUL_DEFINE_TYPE_SUPPORT(Type, TypeName)                                                              \
     ZULTypePlugin* Type##Plugin_new() {                                                                      \
-        return admin::EndpointOperations<admin::Struct<Type>>::newPlugin(TypeName);                          \
+        return zul::idl::EndpointOperations<zul::idl::Struct<Type>>::newPlugin(TypeName);                    \
     }                                                                                                        \
     void Type##Plugin_delete(ZULTypePlugin* plugin) {                                                        \
         ZULHeap_free(plugin);                                                                                \

@@ -2,14 +2,14 @@
 // source files only.
 #pragma once
 
-#include "admin_types/derive/typed_endpoints.h"
+#include "middleware/dds/typed_endpoints.h"
 
 #define ZUL_DEFINE_WRITER(Type, TypeName)                                                                    \
     Type##DataWriter* Type##DataWriter_narrow(DDS_DataWriter* writer) {                                      \
-        return admin::narrowWriter<Type##DataWriter>(writer, TypeName);                                      \
+        return zul::dds::narrowWriter<Type##DataWriter>(writer, TypeName);                                   \
     }                                                                                                        \
     DDS_DataWriter* Type##DataWriter_as_datawriter(Type##DataWriter* writer) {                               \
-        return admin::widen<DDS_DataWriter>(writer, __func__, "null writer");                                \
+        return zul::dds::widen<DDS_DataWriter>(writer, __func__, "null writer");                             \
     }                                                                                                        \
     ZUL_DEFINE_WRITES(Type, write)                                                                           \
     ZUL_DEFINE_WRITES(Type, unregister_instance)                                                             \
@@ -21,7 +21,7 @@
     DDS_InstanceHandle_t Type##DataWriter_register_instance_w_timestamp(                                     \
         Type##DataWriter* writer, const Type* sample, const DDS_Time_t* sourceTimestamp) {                   \
         DDS_WriteParams_t params;                                                                            \
-        return admin::writeParams(params, &DDS_HANDLE_NIL, sourceTimestamp, __func__)                        \
+        return zul::dds::writeParams(params, &DDS_HANDLE_NIL, sourceTimestamp, __func__)                     \
                    ? Type##DataWriter_register_instance_w_params(writer, sample, &params)                    \
                    : DDS_HANDLE_NIL;                                                                         \
     }                                                                                                        \
@@ -43,7 +43,7 @@
                                                            const DDS_InstanceHandle_t* handle,               \
                                                            const DDS_Time_t* sourceTimestamp) {              \
         DDS_WriteParams_t params;                                                                            \
-        return admin::writeParams(params, handle, sourceTimestamp, __func__)                                 \
+        return zul::dds::writeParams(params, handle, sourceTimestamp, __func__)                              \
                    ? Type##DataWriter_##verb##_w_params(writer, sample, &params)                             \
                    : DDS_RETCODE_BAD_PARAMETER;                                                              \
     }
@@ -58,19 +58,20 @@
                                              DDS_SampleInfoSeq* infos, DDS_Long maxSamples,                  \
                                              DDS_SampleStateMask sampleStates, DDS_ViewStateMask viewStates, \
                                              DDS_InstanceStateMask instanceStates) {                         \
-        return admin::readOrTake(reinterpret_cast<DDS_DataReader*>(reader), data, infos,                     \
-                                 {isTake, maxSamples, sampleStates, viewStates, instanceStates}, __func__);  \
+        return zul::dds::readOrTake(reinterpret_cast<DDS_DataReader*>(reader), data, infos,                  \
+                                    {isTake, maxSamples, sampleStates, viewStates, instanceStates},          \
+                                    __func__);                                                               \
     }                                                                                                        \
     DDS_ReturnCode_t Type##DataReader_##verb##_w_condition(Type##DataReader* reader, Type##Seq* data,        \
                                                            DDS_SampleInfoSeq* infos, DDS_Long maxSamples,    \
                                                            const DDS_ReadCondition* condition) {             \
-        return admin::readOrTakeWithCondition(reinterpret_cast<DDS_DataReader*>(reader), data, infos,        \
-                                              {isTake, maxSamples}, condition, __func__);                    \
+        return zul::dds::readOrTakeWithCondition(reinterpret_cast<DDS_DataReader*>(reader), data, infos,     \
+                                                 {isTake, maxSamples}, condition, __func__);                 \
     }                                                                                                        \
     DDS_ReturnCode_t Type##DataReader_##verb##_next_sample(Type##DataReader* reader, Type* sample,           \
                                                            DDS_SampleInfo* info) {                           \
-        return admin::nextSample<Type##Seq>(reinterpret_cast<DDS_DataReader*>(reader), sample, info, isTake, \
-                                            __func__);                                                       \
+        return zul::dds::nextSample<Type##Seq>(reinterpret_cast<DDS_DataReader*>(reader), sample, info,      \
+                                               isTake, __func__);                                            \
     }                                                                                                        \
     ZUL_DEFINE_INSTANCE_READS(Type, verb##_instance, isTake, DDS_THIS_INSTANCE)                              \
     ZUL_DEFINE_INSTANCE_READS(Type, verb##_next_instance, isTake, DDS_NEXT_INSTANCE)
@@ -79,7 +80,7 @@
         Type##DataReader* reader, Type##Seq* data, DDS_SampleInfoSeq* infos, DDS_Long maxSamples,            \
         const DDS_InstanceHandle_t* handle, DDS_SampleStateMask sampleStates, DDS_ViewStateMask viewStates,  \
         DDS_InstanceStateMask instanceStates) {                                                              \
-        return admin::readOrTake(                                                                            \
+        return zul::dds::readOrTake(                                                                         \
             reinterpret_cast<DDS_DataReader*>(reader), data, infos,                                          \
             {isTake, maxSamples, sampleStates, viewStates, instanceStates, nullptr, selection, handle},      \
             __func__);                                                                                       \
@@ -87,7 +88,7 @@
     DDS_ReturnCode_t Type##DataReader_##verb##_w_condition(                                                  \
         Type##DataReader* reader, Type##Seq* data, DDS_SampleInfoSeq* infos, DDS_Long maxSamples,            \
         const DDS_InstanceHandle_t* handle, const DDS_ReadCondition* condition) {                            \
-        return admin::readOrTakeWithCondition(                                                               \
+        return zul::dds::readOrTakeWithCondition(                                                            \
             reinterpret_cast<DDS_DataReader*>(reader), data, infos,                                          \
             {.take = isTake, .max_samples = maxSamples, .instances = selection, .handle = handle},           \
             condition, __func__);                                                                            \
@@ -95,14 +96,14 @@
 
 #define ZUL_DEFINE_READER(Type, TypeName)                                                                    \
     Type##DataReader* Type##DataReader_narrow(DDS_DataReader* reader) {                                      \
-        return admin::narrowReader<Type##DataReader>(reader, TypeName);                                      \
+        return zul::dds::narrowReader<Type##DataReader>(reader, TypeName);                                   \
     }                                                                                                        \
     DDS_DataReader* Type##DataReader_as_datareader(Type##DataReader* reader) {                               \
-        return admin::widen<DDS_DataReader>(reader, __func__, "null reader");                                \
+        return zul::dds::widen<DDS_DataReader>(reader, __func__, "null reader");                             \
     }                                                                                                        \
     ZUL_DEFINE_READS(Type, read, false)                                                                      \
     ZUL_DEFINE_READS(Type, take, true)                                                                       \
     DDS_ReturnCode_t Type##DataReader_return_loan(Type##DataReader* reader, Type##Seq* data,                 \
                                                   DDS_SampleInfoSeq* infos) {                                \
-        return admin::returnLoan(reinterpret_cast<DDS_DataReader*>(reader), data, infos, __func__);          \
+        return zul::dds::returnLoan(reinterpret_cast<DDS_DataReader*>(reader), data, infos, __func__);       \
     }

@@ -4,8 +4,7 @@
 
 #include <cstddef>
 
-// Allocates `count` elements of `size` bytes, zeroed. Null when memory is exhausted or count * size
-// overflows.
+// Allocates `count` elements of `size` bytes, zeroed. Null when memory is exhausted or the product overflows.
 void* ZULHeap_allocateArray(std::size_t count, std::size_t size);
 
 template <class T>

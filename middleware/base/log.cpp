@@ -1,3 +1,5 @@
+// The templates, and the one way out: a line is put together first and written with one call, so that lines
+// of several threads do not mix. A sink is called under the lock that guards it.
 #include "middleware/base/log.h"
 
 #include "middleware/base/terminal_text.h"
@@ -51,7 +53,7 @@ void appendFormatted(std::string& line, std::string_view format, std::span<const
     }
 }
 
-// A line may name what the network named: a terminal is to show it and not to obey it.
+// A line may hold names from the network: a terminal must show them, not obey them.
 std::string shownOnTerminal(std::string_view line) {
     std::string shown;
     ZULTerminalEscape escape{};

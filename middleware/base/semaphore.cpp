@@ -1,3 +1,5 @@
+// Semaphores are POSIX ones: giving is the one thing that a signal handler may do. Takes wait until a point
+// on the monotonic clock, so one that a signal interrupts goes on with the time that is left.
 #include "middleware/base/semaphore.h"
 
 #include "middleware/base/heap.h"

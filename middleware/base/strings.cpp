@@ -1,3 +1,5 @@
+// A string is a block of the heap with its room in front of the text. The text's address is what callers see,
+// so only what DDS_String_alloc has made may be asked for its room or freed.
 #include "middleware/base/strings.h"
 
 #include "middleware/base/heap.h"
@@ -12,7 +14,7 @@ char lowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// The room stands before the text, in a block that keeps the text as aligned as the heap's memory is.
+// The room is in front of the text, in a head that keeps the text as aligned as the heap's memory is.
 constexpr std::size_t HEAD_SIZE = alignof(std::max_align_t);
 static_assert(HEAD_SIZE >= sizeof(std::size_t));
 } // namespace

@@ -1,3 +1,4 @@
+// UTF-8 is checked by hand: the C library's functions depend on the locale, which is never set here.
 #include "middleware/base/terminal_text.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Text from elsewhere on its way to the operator: a terminal is to show it and not to obey it.
+// Text from elsewhere on its way to the operator: a terminal must show it, not obey it.
 #pragma once
 
 #include <array>

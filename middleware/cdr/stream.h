@@ -40,14 +40,13 @@ constexpr std::uint32_t ZUL_PARAMETER_EXTENDED_MUST_UNDERSTAND = 0x40000000;
 
 enum ZULParameterForm : std::uint8_t { ZUL_PARAMETER_SHORT, ZUL_PARAMETER_LONG };
 
-// Bytes from `position` (counted from an alignment origin) to the next multiple of `alignment`, a power of
-// two.
+// Bytes from `position`, counted from an alignment origin, to the next multiple of a power of two.
 constexpr std::size_t ZULCdr_padding(std::size_t position, std::size_t alignment) {
     return (0 - position) & (alignment - 1);
 }
 
-// Copies a text of any length. Not inline, so that it is the library's copy: an instruction that the compiler
-// puts in its place takes longer to start, on some processors, than a text takes to be copied.
+// Copies a text of any length. Not inline, so that the C library copies it: the string instruction that the
+// compiler would put here takes longer to start, on some processors, than a text takes to be copied.
 void ZULCdr_copyText(void* to, const char* from, std::size_t size);
 
 // What encoding needs to know about where the bytes go. With `data` null nothing is stored and only
@@ -63,7 +62,7 @@ struct ZULCdrOutput {
 
     // Moves to the next multiple (of at most 4), over zeroes; fails when that lies past the end.
     bool align(std::size_t alignment) { return reserve(alignment, 0); }
-    // Aligns when `size` bytes fit behind the padding.
+    // Aligns if `size` bytes fit after the padding.
     bool reserve(std::size_t alignment, std::size_t size) {
         const std::size_t room = capacity - position;
         const std::size_t padding = ZULCdr_padding(position - origin, alignment);
@@ -124,7 +123,7 @@ struct ZULCdrOutput {
         position += size;
         return true;
     }
-    // Writes over bytes that were put before; `at` is a position this stream has passed.
+    // Overwrites bytes that were put before; `at` is a position that this stream has passed.
     void store16(std::size_t at, std::uint16_t value) const {
         if (bigEndian) {
             value = __builtin_bswap16(value);

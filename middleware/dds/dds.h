@@ -72,7 +72,7 @@ struct DDS_DataReaderListener {
     void (*on_sample_lost)(void* listenerData, DDS_DataReader* reader);
 };
 
-// Factory
+// ---- factory ----
 DDS_DomainParticipantFactory* DDS_DomainParticipantFactory_get_instance();
 // `qos` is an initialised record.
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(DDS_DomainParticipantFactory* self,
@@ -85,7 +85,7 @@ DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
 DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(DDS_DomainParticipantFactory* self,
                                                                  DDS_DomainParticipant* participant);
 
-// Participant
+// ---- participant ----
 DDS_Entity* DDS_DomainParticipant_as_entity(DDS_DomainParticipant* self);
 // Starts the participant; again is harmless.
 DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self);
@@ -113,7 +113,7 @@ DDS_Topic* DDS_DomainParticipant_create_topic(DDS_DomainParticipant* self, const
 // Ends the listeners first: none runs any more when this returns.
 DDS_ReturnCode_t DDS_DomainParticipant_delete_contained_entities(DDS_DomainParticipant* self);
 
-// Endpoints
+// ---- endpoints ----
 DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* topic,
                                                 const DDS_DataWriterQos* qos,
                                                 const DDS_DataWriterListener* listener, DDS_StatusMask mask);
@@ -123,7 +123,7 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
 // `sample` is a record of the writer's type. Blocks at most the writer's max_blocking_time.
 DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter* self, const void* sample,
                                       const DDS_InstanceHandle_t* handle);
-// The same with a source timestamp, which must not be negative; DDS_TIME_INVALID stands for now.
+// The same with a source timestamp, which must not be negative; DDS_TIME_INVALID means now.
 struct DDS_WriteParams_t {
     DDS_InstanceHandle_t handle;
     DDS_Time_t source_timestamp;
@@ -135,7 +135,7 @@ DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter* self,
                                                           DDS_InstanceHandleSeq* handles);
 DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader* self,
                                                          DDS_InstanceHandleSeq* handles);
-// Name of the type plugin behind an endpoint: the type of the records it carries, whatever name it is
+// Name of an endpoint's type plugin: the type of the records it carries, whatever name it is
 // registered under. Null for null. Valid as long as the endpoint.
 const char* DDS_DataWriter_get_plugin_type_name(const DDS_DataWriter* self);
 const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader* self);
@@ -162,7 +162,7 @@ DDS_ReadCondition* DDS_DataReader_create_readcondition(DDS_DataReader* self, DDS
 // PRECONDITION_NOT_MET for a condition of another reader.
 DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader* self, DDS_ReadCondition* condition);
 
-// The untyped read-or-take behind every typed read and take.
+// The untyped read-or-take that every typed read and take calls.
 enum DDS_InstanceSelection { DDS_ANY_INSTANCE, DDS_THIS_INSTANCE, DDS_NEXT_INSTANCE };
 struct DDS_ReadOrTakeParams {
     bool take;            // remove the samples from the reader
@@ -172,7 +172,7 @@ struct DDS_ReadOrTakeParams {
     DDS_ViewStateMask view_states = DDS_ANY_VIEW_STATE;
     DDS_InstanceStateMask instance_states = DDS_ANY_INSTANCE_STATE;
     const DDS_ReadCondition* condition = nullptr; // of the same reader; its states are taken then
-    // The instance that bears the handle, or the one that follows it (the first one for DDS_HANDLE_NIL).
+    // The instance that has the handle, or the one that follows it (the first one for DDS_HANDLE_NIL).
     DDS_InstanceSelection instances = DDS_ANY_INSTANCE;
     const DDS_InstanceHandle_t* handle = nullptr;
 };
@@ -194,7 +194,7 @@ struct DDS_ReceivedSamples {
     void** samples;
     DDS_Long count;
 };
-// What is refused is told in middleware/reading_rules.h; then, and on NO_DATA, no sequence has changed.
+// What is refused is listed in middleware/dds/reading_rules.h; then, and on NO_DATA, no sequence has changed.
 DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,

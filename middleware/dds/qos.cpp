@@ -1,3 +1,5 @@
+// The standard's defaults, whatever those of the DDS library are, and the records that own memory. A change
+// of a property prepares its copies first, so a failed one leaves the list as it was.
 #include "middleware/dds/qos.h"
 
 const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT{

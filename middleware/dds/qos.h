@@ -1,7 +1,6 @@
 // QoS policies that the system sets or reads, with the OMG DDS standard's defaults (OMG DDS 1.4, 2.2.3), and
 // the protocol policies of the reliable endpoints. A QoS record that owns memory is put into its initial
-// state by
-// `_initialize` and released by `_finalize`, which tolerates a record that was never filled.
+// state by `_initialize` and released by `_finalize`, which tolerates a record that was never filled.
 #pragma once
 
 #include "middleware/base/basic_types.h"
@@ -70,8 +69,7 @@ struct DDS_PropertyQosPolicy {
 };
 constexpr DDS_Long DDS_PROPERTY_LIST_MAX = 32; // properties of one participant
 
-// Adds the property or replaces the one of that name. Out of resources when the list is full or memory
-// exhausted.
+// Adds the property or replaces the one of that name. Out of resources when the list or memory is full.
 DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPolicy* policy, const char* name,
                                                              const char* value, DDS_Boolean propagate);
 // The value, valid until the policy changes, or null.
@@ -95,8 +93,7 @@ struct DDS_DomainParticipantQos {
         DDS_Duration_t shutdown_cleanup_period; // how long deleting a participant may linger
     } database;
     // Whether the endpoints of this participant announce the members of their types. Off by default: a peer
-    // that announces a description too is matched only when both are the same to the last flag, never by name
-    // alone.
+    // that announces a description, too, is matched only if both are the same to the last flag, not by name.
     struct {
         DDS_Boolean announce_descriptions;
     } types;

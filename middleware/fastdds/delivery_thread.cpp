@@ -1,3 +1,5 @@
+// The library's callbacks leave bits in `pending_`; the thread takes all bits at once and calls the listener
+// without the lock, so that it may block for as long as it likes.
 #include "middleware/fastdds/delivery_thread.h"
 
 #include "middleware/fastdds/library_call.h"

@@ -1,6 +1,5 @@
-// The entities behind the opaque DDS_* types. A participant owns everything that was created in it; the
-// wrappers of publishers, subscribers, topics, writers and readers live until its contained entities are
-// deleted.
+// What the opaque DDS_* types are. A participant owns everything that was created in it; the wrappers of
+// publishers, subscribers, topics, writers and readers live until its contained entities are deleted.
 #pragma once
 
 #include "middleware/dds/dds.h"
@@ -28,8 +27,7 @@
 
 namespace zul {
 
-// The endpoints that one endpoint is matched with. The library tells of each change and cannot be asked
-// later.
+// The endpoints that one endpoint is matched with. The library reports each change and cannot be asked later.
 class MatchedEndpoints {
 public:
     void update(const DDS_InstanceHandle_t& handle, std::int32_t change);

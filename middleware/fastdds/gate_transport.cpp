@@ -34,7 +34,7 @@ public:
     bool send(rtps::SenderResource* wrapped, const rtps::octet* bytes, std::uint32_t size,
               rtps::LocatorsIterator* firstDestination, rtps::LocatorsIterator* lastDestination,
               const std::chrono::steady_clock::time_point& until) override {
-        // To the library, what the gate holds back is sent and lost on the way.
+        // What the gate holds back is dropped; the library sees it as sent, and lost on the way.
         return !gate_->isOpen() || wrapped->send(bytes, size, firstDestination, lastDestination, until);
     }
 

@@ -2,8 +2,8 @@
 //
 // The library announces a new participant before its receivers are registered, so the answer of a peer that
 // is quicker than that (some 0.2 ms) is lost, and the peer does not answer again before its next periodic
-// announcement, seconds later. Behind a closed gate nothing is sent; the announcements that follow the
-// opening are answered to a participant that listens.
+// announcement, seconds later. A closed gate lets nothing out; the announcements after its opening are
+// answered to a participant that listens.
 #pragma once
 
 #include <atomic>
@@ -23,7 +23,7 @@ private:
 };
 
 // Puts the gate in front of each UDP transport of `qos`. The others stay as they are: shared memory because
-// the library recognises it by its class, TCP because its peers are asked again when a connection stands.
+// the library recognises it by its class, TCP because its peers are asked again once they are connected.
 void putGateInFront(const std::shared_ptr<const Gate>& gate,
                     eprosima::fastdds::dds::DomainParticipantQos& qos);
 

@@ -11,8 +11,7 @@
 
 namespace zul {
 
-// Blocks every signal on this thread for as long as it lives: threads that are started meanwhile inherit
-// that.
+// Blocks every signal on this thread for as long as it lives; threads that start meanwhile inherit the mask.
 class BlockedSignals {
 public:
     BlockedSignals() {

@@ -1,5 +1,4 @@
-// Participant: type registration, topics, publishers and subscribers, enabling, and the orderly end of all of
-// them.
+// Participant: registers types, creates topics, publishers and subscribers, enables them, and ends them all.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"

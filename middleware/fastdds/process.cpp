@@ -1,7 +1,9 @@
+// The library's log goes through a consumer of ours. Its log thread starts with the first line that is
+// logged, so one is logged here, while signals are blocked.
 #include "middleware/dds/process.h"
 
-#include "middleware/fastdds/library_call.h"
 #include "middleware/base/standard_streams.h"
+#include "middleware/fastdds/library_call.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// Each QoS of this system to its counterpart. What the library lacks is noted where it would be set; what a
+// profile file has set is kept unless this system sets it itself.
 #include "middleware/fastdds/qos_mapping.h"
 
 #include <algorithm>
@@ -82,8 +84,7 @@ fast::DataWriterQos toLibrary(const DDS_DataWriterQos& qos) {
     applyCommon(qos, library);
     library.reliable_writer_qos().times.heartbeatPeriod =
         toLibrary(qos.rtps_reliable_writer.heartbeat_period);
-    // The library has no send window: with KEEP_ALL the history's `max_samples` is what bounds unacknowledged
-    // samples.
+    // The library has no send window: with KEEP_ALL, `max_samples` bounds what is not yet acknowledged.
     return library;
 }
 

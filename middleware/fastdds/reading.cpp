@@ -1,7 +1,8 @@
 // Reading and taking: samples of the type's pool, decoded into by the library, as loans or as copies.
-#include "middleware/fastdds/entities.h"
-#include "middleware/fastdds/qos_mapping.h"
 #include "middleware/dds/reading_rules.h"
+#include "middleware/fastdds/entities.h"
+#include "middleware/fastdds/library_call.h"
+#include "middleware/fastdds/qos_mapping.h"
 
 #include <algorithm>
 #include <fastdds/dds/core/LoanableCollection.hpp>
@@ -12,7 +13,7 @@ namespace fast = eprosima::fastdds::dds;
 namespace {
 
 // A collection that owns pointers to pooled samples: the library decodes into them and leaves out what it
-// cannot decode. (Its own loans would hand out undecodable samples as valid.)
+// cannot decode. Its own loans would hand out undecodable samples as valid.
 class PooledSamples final : public fast::LoanableCollection {
 public:
     PooledSamples(const zul::TypeAdapter& adapter, DDS_Long count) : adapter_(adapter) {
@@ -32,8 +33,7 @@ public:
     PooledSamples(const PooledSamples&) = delete;
     PooledSamples& operator=(const PooledSamples&) = delete;
 
-    // Hands over the samples that were filled, to a vector that has room for them; the others go back to the
-    // pool.
+    // Hands the filled samples over to a vector that has room for them; the others go back to the pool.
     void release(std::vector<void*>& filled) {
         filled.assign(samples_.begin(), samples_.begin() + length_);
         samples_.erase(samples_.begin(), samples_.begin() + length_);
@@ -83,6 +83,71 @@ DDS_ReturnCode_t statesOf(const DDS_DataReader& self, const DDS_ReadOrTakeParams
     return DDS_RETCODE_OK;
 }
 
+// May throw when memory runs out, but not after samples were taken.
+DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, DDS_SampleInfoSeq* infos,
+                            const DDS_ReadOrTakeParams& params, DDS_ReceivedSamples& received) {
+    constexpr const char* CONTEXT = "DDS_DataReader_read_or_take_untyped";
+    DDS_ReturnCode_t code = ZULReading_check(data, infos, params);
+    States states;
+    if (code == DDS_RETCODE_OK) {
+        code = statesOf(self, params, states);
+    }
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
+    const bool asLoan = data.maximum == 0;
+    const DDS_Long limit = asLoan ? self.maxSamples : std::min(self.maxSamples, data.maximum);
+    const DDS_Long wanted = samplesToAskFor(self, params, limit);
+    PooledSamples samples(*self.adapter, wanted);
+    const auto room = static_cast<DDS_Long>(samples.maximum());
+    if (room == 0) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    // Whatever may fail comes before samples are taken, which would be lost later.
+    std::list<DDS_DataReader::Loan> loan(1);
+    std::vector<void*>& filled = loan.front().samples;
+    filled.reserve(samples.maximum());
+    loan.front().infos.resize(asLoan ? samples.maximum() : 0);
+    fast::SampleInfoSeq libraryInfos;
+    libraryInfos.length(samples.maximum()); // makes room
+    libraryInfos.length(0);
+    code = zul::toReturnCode(
+        params.take
+            ? self.reader->take(samples, libraryInfos, room, states.sample, states.view, states.instance)
+            : self.reader->read(samples, libraryInfos, room, states.sample, states.view, states.instance));
+    if (code != DDS_RETCODE_OK) {
+        return code;
+    }
+    self.leavesReadSamples = self.leavesReadSamples || !params.take;
+    const DDS_Long count = samples.length();
+    if (params.take && count == room) {
+        self.note(DDS_DATA_AVAILABLE_STATUS); // there may be more than this call could return
+    }
+    DDS_SampleInfo* const filledInfos = asLoan ? loan.front().infos.data() : infos->contiguous;
+    for (DDS_Long i = 0; i < count; ++i) {
+        filledInfos[i] = zul::toSampleInfo(libraryInfos[i]);
+        filledInfos[i].instance_handle = ZUL_HANDLE_KEYLESS_INSTANCE;
+    }
+    received = {.is_loan = asLoan, .samples = nullptr, .count = count};
+    samples.release(filled);
+    if (asLoan) {
+        received.samples = filled.data();
+        ZULSequence::loan_contiguous(infos, filledInfos, count, count, CONTEXT);
+        const std::lock_guard lock(self.loansMutex);
+        self.loans.splice(self.loans.end(), loan);
+        return DDS_RETCODE_OK;
+    }
+    bool copied = true;
+    auto* destination = static_cast<std::uint8_t*>(data.contiguous_buffer);
+    for (void* sample : filled) {
+        copied = copied && self.adapter->copyReaderSample(destination, sample);
+        destination += data.element_size;
+        self.adapter->returnReaderSample(sample);
+    }
+    ZULSequence::set_length(infos, copied ? count : 0, CONTEXT);
+    return copied ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
+}
+
 } // namespace
 
 DDS_ReadCondition* DDS_DataReader_create_readcondition(DDS_DataReader* self, DDS_SampleStateMask sampleStates,
@@ -114,65 +179,8 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const
     if (self == nullptr || received == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    DDS_ReturnCode_t code = ZULReading_check(data, infos, params);
-    States states;
-    if (code == DDS_RETCODE_OK) {
-        code = statesOf(*self, params, states);
-    }
-    if (code != DDS_RETCODE_OK) {
-        return code;
-    }
-    const bool asLoan = data.maximum == 0;
-    const DDS_Long limit = asLoan ? self->maxSamples : std::min(self->maxSamples, data.maximum);
-    const DDS_Long wanted = samplesToAskFor(*self, params, limit);
-    PooledSamples samples(*self->adapter, wanted);
-    const auto room = static_cast<DDS_Long>(samples.maximum());
-    if (room == 0) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
-    // Whatever may fail comes before samples are taken, which would be lost later.
-    std::list<DDS_DataReader::Loan> loan(1);
-    std::vector<void*>& filled = loan.front().samples;
-    filled.reserve(samples.maximum());
-    loan.front().infos.resize(asLoan ? samples.maximum() : 0);
-    fast::SampleInfoSeq libraryInfos;
-    libraryInfos.length(samples.maximum()); // makes room
-    libraryInfos.length(0);
-    code = zul::toReturnCode(
-        params.take
-            ? self->reader->take(samples, libraryInfos, room, states.sample, states.view, states.instance)
-            : self->reader->read(samples, libraryInfos, room, states.sample, states.view, states.instance));
-    if (code != DDS_RETCODE_OK) {
-        return code;
-    }
-    self->leavesReadSamples = self->leavesReadSamples || !params.take;
-    const DDS_Long count = samples.length();
-    if (params.take && count == room) {
-        self->note(DDS_DATA_AVAILABLE_STATUS); // there may be more than this call could return
-    }
-    DDS_SampleInfo* const filledInfos = asLoan ? loan.front().infos.data() : infos->contiguous;
-    for (DDS_Long i = 0; i < count; ++i) {
-        filledInfos[i] = zul::toSampleInfo(libraryInfos[i]);
-        filledInfos[i].instance_handle = ZUL_HANDLE_KEYLESS_INSTANCE;
-    }
-    *received = {.is_loan = asLoan, .samples = nullptr, .count = count};
-    samples.release(filled);
-    if (asLoan) {
-        received->samples = filled.data();
-        ZULSequence::loan_contiguous(infos, filledInfos, count, count, __func__);
-        const std::lock_guard lock(self->loansMutex);
-        self->loans.splice(self->loans.end(), loan);
-        return DDS_RETCODE_OK;
-    }
-    bool copied = true;
-    auto* destination = static_cast<std::uint8_t*>(data.contiguous_buffer);
-    for (void* sample : filled) {
-        copied = copied && self->adapter->copyReaderSample(destination, sample);
-        destination += data.element_size;
-        self->adapter->returnReaderSample(sample);
-    }
-    ZULSequence::set_length(infos, copied ? count : 0, __func__);
-    return copied ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
+    return zul::callLibrary(__func__, DDS_RETCODE_OUT_OF_RESOURCES,
+                            [&] { return readOrTake(*self, data, infos, params, *received); });
 }
 
 DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void** samples, DDS_Long /*count*/,

@@ -1,3 +1,5 @@
+// The library calls with buffers, the plugin works on streams over them. An adapter lives as long as anything
+// that was made with it, and so does the plugin's endpoint data.
 #include "middleware/fastdds/type_adapter.h"
 
 #include "middleware/fastdds/type_announcement.h"

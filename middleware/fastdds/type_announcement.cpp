@@ -96,8 +96,7 @@ void setExtensibility(Flags& flags, DDS_ExtensibilityKind kind) {
     flags.IS_MUTABLE(kind == DDS_MUTABLE_EXTENSIBILITY);
 }
 
-// Fills what members of structs and branches of unions have in common; false when the type cannot be
-// described.
+// Fills what members of structs and branches of unions share; false when the type cannot be described.
 template <class Member>
 bool fillMember(Member& described, const DDS_TypeCodeMember& member) {
     const Identifier type = identify(member.type);

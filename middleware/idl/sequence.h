@@ -1,8 +1,7 @@
 // Sequences: an owned or loaned, bounded array of elements (OMG IDL to C mapping, sequences). One record
 // shape and one implementation serve every element type; the named operations of a type are stamped from
 // these templates. A record of zeroes is a valid, not yet initialised sequence: every operation initialises
-// it on first use. Operations refuse bad arguments, log why under `context`, and leave the sequence as it
-// was.
+// it on first use. Operations refuse bad arguments, log why under `context`, and then change nothing.
 #pragma once
 
 #include "middleware/base/basic_types.h"
@@ -32,9 +31,8 @@ struct ZULSequenceElement {
     }
 };
 
-// Strings start absent. A copy keeps a buffer that has room for it, so that an element never loses room. The
-// elements are the platform's own strings (DDS_String_alloc, DDS_String_dup) or null; a source may be any
-// text.
+// Strings start absent. A copy keeps a buffer that has room for it, so an element never loses room. Elements
+// are the platform's own strings (DDS_String_alloc, DDS_String_dup) or null; a source may be any text.
 template <>
 struct ZULSequenceElement<char*> {
     static bool initialize(char*& element, const DDS_TypeAllocationParams_t&) {
@@ -112,7 +110,7 @@ inline bool refuse(const char* context, const ZULLogTemplate& message, const cha
 }
 
 // Every operation's first step: refuse null, initialise lazily. The lazy write is not a change a caller can
-// see, hence also done behind a pointer to const.
+// see, so it is also done through a pointer to const.
 template <class T, class Traits>
 bool open(const DDS_Sequence<T, Traits>* self, const char* context) {
     if (self == nullptr) {
@@ -441,8 +439,7 @@ bool to_array(const DDS_Sequence<T, Traits>* self, T* array, DDS_Long length, co
 
 // ---- parameters and internals ----
 
-// A shallow copy of an element, whose memory stays the sequence's; an empty one when the index is out of
-// bounds.
+// A shallow copy of an element, whose memory stays the sequence's; empty when the index is out of bounds.
 template <class T, class Traits>
 T get(const DDS_Sequence<T, Traits>* self, DDS_Long index, const char* context) {
     const T* element = get_reference(self, index, context);

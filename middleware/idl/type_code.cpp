@@ -1,3 +1,4 @@
+// Type codes may contain themselves, so a comparison remembers the pairs that it is in the middle of.
 #include "middleware/idl/type_code.h"
 
 #include <algorithm>

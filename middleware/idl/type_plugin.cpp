@@ -1,3 +1,5 @@
+// The default endpoint data: pools of samples and buffers that grow on demand and shrink only when they are
+// deleted. A pool knows what it has lent, so deleting it frees that, too.
 #include "middleware/idl/type_plugin.h"
 
 #include "middleware/base/heap.h"

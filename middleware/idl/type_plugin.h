@@ -73,8 +73,7 @@ void ZULEndpointData_deleteSample(ZULEndpointData* data, void* sample);
 void* ZULEndpointData_getSample(ZULEndpointData* data);
 void ZULEndpointData_returnSample(ZULEndpointData* data, void* sample);
 
-// The writer's buffers: of `maximumSize` bytes each, kept for reuse; one is made at once. False when that
-// fails.
+// The writer's buffers: `maximumSize` bytes each, kept for reuse. One is made at once; false if that fails.
 bool ZULEndpointData_createBufferPool(ZULEndpointData* data, std::size_t maximumSize);
 std::uint8_t* ZULEndpointData_getBuffer(ZULEndpointData* data,
                                         std::size_t size); // null when larger or exhausted

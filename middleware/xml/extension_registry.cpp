@@ -1,3 +1,4 @@
+// A set of constant records by tag name, and the classes of the quality-of-service elements.
 #include "middleware/xml/extension_registry.h"
 
 namespace {

@@ -1,3 +1,5 @@
+// A parent's children are in a set (look-up by full name) and in a list (order); both change together or not
+// at all. A renaming has two steps: make all new full names, then keep them or go back to the old ones.
 #include "middleware/xml/object.h"
 
 #include "middleware/base/heap.h"

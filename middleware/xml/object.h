@@ -37,7 +37,7 @@ struct ZULXMLObject {
     ZULXMLDocument* context;     // the document it belongs to; null for none
     ZULOrderedSet childSet;      // the children by full name
     ZULXMLObjectList children;   // the same children, in insertion order
-    ZULXMLObjectList* list;      // the list it stands in; null while it stands in none
+    ZULXMLObjectList* list;      // the list it is in; null while it is in none
     ZULXMLObject* previous;      // its neighbours there
     ZULXMLObject* next;
 };
@@ -46,7 +46,7 @@ struct ZULXMLObject {
 // memory is exhausted.
 ZULXMLObject* ZULXMLObject_new(const char* tagName, const char* name, ZULXMLObject* parent,
                                std::span<const ZULXMLAttribute> attributes);
-// Frees the object and everything below it. It must stand in no list. Null is ignored.
+// Frees the object and everything below it. It must not be in a list. Null is ignored.
 void ZULXMLObject_delete(ZULXMLObject* self);
 
 // Replaces the text. False when memory is exhausted; the old text then stays.

@@ -1,3 +1,4 @@
+// Sources of bytes (text, file) for the reader of events, and what becomes of its error: kept or logged.
 #include "middleware/xml/parser.h"
 
 #include "middleware/base/log.h"

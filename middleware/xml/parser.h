@@ -15,7 +15,7 @@ bool ZULXMLParser_initialize(ZULXMLParser* self);
 void ZULXMLParser_finalize(ZULXMLParser* self);
 
 // Reads a document. An element's own name is its attribute "name"; one without, or whose name a sibling
-// bears, is called by its tag or name, "#" and its position among its siblings, and further "#" while that is
+// has, is called by its tag or name, "#" and its position among its siblings, and further "#" while that is
 // taken. Returns null when memory is exhausted; otherwise the caller owns a document, which has no root when
 // it could not be read: the reason, with the line, is in its `error` and logged. A null parser knows no
 // element classes, and any element becomes a plain object.
@@ -26,5 +26,5 @@ ZULXMLDocument* ZULXMLParser_parseFile(const ZULXMLParser* self, const char* pat
 ZULXMLDocument* ZULXMLParser_readText(const ZULXMLParser* self, std::string_view text);
 ZULXMLDocument* ZULXMLParser_readFile(const ZULXMLParser* self, const char* path);
 
-// Frees the object, which stands in no list, and its whole subtree.
+// Frees the object, which is in no list, and its whole subtree.
 void ZULXMLParser_freeSubtree(ZULXMLParser* self, ZULXMLObject* object);

@@ -1,3 +1,5 @@
+// The tree grows while libxml2 reports elements, and the limits are checked at each. libxml2 is told to stop
+// at the first failure and may still report something; the first error stays.
 #include "middleware/xml/sax_reader.h"
 
 #include "middleware/xml/text.h"
@@ -41,8 +43,7 @@ Reader& readerOf(void* data) {
 }
 
 // The library reads a few kilobytes ahead of what it parses; that much is allowed on top of the limits.
-// Failures are recorded without stopping the parser: it is in the middle of its input here and stops by
-// itself.
+// Failures are only recorded: the parser is in the middle of its input here, and stops by itself.
 int onRead(void* data, char* buffer, int size) {
     Reader& reader = readerOf(data);
     if (reader.bytes >= ZUL_XML_DOCUMENT_MAX) {
@@ -74,8 +75,8 @@ std::string qualified(const xmlChar* prefix, const xmlChar* name) {
     return prefix != nullptr ? std::string(chars(prefix)) + ":" + chars(name) : std::string(chars(name));
 }
 
-// The own name: what the attribute says, if no sibling bears it; else one made up. Empty, with the error set,
-// when the attribute cannot be used.
+// The own name: what the attribute says, if no sibling has it; otherwise one is made up. Empty, with the
+// error set, when the attribute cannot be used.
 std::string ownName(Reader& reader, const std::string& tag, const std::string* given) {
     if (given != nullptr && (given->empty() || given->size() > ZUL_XML_NAME_MAX)) {
         reader.fail("the attribute name of <" + tag + "> must have 1 to " + std::to_string(ZUL_XML_NAME_MAX) +

@@ -7,8 +7,7 @@
 
 namespace xml_types {
 
-// A type and the types that it is made of, and so on, stand at most so many levels inside each other;
-// sequences, arrays and typedefs count as levels.
+// Most levels of types inside each other; sequences, arrays and typedefs count, too.
 constexpr int TYPE_DEPTH_MAX = 256;
 
 // Finds the types that are announced and never defined, contain themselves other than through a sequence, or

@@ -1,3 +1,5 @@
+// The form of each element as a table of attributes and children. What depends on other definitions is
+// checked by the reader, not here.
 #include "middleware/xml/type_grammar.h"
 
 #include <algorithm>

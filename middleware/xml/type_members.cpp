@@ -1,3 +1,5 @@
+// Types of members from the inside out: the element's word or name, then sequence, then array. Bounds and
+// labels may be names of constants.
 #include "middleware/xml/text.h"
 #include "middleware/xml/type_reader.h"
 

@@ -1,3 +1,5 @@
+// Definitions are read in the order of the document, includes at their place. A wrong one is recorded under
+// its name and reading goes on; what is made of wrong types is found at the end, in type_check.cpp.
 #include "middleware/xml/type_reader.h"
 
 #include "middleware/xml/parser.h"
@@ -258,7 +260,7 @@ bool TypeReader::readTypedef(Element element, Scope scope) {
     return true;
 }
 
-// Enumerators are names of the scope in which their enum stands.
+// Enumerators are names of the scope that their enum is in.
 bool TypeReader::readEnum(Element element, Scope scope) {
     Symbol* symbol = beginType(element, scope, DDS_TK_ENUM);
     if (symbol == nullptr) {

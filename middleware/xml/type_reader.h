@@ -41,8 +41,8 @@ constexpr std::uint64_t COUNT_MAX = 0x7FFFFFFF; // a bound, or all elements of a
 constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 
 // One run over a document and what it includes. Functions that read one definition return false or null with
-// the error set; it is then told of that definition, and reading goes on with the next. Each is given the
-// scope ("" is the outermost) where its element stands.
+// the error set; that becomes the definition's error, and reading goes on with the next. Each is given the
+// scope ("" is the outermost) that its element is in.
 class TypeReader {
 public:
     // `first` gets the first thing that is wrong.
@@ -134,7 +134,7 @@ private:
     std::set<std::string> included_;           // files
 };
 
-// The type behind the typedefs of `type`; null for null.
+// The type that `type` names through its typedefs; null for null.
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type);
 
 } // namespace xml_types

@@ -1,3 +1,5 @@
+// Structs, value types and unions. A derived type refers to its base; what its bases contain is kept, to
+// refuse names and ids that are taken.
 #include "middleware/xml/type_reader.h"
 
 #include <algorithm>

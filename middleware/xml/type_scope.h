@@ -1,4 +1,4 @@
-// The names of a types section: what each scoped name stands for.
+// The names of a types section: what each scoped name means.
 #pragma once
 
 #include "middleware/xml/document.h"
@@ -29,7 +29,7 @@ public:
     // The symbol of exactly that scoped name, or null. Valid as long as the table.
     Symbol* find(const std::string& scopedName);
     // Looks a name up as it is used in `scope`: there, then in the scopes around it; "::" in front starts
-    // from the outermost. Null when it stands for nothing.
+    // from the outermost. Null when nothing has that name.
     Symbol* resolve(const std::string& scope, std::string_view name);
     // Adds a symbol; null, with the error set, when the scoped name is taken.
     Symbol* add(const std::string& scopedName, const Symbol& symbol, ZULXMLError& error);

@@ -1,3 +1,4 @@
+// Integers are a magnitude and a sign, so that the limits of signed and unsigned 64-bit types compare.
 #include "middleware/xml/type_words.h"
 
 #include <charconv>

@@ -34,8 +34,7 @@ const TypeWord* discreteTypeWord(DDS_TCKind kind);
 
 // Decimal with an optional sign, or hexadecimal after 0x.
 std::optional<Integer> parseInteger(std::string_view text);
-// A literal of a discrete type, in its range: true and false, one character (bare or in quotes), or an
-// integer.
+// A literal of a discrete type, in its range: true, false, one character (bare or quoted), or an integer.
 std::optional<Integer> parseLiteral(const TypeWord& type, std::string_view text);
 // Whether the text is a literal of a type that is not discrete.
 bool isOtherLiteral(const TypeWord& type, std::string_view text);

@@ -9,9 +9,9 @@ namespace {
 
 // Fills a value with what differs from its default and, by `seed`, from other values.
 template <class Record>
-void fill(admin::Struct<Record>, Record& record, int seed);
+void fill(zul::idl::Struct<Record>, Record& record, int seed);
 template <class Record>
-void fill(admin::Union<Record>, Record& record, int seed);
+void fill(zul::idl::Union<Record>, Record& record, int seed);
 template <class IdlType, class Value>
 void fill(IdlType, Value& value, int seed) {
     if constexpr (std::is_same_v<Value, char*>) {
@@ -19,72 +19,42 @@ void fill(IdlType, Value& value, int seed) {
     } else if constexpr (std::is_same_v<Value, DDS_StringSeq>) {
         ASSERT_TRUE(ZULSequence::set_length(&value, seed % 16, __func__));
         for (DDS_Long i = 0; i < value.length; ++i) {
-            fill(admin::String<IdlType::bound>{}, value.contiguous[i], seed + i);
+            fill(zul::idl::String<IdlType::bound>{}, value.contiguous[i], seed + i);
         }
     } else {
         value = static_cast<Value>(std::is_same_v<Value, DDS_Boolean> ? 1 : 1 + seed % 3);
     }
 }
 template <class Record>
-void fill(admin::Struct<Record>, Record& record, int seed) {
-    admin::visitWhile(admin::Description<Record>::members, [&](const auto& member, std::uint32_t) {
-        fill(typename std::remove_cvref_t<decltype(member)>::Type{}, member.get(record), seed);
-        return true;
-    });
+void fill(zul::idl::Struct<Record>, Record& record, int seed) {
+    zul::idl::forEachMember(record, [seed](auto type, const auto&, auto& value) { fill(type, value, seed); });
 }
 template <class Record>
-void fill(admin::Union<Record>, Record& record, int seed) {
+void fill(zul::idl::Union<Record>, Record& record, int seed) {
     const DDS_Long kinds[] = {1, 7, 9, 14}; // one of each branch
     record._d = static_cast<decltype(record._d)>(kinds[seed % 4]);
-    admin::visitSelected<Record>(record._d, [&](const auto& branch) {
-        fill(typename std::remove_cvref_t<decltype(branch)>::Type{}, branch.get(record), seed);
-        return true;
-    });
+    zul::idl::forSelectedBranch(record,
+                                [seed](auto type, const auto&, auto& value) { fill(type, value, seed); });
 }
 
-// The operations that every type has. `FORM` is the IDL type of the values.
-#define ZUL_FAMILY(Type, FORM)                                                                               \
-    struct Type##Family {                                                                                    \
-        using Idl = FORM;                                                                                    \
-        using Value = Type;                                                                                  \
-        using Seq = Type##Seq;                                                                               \
-        static constexpr const char* name = #Type;                                                           \
-        static constexpr auto initialize = Type##_initialize, finalize = Type##_finalize;                    \
-        static constexpr auto initializeEx = Type##_initialize_ex;                                           \
-        static constexpr auto copy = Type##_copy;                                                            \
-        static constexpr auto seqFinalize = Type##Seq_finalize, unloan = Type##Seq_unloan;                   \
-        static constexpr auto getMaximum = Type##Seq_get_maximum, getLength = Type##Seq_get_length;          \
-        static constexpr auto setMaximum = Type##Seq_set_maximum, setLength = Type##Seq_set_length;          \
-        static constexpr auto ensureLength = Type##Seq_ensure_length;                                        \
-        static constexpr auto get = Type##Seq_get;                                                           \
-        static constexpr auto getReference = Type##Seq_get_reference;                                        \
-        static constexpr auto seqCopy = Type##Seq_copy, copyNoAlloc = Type##Seq_copy_no_alloc;               \
-        static constexpr auto fromArray = Type##Seq_from_array;                                              \
-        static constexpr auto toArray = Type##Seq_to_array;                                                  \
-        static constexpr auto loanContiguous = Type##Seq_loan_contiguous;                                    \
-        static constexpr auto loanDiscontiguous = Type##Seq_loan_discontiguous;                              \
-        static constexpr auto hasOwnership = Type##Seq_has_ownership;                                        \
-        static constexpr auto setAllocation = Type##Seq_set_element_allocation_params;                       \
-        static constexpr auto getAllocation = Type##Seq_get_element_allocation_params;                       \
-        static constexpr auto setReadToken = Type##Seq_set_read_token;                                       \
-        static constexpr auto getReadToken = Type##Seq_get_read_token;                                       \
-    };
-#define ZUL_STRUCT_FAMILY(Type) ZUL_FAMILY(Type, admin::Struct<Type>)
-#define ZUL_ENUM_FAMILY(Type) ZUL_FAMILY(Type, admin::Enum<Type>)
-#define ZUL_FAMILIES(prefix)                                                                                 \
-    ZUL_FOR_EACH_STRUCT(ZUL_STRUCT_FAMILY, prefix)                                                           \
-    ZUL_FAMILY(prefix##Command, admin::Union<prefix##Command>)                                               \
-    ZUL_FOR_EACH_ENUMERATION(ZUL_ENUM_FAMILY, prefix)
-ZUL_FAMILIES(ZUL_RoutingService_Administration_)
-ZUL_FAMILIES(ZUL_FederationService_Administration_)
-ZUL_FAMILY(ZUL_RoutingService_Administration_EntityName, admin::EntityName<admin::RoutingModule>)
+#define ZUL_TEXT_OF(name) #name
+#define ZUL_TEXT(name) ZUL_TEXT_OF(name)
+#define ZUL_TEMPLATE "tests/admin_types/family.inc"
+#include "admin_types/family/federation_types.inc"
+#include "admin_types/family/routing_types.inc"
+#undef ZUL_TEMPLATE
 
-#define ZUL_LIST(Type) Type##Family,
-#define ZUL_LISTED(prefix)                                                                                   \
-    ZUL_FOR_EACH_RECORD(ZUL_LIST, prefix)                                                                    \
-    ZUL_FOR_EACH_ENUMERATION(ZUL_LIST, prefix)
-using Families = testing::Types<ZUL_LISTED(ZUL_RoutingService_Administration_) ZUL_LISTED(
-    ZUL_FederationService_Administration_) ZUL_RoutingService_Administration_EntityNameFamily>;
+// clang-format off
+#define ZUL_TEMPLATE "tests/admin_types/family_name.inc"
+using Families = testing::Types<
+#include "admin_types/family/federation_types.inc"
+#include "admin_types/family/routing_types.inc"
+    >;
+using PluginFamilies = testing::Types<
+#include "admin_types/family/routing_types.inc"
+    >;
+#undef ZUL_TEMPLATE
+// clang-format on
 
 template <class Family>
 class EveryType : public testing::Test {
@@ -107,7 +77,7 @@ protected:
     static Bytes bytes(const Value& value) {
         Bytes out(8192);
         ZULCdrOutput stream{.data = out.data(), .capacity = out.size()};
-        EXPECT_TRUE(admin::PluginOperations<Idl>::serializeSample(nullptr, value, stream, true, 1, true));
+        EXPECT_TRUE(zul::idl::PluginOperations<Idl>::serializeSample(nullptr, value, stream, true, 1, true));
         out.resize(stream.position);
         return out;
     }
@@ -210,29 +180,13 @@ TYPED_TEST(EveryType, SequenceLoans) {
 
 // ---- member-level plugins of the routing module ----
 
-#define ZUL_PLUGIN_CASE(Type)                                                                                \
-    template <>                                                                                              \
-    struct PluginOf<Type##Family> {                                                                          \
-        static constexpr auto serialize = Type##Plugin_serialize, serializeKey = Type##Plugin_serialize_key; \
-        static constexpr auto deserialize = Type##Plugin_deserialize_sample;                                 \
-        static constexpr auto deserializeKey = Type##Plugin_deserialize_key_sample;                          \
-        static constexpr auto toKey = Type##Plugin_serialized_sample_to_key;                                 \
-        static constexpr auto skip = Type##Plugin_skip;                                                      \
-        static constexpr auto maximum = Type##Plugin_get_serialized_sample_max_size;                         \
-        static constexpr auto keyMaximum = Type##Plugin_get_serialized_key_max_size;                         \
-        static constexpr auto size = Type##Plugin_get_serialized_sample_size;                                \
-        static constexpr auto print = Type##PluginSupport_print_data;                                        \
-    };
 template <class Family>
 struct PluginOf;
-ZUL_FOR_EACH_RECORD(ZUL_PLUGIN_CASE, ZUL_RoutingService_Administration_)
-ZUL_FOR_EACH_ENUMERATION(ZUL_PLUGIN_CASE, ZUL_RoutingService_Administration_)
-ZUL_PLUGIN_CASE(ZUL_RoutingService_Administration_EntityName)
+#define ZUL_TEMPLATE "tests/admin_types/plugin_of.inc"
+#include "admin_types/family/routing_types.inc"
 
 template <class Family>
 class EveryPlugin : public EveryType<Family> {};
-using PluginFamilies = testing::Types<ZUL_LISTED(ZUL_RoutingService_Administration_)
-                                          ZUL_RoutingService_Administration_EntityNameFamily>;
 TYPED_TEST_SUITE(EveryPlugin, PluginFamilies, );
 
 // At every parity of the position: a header is aligned to 2.

@@ -31,7 +31,7 @@ void expectReadings(const std::vector<Reading>& readings, void (*fillBefore)(T& 
             if (result.accepted) {
                 EXPECT_EQ(text(*sample), reading.expected);
                 ZULCdrInput stream{.data = bytes.data(), .size = bytes.size()};
-                EXPECT_TRUE(admin::PluginOperations<admin::Struct<T>>::skipSample(stream, true, true));
+                EXPECT_TRUE(zul::idl::PluginOperations<zul::idl::Struct<T>>::skipSample(stream, true, true));
                 EXPECT_EQ(stream.position, result.consumed) << "skipped";
             }
         }
@@ -141,16 +141,16 @@ template <class IdlType>
 bool skips(const std::string& wire) {
     const Bytes bytes = assemble(wire, -1).bytes;
     ZULCdrInput stream{.data = bytes.data(), .size = bytes.size()};
-    return admin::PluginOperations<IdlType>::skipSample(stream, false, true);
+    return zul::idl::PluginOperations<IdlType>::skipSample(stream, false, true);
 }
 
 TEST(Reading, SkippingRefusesTheSame) {
-    using Command = admin::Union<ZUL_RoutingService_Administration_Command>;
-    using Url = admin::Struct<ZUL_RoutingService_Administration_XmlUrl>;
-    using Id = admin::Struct<ZUL_RoutingService_Administration_CommandId>;
+    using Command = zul::idl::Union<ZUL_RoutingService_Administration_Command>;
+    using Url = zul::idl::Struct<ZUL_RoutingService_Administration_XmlUrl>;
+    using Id = zul::idl::Struct<ZUL_RoutingService_Administration_CommandId>;
     EXPECT_FALSE(skips<Command>(KIND_9 + "0005 0000 | 3F02 0000"));
-    EXPECT_FALSE(skips<admin::Struct<Request>>("4005 0000 | 7F02 0000"));
-    EXPECT_FALSE(skips<admin::Struct<Request>>(command(KIND_9 + "0005 0000 |")));
+    EXPECT_FALSE(skips<zul::idl::Struct<Request>>("4005 0000 | 7F02 0000"));
+    EXPECT_FALSE(skips<zul::idl::Struct<Request>>(command(KIND_9 + "0005 0000 |")));
     EXPECT_FALSE(skips<admin::PeerList>("00000011 |" + repeated(17, "00000004 'abc' 00 |")));
     EXPECT_FALSE(skips<Url>("01 00 00 00 00000005 'ok' 00"));
     EXPECT_TRUE(skips<Url>("01 00 00 00"));

@@ -3,9 +3,9 @@
 // failure.
 #pragma once
 
-#include "admin_types/derive/plugin.h"
 #include "admin_types/descriptions.h"
 #include "admin_types/type_support.h"
+#include "middleware/idl/plugin_operations.h"
 
 #include <cstring>
 #include <memory>

@@ -1,7 +1,7 @@
-// A DDS without a network, for tests: implements middleware/dds/dds.h for one participant at a time, notes every
-// call, fails the one it is told to fail, keeps written requests, and delivers responses to the reader's
-// listener from a thread of its own. A released loan is poisoned and freed, so that whoever still reads it is
-// found.
+// A DDS without a network, for tests: implements middleware/dds/dds.h for one participant at a time, notes
+// every call, fails the one it is told to fail, keeps written requests, and delivers responses to the
+// reader's listener from a thread of its own. A released loan is poisoned and freed, so that whoever still
+// reads it is found.
 //
 // Everything lives in the one `world()`, emptied by `reset()`. The free functions may be called from any
 // thread; the plain settings are changed only while no delivery is under way.

@@ -1,10 +1,10 @@
 // Semaphores, strings, the log, text on a terminal, the property policy, the version text.
 #include "middleware/base/heap.h"
-#include "middleware/dds/qos.h"
 #include "middleware/base/semaphore.h"
 #include "middleware/base/strings.h"
 #include "middleware/base/terminal_text.h"
 #include "middleware/base/version.h"
+#include "middleware/dds/qos.h"
 #include "tests/middleware/captured_log.h"
 
 #include <atomic>

@@ -65,13 +65,31 @@ class Install(unittest.TestCase):
     def test_every_installed_header_stands_for_itself(self):
         include = os.path.join(self.prefix, "include/zul")
         headers = [os.path.relpath(os.path.join(folder, name), include)
-                   for folder, _, names in os.walk(include) for name in names]
+                   for folder, _, names in os.walk(include) for name in names if name.endswith(".h")]
         self.assertGreater(len(headers), 30)
         # Each may only lean on what it includes: whatever the order, all compile.
         for order in (sorted(headers), sorted(headers, reverse=True)):
             text = "".join(f'#include "{header}"\n' for header in order)
             run("g++", "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-I", include, "-x", "c++", "-",
                 input=text)
+
+    def test_a_program_may_use_the_types_alone(self):
+        source = os.path.join(self.directory.name, "types")
+        os.mkdir(source)
+        with open(f"{source}/CMakeLists.txt", "w", encoding="utf-8") as file:
+            file.write("cmake_minimum_required(VERSION 3.25)\nproject(types CXX)\nfind_package(zul_remote_config REQUIRED)\n"
+                       "add_executable(types types.cpp)\ntarget_link_libraries(types zul::remote_config)\n")
+        with open(f"{source}/types.cpp", "w", encoding="utf-8") as file:
+            file.write("""#include "admin_types/type_support.h"
+                int main() {
+                    auto* sample = ZUL_RoutingService_Administration_CommandRequestTypeSupport_create_data();
+                    ZUL_RoutingService_Administration_CommandRequestTypeSupport_print_data(sample, "request", 0);
+                    return ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data(sample);
+                }""")
+        build = os.path.join(source, "build")
+        run("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={self.prefix}", "-DCMAKE_BUILD_TYPE=Debug")
+        run("cmake", "--build", build)
+        self.assertIn("target_router", run(os.path.join(build, "types")))
 
     def test_the_debian_packages_hold_programs_that_run(self):
         packages = os.path.join(self.directory.name, "packages")

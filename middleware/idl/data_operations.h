@@ -9,12 +9,12 @@
 // destination that was prepared for it. copy: both; all or nothing.
 #pragma once
 
-#include "admin_types/derive/idl_types.h"
+#include "middleware/idl/types.h"
 
 #include <cstring>
 #include <utility>
 
-namespace admin {
+namespace zul::idl {
 
 using Allocation = DDS_TypeAllocationParams_t;
 using Deallocation = DDS_TypeDeallocationParams_t;
@@ -77,34 +77,24 @@ void finalize(StringSequence<Elements, Bound>, DDS_StringSeq& value) {
 }
 template <class Record>
 void finalize(Struct<Record>, Record& record) {
-    visitWhile(Description<Record>::members, [&record](const auto& member, std::uint32_t) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        finalize(Type{}, member.get(record));
-        return true;
-    });
+    forEachMember(record, [](auto type, const auto&, auto& value) { finalize(type, value); });
 }
 template <class Record>
 void finalize(Union<Record>, Record& record) {
-    visitWhile(Description<Record>::branches, [&record](const auto& branch, std::uint32_t) {
-        using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-        finalize(Type{}, branch.get(record));
-        return true;
-    });
+    forEachMember(record, [](auto type, const auto&, auto& value) { finalize(type, value); });
 }
 
-template <class Members, class Record>
-bool initializeAll(const Members& members, Record& record, const Allocation& params) {
-    return visitWhile(members, [&](const auto& member, std::uint32_t) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        return initialize(Type{}, member.get(record), params);
-    });
+template <class Record>
+bool initializeAll(Record& record, const Allocation& params) {
+    return forEachMember(
+        record, [&params](auto type, const auto&, auto& value) { return initialize(type, value, params); });
 }
 template <class Record>
 bool initialize(Struct<Record> type, Record& record, const Allocation& params) {
     if (params.allocate_memory != 0) {
         record = Record{};
     }
-    if (initializeAll(Description<Record>::members, record, params)) {
+    if (initializeAll(record, params)) {
         return true;
     }
     finalize(type, record);
@@ -117,7 +107,7 @@ bool initialize(Union<Record> type, Record& record, const Allocation& params) {
         record = Record{};
     }
     record._d = static_cast<decltype(record._d)>(Description<Record>::defaultDiscriminator);
-    if (initializeAll(Description<Record>::branches, record, params)) {
+    if (initializeAll(record, params)) {
         return true;
     }
     finalize(type, record);
@@ -157,21 +147,20 @@ bool prepare(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const 
 }
 template <class Record>
 bool prepare(Struct<Record>, Record& destination, const Record* source) {
-    return visitWhile(Description<Record>::members, [&](const auto& member, std::uint32_t) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        return prepare(Type{}, member.get(destination), source != nullptr ? &member.get(*source) : nullptr);
+    return forEachMember(destination, [source](auto type, const auto& member, auto& value) {
+        return prepare(type, value, source != nullptr ? &member.of(*source) : nullptr);
     });
 }
 template <class Record>
 bool prepare(Union<Record>, Record& destination, const Record* source) {
-    const auto prepareBranch = [&](const auto& branch) {
-        using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-        return prepare(Type{}, branch.get(destination), source != nullptr ? &branch.get(*source) : nullptr);
-    };
-    return source != nullptr
-               ? visitSelected<Record>(source->_d, prepareBranch)
-               : visitWhile(Description<Record>::branches,
-                            [&](const auto& branch, std::uint32_t) { return prepareBranch(branch); });
+    if (source == nullptr) {
+        return forEachMember(destination, []<class Type>(Type type, const auto&, auto& value) {
+            return prepare(type, value, static_cast<const typename Type::Value*>(nullptr));
+        });
+    }
+    return forSelectedBranch(*source, [&destination](auto type, const auto& branch, const auto& value) {
+        return prepare(type, branch.of(destination), &value);
+    });
 }
 
 template <class IdlType>
@@ -192,19 +181,15 @@ void assign(StringSequence<Elements, Bound>, DDS_StringSeq& destination, const D
 }
 template <class Record>
 void assign(Struct<Record>, Record& destination, const Record& source) {
-    visitWhile(Description<Record>::members, [&](const auto& member, std::uint32_t) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        assign(Type{}, member.get(destination), member.get(source));
-        return true;
+    forEachMember(destination, [&source](auto type, const auto& member, auto& value) {
+        assign(type, value, member.of(source));
     });
 }
 template <class Record>
 void assign(Union<Record>, Record& destination, const Record& source) {
     destination._d = source._d;
-    visitSelected<Record>(source._d, [&](const auto& branch) {
-        using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-        assign(Type{}, branch.get(destination), branch.get(source));
-        return true;
+    forSelectedBranch(source, [&destination](auto type, const auto& branch, const auto& value) {
+        assign(type, branch.of(destination), value);
     });
 }
 
@@ -217,4 +202,4 @@ bool copy(IdlType type, typename IdlType::Value& destination, const typename Idl
     return true;
 }
 
-} // namespace admin
+} // namespace zul::idl

@@ -2,16 +2,16 @@
 // operations take.
 #pragma once
 
-#include "admin_types/derive/bounds.h"
-#include "admin_types/derive/codec.h"
-#include "admin_types/derive/data.h"
-#include "admin_types/derive/print.h"
-#include "admin_types/derive/type_codes.h"
+#include "middleware/idl/bounds.h"
+#include "middleware/idl/codec.h"
+#include "middleware/idl/data_operations.h"
+#include "middleware/idl/print.h"
+#include "middleware/idl/type_code_of.h"
 #include "middleware/idl/type_plugin.h"
 
 #include <cstdio>
 
-namespace admin {
+namespace zul::idl {
 
 // An endpoint whose samples may reach this size cannot describe a parameter by a 16-bit length.
 constexpr std::size_t SHORT_FORM_LIMIT = 65536;
@@ -74,9 +74,9 @@ struct PluginOperations {
         stream.origin = previousOrigin;
         return written;
     }
-    // Calls `body(stream)` behind the header, with the alignment that the header sets.
+    // Calls `body(stream)` after the header, with the alignment that the header sets.
     template <class Body>
-    static bool behindEncapsulation(ZULCdrInput& stream, bool hasEncapsulation, Body body) {
+    static bool afterEncapsulation(ZULCdrInput& stream, bool hasEncapsulation, Body body) {
         const std::size_t previousOrigin = stream.origin;
         if (hasEncapsulation && !ZULCdrInput_getEncapsulation(stream)) {
             return false;
@@ -87,8 +87,8 @@ struct PluginOperations {
     }
     static bool deserializeSample(Value& sample, ZULCdrInput& stream, bool hasEncapsulation,
                                   bool deserializeBody) {
-        return behindEncapsulation(stream, hasEncapsulation, [&](ZULCdrInput& behind) {
-            return !deserializeBody || admin::deserialize(IdlType{}, behind, sample);
+        return afterEncapsulation(stream, hasEncapsulation, [&](ZULCdrInput& body) {
+            return !deserializeBody || idl::deserialize(IdlType{}, body, sample);
         });
     }
     // The form that the middleware calls: an unknown enumerator anywhere fails the sample, even where the end
@@ -99,9 +99,8 @@ struct PluginOperations {
                !stream.unknownEnumerator;
     }
     static bool skipSample(ZULCdrInput& stream, bool hasEncapsulation, bool skipBody) {
-        return behindEncapsulation(stream, hasEncapsulation, [&](ZULCdrInput& behind) {
-            return !skipBody || admin::skip(IdlType{}, behind);
-        });
+        return afterEncapsulation(stream, hasEncapsulation,
+                                  [&](ZULCdrInput& body) { return !skipBody || idl::skip(IdlType{}, body); });
     }
     // Exact bytes, counted by the code that writes them; 1 for an invalid identifier, 0 for a sample that
     // cannot be written.
@@ -187,7 +186,7 @@ struct EndpointOperations {
                 .getKeyKind = keyKind,
                 .serializeKey = nullptr,
                 .deserializeKey = nullptr,
-                .typeCode = admin::typeCode(IdlType{}),
+                .typeCode = idl::typeCode(IdlType{}),
                 .getBuffer = ZULEndpointData_getBuffer,
                 .returnBuffer = ZULEndpointData_returnBuffer,
                 .typeName = typeName,
@@ -197,4 +196,4 @@ struct EndpointOperations {
     }
 };
 
-} // namespace admin
+} // namespace zul::idl

@@ -5,10 +5,10 @@
 // version 1 encoding.)
 #pragma once
 
-#include "admin_types/derive/data.h"
 #include "middleware/cdr/parameters.h"
+#include "middleware/idl/data_operations.h"
 
-namespace admin {
+namespace zul::idl {
 
 // A sample that ends after at most this many bytes beyond the member it stopped at came from a sender with
 // fewer members.
@@ -62,15 +62,12 @@ bool serializeParameter(Type type, ZULCdrOutput& stream, std::uint32_t id, const
 
 template <class Record>
 bool serialize(Struct<Record>, ZULCdrOutput& stream, const Record& record, ZULParameterForm form) {
-    const bool written = visitWhile(Description<Record>::members, [&](const auto& member, std::uint32_t id) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        if constexpr (Description<Record>::form == WireForm::MUTABLE) {
-            return serializeParameter(Type{}, stream, id, member.get(record), form, form);
-        } else {
-            return serialize(Type{}, stream, member.get(record), form);
-        }
+    constexpr bool isMutable = Description<Record>::form == WireForm::MUTABLE;
+    const bool written = forEachMember(record, [&](auto type, const auto& member, const auto& value) {
+        return isMutable ? serializeParameter(type, stream, member.id, value, form, form)
+                         : serialize(type, stream, value, form);
     });
-    return written && (Description<Record>::form != WireForm::MUTABLE || ZULCdrOutput_putListEnd(stream));
+    return written && (!isMutable || ZULCdrOutput_putListEnd(stream));
 }
 // A discriminator that selects no branch goes alone. It and the fixed-size branch always have short headers.
 template <class Record>
@@ -78,13 +75,12 @@ bool serialize(Union<Record>, ZULCdrOutput& stream, const Record& record, ZULPar
     using Described = Description<Record>;
     return serializeParameter(typename Described::Discriminator{}, stream, 0, record._d, ZUL_PARAMETER_SHORT,
                               form) &&
-           visitSelected<Record>(record._d,
-                                 [&](const auto& branch) {
-                                     using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-                                     return serializeParameter(
-                                         Type{}, stream, branch.id, branch.get(record),
-                                         branch.shortHeader ? ZUL_PARAMETER_SHORT : form, form);
-                                 }) &&
+           forSelectedBranch(record,
+                             [&](auto type, const auto& branch, const auto& value) {
+                                 return serializeParameter(type, stream, branch.id, value,
+                                                           branch.shortHeader ? ZUL_PARAMETER_SHORT : form,
+                                                           form);
+                             }) &&
            ZULCdrOutput_putListEnd(stream);
 }
 
@@ -153,6 +149,18 @@ bool deserialize(StringSequence<Elements, Bound>, ZULCdrInput& stream, DDS_Strin
 // What a list does with a member id that it does not know.
 enum class UnknownMember { SKIP_UNLESS_MUST_UNDERSTAND, FAIL };
 
+// Reads the member with this id by `read(type, member, value)`; leaves `known` false where there is none.
+template <class Record, class MemberReader>
+bool readMember(std::uint32_t id, ZULCdrInput& value, bool& known, MemberReader& read) {
+    return forEachMember<Record>([&](auto type, const auto& member) {
+        if (member.id != id) {
+            return true;
+        }
+        known = true;
+        return read(type, member, value);
+    });
+}
+
 // Walks a parameter list. `member(id, value, known)` handles one member and leaves `known` false for an id it
 // does not know; what it leaves unread of a value is passed over.
 template <class MemberHandler>
@@ -179,61 +187,54 @@ bool walkParameters(ZULCdrInput& stream, UnknownMember unknown, MemberHandler me
     }
 }
 
-// Decodes a struct whose members stand in order. Trailing members may be missing from an extensible one.
+// Reads the members of a struct, each by `read(type, member, source)`: in the order they are declared, or
+// from a parameter list. Trailing members may be missing from an extensible one.
 template <class Record, class MemberReader>
-bool walkMembers(ZULCdrInput& stream, MemberReader read) {
-    return visitWhile(Description<Record>::members, read) ||
-           (Description<Record>::form == WireForm::EXTENSIBLE && stream.remaining() <= TOLERATED_REMAINDER);
+bool walkMembers(Struct<Record>, ZULCdrInput& stream, MemberReader read) {
+    if constexpr (Description<Record>::form == WireForm::MUTABLE) {
+        return walkParameters(stream, UnknownMember::SKIP_UNLESS_MUST_UNDERSTAND,
+                              [&read](std::uint32_t id, ZULCdrInput& value, bool& known) {
+                                  return readMember<Record>(id, value, known, read);
+                              });
+    } else {
+        return forEachMember<Record>(
+                   [&](auto type, const auto& member) { return read(type, member, stream); }) ||
+               (Description<Record>::form == WireForm::EXTENSIBLE &&
+                stream.remaining() <= TOLERATED_REMAINDER);
+    }
+}
+// The same for a union, whose discriminator `readDiscriminator(type, source)` reads. Unlike a struct, a union
+// fails on any id it does not know, must-understand or not. A branch is read whatever the discriminator says.
+template <class Record, class DiscriminatorReader, class MemberReader>
+bool walkMembers(Union<Record>, ZULCdrInput& stream, DiscriminatorReader readDiscriminator,
+                 MemberReader read) {
+    return walkParameters(
+        stream, UnknownMember::FAIL, [&](std::uint32_t id, ZULCdrInput& value, bool& known) {
+            if (id == 0) {
+                known = true;
+                return readDiscriminator(typename Description<Record>::Discriminator{}, value);
+            }
+            return readMember<Record>(id, value, known, read);
+        });
 }
 
 template <class Record>
 bool deserialize(Struct<Record> type, ZULCdrInput& stream, Record& record) {
-    constexpr WireForm form = Description<Record>::form;
-    if (form != WireForm::FINAL && !initialize(type, record, RESET_ONLY)) {
+    if (Description<Record>::form != WireForm::FINAL && !initialize(type, record, RESET_ONLY)) {
         return false;
     }
-    const auto readMember = [&record](const auto& member, ZULCdrInput& source) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        return deserialize(Type{}, source, member.get(record));
-    };
-    if constexpr (form == WireForm::MUTABLE) {
-        return walkParameters(stream, UnknownMember::SKIP_UNLESS_MUST_UNDERSTAND,
-                              [&](std::uint32_t id, ZULCdrInput& value, bool& known) {
-                                  return visitWhile(Description<Record>::members,
-                                                    [&](const auto& member, std::uint32_t memberId) {
-                                                        if (memberId != id) {
-                                                            return true;
-                                                        }
-                                                        known = true;
-                                                        return readMember(member, value);
-                                                    });
-                              });
-    } else {
-        return walkMembers<Record>(
-            stream, [&](const auto& member, std::uint32_t) { return readMember(member, stream); });
-    }
+    return walkMembers(type, stream, [&record](auto memberType, const auto& member, ZULCdrInput& source) {
+        return deserialize(memberType, source, member.of(record));
+    });
 }
-
-// Unlike a struct, a union fails on any id it does not know, must-understand or not: deliberate. A branch is
-// read into its storage whatever the discriminator says.
 template <class Record>
-bool deserialize(Union<Record>, ZULCdrInput& stream, Record& record) {
-    using Described = Description<Record>;
-    return walkParameters(stream, UnknownMember::FAIL,
-                          [&](std::uint32_t id, ZULCdrInput& value, bool& known) {
-                              if (id == 0) {
-                                  known = true;
-                                  return deserialize(typename Described::Discriminator{}, value, record._d);
-                              }
-                              return visitWhile(Described::branches, [&](const auto& branch, std::uint32_t) {
-                                  if (branch.id != id) {
-                                      return true;
-                                  }
-                                  known = true;
-                                  using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-                                  return deserialize(Type{}, value, branch.get(record));
-                              });
-                          });
+bool deserialize(Union<Record> type, ZULCdrInput& stream, Record& record) {
+    return walkMembers(
+        type, stream,
+        [&record](auto kind, ZULCdrInput& source) { return deserialize(kind, source, record._d); },
+        [&record](auto branchType, const auto& branch, ZULCdrInput& source) {
+            return deserialize(branchType, source, branch.of(record));
+        });
 }
 
 // ---- skipping ----
@@ -269,37 +270,16 @@ bool skip(StringSequence<Elements, Bound>, ZULCdrInput& stream) {
     return true;
 }
 template <class Record>
-bool skip(Struct<Record>, ZULCdrInput& stream) {
-    using Described = Description<Record>;
-    if constexpr (Described::form == WireForm::MUTABLE) {
-        return walkParameters(
-            stream, UnknownMember::SKIP_UNLESS_MUST_UNDERSTAND,
-            [](std::uint32_t id, ZULCdrInput& value, bool& known) {
-                return visitWhile(Described::members, [&](const auto& member, std::uint32_t memberId) {
-                    return memberId != id ||
-                           ((known = true) &&
-                            skip(typename std::remove_cvref_t<decltype(member)>::Type{}, value));
-                });
-            });
-    } else {
-        return walkMembers<Record>(stream, [&stream](const auto& member, std::uint32_t) {
-            return skip(typename std::remove_cvref_t<decltype(member)>::Type{}, stream);
-        });
-    }
-}
-template <class Record>
-bool skip(Union<Record>, ZULCdrInput& stream) {
-    using Described = Description<Record>;
-    return walkParameters(stream, UnknownMember::FAIL, [](std::uint32_t id, ZULCdrInput& value, bool& known) {
-        if (id == 0) {
-            known = true;
-            return skip(typename Described::Discriminator{}, value);
-        }
-        return visitWhile(Described::branches, [&](const auto& branch, std::uint32_t) {
-            return branch.id != id ||
-                   ((known = true) && skip(typename std::remove_cvref_t<decltype(branch)>::Type{}, value));
-        });
+bool skip(Struct<Record> type, ZULCdrInput& stream) {
+    return walkMembers(type, stream, [](auto memberType, const auto&, ZULCdrInput& source) {
+        return skip(memberType, source);
     });
 }
+template <class Record>
+bool skip(Union<Record> type, ZULCdrInput& stream) {
+    return walkMembers(
+        type, stream, [](auto kind, ZULCdrInput& source) { return skip(kind, source); },
+        [](auto branchType, const auto&, ZULCdrInput& source) { return skip(branchType, source); });
+}
 
-} // namespace admin
+} // namespace zul::idl

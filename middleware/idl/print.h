@@ -2,11 +2,11 @@
 // level deeper, the members.
 #pragma once
 
-#include "admin_types/derive/idl_types.h"
+#include "middleware/idl/types.h"
 
 #include <cstdio>
 
-namespace admin {
+namespace zul::idl {
 
 inline void printHead(const char* description, int indent) {
     std::printf("%*s", indent * 3, "");
@@ -62,10 +62,8 @@ void print(StringSequence<Elements, Bound>, const DDS_StringSeq& value, const ch
 template <class Record>
 void print(Struct<Record>, const Record& record, const char* description, int indent) {
     printTitle(description, indent);
-    visitWhile(Description<Record>::members, [&record, indent](const auto& member, std::uint32_t) {
-        using Type = typename std::remove_cvref_t<decltype(member)>::Type;
-        print(Type{}, member.get(record), member.name, indent + 1);
-        return true;
+    forEachMember(record, [indent](auto type, const auto& member, const auto& value) {
+        print(type, value, member.name, indent + 1);
     });
 }
 template <class Record>
@@ -73,11 +71,9 @@ void print(Union<Record>, const Record& record, const char* description, int ind
     using Described = Description<Record>;
     printTitle(description, indent);
     print(typename Described::Discriminator{}, record._d, "_d", indent + 1);
-    visitSelected<Record>(record._d, [&record, indent](const auto& branch) {
-        using Type = typename std::remove_cvref_t<decltype(branch)>::Type;
-        print(Type{}, branch.get(record), branch.name, indent + 1);
-        return true;
+    forSelectedBranch(record, [indent](auto type, const auto& branch, const auto& value) {
+        print(type, value, branch.name, indent + 1);
     });
 }
 
-} // namespace admin
+} // namespace zul::idl

@@ -2,10 +2,10 @@
 // ever.
 #pragma once
 
-#include "admin_types/derive/idl_types.h"
 #include "middleware/idl/type_code.h"
+#include "middleware/idl/types.h"
 
-namespace admin {
+namespace zul::idl {
 
 inline const DDS_TypeCode* typeCode(Long) {
     return DDS_TypeCode_primitive(DDS_TK_LONG);
@@ -33,16 +33,12 @@ std::string scopedName(const char* name) {
     return std::string(Module::scope) + "::" + name;
 }
 
-template <class Module, std::uint32_t Bound>
-const DDS_TypeCode* typeCode(EntityNameOf<Module, Bound>) {
-    if constexpr (Module::declaresEntityName) {
-        static const DDS_TypeCode code{.kind = DDS_TK_ALIAS,
-                                       .name = scopedName<Module>("EntityName"),
-                                       .content = typeCode(String<Bound>{})};
-        return &code;
-    } else {
-        return typeCode(String<Bound>{});
-    }
+template <class Alias, std::uint32_t Bound>
+const DDS_TypeCode* typeCode(StringAlias<Alias, Bound>) {
+    static const DDS_TypeCode code{.kind = DDS_TK_ALIAS,
+                                   .name = scopedName<typename Alias::Module>(Alias::name),
+                                   .content = typeCode(String<Bound>{})};
+    return &code;
 }
 
 template <class Module>
@@ -80,12 +76,11 @@ const DDS_TypeCode* typeCode(Struct<Record>) {
                            .name = scopedName<typename Described::Module>(Described::name),
                            .extensibility =
                                announcedExtensibility<typename Described::Module>(Described::form)};
-        visitWhile(Described::members, [&built](const auto& member, std::uint32_t position) {
+        forEachMember<Record>([&built](auto type, const auto& member) {
             built.members.push_back({.name = member.name,
-                                     .id = static_cast<std::int32_t>(position),
-                                     .type = typeCode(typename std::remove_cvref_t<decltype(member)>::Type{}),
+                                     .id = static_cast<std::int32_t>(member.id),
+                                     .type = typeCode(type),
                                      .isRequired = true});
-            return true;
         });
         return built;
     }();
@@ -100,22 +95,19 @@ const DDS_TypeCode* typeCode(Union<Record>) {
                            .extensibility =
                                announcedExtensibility<typename Described::Module>(Described::form),
                            .content = typeCode(typename Described::Discriminator{})};
-        visitWhile(Described::branches, [&built](const auto& branch, std::uint32_t) {
+        forEachMember<Record>([&built](auto type, const auto& branch) {
             DDS_TypeCodeMember described{
-                .name = branch.name,
-                .id = static_cast<std::int32_t>(branch.id),
-                .type = typeCode(typename std::remove_cvref_t<decltype(branch)>::Type{})};
+                .name = branch.name, .id = static_cast<std::int32_t>(branch.id), .type = typeCode(type)};
             for (const DDS_Long label : branch.labels) {
                 if (label != 0) {
                     described.labels.push_back(label);
                 }
             }
             built.members.push_back(std::move(described));
-            return true;
         });
         return built;
     }();
     return &code;
 }
 
-} // namespace admin
+} // namespace zul::idl

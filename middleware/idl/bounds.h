@@ -1,14 +1,15 @@
-// Largest and smallest encoded sizes, in bytes. Each function returns the position behind a value that begins
+// Largest and smallest encoded sizes, in bytes. Each function returns the position after a value that begins
 // at `at`, counted from an alignment origin. Parameter headers count as 12 bytes, the extended form,
-// whichever travels; deliberately so in the smallest size too, which a sample under short headers undercuts.
+// whichever travels. So they do in the smallest size, which a sample under short headers undercuts: endpoints
+// of other makers reckon with these numbers.
 #pragma once
 
-#include "admin_types/derive/idl_types.h"
 #include "middleware/cdr/stream.h"
+#include "middleware/idl/types.h"
 
 #include <algorithm>
 
-namespace admin {
+namespace zul::idl {
 
 enum class Bound { MAXIMUM, MINIMUM };
 
@@ -54,24 +55,21 @@ constexpr std::size_t endOf(Union<Record>, std::size_t at) {
     at = aligned(at) + discriminatorHeader + 4;
     at = aligned(at) + PARAMETER_HEADER_SIZE;
     std::size_t end = 0;
-    visitWhile(Description<Record>::branches, [&end, at](const auto& branch, std::uint32_t) {
-        const std::size_t branchEnd =
-            endOf<bound>(typename std::remove_cvref_t<decltype(branch)>::Type{}, at);
+    forEachMember<Record>([&end, at](auto type, const auto&) {
+        const std::size_t branchEnd = endOf<bound>(type, at);
         const bool better = end == 0 || (bound == Bound::MAXIMUM ? branchEnd > end : branchEnd < end);
         end = better ? branchEnd : end;
-        return true;
     });
     return listEnd<bound>(end);
 }
 template <Bound bound, class Record>
 constexpr std::size_t endOf(Struct<Record>, std::size_t at) {
     constexpr bool isMutable = Description<Record>::form == WireForm::MUTABLE;
-    visitWhile(Description<Record>::members, [&at](const auto& member, std::uint32_t) {
+    forEachMember<Record>([&at](auto type, const auto&) {
         if (isMutable) {
             at = aligned(at) + PARAMETER_HEADER_SIZE;
         }
-        at = endOf<bound>(typename std::remove_cvref_t<decltype(member)>::Type{}, at);
-        return true;
+        at = endOf<bound>(type, at);
     });
     return isMutable ? listEnd<bound>(at) : at;
 }
@@ -91,4 +89,4 @@ constexpr std::size_t boundOf(IdlType type, bool includeEncapsulation, std::uint
            endOf<bound>(type, 0);
 }
 
-} // namespace admin
+} // namespace zul::idl

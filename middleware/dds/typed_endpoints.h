@@ -1,17 +1,17 @@
-// Typed readers and writers: narrowing by type name, the parameter record behind every typed writer
-// operation, and the one routine behind every typed read and take.
+// What typed readers and writers are made of: narrowing by type name, the parameter record of every typed
+// writer operation, and the one routine that every typed read and take goes through.
 #pragma once
 
-#include "middleware/dds/dds.h"
 #include "middleware/base/log.h"
+#include "middleware/dds/dds.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace admin {
+namespace zul::dds {
 
-// Compares the name of the type plugin behind the endpoint, not the name it is registered under: the
-// federation variant registers the routing module's types under names of its own.
+// Compares the name of the endpoint's type plugin, not the name it is registered under: a program may
+// register a type under a name of its own.
 template <class Typed, class Untyped>
 Typed* narrow(Untyped* endpoint, const char* pluginTypeName, const char* typeName, const char* context,
               const char* nullMessage, const char* wrongTypeMessage) {
@@ -159,4 +159,4 @@ DDS_ReturnCode_t returnLoan(DDS_DataReader* reader, DDS_Sequence<T, Traits>* dat
     return code;
 }
 
-} // namespace admin
+} // namespace zul::dds
