@@ -27,7 +27,7 @@ constexpr std::size_t SHORTER_NAME = ENTITY_NAME_BOUND - 1; // oddity 5
 inline constexpr Command COMMANDS[] = {
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_LOAD,     .name = "LOAD",     .branch = CommandBranch::ENTITY_DESC,
      .nameTooLong = "cfgName too long"},
-    {.kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,   .name = "UNLOAD",   .branch = CommandBranch::DUMMY},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,   .name = "UNLOAD",   .branch = CommandBranch::DUMMY}, // oddity 22
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_INSERT,   .name = "INSERT",   .branch = CommandBranch::ENTITY_DESC},
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_UPDATE,   .name = "UPDATE",   .branch = CommandBranch::ENTITY_DESC},
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_PAUSE,    .name = "PAUSE",    .branch = CommandBranch::ENTITY_NAME},

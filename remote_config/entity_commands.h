@@ -29,7 +29,7 @@ bool ROUTERRemoteConfigClient_sendCommandDelete(ROUTERRemoteConfigClient* self, 
                                                 const char* entityName, ROUTERRemoteConfigResult* result);
 
 // `peerList` is at most 16 peers of at most 254 characters, separated by commas; empty pieces are passed
-// over. A list without any peer sends the previous one again: nothing clears the member.
+// over. A list without any peer sends the previous one again (oddity 31).
 bool ROUTERRemoteConfigClient_sendCommandAddPeer(ROUTERRemoteConfigClient* self, const char* targetRouter,
                                                  const char* domainRouteName, bool isFirstParticipant,
                                                  const char* peerList, ROUTERRemoteConfigResult* result);
