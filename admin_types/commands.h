@@ -20,14 +20,14 @@ struct Command {
     const char* nameTooLong = "entityName too long"; // the reason given for that
 };
 
-// A name of 255 characters is refused though the wire allows it.
+// The longest name of a router, and of some entities.
 constexpr std::size_t SHORTER_NAME = ENTITY_NAME_BOUND - 1; // oddity 5
 
 // clang-format off
 inline constexpr Command COMMANDS[] = {
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_LOAD,     .name = "LOAD",     .branch = CommandBranch::ENTITY_DESC,
      .nameTooLong = "cfgName too long"},
-    {.kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,   .name = "UNLOAD",   .branch = CommandBranch::DUMMY},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,   .name = "UNLOAD",   .branch = CommandBranch::DUMMY}, // oddity 22
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_INSERT,   .name = "INSERT",   .branch = CommandBranch::ENTITY_DESC},
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_UPDATE,   .name = "UPDATE",   .branch = CommandBranch::ENTITY_DESC},
     {.kind = ZUL_ROUTING_SERVICE_COMMAND_PAUSE,    .name = "PAUSE",    .branch = CommandBranch::ENTITY_NAME},

@@ -6,10 +6,10 @@
 
 namespace zul::product {
 
-// Where an entity stands in a document: domain routes in the service, sessions in domain routes, routes in
-// sessions.
-enum class EntityLevel { DOMAIN_ROUTE, SESSION, ROUTE };
+// Each level is an element inside one of the level before.
+enum class EntityLevel { SERVICE, DOMAIN_ROUTE, SESSION, ROUTE };
 
+// The service's own tag is the product's: see product_info.h.
 struct EntityKind {
     std::string_view tag; // of its element in a document
     EntityLevel level;

@@ -1,3 +1,4 @@
+// A client that failed to initialise is finalised by its caller, so every step tolerates what was never made.
 #include "remote_config/client.h"
 
 #include "middleware/base/heap.h"

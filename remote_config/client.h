@@ -25,19 +25,18 @@ struct ROUTERRemoteConfigClient {
     DDS_DataWriter* commandWriter;
     DDS_DataReader* responseReader;
     // The one request that every command reuses: senders overwrite target and command and count `invocation`
-    // up. Always the routing module's record; the federation variant only announces another description of
-    // it.
+    // up. The routing module's record in both variants (oddity 18).
     ZUL_RoutingService_Administration_CommandRequest* commandSample;
     ZULSemaphore* responseReadySemaphore; // given when a response is handed over, or a wait is aborted
     ZULSemaphore* responseTakenSemaphore; // given when the handed-over response has been consumed
-    ZULSemaphore* spareSemaphore;         // created and deleted with the others; never used
+    ZULSemaphore* spareSemaphore;         // never used (oddity 20)
     bool noResponseWait;                  // sends return right after writing; nothing sets it
     std::atomic<bool> waitingForResponse; // a request awaits responses
     // The sample being handed over, on loan from the reader: valid until `responseTakenSemaphore` is given.
     std::atomic<const ZUL_RoutingService_Administration_CommandResponse*> currentResponse;
     ZULTime responseTimeout;   // longest wait for one response
     DDS_Long knownRouterIndex; // next slot to fill, 0..127
-    // The most recent router names, owned; the slot behind the ring stays null and ends every scan.
+    // The most recent router names, owned; the slot after the ring stays null and ends every scan.
     char* knownRouters[ROUTER_KNOWN_ROUTERS_MAX + 1];
     ZULTypePlugin* commandTypePlugin;
     ZULTypePlugin* responseTypePlugin;

@@ -14,9 +14,8 @@ constexpr const char* CREATE = "ROUTERRemoteConfigClient_createConnection";
 constexpr const char* CLOSE = "ROUTERRemoteConfigClient_closeConnection";
 
 constexpr DDS_Long MAX_SAMPLES = 32; // held, and sent but not yet acknowledged
-// How long a write may block on routers that do not acknowledge. Fixed on purpose: it does not follow the
-// time-out.
-constexpr DDS_Duration_t WRITE_BLOCKING_TIME{60, 0};
+// How long a write may block on routers that do not acknowledge.
+constexpr DDS_Duration_t WRITE_BLOCKING_TIME{60, 0}; // oddity 19
 // Every status but an extension of the middleware's, which the client does not handle.
 constexpr DDS_StatusMask READER_STATUS_MASK = 0xBFFFFFFF;
 
@@ -212,7 +211,7 @@ bool ROUTERRemoteConfigClient_closeConnection(ROUTERRemoteConfigClient* self) {
         self->responseTopic = nullptr;
         self->commandWriter = nullptr;
         self->participant = nullptr;
-        // `subscriber` and `responseReader` keep their stale values, deliberately.
+        // oddity 9: not `subscriber` and `responseReader`
     }
     if (self->commandSample != nullptr) {
         check(ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data_ex(

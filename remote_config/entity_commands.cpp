@@ -45,7 +45,7 @@ bool parsePeers(DDS_StringSeq& peers, std::string_view list) {
         const std::size_t comma = list.find(',');
         const bool isLastPiece = comma == std::string_view::npos;
         const std::string_view piece = list.substr(0, comma);
-        // The count is checked before a piece is looked at, so a comma after the 16th peer is one too many.
+        // oddity 32: counted before the piece is looked at
         const bool isFull = next > static_cast<DDS_Long>(admin::PEER_LIST_BOUND);
         if (piece.size() > admin::SHORTER_NAME || isFull) {
             return false;

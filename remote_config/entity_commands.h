@@ -2,8 +2,8 @@
 //
 // Each fills the client's request, counts `invocation` up and waits for the answers; the result record is the
 // caller's and initialised. True: answered or interrupted. False: no answer, or an argument was refused, with
-// the reason in the result's `textBuffer` and nothing sent. A router name has at most 254 characters, one
-// below the wire's bound, on purpose.
+// the reason in the result's `textBuffer` and nothing sent. A router name has at most 254 characters
+// (oddity 5).
 #pragma once
 
 #include "remote_config/client.h"
@@ -29,7 +29,7 @@ bool ROUTERRemoteConfigClient_sendCommandDelete(ROUTERRemoteConfigClient* self, 
                                                 const char* entityName, ROUTERRemoteConfigResult* result);
 
 // `peerList` is at most 16 peers of at most 254 characters, separated by commas; empty pieces are passed
-// over. A list without any peer sends the previous one again, deliberately.
+// over. A list without any peer sends the previous one again (oddity 31).
 bool ROUTERRemoteConfigClient_sendCommandAddPeer(ROUTERRemoteConfigClient* self, const char* targetRouter,
                                                  const char* domainRouteName, bool isFirstParticipant,
                                                  const char* peerList, ROUTERRemoteConfigResult* result);

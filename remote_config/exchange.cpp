@@ -1,5 +1,5 @@
-// Requests out and results in. Who may claim a response when, and how a signal ends a wait, is in
-// remote_config/hand_over.h; here stands what an outcome means to the sender.
+// Requests out and results in: what an outcome of the hand-over means to the sender. Who may claim a response
+// when, and how a signal ends a wait, is in remote_config/hand_over.h.
 #include "remote_config/exchange.h"
 
 #include "middleware/base/strings.h"
@@ -13,8 +13,7 @@ using zul::remote_config::WaitEnd;
 
 namespace {
 
-// The context of the exchange's log lines is an older name, kept for those who search logs for it.
-constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendEntityMessage";
+constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendEntityMessage"; // oddity 7
 
 } // namespace
 
@@ -39,7 +38,7 @@ bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* s
     result->text = nullptr;
     if (DDS_DataWriter_write(self->commandWriter, self->commandSample, &DDS_HANDLE_NIL) != DDS_RETCODE_OK) {
         remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "write");
-        return false; // still waiting, until the next send starts anew
+        return false; // oddity 17
     }
     if (!wait || self->noResponseWait) {
         return true; // still waiting: an early response is kept for the next waiting send of this request

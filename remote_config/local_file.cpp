@@ -1,3 +1,5 @@
+// Opened without blocking, so that a pipe without a writer ends at once; a read waits no longer than
+// it is told to.
 #include "remote_config/local_file.h"
 
 #include "middleware/base/strings.h"
@@ -77,7 +79,7 @@ char* ROUTERRemoteConfig_readFile(const char* path) {
     if (std::fseek(file, 0, SEEK_END) != 0 || (size = std::ftell(file)) < 0 ||
         std::fseek(file, 0, SEEK_SET) != 0) {
         remoteConfigError(__func__, ZUL_LOG_ANY_FAILURE_s, "fseek");
-        return nullptr; // the file stays open, deliberately
+        return nullptr; // oddity 12
     }
     const auto length = static_cast<std::size_t>(size);
     ZULStringPtr text(DDS_String_alloc(length));

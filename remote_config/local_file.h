@@ -9,7 +9,7 @@
 
 enum ROUTERLocalFileStatus {
     ROUTER_LOCAL_FILE_DATA, // the buffer is full
-    ROUTER_LOCAL_FILE_END,  // the end was reached; what was read before it stands in the buffer
+    ROUTER_LOCAL_FILE_END,  // the end was reached; the buffer holds what was read before it
     ROUTER_LOCAL_FILE_ERROR,
 };
 

@@ -16,7 +16,7 @@ public:
     explicit ResultText(ROUTERRemoteConfigResult& result) : result_(result) {}
 
     // Appends a message, without a separator. An empty one adds nothing and leaves a null text null; a first
-    // one is cut to ROUTER_RESULT_TEXT_MAX characters, by design. False, logged under `context`, when memory
+    // one is cut to ROUTER_RESULT_TEXT_MAX characters (oddity 15). False, logged under `context`, when memory
     // is exhausted; the text is then as it was.
     bool append(std::string_view message, const char* context);
 

@@ -86,8 +86,7 @@ Status sendText(Upload& upload, std::string_view text) {
     return upload.sendFinal();
 }
 
-// The file's bytes go as they stand, in double quotes. It is taken as text: a NUL byte cuts the piece in
-// which it stands.
+// The file's bytes go unchanged, in double quotes. A NUL byte cuts the piece that holds it: the file is text.
 Status sendFile(Upload& upload, const char* path) {
     upload.setContent(std::string(INLINE_SCHEME) + QUOTE);
     ROUTERLocalFile file(path, upload.client.responseTimeout);

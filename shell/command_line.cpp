@@ -1,3 +1,4 @@
+// A parameter manager lives for the length of one call; what it found is copied out.
 #include "shell/command_line.h"
 
 #include "shell/log.h"

@@ -1,3 +1,5 @@
+// The order of the start-up counts: help before any option is read, signals blocked before the middleware
+// starts its threads, handlers before the first wait.
 #include "shell/entry.h"
 
 #include "middleware/base/strings.h"
@@ -53,8 +55,7 @@ int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
     if (!ROUTERShell_initialize(shell)) {
         return failed("initialize shell", EXIT_START_UP);
     }
-    // Without effect for long: the loop sets the masks again first thing, and must come second.
-    ROUTERLog_setBitmaps(ROUTER_SUBMODULE_REMOTE_CONFIG, 0);
+    ROUTERLog_setBitmaps(ROUTER_SUBMODULE_REMOTE_CONFIG, 0); // oddity 8
     if (pthread_sigmask(SIG_SETMASK, &previous, nullptr) != 0) {
         return failed("signal handlers", EXIT_SIGNALS);
     }

@@ -1,3 +1,4 @@
+// What is read of a line is kept across calls until the line is whole.
 #include "shell/line_reader.h"
 
 #include <cerrno>

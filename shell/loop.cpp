@@ -1,3 +1,4 @@
+// One turn of the loop is one line: prompt, read, split, dispatch, flush.
 #include "shell/loop.h"
 
 #include "middleware/base/semaphore.h"
@@ -16,8 +17,7 @@ namespace {
 constexpr std::size_t LINE_LENGTH_MAX = 4094;          // characters accepted, line feed included
 constexpr std::int32_t COMMAND_FILE_DELAY_SECONDS = 3; // for routers to be discovered
 constexpr std::uint32_t FAILED_READ_PAUSE_NANOSECONDS = 250'000'000;
-// The context of initialize's messages is its sibling's name: readers of logs know them by it.
-constexpr const char* CONTEXT = "ROUTERShell_finalize";
+constexpr const char* CONTEXT = "ROUTERShell_finalize"; // oddity 1
 
 void flushOutput() {
     std::fflush(stdout);
@@ -30,8 +30,7 @@ bool isTyped(std::FILE* input) {
     return tcgetattr(fileno(input), &settings) == 0 && (settings.c_lflag & ICANON) != 0;
 }
 
-// Each failed read of standard input runs the last command again. One that was brought about, by a signal or
-// a key, does so once; all others may fail again at once, and for good: pace them.
+// A read that a signal or a key ended fails once. All others may fail again at once, and for good: pace them.
 void pauseAfterFailedRead(ROUTERShellReadStatus status, std::FILE* input) {
     const bool isBroughtAbout =
         status == ROUTER_SHELL_READ_INTERRUPTED || (status == ROUTER_SHELL_READ_END && isTyped(input));
@@ -76,8 +75,7 @@ void ROUTERShell_main(ROUTERShellInstance* self) {
             if (isCommandFile) {
                 break;
             }
-            // The buffer stays as the last line's splitting left it, so its first word runs again by itself:
-            // the shell has always answered end of input and signals this way, and never ends by them.
+            // oddity 2: the buffer stays as the last line's splitting left it
             pauseAfterFailedRead(status, self->input);
         }
         if (line[0] == '\0' || line[0] == '\n') {

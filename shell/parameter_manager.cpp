@@ -1,3 +1,5 @@
+// The help text is written out: it shows less than the table of options holds. An option may be cut short, so
+// the table's order decides between two that begin alike.
 #include "shell/parameter_manager.h"
 
 #include "middleware/base/heap.h"

@@ -1,3 +1,4 @@
+// A handler may only do what is safe between any two instructions: an atomic, a semaphore, system calls.
 #include "shell/signals.h"
 
 #include "remote_config/exchange.h"
