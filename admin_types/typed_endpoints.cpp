@@ -1,13 +1,12 @@
+// The named operations of typed_endpoints.h: family/typed_writer.inc and family/typed_reader.inc for the two
+// types that travel by themselves.
 #include "admin_types/typed_endpoints.h"
 
-#include "admin_types/derive/define_typed_endpoints.h"
-#include "admin_types/type_support.h"
+#include "middleware/dds/typed_endpoints.h"
 
-#define ZUL_DEFINE_ENDPOINTS(Type, TypeName)                                                                 \
-    ZUL_DEFINE_WRITER(Type, TypeName)                                                                        \
-    ZUL_DEFINE_READER(Type, TypeName)
+#define ZUL_TEMPLATE "admin_types/family/typed_writer.inc"
+#include "admin_types/family/sample_types.inc"
+#undef ZUL_TEMPLATE
 
-ZUL_DEFINE_ENDPOINTS(ZUL_RoutingService_Administration_CommandRequest,
-                     ZUL_RoutingService_Administration_CommandRequestTypeSupport_get_type_name())
-ZUL_DEFINE_ENDPOINTS(ZUL_RoutingService_Administration_CommandResponse,
-                     ZUL_RoutingService_Administration_CommandResponseTypeSupport_get_type_name())
+#define ZUL_TEMPLATE "admin_types/family/typed_reader.inc"
+#include "admin_types/family/sample_types.inc"

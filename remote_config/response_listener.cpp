@@ -43,27 +43,25 @@ void ZUL_RoutingService_Administration_CommandResponseListener_on_data_available
     }
 }
 
-// Statuses that the client has no use for.
-#define ZUL_IGNORED_STATUS(status)                                                                           \
-    static void ZUL_RoutingService_Administration_CommandResponseListener_##status(void*, DDS_DataReader*) {}
-ZUL_IGNORED_STATUS(on_requested_deadline_missed)
-ZUL_IGNORED_STATUS(on_requested_incompatible_qos)
-ZUL_IGNORED_STATUS(on_sample_rejected)
-ZUL_IGNORED_STATUS(on_liveliness_changed)
-ZUL_IGNORED_STATUS(on_sample_lost)
-ZUL_IGNORED_STATUS(on_subscription_matched)
-#undef ZUL_IGNORED_STATUS
+#define ZUL_LISTENER(status) ZUL_RoutingService_Administration_CommandResponseListener_##status
 
-#define ZUL_CALLBACK(status) .status = ZUL_RoutingService_Administration_CommandResponseListener_##status
+// Statuses that the client has no use for.
+static void ZUL_LISTENER(on_requested_deadline_missed)(void*, DDS_DataReader*) {}
+static void ZUL_LISTENER(on_requested_incompatible_qos)(void*, DDS_DataReader*) {}
+static void ZUL_LISTENER(on_sample_rejected)(void*, DDS_DataReader*) {}
+static void ZUL_LISTENER(on_liveliness_changed)(void*, DDS_DataReader*) {}
+static void ZUL_LISTENER(on_sample_lost)(void*, DDS_DataReader*) {}
+static void ZUL_LISTENER(on_subscription_matched)(void*, DDS_DataReader*) {}
+
 DDS_DataReaderListener ROUTERRemoteConfigClient_responseListener(ROUTERRemoteConfigClient* client) {
     return {
         .listener_data = client,
-        ZUL_CALLBACK(on_requested_deadline_missed),
-        ZUL_CALLBACK(on_requested_incompatible_qos),
-        ZUL_CALLBACK(on_sample_rejected),
-        ZUL_CALLBACK(on_liveliness_changed),
-        ZUL_CALLBACK(on_data_available),
-        ZUL_CALLBACK(on_subscription_matched),
-        ZUL_CALLBACK(on_sample_lost),
+        .on_requested_deadline_missed = ZUL_LISTENER(on_requested_deadline_missed),
+        .on_requested_incompatible_qos = ZUL_LISTENER(on_requested_incompatible_qos),
+        .on_sample_rejected = ZUL_LISTENER(on_sample_rejected),
+        .on_liveliness_changed = ZUL_LISTENER(on_liveliness_changed),
+        .on_data_available = ZUL_LISTENER(on_data_available),
+        .on_subscription_matched = ZUL_LISTENER(on_subscription_matched),
+        .on_sample_lost = ZUL_LISTENER(on_sample_lost),
     };
 }
