@@ -7,7 +7,7 @@ import tempfile
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import SessionTest  # noqa: E402
+from processes import Router, SessionTest  # noqa: E402
 
 EXAMPLES = pathlib.Path(os.environ.get("ZUL_SOURCE", ".")) / "examples"
 ROUTE = ('<domain_route name="Second"><participant_1><domain_id>3</domain_id></participant_1>'
