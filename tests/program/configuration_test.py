@@ -56,7 +56,7 @@ class Configuration(SessionTest):
                 self.assertRegex(shell.run(f"load {name} BuiltinDefault {form}"), ok, form)
                 self.assertIn('name="Second"', shell.run(f"get {name}"))
             # A router started with what was saved is in the state that the first was in.
-            with Router(DOMAIN, "again", "--config", os.path.join(self.folder, name + ".xml"), *options) as again:
+            with Router(self.domain, "again", "--config", os.path.join(self.folder, name + ".xml"), *options) as again:
                 shell.connect(again)
                 self.assertRegex(shell.run("disable again Second"), "is disabled already")
                 self.assertIn("<element>udpv4://127.0.0.1</element>", shell.run("get again"))
