@@ -9,11 +9,10 @@
 #include "practice_router/endpoints/worker.h"
 #include "product/product_info.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <sys/stat.h>
+#include <filesystem>
 #include <thread>
 
 namespace {
@@ -46,9 +45,9 @@ bool loadStartDocument(Router& router, const std::string& file, std::string& err
 
 // The whole path of an existing directory; empty when it is none.
 std::string directoryAt(const std::string& path) {
-    struct stat status {};
-    const std::unique_ptr<char, decltype(&std::free)> whole(realpath(path.c_str(), nullptr), &std::free);
-    return whole != nullptr && stat(whole.get(), &status) == 0 && S_ISDIR(status.st_mode) ? whole.get() : "";
+    std::error_code failure;
+    const std::filesystem::path whole = std::filesystem::canonical(path, failure);
+    return !failure && std::filesystem::is_directory(whole, failure) ? whole.string() : "";
 }
 
 // Every thread, also those of the middleware, inherits the mask: signals are for the main thread's wait only.
@@ -86,7 +85,7 @@ int run(const Options& options, Router& router, RequestQueue& queue) {
 int start(int argc, char** argv) {
     Options options;
     std::string error;
-    if (!options.parse(argc, argv, error)) {
+    if (!options.parse({argv + std::min(argc, 1), argv + argc}, error)) {
         return fail(EXIT_BAD_USAGE, error);
     }
     if (options.showsHelp) {

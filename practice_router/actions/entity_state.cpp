@@ -25,41 +25,21 @@ const xmlNode* disabledAncestor(const xmlNode* entity) {
 struct Transition {
     const char* done;
     bool needsEnabledAncestors;
-    // Changes the state, or says why it makes no sense.
-    const char* (*apply)(EntityState&);
+    EntityState result;
+    // Why it makes no sense in an entity that is ...; null when it does.
+    const char* ofDisabled;
+    const char* ofRunning;
+    const char* ofPaused;
 };
 
-// By StateChange.
-constexpr std::array TRANSITIONS{
-    Transition{"enabled", true,
-               [](EntityState& state) {
-                   const char* refusal = state.enabled ? "is enabled already" : nullptr;
-                   state.enabled = true;
-                   return refusal;
-               }},
-    Transition{"disabled", false,
-               [](EntityState& state) {
-                   const char* refusal = state.enabled ? nullptr : "is disabled already";
-                   state = {.enabled = false, .paused = false};
-                   return refusal;
-               }},
-    Transition{"paused", true,
-               [](EntityState& state) -> const char* {
-                   if (!state.enabled || state.paused) {
-                       return state.enabled ? "is paused already" : "is disabled; enable it first";
-                   }
-                   state.paused = true;
-                   return nullptr;
-               }},
-    Transition{"resumed", true,
-               [](EntityState& state) -> const char* {
-                   if (!state.enabled || !state.paused) {
-                       return state.enabled ? "is not paused" : "is disabled; enable it first";
-                   }
-                   state.paused = false;
-                   return nullptr;
-               }},
+// clang-format off
+constexpr std::array TRANSITIONS{ // by StateChange
+    Transition{"enabled",  true,  {true, false},  nullptr,                        "is enabled already", "is enabled already"},
+    Transition{"disabled", false, {false, false}, "is disabled already",          nullptr,              nullptr},
+    Transition{"paused",   true,  {true, true},   "is disabled; enable it first", nullptr,              "is paused already"},
+    Transition{"resumed",  true,  {true, false},  "is disabled; enable it first", "is not paused",      nullptr},
 };
+// clang-format on
 
 // Of several the last one counts.
 xmlNode* lastChildNamed(const xmlNode* parent, std::string_view tag) {
@@ -86,11 +66,11 @@ XmlDocument peerSnippet(const std::vector<std::string>& peers) {
     return document;
 }
 
-// Printable UTF-8: nothing else can stand in a document or be an address.
+// Printable UTF-8: nothing else can be in a document or be an address.
 bool isPeer(const std::string& peer) {
-    return !peer.empty() && xmlCheckUTF8(toXml(peer)) == 1 &&
-           std::none_of(peer.begin(), peer.end(),
-                        [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == 0x7F; });
+    return !peer.empty() && xmlCheckUTF8(toXml(peer)) == 1 && std::ranges::none_of(peer, [](char c) {
+        return static_cast<unsigned char>(c) <= ' ' || c == 0x7F;
+    });
 }
 
 // The initial peers of a participant, with ", " between them.
@@ -116,8 +96,11 @@ Answer Configuration::changeState(StateChange change, std::string_view path) {
         return noEntity(path);
     }
     const Transition& wanted = TRANSITIONS[static_cast<std::size_t>(change)];
-    EntityState state = stateOf(entity);
-    if (const char* refusal = wanted.apply(state)) {
+    const EntityState state = stateOf(entity);
+    const char* refusal = !state.enabled ? wanted.ofDisabled
+                          : state.paused ? wanted.ofPaused
+                                         : wanted.ofRunning;
+    if (refusal != nullptr) {
         return Answer::error(pathInWords(entity) + " " + refusal);
     }
     const xmlNode* around = wanted.needsEnabledAncestors ? disabledAncestor(entity) : nullptr;
@@ -125,7 +108,7 @@ Answer Configuration::changeState(StateChange change, std::string_view path) {
         return Answer::error(pathInWords(around) + " is disabled; enable it first");
     }
     std::string error = "out of memory";
-    return setState(entity, state) && draft.activate(error)
+    return setState(entity, wanted.result) && draft.activate(error)
                ? Answer::ok(std::string(wanted.done) + " " + pathInWords(entity))
                : Answer::error(error);
 }
@@ -146,7 +129,7 @@ Answer Configuration::addPeers(std::string_view domainRoutePath, bool isFirstPar
     if (peers.empty()) {
         return Answer::error("no peers are given; name at least one");
     }
-    const auto bad = std::find_if_not(peers.begin(), peers.end(), isPeer);
+    const auto bad = std::ranges::find_if_not(peers, isPeer);
     if (bad != peers.end()) {
         return Answer::error(quoted(*bad) + " is no peer; give addresses without blanks");
     }

@@ -14,6 +14,13 @@ std::string keyOf(std::string_view tag, const std::string& identity) {
     return std::string(tag) + '\0' + identity;
 }
 
+// What a map holds for a key; an empty value when it holds nothing.
+template <class Map>
+typename Map::mapped_type lookUp(const Map& map, const std::string& key) {
+    const auto found = map.find(key);
+    return found != map.end() ? found->second : typename Map::mapped_type{};
+}
+
 } // namespace
 
 std::string identityOf(const xmlNode* element) {
@@ -58,23 +65,19 @@ void Children::note(xmlNode* child) {
 }
 
 xmlNode* Children::find(std::string_view tag, const std::string& identity) const {
-    const auto found = byIdentity_.find(keyOf(tag, identity));
-    return found != byIdentity_.end() ? found->second : nullptr;
+    return lookUp(byIdentity_, keyOf(tag, identity));
 }
 
 xmlNode* Children::findLast(std::string_view tag) const {
-    const auto found = byTag_.find(std::string(tag));
-    return found != byTag_.end() ? found->second.last : nullptr;
+    return lookUp(byTag_, std::string(tag)).last;
 }
 
 xmlNode* Children::findEntity(std::string_view name) const {
-    const auto found = entities_.find(std::string(name));
-    return found != entities_.end() ? found->second : nullptr;
+    return lookUp(entities_, std::string(name));
 }
 
 bool Children::hasSeveral(std::string_view tag) const {
-    const auto found = byTag_.find(std::string(tag));
-    return found != byTag_.end() && found->second.count > 1;
+    return lookUp(byTag_, std::string(tag)).count > 1;
 }
 
 bool Children::insert(xmlNode* child, std::string& error) {

@@ -10,7 +10,7 @@
 
 namespace zul::practice {
 
-// How deep an entity stands; its parent stands one level above.
+// How deep an entity is; its parent is one level above.
 enum class EntityLevel { SERVICE, DOMAIN_ROUTE, SESSION, ROUTE };
 
 constexpr std::string_view PATH_SEPARATOR = "::";
@@ -26,7 +26,7 @@ xmlNode* findService(const xmlDoc* document, std::string_view name = {});
 
 // The entity directly inside `parent` with that name; null when there is none.
 xmlNode* findChild(const xmlNode* parent, std::string_view name);
-// The entity at a path. The service's own name may stand in front; an empty path is the service itself.
+// The entity at a path. It may begin with the service's own name; an empty path is the service itself.
 xmlNode* findEntity(xmlNode* service, std::string_view path);
 // The path of an entity, empty for the service.
 std::string pathOf(const xmlNode* entity);

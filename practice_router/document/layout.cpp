@@ -76,16 +76,10 @@ std::string Layout::indentationIn(const xmlNode* parent) const {
     return text;
 }
 
-void Layout::startLine(xmlNode* node) const {
-    xmlNode* blank = xmlNewText(toXml(indentationIn(node->parent)));
-    if (blank != nullptr && xmlAddPrevSibling(node, blank) == nullptr) {
-        xmlFreeNode(blank);
-    }
-}
-
-void Layout::startEndTagLine(xmlNode* parent) const {
-    xmlNode* blank = xmlNewText(toXml(indentationIn(parent->parent)));
-    if (blank != nullptr && xmlAddChild(parent, blank) == nullptr) {
+// A new line for `child`, or null: for the end tag of `parent`.
+void Layout::startLine(xmlNode* parent, xmlNode* child) const {
+    xmlNode* blank = xmlNewText(toXml(indentationIn(child != nullptr ? parent : parent->parent)));
+    if ((child != nullptr ? xmlAddPrevSibling(child, blank) : xmlAddChild(parent, blank)) == nullptr) {
         xmlFreeNode(blank);
     }
 }
@@ -93,9 +87,9 @@ void Layout::startEndTagLine(xmlNode* parent) const {
 void Layout::startLines(xmlNode* parent) const {
     removeBlanks(parent);
     for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
-        startLine(child);
+        startLine(parent, child);
     }
-    startEndTagLine(parent);
+    startLine(parent, nullptr);
 }
 
 // Whether the children of an element have a line each, after giving them one if nothing is in the way.
@@ -140,9 +134,9 @@ void Layout::insert(xmlNode* parent, xmlNode* element, xmlNode* before) {
     }
     layOutInside(element);
     if (inLines) {
-        startLine(element);
+        startLine(parent, element);
         if (element->next == nullptr) {
-            startEndTagLine(parent);
+            startLine(parent, nullptr);
         }
     }
 }
@@ -154,7 +148,7 @@ void Layout::remove(xmlNode* element) {
     }
     removeNode(element);
     if (isBlank(parent->children) && parent->children == parent->last) {
-        removeNode(parent->children); // the line of an end tag that nothing is in front of any more
+        removeNode(parent->children); // the line of an end tag that has nothing before it any more
     }
 }
 

@@ -55,11 +55,7 @@ bool setText(xmlNode* node, const std::string& text) {
         text == toView(only->content)) {
         return true;
     }
-    while (node->children != nullptr) {
-        xmlNode* child = node->children;
-        xmlUnlinkNode(child);
-        xmlFreeNode(child);
-    }
+    xmlNodeSetContent(node, nullptr);
     if (text.empty()) {
         return true;
     }

@@ -101,9 +101,11 @@ std::string store(Options& options, const Flag& kind, std::string_view) {
     return {};
 }
 
-// One option with its value. `next` is the argument after it, or null; `usesNext` is set when it is the
-// value. Returns what is wrong; empty when nothing is.
-std::string parseOne(Options& options, std::string_view argument, const char* next, bool& usesNext) {
+// Takes one option, with its value, off the front of the arguments. Returns what is wrong; empty when nothing
+// is.
+std::string parseOne(Options& options, std::span<const char* const>& arguments) {
+    const std::string_view argument = arguments.front();
+    arguments = arguments.subspan(1);
     const std::size_t equals = argument.find('=');
     const std::string name(argument.substr(0, equals));
     const auto* found = std::ranges::find(OPTIONS, name, &Option::name);
@@ -114,12 +116,12 @@ std::string parseOne(Options& options, std::string_view argument, const char* ne
     if (found->value.empty() && equals != std::string_view::npos) {
         return name + " takes no value; leave out \"=" + value + "\"";
     }
-    usesNext = !found->value.empty() && equals == std::string_view::npos;
-    if (usesNext && next == nullptr) {
-        return name + " needs a value: " + name + " " + std::string(found->value);
-    }
-    if (usesNext) {
-        value = next;
+    if (!found->value.empty() && equals == std::string_view::npos) {
+        if (arguments.empty()) {
+            return name + " needs a value: " + name + " " + std::string(found->value);
+        }
+        value = arguments.front();
+        arguments = arguments.subspan(1);
     }
     const std::string wanted =
         std::visit([&](const auto& kind) { return store(options, kind, value); }, found->kind);
@@ -128,16 +130,11 @@ std::string parseOne(Options& options, std::string_view argument, const char* ne
 
 } // namespace
 
-bool Options::parse(int count, const char* const* arguments, std::string& error) {
-    for (int i = 1; i < count; ++i) {
-        bool usesNext = false;
-        error = parseOne(*this, arguments[i], i + 1 < count ? arguments[i + 1] : nullptr, usesNext);
-        if (!error.empty()) {
-            return false;
-        }
-        i += usesNext ? 1 : 0;
+bool Options::parse(std::span<const char* const> arguments, std::string& error) {
+    while (error.empty() && !arguments.empty()) {
+        error = parseOne(*this, arguments);
     }
-    return true;
+    return error.empty();
 }
 
 std::string Options::help() {

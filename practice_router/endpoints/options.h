@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace zul::practice {
@@ -28,9 +29,10 @@ struct Options {
     bool showsVersion = false;
     Faults faults;
 
-    // False, with a message that says what to do, when an argument is unknown, lacks its value or has a bad
-    // one. A value follows its option as the next argument or after "=".
-    bool parse(int count, const char* const* arguments, std::string& error);
+    // `arguments` are those after the program's name. False, with a message that says what to do, when an
+    // argument is unknown, lacks its value or has a bad one. A value follows its option as the next argument
+    // or after "=".
+    bool parse(std::span<const char* const> arguments, std::string& error);
 
     // The help text: usage and one line for each option.
     static std::string help();

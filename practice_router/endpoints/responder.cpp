@@ -21,18 +21,13 @@ constexpr std::size_t MAX_WRITERS_ONLY = 256; // remembered
 // A response written before the middleware knows the client's reader would be lost.
 void Responder::awaitReader(const WriterGuid& client) {
     const auto deadline = std::chrono::steady_clock::now() + READER_WAIT;
-    while (!endpoints_.knowsReader(client)) {
-        if (writersOnly_.contains(client)) {
-            return;
-        }
+    while (!endpoints_.knowsReader(client) && !writersOnly_.contains(client)) {
         if (std::chrono::steady_clock::now() >= deadline) {
             if (writersOnly_.size() >= MAX_WRITERS_ONLY) {
                 writersOnly_.clear();
             }
             writersOnly_.insert(client);
-            return;
-        }
-        if (!queue_.pause(READER_POLL)) {
+        } else if (!queue_.pause(READER_POLL)) {
             return;
         }
     }

@@ -11,8 +11,7 @@ using namespace zul::practice;
 // What is wrong; empty when nothing is.
 std::string parse(std::vector<const char*> arguments, Options& options) {
     std::string error;
-    arguments.insert(arguments.begin(), "zul-practice-router");
-    const bool isParsed = options.parse(static_cast<int>(arguments.size()), arguments.data(), error);
+    const bool isParsed = options.parse(arguments, error);
     EXPECT_EQ(isParsed, error.empty());
     return error;
 }
