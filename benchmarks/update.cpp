@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace zul::practice;
+
 constexpr std::int64_t MANY = 8000; // properties
 constexpr std::int64_t FEW = 2000;
 
@@ -17,16 +19,15 @@ void update(benchmark::State& state, std::int64_t properties) {
         snippet += "<element><name>p" + std::to_string(i) + "</name><value>1</value></element>";
     }
     snippet += "</value></property></domain_route>";
-    PracticeConfiguration configuration;
+    Configuration configuration;
     for (auto _ : state) {
         state.PauseTiming();
         // The second update adds to the property that the first has made, one element after the other.
-        PracticeConfiguration_loadFirst(configuration, *ROUTER_getProductInfo()->builtinDefaultConfiguration);
-        PracticeConfiguration_update(configuration, "DefaultDomainRoute",
-                                     "<domain_route><property><value/></property></domain_route>");
+        configuration.loadFirst(*ROUTER_getProductInfo()->builtinDefaultConfiguration);
+        configuration.update("DefaultDomainRoute",
+                             "<domain_route><property><value/></property></domain_route>");
         state.ResumeTiming();
-        const PracticeAnswer answer =
-            PracticeConfiguration_update(configuration, "DefaultDomainRoute", snippet);
+        const Answer answer = configuration.update("DefaultDomainRoute", snippet);
         if (answer.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK) {
             state.SkipWithError(answer.text.c_str());
             break;

@@ -14,6 +14,8 @@
 
 namespace {
 
+using namespace zul::practice;
+
 xmlDtd* parseDtd() {
     std::string text;
     for (std::int32_t i = 0; i < ROUTER_getProductInfo()->dtdChunkCount; ++i) {
@@ -27,9 +29,9 @@ xmlDtd* parseDtd() {
 }
 
 bool followsRules(const xmlNode* element) {
-    bool follows = !zul::practice::Definition::ofProduct()->faultIn(element);
-    for (const xmlNode* child = PracticeNode_firstChild(element); child != nullptr && follows;
-         child = PracticeNode_next(child)) {
+    bool follows = !Definition::ofProduct()->faultIn(element);
+    for (const xmlNode* child = firstChild(element); child != nullptr && follows;
+         child = nextElement(child)) {
         follows = followsRules(child);
     }
     return follows;
@@ -38,7 +40,7 @@ bool followsRules(const xmlNode* element) {
 void compareWithLibrary(std::string_view bytes) {
     static xmlDtd* const dtd = parseDtd();
     std::string error;
-    const PracticeXmlDocument document = PracticeXml_parse(bytes, {}, error);
+    const XmlDocument document = parseXml(bytes, {}, error);
     if (document == nullptr || xmlDocGetRootElement(document.get())->nsDef != nullptr) {
         return; // the library knows nothing of schema locations
     }
@@ -55,15 +57,14 @@ void compareWithLibrary(std::string_view bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     compareWithLibrary(bytes);
-    PracticeConfiguration configuration;
-    PracticeConfiguration_load(configuration, bytes, "BuiltinDefault");
-    PracticeConfiguration_loadFirst(configuration, *ROUTER_getProductInfo()->builtinDefaultConfiguration);
-    const std::string before = PracticeConfiguration_text(configuration);
-    const bool isChanged = PracticeConfiguration_update(configuration, "DefaultDomainRoute", bytes).kind ==
-                               ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK ||
-                           PracticeConfiguration_create(configuration, "DefaultDomainRoute", bytes).kind ==
-                               ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-    const std::string after = PracticeConfiguration_text(configuration);
+    Configuration configuration;
+    configuration.load(bytes, "BuiltinDefault");
+    configuration.loadFirst(*ROUTER_getProductInfo()->builtinDefaultConfiguration);
+    const std::string before = configuration.text();
+    const bool isChanged =
+        configuration.update("DefaultDomainRoute", bytes).kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK ||
+        configuration.create("DefaultDomainRoute", bytes).kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
+    const std::string after = configuration.text();
     if (!isChanged && after != before) {
         std::abort();
     }

@@ -9,14 +9,15 @@
 #include "practice_router/endpoints/worker.h"
 #include "product/product_info.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <sys/stat.h>
+#include <filesystem>
 #include <thread>
 
 namespace {
+
+using namespace zul::practice;
 
 constexpr const char* PROGRAM = "zul-practice-router";
 constexpr int EXIT_CANNOT_START = 1;
@@ -28,25 +29,25 @@ int fail(int status, const std::string& what) {
 }
 
 // False with `error` filled when the start document cannot be used.
-bool loadStartDocument(PracticeRouter& router, const std::string& file, std::string& error) {
+bool loadStartDocument(Router& router, const std::string& file, std::string& error) {
     std::string xml = *ROUTER_getProductInfo()->builtinDefaultConfiguration;
     if (!file.empty()) {
-        std::optional<std::string> content = PracticeXmlUrl_readFile(file, error);
+        std::optional<std::string> content = readFile(file, error);
         if (!content) {
             return false;
         }
         xml = std::move(*content);
     }
-    const PracticeAnswer answer = PracticeConfiguration_loadFirst(router.configuration, xml);
+    const Answer answer = router.configuration().loadFirst(xml);
     error = (file.empty() ? "the builtin default configuration" : file) + ": " + answer.text;
     return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
 }
 
 // The whole path of an existing directory; empty when it is none.
 std::string directoryAt(const std::string& path) {
-    struct stat status {};
-    const std::unique_ptr<char, decltype(&std::free)> whole(realpath(path.c_str(), nullptr), &std::free);
-    return whole != nullptr && stat(whole.get(), &status) == 0 && S_ISDIR(status.st_mode) ? whole.get() : "";
+    std::error_code failure;
+    const std::filesystem::path whole = std::filesystem::canonical(path, failure);
+    return !failure && std::filesystem::is_directory(whole, failure) ? whole.string() : "";
 }
 
 // Every thread, also those of the middleware, inherits the mask: signals are for the main thread's wait only.
@@ -62,36 +63,33 @@ sigset_t blockSignals() {
     return ending;
 }
 
-int run(const PracticeOptions& options, PracticeRouter& router) {
+int run(const Options& options, Router& router, RequestQueue& queue) {
     const sigset_t ending = blockSignals();
-    PracticeRequestQueue queue;
-    PracticeEndpoints endpoints;
+    Endpoints endpoints;
     std::string error;
-    if (!PracticeEndpoints_create(endpoints, options.domain, options.name, queue, error) ||
-        !PracticeEndpoints_enable(endpoints, error)) {
-        PracticeRequestQueue_close(queue);
-        PracticeEndpoints_close(endpoints);
+    if (!endpoints.open(options.domain, options.name, queue, error)) {
+        queue.close();
         return fail(EXIT_CANNOT_START, error);
     }
     std::printf("ready: %s in domain %d\n", options.name.c_str(), static_cast<int>(options.domain));
     std::fflush(stdout);
-    std::thread worker([&] { PracticeWorker_run(router, queue, endpoints, options); });
+    Worker worker(router, queue, endpoints, options);
+    std::thread thread([&] { worker.run(); });
     int signalNumber = 0;
     sigwait(&ending, &signalNumber);
-    PracticeRequestQueue_close(queue);
-    worker.join();
-    PracticeEndpoints_close(endpoints);
+    queue.close();
+    thread.join();
     return 0;
 }
 
 int start(int argc, char** argv) {
-    PracticeOptions options;
+    Options options;
     std::string error;
-    if (!PracticeOptions_parse(options, argc, argv, error)) {
+    if (!options.parse({argv + std::min(argc, 1), argv + argc}, error)) {
         return fail(EXIT_BAD_USAGE, error);
     }
     if (options.showsHelp) {
-        std::fputs(PracticeOptions_help().c_str(), stdout);
+        std::fputs(Options::help().c_str(), stdout);
         return 0;
     }
     if (options.showsVersion) {
@@ -104,18 +102,17 @@ int start(int argc, char** argv) {
         return fail(EXIT_BAD_USAGE,
                     "--save-dir " + options.saveDirectory + " is no directory; name an existing one");
     }
-    if (PracticeSaveFile_nameFor(options.name).empty()) {
+    if (saveFileName(options.name).empty()) {
         return fail(EXIT_BAD_USAGE, "--name is too long for the file that save writes; choose a shorter one");
     }
     ROUTER_setProductId(options.isFederation ? ROUTER_PRODUCT_FEDERATION_SERVICE
                                              : ROUTER_PRODUCT_ROUTING_SERVICE);
-    PracticeRouter router{
-        .name = options.name, .saveDirectory = saveDirectory, .configuration = {}, .uploads = {}};
-    router.uploads.countsOnly = options.countsOnly;
+    RequestQueue queue;
+    Router router(options.name, saveDirectory, options.countsOnly, queue.ending());
     if (!loadStartDocument(router, options.configurationFile, error)) {
         return fail(EXIT_CANNOT_START, error);
     }
-    return run(options, router);
+    return run(options, router, queue);
 }
 
 } // namespace

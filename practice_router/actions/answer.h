@@ -8,19 +8,19 @@
 
 #include <string>
 
-struct PracticeAnswer {
+namespace zul::practice {
+
+struct Answer {
     ZUL_RoutingService_Administration_CommandResponseKind kind;
     std::string text;
+
+    static Answer ok(std::string text) { return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK, std::move(text)}; }
+    static Answer error(std::string_view text) {
+        return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR, shortened(text, MAX_FAILURE)};
+    }
+    static Answer notFound(std::string_view text) {
+        return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND, shortened(text, MAX_FAILURE)};
+    }
 };
 
-inline PracticeAnswer PracticeAnswer_ok(std::string text) {
-    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK, std::move(text)};
-}
-inline PracticeAnswer PracticeAnswer_error(std::string_view text) {
-    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR,
-            zul::practice::shortened(text, zul::practice::MAX_FAILURE)};
-}
-inline PracticeAnswer PracticeAnswer_notFound(std::string_view text) {
-    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND,
-            zul::practice::shortened(text, zul::practice::MAX_FAILURE)};
-}
+} // namespace zul::practice

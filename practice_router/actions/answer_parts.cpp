@@ -5,14 +5,18 @@
 
 #include <algorithm>
 
-std::vector<std::string_view> PracticeAnswerParts_split(std::string_view text, std::size_t atLeast) {
+namespace zul::practice {
+
+std::vector<std::string_view> answerParts(std::string_view text, std::size_t atLeast) {
     std::vector<std::string_view> parts;
     do {
         const std::size_t missing = atLeast > parts.size() ? atLeast - parts.size() : 1;
         const std::size_t share = std::min<std::size_t>(text.size() / missing, admin::XML_CONTENT_BOUND);
-        const std::size_t length = zul::practice::wholeCharacters(text, share);
+        const std::size_t length = wholeCharacters(text, share);
         parts.push_back(text.substr(0, length));
         text.remove_prefix(length);
     } while (!text.empty() || parts.size() < atLeast);
     return parts;
 }
+
+} // namespace zul::practice

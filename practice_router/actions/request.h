@@ -8,19 +8,21 @@
 #include <string>
 #include <vector>
 
-// The GUID of the writer that a request came from. Its first twelve bytes are those of the participant.
-using PracticeWriterGuid = std::array<std::uint8_t, 16>;
-constexpr std::size_t PRACTICE_GUID_PREFIX = 12;
+namespace zul::practice {
 
-struct PracticeRequestId {
+// The GUID of the writer that a request came from. Its first twelve bytes are those of the participant.
+using WriterGuid = std::array<std::uint8_t, 16>;
+constexpr std::size_t GUID_PREFIX = 12;
+
+struct RequestId {
     std::int32_t host;
     std::int32_t app;
     std::int32_t invocation;
-    bool operator==(const PracticeRequestId&) const = default;
+    bool operator==(const RequestId&) const = default;
 };
 
-struct PracticeRequest {
-    PracticeRequestId id{};
+struct Request {
+    RequestId id{};
     std::string target; // name of the router addressed, or "*" for every router
     ZUL_RoutingService_Administration_CommandKind kind{};
     std::string entity;             // the entity, parent, configuration or domain route that the kind names
@@ -28,13 +30,13 @@ struct PracticeRequest {
     std::string content;            // XML URL, or a piece of one
     bool isFirstParticipant = true; // add_peer
     std::vector<std::string> peers; // add_peer
-    PracticeWriterGuid writer{};
+    WriterGuid writer{};
 };
 
-constexpr const char* PRACTICE_EVERY_ROUTER = "*";
+constexpr const char* EVERY_ROUTER = "*";
 
 // "ENABLE" and so on; "UNKNOWN" for a value that is none.
-constexpr const char* PracticeRequest_kindName(std::int32_t kind) {
+constexpr const char* kindName(std::int32_t kind) {
     switch (kind) {
 #define X(name, value)                                                                                       \
     case value:                                                                                              \
@@ -45,3 +47,5 @@ constexpr const char* PracticeRequest_kindName(std::int32_t kind) {
         return "UNKNOWN";
     }
 }
+
+} // namespace zul::practice

@@ -4,137 +4,108 @@
 #include "practice_router/actions/save_file.h"
 #include "practice_router/actions/xml_url.h"
 
+#include <algorithm>
+
+namespace zul::practice {
+
 namespace {
 
-// What an action works on. `xml` is the text behind an XML URL, for the kinds that carry one.
+// What an action works on. `xml` is the text that an XML URL stands for, for the kinds that carry one.
 struct Task {
-    PracticeRouter& router;
-    const PracticeRequest& request;
+    Router& router;
+    Configuration& configuration; // the router's
+    const Request& request;
     const std::string& entity;
     std::string_view xml;
 };
 
-PracticeAnswer announce(const Task& task) {
-    return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT, task.router.name};
+Answer save(const Task& task) {
+    return writeSaveFile(task.router.saveDirectory(), task.router.name(), task.configuration.text());
 }
 
-PracticeAnswer load(const Task& task) {
-    return PracticeConfiguration_load(task.router.configuration, task.xml, task.entity);
-}
-
-PracticeAnswer update(const Task& task) {
-    return PracticeConfiguration_update(task.router.configuration, task.entity, task.xml);
-}
-
-PracticeAnswer create(const Task& task) {
-    return PracticeConfiguration_create(task.router.configuration, task.entity, task.xml);
-}
-
-PracticeAnswer refuseInsert(const Task&) {
-    return PracticeAnswer_error("insert is not supported by this router; use create");
-}
-
-PracticeAnswer unload(const Task& task) {
-    return PracticeConfiguration_unload(task.router.configuration);
-}
-
-PracticeAnswer remove(const Task& task) {
-    return PracticeConfiguration_remove(task.router.configuration, task.entity);
-}
-
-PracticeAnswer get(const Task& task) {
-    return PracticeAnswer_ok(PracticeConfiguration_text(task.router.configuration));
-}
-
-PracticeAnswer save(const Task& task) {
-    return PracticeSaveFile_write(task.router.saveDirectory, task.router.name,
-                                  PracticeConfiguration_text(task.router.configuration));
-}
-
-PracticeAnswer addPeer(const Task& task) {
-    return PracticeConfiguration_addPeers(task.router.configuration, task.entity,
-                                          task.request.isFirstParticipant, task.request.peers);
-}
-
-template <PracticeStateChange change>
-PracticeAnswer changeState(const Task& task) {
-    return PracticeConfiguration_changeState(task.router.configuration, change, task.entity);
+template <StateChange change>
+Answer changeState(const Task& task) {
+    return task.configuration.changeState(change, task.entity);
 }
 
 struct Action {
     ZUL_RoutingService_Administration_CommandKind kind;
     bool carriesXml;         // the request, or several of them, hold an XML URL
     bool needsConfiguration; // refused while none is loaded
-    PracticeAnswer (*act)(const Task&);
+    Answer (*act)(const Task&);
 };
+// clang-format off
 constexpr Action ACTIONS[] = {
-    {ZUL_ROUTING_SERVICE_COMMAND_LOAD, true, false, load},
-    {ZUL_ROUTING_SERVICE_COMMAND_UNLOAD, false, true, unload},
-    {ZUL_ROUTING_SERVICE_COMMAND_INSERT, true, true, refuseInsert},
-    {ZUL_ROUTING_SERVICE_COMMAND_UPDATE, true, true, update},
-    {ZUL_ROUTING_SERVICE_COMMAND_PAUSE, false, true, changeState<PracticeStateChange::PAUSE>},
-    {ZUL_ROUTING_SERVICE_COMMAND_RESUME, false, true, changeState<PracticeStateChange::RESUME>},
-    {ZUL_ROUTING_SERVICE_COMMAND_ENABLE, false, true, changeState<PracticeStateChange::ENABLE>},
-    {ZUL_ROUTING_SERVICE_COMMAND_DISABLE, false, true, changeState<PracticeStateChange::DISABLE>},
-    {ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, false, false, announce},
-    {ZUL_ROUTING_SERVICE_COMMAND_CREATE, true, true, create},
-    {ZUL_ROUTING_SERVICE_COMMAND_DELETE, false, true, remove},
+    {ZUL_ROUTING_SERVICE_COMMAND_LOAD, true, false,
+     [](const Task& task) { return task.configuration.load(task.xml, task.entity); }},
+    {ZUL_ROUTING_SERVICE_COMMAND_UNLOAD, false, true,
+     [](const Task& task) { return task.configuration.unload(); }},
+    {ZUL_ROUTING_SERVICE_COMMAND_INSERT, true, true,
+     [](const Task&) { return Answer::error("insert is not supported by this router; use create"); }},
+    {ZUL_ROUTING_SERVICE_COMMAND_UPDATE, true, true,
+     [](const Task& task) { return task.configuration.update(task.entity, task.xml); }},
+    {ZUL_ROUTING_SERVICE_COMMAND_PAUSE, false, true, changeState<StateChange::PAUSE>},
+    {ZUL_ROUTING_SERVICE_COMMAND_RESUME, false, true, changeState<StateChange::RESUME>},
+    {ZUL_ROUTING_SERVICE_COMMAND_ENABLE, false, true, changeState<StateChange::ENABLE>},
+    {ZUL_ROUTING_SERVICE_COMMAND_DISABLE, false, true, changeState<StateChange::DISABLE>},
+    {ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, false, false,
+     [](const Task& task) {
+         return Answer{ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT, task.router.name()};
+     }},
+    {ZUL_ROUTING_SERVICE_COMMAND_CREATE, true, true,
+     [](const Task& task) { return task.configuration.create(task.entity, task.xml); }},
+    {ZUL_ROUTING_SERVICE_COMMAND_DELETE, false, true,
+     [](const Task& task) { return task.configuration.remove(task.entity); }},
     {ZUL_ROUTING_SERVICE_COMMAND_SAVE, false, true, save},
-    {ZUL_ROUTING_SERVICE_COMMAND_GET, false, true, get},
-    {ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, false, true, addPeer},
+    {ZUL_ROUTING_SERVICE_COMMAND_GET, false, true,
+     [](const Task& task) { return Answer::ok(task.configuration.text()); }},
+    {ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, false, true,
+     [](const Task& task) {
+         return task.configuration.addPeers(task.entity, task.request.isFirstParticipant, task.request.peers);
+     }},
 };
+// clang-format on
 
-const Action* findAction(ZUL_RoutingService_Administration_CommandKind kind) {
-    for (const Action& action : ACTIONS) {
-        if (action.kind == kind) {
-            return &action;
-        }
-    }
-    return nullptr;
-}
-
-PracticeAnswer actOnUpload(PracticeRouter& self, const Action& action, const PracticeRequest& request,
-                           const PracticeUpload& upload) {
-    if (self.uploads.countsOnly) {
-        return PracticeAnswer_ok("counted " + std::to_string(upload.bytes) + " bytes in " +
-                                 std::to_string(upload.pieces) + " pieces");
+Answer actOnUpload(const Action& action, Task task, const Upload& upload, bool countsOnly) {
+    if (countsOnly) {
+        return Answer::ok("counted " + std::to_string(upload.bytes) + " bytes in " +
+                          std::to_string(upload.pieces) + " pieces");
     }
     if (upload.isTooLarge) {
-        return PracticeAnswer_error("the XML has " + std::to_string(upload.bytes) + " bytes; at most " +
-                                    std::to_string(PRACTICE_UPLOAD_MAX_SIZE) + " are accepted");
+        return Answer::error("the XML has " + std::to_string(upload.bytes) + " bytes; at most " +
+                             std::to_string(MAX_UPLOAD_SIZE) + " are accepted");
     }
     std::string error;
-    const std::optional<std::string> xml = PracticeXmlUrl_read(upload.text, error);
-    return xml ? action.act({self, request, upload.entity, *xml}) : PracticeAnswer_error(error);
+    const std::optional<std::string> xml = readXmlUrl(upload.text, error);
+    if (!xml) {
+        return Answer::error(error);
+    }
+    task.xml = *xml;
+    return action.act(task);
 }
 
 } // namespace
 
-bool PracticeRouter_isAddressed(const PracticeRouter& self, const PracticeRequest& request) {
-    return request.target == self.name || request.target == PRACTICE_EVERY_ROUTER;
-}
-
-void PracticeRouter_overhear(PracticeRouter& self, const PracticeRequest& request) {
-    PracticeUploads_interrupt(self.uploads, request);
-}
-
-std::optional<PracticeAnswer> PracticeRouter_handle(PracticeRouter& self, const PracticeRequest& request) {
-    const Action* action = findAction(request.kind);
-    std::optional<PracticeUpload> upload;
-    if (action != nullptr && action->carriesXml) {
-        upload = PracticeUploads_add(self.uploads, request);
+std::optional<Answer> Router::handle(const Request& request) {
+    const auto* action = std::ranges::find(ACTIONS, request.kind, &Action::kind);
+    const bool isKnown = action != std::end(ACTIONS);
+    std::optional<Upload> upload;
+    if (isKnown && action->carriesXml) {
+        upload = uploads_.add(request);
         if (!upload) {
             return std::nullopt;
         }
     } else {
-        PracticeUploads_interrupt(self.uploads, request);
+        uploads_.interrupt(request);
     }
-    if (action == nullptr) {
-        return PracticeAnswer_error("unknown command " + std::to_string(request.kind));
+    if (!isKnown) {
+        return Answer::error("unknown command " + std::to_string(request.kind));
     }
-    if (action->needsConfiguration && self.configuration.document == nullptr) {
-        return PracticeAnswer_error("no configuration is loaded; load one first");
+    if (action->needsConfiguration && !configuration_.isLoaded()) {
+        return Answer::error("no configuration is loaded; load one first");
     }
-    return upload ? actOnUpload(self, *action, request, *upload)
-                  : action->act({self, request, request.entity, {}});
+    const Task task{*this, configuration_, request, upload ? upload->entity : request.entity, {}};
+    return upload ? actOnUpload(*action, task, *upload, uploads_.countsOnly()) : action->act(task);
 }
+
+} // namespace zul::practice

@@ -9,17 +9,35 @@
 #include <optional>
 #include <string>
 
-struct PracticeRouter {
-    std::string name;
-    std::string saveDirectory; // where save writes its file
-    PracticeConfiguration configuration;
-    PracticeUploads uploads;
+namespace zul::practice {
+
+class Router {
+public:
+    // `saveDirectory` is where save writes its file. Asked to stop, what is under way gives up soon.
+    Router(std::string name, std::string saveDirectory, bool countsOnly = false, std::stop_token stop = {})
+        : name_(std::move(name)),
+          saveDirectory_(std::move(saveDirectory)),
+          configuration_(std::move(stop)),
+          uploads_(countsOnly) {}
+
+    bool isAddressed(const Request& request) const {
+        return request.target == name_ || request.target == EVERY_ROUTER;
+    }
+    // Acts on a request addressed to this router. Nothing: it was a piece of a text that is not complete yet.
+    std::optional<Answer> handle(const Request& request);
+    // To be told of a request addressed to another router: its client has begun something new.
+    void overhear(const Request& request) { uploads_.interrupt(request); }
+
+    const std::string& name() const { return name_; }
+    const std::string& saveDirectory() const { return saveDirectory_; }
+    Configuration& configuration() { return configuration_; }
+    const Uploads& uploads() const { return uploads_; }
+
+private:
+    std::string name_;
+    std::string saveDirectory_;
+    Configuration configuration_;
+    Uploads uploads_;
 };
 
-bool PracticeRouter_isAddressed(const PracticeRouter& self, const PracticeRequest& request);
-
-// Acts on a request addressed to this router. Nothing: it was a piece of a text that is not complete yet.
-std::optional<PracticeAnswer> PracticeRouter_handle(PracticeRouter& self, const PracticeRequest& request);
-
-// To be told of a request addressed to another router: its client has begun something new.
-void PracticeRouter_overhear(PracticeRouter& self, const PracticeRequest& request);
+} // namespace zul::practice

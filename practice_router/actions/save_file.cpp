@@ -10,6 +10,8 @@
 #include <system_error>
 #include <unistd.h>
 
+namespace zul::practice {
+
 namespace {
 
 constexpr std::string_view EXTENSION = ".xml";
@@ -78,7 +80,7 @@ int replace(const std::string& directory, const std::string& path, std::string_v
 
 } // namespace
 
-std::string PracticeSaveFile_nameFor(std::string_view routerName) {
+std::string saveFileName(std::string_view routerName) {
     constexpr const char* DIGITS = "0123456789ABCDEF";
     std::string name;
     for (const char c : routerName) {
@@ -93,14 +95,14 @@ std::string PracticeSaveFile_nameFor(std::string_view routerName) {
     return name.size() <= NAME_MAX ? name : "";
 }
 
-PracticeAnswer PracticeSaveFile_write(const std::string& directory, std::string_view routerName,
-                                      std::string_view text) {
-    const std::string path = directory + "/" + PracticeSaveFile_nameFor(routerName);
+Answer writeSaveFile(const std::string& directory, std::string_view routerName, std::string_view text) {
+    const std::string path = directory + "/" + saveFileName(routerName);
     const int reason = replace(directory, path, text);
     if (reason != 0) {
-        return PracticeAnswer_error("cannot write the file " + path + ": " +
-                                    std::system_category().message(reason));
+        return Answer::error("cannot write the file " + path + ": " + std::system_category().message(reason));
     }
     syncDirectory(directory);
-    return PracticeAnswer_ok("saved the configuration to " + path);
+    return Answer::ok("saved the configuration to " + path);
 }
+
+} // namespace zul::practice

@@ -12,12 +12,14 @@
 #include <optional>
 #include <string>
 
-constexpr std::size_t PRACTICE_UPLOAD_MAX_SIZE = PRACTICE_XML_MAX_SIZE + 16; // bytes: a document in its URL
-constexpr std::size_t PRACTICE_MAX_PENDING_UPLOADS = 16; // beyond it the one that rested longest is dropped
+namespace zul::practice {
 
-struct PracticeUpload {
-    PracticeWriterGuid writer{};
-    PracticeRequestId id{};
+constexpr std::size_t MAX_UPLOAD_SIZE = MAX_DOCUMENT_SIZE + 16; // bytes: a document in its URL
+constexpr std::size_t MAX_PENDING_UPLOADS = 16; // beyond it the one that rested longest is dropped
+
+struct Upload {
+    WriterGuid writer{};
+    RequestId id{};
     ZUL_RoutingService_Administration_CommandKind kind{};
     std::string entity;    // as the first piece names it
     std::string text;      // empty when only bytes are counted, or when it is too large
@@ -26,15 +28,27 @@ struct PracticeUpload {
     bool isTooLarge = false;
 };
 
-struct PracticeUploads {
-    bool countsOnly = false; // no text is kept, and none is too large
-    std::deque<PracticeUpload> pending;
+class Uploads {
+public:
+    // Counting only, no text is kept, and none is too large.
+    explicit Uploads(bool countsOnly = false) : countsOnly_(countsOnly) {}
+
+    // Takes in one piece. Returns the upload when this was its last piece.
+    std::optional<Upload> add(const Request& piece);
+    // The unfinished upload that a piece has just been added to; null when there is none. Valid until the
+    // next call.
+    const Upload* find(const Request& piece) const;
+    // Drops the unfinished upload of a client that has sent `other`, which is no piece for this router.
+    void interrupt(const Request& other);
+
+    bool countsOnly() const { return countsOnly_; }
+    std::size_t pending() const { return pending_.size(); }
+
+private:
+    Upload continued(const Request& piece);
+
+    bool countsOnly_;
+    std::deque<Upload> pending_;
 };
 
-// Takes in one piece. Returns the upload when this was its last piece.
-std::optional<PracticeUpload> PracticeUploads_add(PracticeUploads& self, const PracticeRequest& piece);
-// The unfinished upload that a piece has just been added to; null when there is none. Valid until the next
-// call.
-const PracticeUpload* PracticeUploads_find(const PracticeUploads& self, const PracticeRequest& piece);
-// Drops the unfinished upload of a client that has sent `other`, which is no piece for this router.
-void PracticeUploads_interrupt(PracticeUploads& self, const PracticeRequest& other);
+} // namespace zul::practice

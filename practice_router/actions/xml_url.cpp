@@ -1,5 +1,7 @@
+// A file is opened without waiting and read up to the limit.
 #include "practice_router/actions/xml_url.h"
 
+#include "practice_router/document/text.h"
 #include "practice_router/document/xml.h"
 
 #include <cerrno>
@@ -8,17 +10,12 @@
 #include <system_error>
 #include <unistd.h>
 
+namespace zul::practice {
+
 namespace {
 
 constexpr std::string_view INLINE_SCHEME = "str://";
 constexpr std::string_view FILE_SCHEME = "file://";
-constexpr std::string_view BLANKS = " \t\r\n";
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
-}
 
 struct File {
     int descriptor;
@@ -49,8 +46,8 @@ std::string readInto(const std::string& path, std::string& content) {
     ssize_t count = 0;
     while ((count = read(file.descriptor, block, sizeof(block))) > 0) {
         content.append(block, static_cast<std::size_t>(count));
-        if (content.size() > PRACTICE_XML_MAX_SIZE) {
-            return "it has more than " + std::to_string(PRACTICE_XML_MAX_SIZE) + " bytes";
+        if (content.size() > MAX_DOCUMENT_SIZE) {
+            return "it has more than " + std::to_string(MAX_DOCUMENT_SIZE) + " bytes";
         }
     }
     return count < 0 ? systemError() : "";
@@ -58,7 +55,7 @@ std::string readInto(const std::string& path, std::string& content) {
 
 } // namespace
 
-std::optional<std::string> PracticeXmlUrl_readFile(const std::string& path, std::string& error) {
+std::optional<std::string> readFile(const std::string& path, std::string& error) {
     std::string content;
     const std::string reason = readInto(path, content);
     if (!reason.empty()) {
@@ -68,9 +65,9 @@ std::optional<std::string> PracticeXmlUrl_readFile(const std::string& path, std:
     return content;
 }
 
-std::optional<std::string> PracticeXmlUrl_read(std::string_view url, std::string& error) {
+std::optional<std::string> readXmlUrl(std::string_view url, std::string& error) {
     if (url.starts_with(FILE_SCHEME)) {
-        return PracticeXmlUrl_readFile(std::string(trimmed(url.substr(FILE_SCHEME.size()))), error);
+        return readFile(std::string(trimmed(url.substr(FILE_SCHEME.size()))), error);
     }
     if (!url.starts_with(INLINE_SCHEME)) {
         error = "the XML is not complete: it must begin with str:// or file://; send it again";
@@ -86,3 +83,5 @@ std::optional<std::string> PracticeXmlUrl_read(std::string_view url, std::string
     }
     return std::string(xml);
 }
+
+} // namespace zul::practice

@@ -1,3 +1,5 @@
+// Look-ups by tag, by tag and identity, and by the names of entities; the state of the content model after
+// the last child.
 #include "practice_router/document/children.h"
 
 #include "practice_router/document/entity.h"
@@ -12,25 +14,30 @@ std::string keyOf(std::string_view tag, const std::string& identity) {
     return std::string(tag) + '\0' + identity;
 }
 
+// What a map holds for a key; an empty value when it holds nothing.
+template <class Map>
+typename Map::mapped_type lookUp(const Map& map, const std::string& key) {
+    const auto found = map.find(key);
+    return found != map.end() ? found->second : typename Map::mapped_type{};
+}
+
 } // namespace
 
 std::string identityOf(const xmlNode* element) {
-    if (PracticeNode_tag(element) != "element") {
-        return PracticeNode_name(element);
+    if (tagOf(element) != "element") {
+        return nameOf(element);
     }
-    for (const xmlNode* part = PracticeNode_firstChild(element); part != nullptr;
-         part = PracticeNode_next(part)) {
-        if (PracticeNode_tag(part) == "name") {
-            return PracticeNode_text(part);
+    for (xmlNode* part : elementsIn(element)) {
+        if (tagOf(part) == "name") {
+            return textOf(part);
         }
     }
-    return PracticeNode_text(element);
+    return textOf(element);
 }
 
 Children::Children(xmlNode* parent, const ContentModel& content, Layout& layout)
     : parent_(parent), content_(content), layout_(layout) {
-    for (xmlNode* child = PracticeNode_firstChild(parent); child != nullptr;
-         child = PracticeNode_next(child)) {
+    for (xmlNode* child : elementsIn(parent)) {
         note(child);
     }
     findEnd();
@@ -38,14 +45,13 @@ Children::Children(xmlNode* parent, const ContentModel& content, Layout& layout)
 
 void Children::findEnd() {
     end_ = content_.begin();
-    for (const xmlNode* child = PracticeNode_firstChild(parent_); child != nullptr;
-         child = PracticeNode_next(child)) {
-        end_ = content_.after(end_, PracticeNode_tag(child)).value_or(ContentModel::State{});
+    for (xmlNode* child : elementsIn(parent_)) {
+        end_ = content_.after(end_, tagOf(child)).value_or(ContentModel::State{});
     }
 }
 
 void Children::note(xmlNode* child) {
-    const std::string_view tag = PracticeNode_tag(child);
+    const std::string_view tag = tagOf(child);
     const std::string identity = identityOf(child);
     Tagged& tagged = byTag_[std::string(tag)];
     tagged.last = child;
@@ -53,39 +59,35 @@ void Children::note(xmlNode* child) {
     if (!identity.empty()) {
         byIdentity_[keyOf(tag, identity)] = child;
     }
-    if (PracticeEntity_level(tag)) {
-        entities_.emplace(PracticeNode_name(child), child);
+    if (levelOf(child)) {
+        entities_.emplace(nameOf(child), child);
     }
 }
 
 xmlNode* Children::find(std::string_view tag, const std::string& identity) const {
-    const auto found = byIdentity_.find(keyOf(tag, identity));
-    return found != byIdentity_.end() ? found->second : nullptr;
+    return lookUp(byIdentity_, keyOf(tag, identity));
 }
 
 xmlNode* Children::findLast(std::string_view tag) const {
-    const auto found = byTag_.find(std::string(tag));
-    return found != byTag_.end() ? found->second.last : nullptr;
+    return lookUp(byTag_, std::string(tag)).last;
 }
 
 xmlNode* Children::findEntity(std::string_view name) const {
-    const auto found = entities_.find(std::string(name));
-    return found != entities_.end() ? found->second : nullptr;
+    return lookUp(entities_, std::string(name));
 }
 
 bool Children::hasSeveral(std::string_view tag) const {
-    const auto found = byTag_.find(std::string(tag));
-    return found != byTag_.end() && found->second.count > 1;
+    return lookUp(byTag_, std::string(tag)).count > 1;
 }
 
 bool Children::insert(xmlNode* child, std::string& error) {
-    const std::string_view tag = PracticeNode_tag(child);
+    const std::string_view tag = tagOf(child);
     const auto atEnd = content_.after(end_, tag);
     const bool fitsAtEnd = atEnd && atEnd->isComplete;
     const std::optional<xmlNode*> place =
         fitsAtEnd ? std::optional<xmlNode*>(nullptr) : content_.placeFor(tag, parent_);
     if (!place) {
-        error = shortened(tag) + " has no place in " + PracticeNode_describe(parent_) +
+        error = shortened(tag) + " has no place in " + describe(parent_) +
                 "; after its other elements may come " + content_.expected(end_);
         return false;
     }

@@ -3,7 +3,6 @@
 #include "practice_router/document/definition.h"
 
 #include "practice_router/document/text.h"
-#include "practice_router/document/xml.h"
 #include "practice_router/document/xml_nodes.h"
 #include "product/product_info.h"
 
@@ -22,10 +21,6 @@ namespace {
 
 constexpr std::size_t MAX_POSITIONS = 64;
 constexpr std::size_t MAX_LISTED = 16; // words in one list of what was expected
-
-std::string_view toView(const xmlChar* text) {
-    return reinterpret_cast<const char*>(text);
-}
 
 // "a, b or c", without repetitions.
 std::string listed(const std::vector<std::string>& words) {
@@ -116,11 +111,10 @@ std::optional<xmlNode*> ContentModel::placeFor(std::string_view tag, const xmlNo
     std::vector<Positions> nextAt; // what may come before each child, and at the end
     std::optional<State> state = begin_;
     std::vector<xmlNode*> children;
-    for (xmlNode* child = PracticeNode_firstChild(parent); child != nullptr && state;
-         child = PracticeNode_next(child)) {
+    for (xmlNode* child = firstChild(parent); child != nullptr && state; child = nextElement(child)) {
         nextAt.push_back(state->next);
         children.push_back(child);
-        state = after(*state, PracticeNode_tag(child));
+        state = after(*state, tagOf(child));
     }
     if (!state) {
         return std::nullopt;
@@ -134,7 +128,7 @@ std::optional<xmlNode*> ContentModel::placeFor(std::string_view tag, const xmlNo
         if (i == 0) {
             return std::nullopt;
         }
-        const Positions child = positionsOf(PracticeNode_tag(children[i - 1])) & fitting;
+        const Positions child = positionsOf(tagOf(children[i - 1])) & fitting;
         fitting = 0;
         for (std::size_t position = 0; position < follow_.size(); ++position) {
             fitting |= (follow_[position] & child) != 0 ? Positions{1} << position : 0;
@@ -193,7 +187,7 @@ const Definition* Definition::ofProduct() {
         }
         xmlParserInputBuffer* input =
             xmlParserInputBufferCreateMem(text.data(), static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
-        const std::unique_ptr<xmlDtd, PracticeXmlDeleter> dtd(
+        const std::unique_ptr<xmlDtd, XmlDeleter> dtd(
             input != nullptr ? xmlIOParseDTD(nullptr, input, XML_CHAR_ENCODING_NONE) : nullptr);
         if (dtd != nullptr) {
             definition = std::make_unique<const Definition>(*dtd);
@@ -208,9 +202,9 @@ const ContentModel* Definition::contentOf(std::string_view tag) const {
 }
 
 std::optional<Definition::Fault> Definition::faultIn(const xmlNode* element) const {
-    const auto rule = rules_.find(PracticeNode_tag(element));
+    const auto rule = rules_.find(tagOf(element));
     if (rule == rules_.end()) {
-        return Fault{element, PracticeNode_describe(element) + " is not known"};
+        return Fault{element, describe(element) + " is not known"};
     }
     std::optional<Fault> fault = faultInAttributes(rule->second, element);
     return fault ? fault : faultInContent(rule->second, element);
@@ -218,7 +212,7 @@ std::optional<Definition::Fault> Definition::faultIn(const xmlNode* element) con
 
 std::optional<Definition::Fault> Definition::faultInAttributes(const Rule& rule, const xmlNode* element) {
     for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
-        if (PracticeXml_isSchemaLocation(attribute)) {
+        if (isSchemaLocation(attribute)) {
             continue;
         }
         const std::string_view name = toView(attribute->name);
@@ -229,21 +223,18 @@ std::optional<Definition::Fault> Definition::faultInAttributes(const Rule& rule,
             for (const Attribute& each : rule.attributes) {
                 names.push_back(each.name);
             }
-            return Fault{element, PracticeNode_describe(element) + " has no attribute " + shortened(name) +
-                                      "; expected " + (names.empty() ? "no attribute" : listed(names))};
+            return Fault{element, describe(element) + " has no attribute " + shortened(name) + "; expected " +
+                                      (names.empty() ? "no attribute" : listed(names))};
         }
-        const std::string value = PracticeNode_attribute(element, declared->name.c_str());
+        const std::string value = attributeOf(element, declared->name.c_str());
         if (!declared->words.empty() && std::ranges::find(declared->words, value) == declared->words.end()) {
-            return Fault{element, "the attribute " + declared->name + " of " +
-                                      PracticeNode_describe(element) + " is " + quoted(value) +
-                                      "; expected " + listed(declared->words)};
+            return Fault{element, "the attribute " + declared->name + " of " + describe(element) + " is " +
+                                      quoted(value) + "; expected " + listed(declared->words)};
         }
     }
     for (const Attribute& each : rule.attributes) {
-        if (each.isRequired &&
-            xmlHasProp(element, reinterpret_cast<const xmlChar*>(each.name.c_str())) == nullptr) {
-            return Fault{element,
-                         PracticeNode_describe(element) + " lacks an attribute; expected " + each.name};
+        if (each.isRequired && xmlHasProp(element, toXml(each.name)) == nullptr) {
+            return Fault{element, describe(element) + " lacks an attribute; expected " + each.name};
         }
     }
     return std::nullopt;
@@ -251,31 +242,27 @@ std::optional<Definition::Fault> Definition::faultInAttributes(const Rule& rule,
 
 std::optional<Definition::Fault> Definition::faultInContent(const Rule& rule, const xmlNode* element) {
     if (rule.isEmpty && element->children != nullptr) {
-        return Fault{element, PracticeNode_describe(element) + " has content; expected none"};
+        return Fault{element, describe(element) + " has content; expected none"};
     }
     ContentModel::State state = rule.content.begin();
     for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-        const bool isText = (child->type == XML_TEXT_NODE && xmlIsBlankNode(child) == 0) ||
-                            child->type == XML_CDATA_SECTION_NODE;
-        if (isText && !rule.allowsText) {
-            return Fault{element, PracticeNode_describe(element) + " holds text; expected " +
-                                      rule.content.expected(state)};
+        if (isText(child) && !rule.allowsText) {
+            return Fault{element,
+                         describe(element) + " holds text; expected " + rule.content.expected(state)};
         }
         if (child->type != XML_ELEMENT_NODE) {
             continue;
         }
-        const auto next = rule.content.after(state, PracticeNode_tag(child));
+        const auto next = rule.content.after(state, tagOf(child));
         if (!next) {
-            return Fault{child, PracticeNode_describe(child) + " cannot stand here in " +
-                                    PracticeNode_describe(element) + "; expected " +
-                                    rule.content.expected(state)};
+            return Fault{child, describe(child) + " cannot stand here in " + describe(element) +
+                                    "; expected " + rule.content.expected(state)};
         }
         state = *next;
     }
-    return state.isComplete
-               ? std::nullopt
-               : std::optional(Fault{element, PracticeNode_describe(element) + " is not complete; expected " +
-                                                  rule.content.expected(state)});
+    return state.isComplete ? std::nullopt
+                            : std::optional(Fault{element, describe(element) + " is not complete; expected " +
+                                                               rule.content.expected(state)});
 }
 
 } // namespace zul::practice

@@ -15,7 +15,7 @@
 
 namespace zul::practice {
 
-// Which elements may stand in an element, and in which order: the occurrences of names in the content model
+// Which elements an element may hold, and in which order: the occurrences of names in the content model
 // are numbered (its positions), and for each is known which may come next.
 class ContentModel {
 public:
@@ -35,7 +35,7 @@ public:
     // The last place among the children of `parent` where one of that tag may go: the element that it goes
     // before, null for the end. Nothing: it can go nowhere.
     std::optional<xmlNode*> placeFor(std::string_view tag, const xmlNode* parent) const;
-    // Whether an element of that tag may stand there more than once.
+    // Whether an element of that tag may occur more than once.
     bool repeats(std::string_view tag) const;
     // What may come next, in words.
     std::string expected(const State& state) const;

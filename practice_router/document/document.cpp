@@ -1,3 +1,4 @@
+// What the definition cannot express is checked in the same walk as what it can.
 #include "practice_router/document/document.h"
 
 #include "middleware/dds/dds.h"
@@ -11,7 +12,7 @@
 #include <charconv>
 #include <set>
 
-using namespace zul::practice;
+namespace zul::practice {
 
 namespace {
 
@@ -22,8 +23,7 @@ bool isNameCharacter(char c) {
 }
 
 bool isName(std::string_view name) {
-    return !name.empty() && name.size() <= PRACTICE_ENTITY_NAME_MAX &&
-           std::all_of(name.begin(), name.end(), isNameCharacter);
+    return !name.empty() && name.size() <= MAX_ENTITY_NAME && std::ranges::all_of(name, isNameCharacter);
 }
 
 // Decimal with an optional sign, or hexadecimal after 0x; false for anything else or out of range.
@@ -43,8 +43,8 @@ bool isDomainId(std::string_view text) {
 
 // What is wrong with the name of an entity; empty when nothing is.
 std::string faultInName(const xmlNode* node, std::set<std::string>& siblings) {
-    const std::string name = PracticeNode_name(node);
-    const std::string what = "the name " + quoted(name) + " of this " + std::string(PracticeNode_tag(node));
+    const std::string name = nameOf(node);
+    const std::string what = "the name " + quoted(name) + " of this " + std::string(tagOf(node));
     if (!isName(name)) {
         return what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"";
     }
@@ -60,33 +60,32 @@ public:
     // in front of it.
     bool passes(const xmlNode* node, std::set<std::string>& siblings) {
         if (stop_.stop_requested()) {
-            error_ = PRACTICE_XML_STOPPED;
+            error_ = STOPPED;
             return false;
         }
         if (const auto fault = definition_.faultIn(node)) {
             return failed(fault->element, fault->what);
         }
-        const std::string wrong =
-            PracticeEntity_level(PracticeNode_tag(node)) ? faultInName(node, siblings) : "";
+        const std::string wrong = levelOf(node) ? faultInName(node, siblings) : "";
         if (!wrong.empty()) {
             return failed(node, wrong);
         }
-        if (PracticeNode_tag(node) == "domain_id" && !isDomainId(PracticeNode_text(node))) {
-            return failed(node, quoted(PracticeNode_text(node)) +
-                                    " is no domain id; expected an integer from 0 to " +
+        if (tagOf(node) == "domain_id" && !isDomainId(textOf(node))) {
+            return failed(node, quoted(textOf(node)) + " is no domain id; expected an integer from 0 to " +
                                     std::to_string(DDS_DOMAIN_ID_MAX));
         }
         std::set<std::string> names;
-        const xmlNode* child = PracticeNode_firstChild(node);
-        while (child != nullptr && passes(child, names)) {
-            child = PracticeNode_next(child);
+        for (const xmlNode* child : elementsIn(node)) {
+            if (!passes(child, names)) {
+                return false;
+            }
         }
-        return child == nullptr;
+        return true;
     }
 
 private:
     bool failed(const xmlNode* node, const std::string& what) {
-        error_ = "line " + std::to_string(PracticeXml_lineOf(node)) + ": " + what;
+        error_ = "line " + std::to_string(lineOf(node)) + ": " + what;
         return false;
     }
 
@@ -97,26 +96,24 @@ private:
 
 } // namespace
 
-bool PracticeDocument_isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::string& error) {
-    const xmlNode* root = xmlDocGetRootElement(document);
-    if (PracticeNode_tag(root) != ROOT_TAG) {
-        error = "line " + std::to_string(PracticeXml_lineOf(root)) + ": the root element is " +
-                PracticeNode_describe(root) + "; it must be dds";
-        return false;
+XmlDocument readDocument(std::string_view xml, const std::stop_token& stop, std::string& error) {
+    XmlDocument document = parseXml(xml, stop, error);
+    if (document == nullptr) {
+        return nullptr;
+    }
+    const xmlNode* root = xmlDocGetRootElement(document.get());
+    if (tagOf(root) != ROOT_TAG) {
+        error = "line " + std::to_string(lineOf(root)) + ": the root element is " + describe(root) +
+                "; it must be dds";
+        return nullptr;
     }
     const Definition* definition = Definition::ofProduct();
     if (definition == nullptr) {
         error = "out of memory";
-        return false;
+        return nullptr;
     }
     std::set<std::string> none;
-    return Check(*definition, stop, error).passes(root, none);
+    return Check(*definition, stop, error).passes(root, none) ? std::move(document) : nullptr;
 }
 
-PracticeXmlDocument PracticeDocument_read(std::string_view xml, const std::stop_token& stop,
-                                          std::string& error) {
-    PracticeXmlDocument document = PracticeXml_parse(xml, stop, error);
-    return document != nullptr && PracticeDocument_isAcceptable(document.get(), stop, error)
-               ? std::move(document)
-               : nullptr;
-}
+} // namespace zul::practice

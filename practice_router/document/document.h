@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
+namespace zul::practice {
+
 // Null unless the document may become active; `error` then names the line and what is wrong. Checked are the
 // product's document type definition and what it cannot express: the root, the names of entities (their
 // characters, and that siblings differ) and the range of domain ids. Gives up soon when asked to stop.
-PracticeXmlDocument PracticeDocument_read(std::string_view xml, const std::stop_token& stop,
-                                          std::string& error);
-// The same for a document that is there already. Lines are right only in one that was parsed.
-bool PracticeDocument_isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::string& error);
+XmlDocument readDocument(std::string_view xml, const std::stop_token& stop, std::string& error);
+
+} // namespace zul::practice

@@ -8,36 +8,39 @@
 #include <string>
 #include <string_view>
 
-// How deep an entity stands; its parent stands one level above.
-enum class PracticeEntityLevel { SERVICE, DOMAIN_ROUTE, SESSION, ROUTE };
+namespace zul::practice {
 
-constexpr std::string_view PRACTICE_PATH_SEPARATOR = "::";
-constexpr std::size_t PRACTICE_ENTITY_NAME_MAX = 254; // characters
+// How deep an entity is; its parent is one level above.
+enum class EntityLevel { SERVICE, DOMAIN_ROUTE, SESSION, ROUTE };
 
-// The level of an element by its tag; nothing for an element that is no entity.
-std::optional<PracticeEntityLevel> PracticeEntity_level(std::string_view tag);
+constexpr std::string_view PATH_SEPARATOR = "::";
+constexpr std::size_t MAX_ENTITY_NAME = 254; // characters
+
+// The level of an element; nothing for one that is no entity.
+std::optional<EntityLevel> levelOf(const xmlNode* element);
 // "a session or polling_session": the tags of a level, for messages.
-std::string PracticeEntity_describeLevel(PracticeEntityLevel level);
+std::string describeLevel(EntityLevel level);
 
-// The service element of that name in a document, or the first of all; null when there is none.
-xmlNode* PracticeEntity_findService(const xmlDoc* document, std::string_view name);
-xmlNode* PracticeEntity_firstService(const xmlDoc* document);
+// The service element of that name in a document, of no name the first of all; null when there is none.
+xmlNode* findService(const xmlDoc* document, std::string_view name = {});
 
 // The entity directly inside `parent` with that name; null when there is none.
-xmlNode* PracticeEntity_findChild(const xmlNode* parent, std::string_view name);
-// The entity at a path. The service's own name may stand in front; an empty path is the service itself.
-xmlNode* PracticeEntity_find(xmlNode* service, std::string_view path);
+xmlNode* findChild(const xmlNode* parent, std::string_view name);
+// The entity at a path. It may begin with the service's own name; an empty path is the service itself.
+xmlNode* findEntity(xmlNode* service, std::string_view path);
 // The path of an entity, empty for the service.
-std::string PracticeEntity_path(const xmlNode* entity);
+std::string pathOf(const xmlNode* entity);
 
 // What commands switch. It belongs to the element: the enabled attribute, where the definition has one, and
 // for the rest a mark that only the tree in memory bears.
-struct PracticeEntityState {
+struct EntityState {
     bool enabled;
     bool paused; // only while enabled
 };
-PracticeEntityState PracticeEntity_state(const xmlNode* entity);
+EntityState stateOf(const xmlNode* entity);
 // False when memory is exhausted.
-bool PracticeEntity_setState(xmlNode* entity, PracticeEntityState state);
+bool setState(xmlNode* entity, EntityState state);
 // Gives the marks of all entities in `from` to their counterparts in `to`, a copy of it.
-void PracticeEntity_carryMarks(const xmlNode* from, xmlNode* to);
+void carryMarks(const xmlNode* from, xmlNode* to);
+
+} // namespace zul::practice

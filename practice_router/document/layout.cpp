@@ -15,15 +15,11 @@ bool isBlank(const xmlNode* node) {
 }
 
 bool isLineStart(const xmlNode* node) {
-    return isBlank(node) && xmlStrchr(node->content, '\n') != nullptr;
+    return isBlank(node) && toView(node->content).find('\n') != std::string_view::npos;
 }
 
 bool isElement(const xmlNode* node) {
     return node != nullptr && node->type == XML_ELEMENT_NODE;
-}
-
-xmlNode* newText(const std::string& text) {
-    return xmlNewText(reinterpret_cast<const xmlChar*>(text.c_str()));
 }
 
 void removeNode(xmlNode* node) {
@@ -42,20 +38,18 @@ void removeBlanks(xmlNode* parent) {
 }
 
 bool holdsText(const xmlNode* parent) {
-    for (const xmlNode* child = parent->children; child != nullptr; child = child->next) {
-        if (child->type == XML_CDATA_SECTION_NODE || (child->type == XML_TEXT_NODE && !isBlank(child))) {
-            return true;
-        }
+    const xmlNode* child = parent->children;
+    while (child != nullptr && !isText(child)) {
+        child = child->next;
     }
-    return false;
+    return child != nullptr;
 }
 
 // A name and its value, as in a property, stay on one line.
 bool isPair(const xmlNode* element) {
-    bool isFlat = PracticeNode_tag(element) == "element";
-    for (const xmlNode* part = PracticeNode_firstChild(element); part != nullptr && isFlat;
-         part = PracticeNode_next(part)) {
-        isFlat = PracticeNode_firstChild(part) == nullptr;
+    bool isFlat = tagOf(element) == "element";
+    for (const xmlNode* part : elementsIn(element)) {
+        isFlat = isFlat && firstChild(part) == nullptr;
     }
     return isFlat;
 }
@@ -67,7 +61,7 @@ Layout::Layout(const xmlDoc* document) : unit_(USUAL_UNIT) {
     if (root == nullptr || !isLineStart(root->children)) {
         return;
     }
-    const std::string blanks = reinterpret_cast<const char*>(root->children->content);
+    const std::string_view blanks = toView(root->children->content);
     if (!blanks.ends_with('\n')) {
         unit_ = blanks.substr(blanks.rfind('\n') + 1);
     }
@@ -82,16 +76,10 @@ std::string Layout::indentationIn(const xmlNode* parent) const {
     return text;
 }
 
-void Layout::startLine(xmlNode* node) const {
-    xmlNode* blank = newText(indentationIn(node->parent));
-    if (blank != nullptr && xmlAddPrevSibling(node, blank) == nullptr) {
-        xmlFreeNode(blank);
-    }
-}
-
-void Layout::startEndTagLine(xmlNode* parent) const {
-    xmlNode* blank = newText(indentationIn(parent->parent));
-    if (blank != nullptr && xmlAddChild(parent, blank) == nullptr) {
+// A new line for `child`, or null: for the end tag of `parent`.
+void Layout::startLine(xmlNode* parent, xmlNode* child) const {
+    xmlNode* blank = xmlNewText(toXml(indentationIn(child != nullptr ? parent : parent->parent)));
+    if ((child != nullptr ? xmlAddPrevSibling(child, blank) : xmlAddChild(parent, blank)) == nullptr) {
         xmlFreeNode(blank);
     }
 }
@@ -99,9 +87,9 @@ void Layout::startEndTagLine(xmlNode* parent) const {
 void Layout::startLines(xmlNode* parent) const {
     removeBlanks(parent);
     for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
-        startLine(child);
+        startLine(parent, child);
     }
-    startEndTagLine(parent);
+    startLine(parent, nullptr);
 }
 
 // Whether the children of an element have a line each, after giving them one if nothing is in the way.
@@ -122,7 +110,7 @@ bool Layout::isInLines(xmlNode* parent) {
 
 // As deep as documents may be.
 void Layout::layOutInside(xmlNode* element) const {
-    if (PracticeNode_firstChild(element) == nullptr || holdsText(element)) {
+    if (firstChild(element) == nullptr || holdsText(element)) {
         return;
     }
     if (isPair(element)) {
@@ -130,8 +118,7 @@ void Layout::layOutInside(xmlNode* element) const {
         return;
     }
     startLines(element);
-    for (xmlNode* child = PracticeNode_firstChild(element); child != nullptr;
-         child = PracticeNode_next(child)) {
+    for (xmlNode* child : elementsIn(element)) {
         layOutInside(child);
     }
 }
@@ -147,9 +134,9 @@ void Layout::insert(xmlNode* parent, xmlNode* element, xmlNode* before) {
     }
     layOutInside(element);
     if (inLines) {
-        startLine(element);
+        startLine(parent, element);
         if (element->next == nullptr) {
-            startEndTagLine(parent);
+            startLine(parent, nullptr);
         }
     }
 }
@@ -161,7 +148,7 @@ void Layout::remove(xmlNode* element) {
     }
     removeNode(element);
     if (isBlank(parent->children) && parent->children == parent->last) {
-        removeNode(parent->children); // the line of an end tag that nothing is in front of any more
+        removeNode(parent->children); // the line of an end tag that has nothing before it any more
     }
 }
 

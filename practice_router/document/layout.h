@@ -27,8 +27,7 @@ private:
     void startLines(xmlNode* parent) const;
     void layOutInside(xmlNode* element) const;
     std::string indentationIn(const xmlNode* parent) const;
-    void startLine(xmlNode* node) const;
-    void startEndTagLine(xmlNode* parent) const;
+    void startLine(xmlNode* parent, xmlNode* child) const;
 
     std::string unit_;
     std::unordered_map<const xmlNode*, bool> inLines_; // whether the children of an element have lines

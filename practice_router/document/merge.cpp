@@ -14,10 +14,6 @@ namespace zul::practice {
 
 namespace {
 
-bool isEntity(const xmlNode* node) {
-    return PracticeEntity_level(PracticeNode_tag(node)).has_value();
-}
-
 // One merge: what it knows of the elements that it has come to.
 class Merge {
 public:
@@ -53,16 +49,14 @@ Children& Merge::childrenOf(xmlNode* target) {
     // What is in an accepted document is declared.
     return found != children_.end()
                ? found->second
-               : children_
-                     .try_emplace(target, target, *definition_.contentOf(PracticeNode_tag(target)), layout_)
+               : children_.try_emplace(target, target, *definition_.contentOf(tagOf(target)), layout_)
                      .first->second;
 }
 
 bool mergeAttributes(xmlNode* target, const xmlNode* source) {
     for (const xmlAttr* attribute = source->properties; attribute != nullptr; attribute = attribute->next) {
-        const std::string value =
-            PracticeNode_attribute(source, reinterpret_cast<const char*>(attribute->name));
-        if (!PracticeXml_isSchemaLocation(attribute) &&
+        const std::string value = attributeOf(source, reinterpret_cast<const char*>(attribute->name));
+        if (!isSchemaLocation(attribute) &&
             xmlSetProp(target, attribute->name, reinterpret_cast<const xmlChar*>(value.c_str())) == nullptr) {
             return false;
         }
@@ -71,25 +65,24 @@ bool mergeAttributes(xmlNode* target, const xmlNode* source) {
 }
 
 bool Merge::mergeLeaf(xmlNode* target, const xmlNode* source) {
-    const std::string text = PracticeNode_text(source);
-    if (PracticeNode_firstChild(target) == nullptr) {
-        return PracticeNode_setText(target, text) || failed("out of memory");
+    const std::string text = textOf(source);
+    if (firstChild(target) == nullptr) {
+        return setText(target, text) || failed("out of memory");
     }
-    return text.empty() || failed(PracticeNode_describe(target) +
-                                  " holds elements and cannot be set to a text; name one of them");
+    return text.empty() ||
+           failed(describe(target) + " holds elements and cannot be set to a text; name one of them");
 }
 
 // An element that the definition wants once must not be given twice. Which of two values counts would depend
 // on their order.
 bool Merge::checkRepetitions(const xmlNode* target, const xmlNode* source) {
-    const ContentModel& content = *definition_.contentOf(PracticeNode_tag(target));
+    const ContentModel& content = *definition_.contentOf(tagOf(target));
     std::set<std::string_view> tags;
-    for (const xmlNode* child = PracticeNode_firstChild(source); child != nullptr;
-         child = PracticeNode_next(child)) {
-        const std::string_view tag = PracticeNode_tag(child);
+    for (xmlNode* child : elementsIn(source)) {
+        const std::string_view tag = tagOf(child);
         if (!tags.insert(tag).second && definition_.contentOf(tag) != nullptr && !content.repeats(tag)) {
-            return failed("line " + std::to_string(PracticeXml_lineOf(child)) + " of the update: a second " +
-                          shortened(tag) + " in " + PracticeNode_describe(target) + "; expected one");
+            return failed("line " + std::to_string(lineOf(child)) + " of the update: a second " +
+                          shortened(tag) + " in " + describe(target) + "; expected one");
         }
     }
     return true;
@@ -97,15 +90,15 @@ bool Merge::checkRepetitions(const xmlNode* target, const xmlNode* source) {
 
 bool Merge::merge(xmlNode* target, xmlNode* source) {
     if (stop_.stop_requested()) {
-        return failed(PRACTICE_XML_STOPPED);
+        return failed(STOPPED);
     }
-    if (definition_.contentOf(PracticeNode_tag(target)) == nullptr) {
-        return failed(PracticeNode_describe(target) + " is not known");
+    if (definition_.contentOf(tagOf(target)) == nullptr) {
+        return failed(describe(target) + " is not known");
     }
     if (!mergeAttributes(target, source)) {
         return failed("out of memory");
     }
-    xmlNode* child = PracticeNode_firstChild(source);
+    xmlNode* child = firstChild(source);
     if (child == nullptr) {
         return mergeLeaf(target, source);
     }
@@ -113,7 +106,7 @@ bool Merge::merge(xmlNode* target, xmlNode* source) {
         return false;
     }
     while (child != nullptr) {
-        xmlNode* next = PracticeNode_next(child); // before it is moved away
+        xmlNode* next = nextElement(child); // before it is moved away
         if (!mergeChild(target, child)) {
             return false;
         }
@@ -124,46 +117,44 @@ bool Merge::merge(xmlNode* target, xmlNode* source) {
 
 // Several elements have the tag: each next tag must be the name of one of them.
 bool Merge::mergeByNames(const Children& children, xmlNode* child) {
-    xmlNode* part = PracticeNode_firstChild(child);
+    xmlNode* part = firstChild(child);
     xmlNode* named = nullptr;
     do {
-        named = part != nullptr ? children.find(PracticeNode_tag(child), std::string(PracticeNode_tag(part)))
-                                : nullptr;
+        named = part != nullptr ? children.find(tagOf(child), std::string(tagOf(part))) : nullptr;
         if (named == nullptr) {
-            return failed("several elements " + PracticeNode_describe(child) +
-                          " match; name the one that is meant");
+            return failed("several elements " + describe(child) + " match; name the one that is meant");
         }
         if (!merge(named, part)) {
             return false;
         }
-        part = PracticeNode_next(part);
+        part = nextElement(part);
     } while (part != nullptr);
     return true;
 }
 
 // No element has the tag: it may be a name, or a setting that was not there before.
 bool Merge::mergeUnmatched(xmlNode* target, xmlNode* child) {
-    const std::string_view tag = PracticeNode_tag(child);
-    if (!isEntity(child)) {
-        if (isEntity(target) && PracticeNode_name(target) == tag) {
+    const std::string_view tag = tagOf(child);
+    if (!levelOf(child)) {
+        if (levelOf(target) && nameOf(target) == tag) {
             return merge(target, child);
         }
         if (xmlNode* named = childrenOf(target).findEntity(tag)) {
             return merge(named, child);
         }
     }
-    if (isEntity(child) || definition_.contentOf(tag) == nullptr) {
-        return failed(PracticeNode_describe(child) + " matches nothing in " + PracticeNode_describe(target) +
-                      (isEntity(child) ? "; use create for a new entity" : ""));
+    if (levelOf(child) || definition_.contentOf(tag) == nullptr) {
+        return failed(describe(child) + " matches nothing in " + describe(target) +
+                      (levelOf(child) ? "; use create for a new entity" : ""));
     }
     return childrenOf(target).insert(child, error_);
 }
 
 bool Merge::mergeChild(xmlNode* target, xmlNode* child) {
-    const std::string_view tag = PracticeNode_tag(child);
+    const std::string_view tag = tagOf(child);
     const std::string identity = identityOf(child);
     const Children& children = childrenOf(target);
-    if (identity.empty() && isEntity(child) && children.hasSeveral(tag)) {
+    if (identity.empty() && levelOf(child) && children.hasSeveral(tag)) {
         return mergeByNames(children, child);
     }
     // Of a repeated setting the last one counts.
@@ -173,12 +164,12 @@ bool Merge::mergeChild(xmlNode* target, xmlNode* child) {
 
 // Blanks and line ends around a value do not count; a typed line leaves some.
 bool Merge::trimValues(xmlNode* node) {
-    xmlNode* child = PracticeNode_firstChild(node);
+    xmlNode* child = firstChild(node);
     if (child == nullptr) {
-        return PracticeNode_setText(node, PracticeNode_text(node)) || failed("out of memory");
+        return setText(node, textOf(node)) || failed("out of memory");
     }
     while (child != nullptr && trimValues(child)) {
-        child = PracticeNode_next(child);
+        child = nextElement(child);
     }
     return child == nullptr;
 }
@@ -187,20 +178,20 @@ bool Merge::apply(xmlNode* entity, xmlNode* snippet) {
     if (!trimValues(snippet)) {
         return false;
     }
-    const std::string_view tag = PracticeNode_tag(snippet);
-    const bool isService = PracticeEntity_level(PracticeNode_tag(entity)) == PracticeEntityLevel::SERVICE;
-    if (isService && tag == PracticeNode_tag(entity->parent)) {
+    const std::string_view tag = tagOf(snippet);
+    const bool isService = levelOf(entity) == EntityLevel::SERVICE;
+    if (isService && tag == tagOf(entity->parent)) {
         return merge(entity->parent, snippet);
     }
-    const std::string name = PracticeNode_name(snippet);
-    if (tag == PracticeNode_tag(entity) && (name.empty() || name == PracticeNode_name(entity))) {
+    const std::string name = nameOf(snippet);
+    if (tag == tagOf(entity) && (name.empty() || name == nameOf(entity))) {
         return merge(entity, snippet);
     }
     const bool isInside = name.empty() ? childrenOf(entity).findLast(tag) != nullptr
                                        : childrenOf(entity).find(tag, name) != nullptr;
-    return !isEntity(snippet) || isInside ? mergeChild(entity, snippet)
-                                          : failed(PracticeNode_describe(snippet) + " matches nothing in " +
-                                                   PracticeNode_describe(entity));
+    return !levelOf(snippet) || isInside
+               ? mergeChild(entity, snippet)
+               : failed(describe(snippet) + " matches nothing in " + describe(entity));
 }
 
 } // namespace

@@ -12,18 +12,15 @@
 
 #include <cstdint>
 
+namespace zul::practice {
+
 namespace {
 
 constexpr std::string_view SCHEMA_INSTANCE = "http://www.w3.org/2001/XMLSchema-instance";
 
-std::string_view toView(const xmlChar* text) {
-    return text != nullptr ? reinterpret_cast<const char*>(text) : "";
-}
-
 // One document being parsed; the library hands it to every event.
 struct Reading {
     std::string_view rest;
-    const bool buildsTree;
     const std::stop_token& stop;
     std::string error{}; // the first; later ones mostly follow from it
     xmlParserCtxt* parser = nullptr;
@@ -33,7 +30,7 @@ struct Reading {
     void note(int line, std::string_view what) {
         if (error.empty()) {
             const std::string whole = "line " + std::to_string(line) + ": " + std::string(what);
-            error = zul::practice::shortened(whole, zul::practice::MAX_FAILURE);
+            error = shortened(whole, MAX_FAILURE);
             while (error.ends_with(' ')) {
                 error.pop_back();
             }
@@ -44,11 +41,11 @@ struct Reading {
         note(line(), what);
         xmlStopParser(parser);
     }
-    void noteNodes(int count = 1) {
+    void noteNodes(int count) {
         sinceEvent = 0;
         nodes += static_cast<std::size_t>(count);
-        if (nodes > PRACTICE_XML_MAX_NODES) {
-            refuse("there are more than " + std::to_string(PRACTICE_XML_MAX_NODES) +
+        if (nodes > MAX_NODES) {
+            refuse("there are more than " + std::to_string(MAX_NODES) +
                    " elements, attributes and comments; shorten the document");
         }
     }
@@ -68,12 +65,11 @@ bool isInTag(const xmlParserCtxt* parser) {
 int handOut(void* context, char* buffer, int size) {
     auto& reading = *static_cast<Reading*>(context);
     if (reading.stop.stop_requested()) {
-        reading.error = PRACTICE_XML_STOPPED;
+        reading.error = STOPPED;
         return -1;
     }
-    if (reading.sinceEvent > PRACTICE_XML_MAX_TAG && isInTag(reading.parser)) {
-        reading.note(reading.line(),
-                     "a tag has more than " + std::to_string(PRACTICE_XML_MAX_TAG) + " bytes; shorten it");
+    if (reading.sinceEvent > MAX_TAG && isInTag(reading.parser)) {
+        reading.note(reading.line(), "a tag has more than " + std::to_string(MAX_TAG) + " bytes; shorten it");
         return -1;
     }
     const std::size_t count = reading.rest.copy(buffer, static_cast<std::size_t>(size));
@@ -82,41 +78,11 @@ int handOut(void* context, char* buffer, int size) {
     return static_cast<int>(count);
 }
 
-// The library's own handlers, after noting that there was an event.
-void endElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
-    Reading& reading = readingOf(context);
-    reading.sinceEvent = 0;
-    if (reading.buildsTree) {
-        xmlSAX2EndElementNs(context, name, prefix, uri);
-    }
-}
-void addCharacters(void* context, const xmlChar* text, int length) {
-    Reading& reading = readingOf(context);
-    reading.sinceEvent = 0;
-    if (reading.buildsTree) {
-        xmlSAX2Characters(context, text, length);
-    }
-}
-void addCharacterData(void* context, const xmlChar* text, int length) {
-    Reading& reading = readingOf(context);
-    reading.noteNodes();
-    if (reading.buildsTree) {
-        xmlSAX2CDataBlock(context, text, length);
-    }
-}
-void addComment(void* context, const xmlChar* text) {
-    Reading& reading = readingOf(context);
-    reading.noteNodes();
-    if (reading.buildsTree) {
-        xmlSAX2Comment(context, text);
-    }
-}
-void addInstruction(void* context, const xmlChar* target, const xmlChar* data) {
-    Reading& reading = readingOf(context);
-    reading.noteNodes();
-    if (reading.buildsTree) {
-        xmlSAX2ProcessingInstruction(context, target, data);
-    }
+// The library's own handler of an event, after counting the nodes that the event stands for.
+template <auto handler, int nodes, class... Arguments>
+void noting(void* context, Arguments... arguments) {
+    readingOf(context).noteNodes(nodes);
+    handler(context, arguments...);
 }
 
 // Why an element cannot be accepted; empty when it can. Attributes come as local name, prefix, URI, begin and
@@ -124,13 +90,12 @@ void addInstruction(void* context, const xmlChar* target, const xmlChar* data) {
 std::string refuseElement(const Reading& reading, const xmlChar* uri, int namespaceCount,
                           const xmlChar** namespaces, int attributeCount) {
     const int depth = reading.parser->nameNr;
-    if (depth >= PRACTICE_XML_MAX_DEPTH) {
-        return "elements stand more than " + std::to_string(PRACTICE_XML_MAX_DEPTH) +
+    if (depth >= MAX_DEPTH) {
+        return "elements stand more than " + std::to_string(MAX_DEPTH) +
                " deep in each other; flatten the document";
     }
-    if (namespaceCount + attributeCount > PRACTICE_XML_MAX_ATTRIBUTES) {
-        return "an element has more than " + std::to_string(PRACTICE_XML_MAX_ATTRIBUTES) +
-               " attributes; take some out";
+    if (namespaceCount + attributeCount > MAX_ATTRIBUTES) {
+        return "an element has more than " + std::to_string(MAX_ATTRIBUTES) + " attributes; take some out";
     }
     bool declaresOthers = namespaceCount > 0 && depth > 0;
     for (int i = 0; i < namespaceCount; ++i) {
@@ -151,9 +116,6 @@ void startElement(void* context, const xmlChar* localname, const xmlChar* prefix
         reading.refuse(refusal);
         return;
     }
-    if (!reading.buildsTree) {
-        return;
-    }
     xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
                           defaultedCount, attributes);
     if (reading.parser->node != nullptr) {
@@ -162,25 +124,14 @@ void startElement(void* context, const xmlChar* localname, const xmlChar* prefix
     }
 }
 
-void refuseDeclaration(void* context) {
+template <class... Arguments>
+void refuseDeclaration(void* context, Arguments...) {
     readingOf(context).refuse(
         "declarations inside <!DOCTYPE ...> are not accepted; take out the part in [ ]");
-}
-void refuseElementDeclaration(void* context, const xmlChar*, int, xmlElementContent*) {
-    refuseDeclaration(context);
 }
 void refuseAttributeDeclaration(void* context, const xmlChar*, const xmlChar*, int, int, const xmlChar*,
                                 xmlEnumeration* words) {
     xmlFreeEnumeration(words);
-    refuseDeclaration(context);
-}
-void refuseEntity(void* context, const xmlChar*, int, const xmlChar*, const xmlChar*, xmlChar*) {
-    refuseDeclaration(context);
-}
-void refuseUnparsedEntity(void* context, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*) {
-    refuseDeclaration(context);
-}
-void refuseNotation(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
     refuseDeclaration(context);
 }
 
@@ -195,19 +146,19 @@ void noteError(void* context, xmlError* error) {
 
 void setHandlers(xmlSAXHandler& events) {
     events.startElementNs = startElement;
-    events.endElementNs = endElement;
-    events.characters = addCharacters;
-    events.ignorableWhitespace = addCharacters;
-    events.cdataBlock = addCharacterData;
-    events.comment = addComment;
-    events.processingInstruction = addInstruction;
+    events.endElementNs = noting<xmlSAX2EndElementNs, 0>;
+    events.characters = noting<xmlSAX2Characters, 0>;
+    events.ignorableWhitespace = noting<xmlSAX2Characters, 0>;
+    events.cdataBlock = noting<xmlSAX2CDataBlock, 1>;
+    events.comment = noting<xmlSAX2Comment, 1>;
+    events.processingInstruction = noting<xmlSAX2ProcessingInstruction, 1>;
     events.externalSubset = nullptr;
     events.resolveEntity = nullptr;
-    events.elementDecl = refuseElementDeclaration;
+    events.elementDecl = refuseDeclaration;
     events.attributeDecl = refuseAttributeDeclaration;
-    events.entityDecl = refuseEntity;
-    events.unparsedEntityDecl = refuseUnparsedEntity;
-    events.notationDecl = refuseNotation;
+    events.entityDecl = refuseDeclaration;
+    events.unparsedEntityDecl = refuseDeclaration;
+    events.notationDecl = refuseDeclaration;
     events.serror = noteError;
 }
 
@@ -215,16 +166,16 @@ struct ParserDeleter {
     void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
 };
 
-// The document, with its tree only if that is wanted; null on failure.
-PracticeXmlDocument read(std::string_view text, bool buildsTree, const std::stop_token& stop,
-                         std::string& error, xmlDict* names) {
+} // namespace
+
+XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::string& error, xmlDict* names) {
     if (text.empty()) {
         error = "the document is empty";
         return nullptr;
     }
-    if (text.size() > PRACTICE_XML_MAX_SIZE) {
+    if (text.size() > MAX_DOCUMENT_SIZE) {
         error = "the document has " + std::to_string(text.size()) + " bytes; at most " +
-                std::to_string(PRACTICE_XML_MAX_SIZE) + " are accepted";
+                std::to_string(MAX_DOCUMENT_SIZE) + " are accepted";
         return nullptr;
     }
     const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
@@ -237,11 +188,11 @@ PracticeXmlDocument read(std::string_view text, bool buildsTree, const std::stop
         parser->dict = names;
         xmlDictReference(names);
     }
-    Reading reading{.rest = text, .buildsTree = buildsTree, .stop = stop, .parser = parser.get()};
+    Reading reading{.rest = text, .stop = stop, .parser = parser.get()};
     parser->_private = &reading;
     setHandlers(*parser->sax);
-    PracticeXmlDocument document(xmlCtxtReadIO(parser.get(), handOut, nullptr, &reading, nullptr, nullptr,
-                                               XML_PARSE_NONET | XML_PARSE_COMPACT));
+    XmlDocument document(xmlCtxtReadIO(parser.get(), handOut, nullptr, &reading, nullptr, nullptr,
+                                       XML_PARSE_NONET | XML_PARSE_COMPACT));
     if (document == nullptr || !reading.error.empty()) {
         error = reading.error.empty() ? "the document cannot be read" : reading.error;
         return nullptr;
@@ -249,19 +200,8 @@ PracticeXmlDocument read(std::string_view text, bool buildsTree, const std::stop
     return document;
 }
 
-} // namespace
-
-PracticeXmlDocument PracticeXml_parse(std::string_view text, const std::stop_token& stop, std::string& error,
-                                      xmlDict* names) {
-    return read(text, true, stop, error, names);
-}
-
-bool PracticeXml_isReadable(std::string_view text, const std::stop_token& stop, std::string& error) {
-    return read(text, false, stop, error, nullptr) != nullptr;
-}
-
-PracticeXmlDocument PracticeXml_copy(xmlDoc* document) {
-    PracticeXmlDocument copy(xmlCopyDoc(document, 0));
+XmlDocument copyXml(xmlDoc* document) {
+    XmlDocument copy(xmlCopyDoc(document, 0));
     // A dictionary of its own spares the copy an allocation for each name.
     if (copy == nullptr || (copy->dict = xmlDictCreate()) == nullptr) {
         return nullptr;
@@ -274,17 +214,17 @@ PracticeXmlDocument PracticeXml_copy(xmlDoc* document) {
     return xmlDocGetRootElement(copy.get()) != nullptr ? std::move(copy) : nullptr;
 }
 
-int PracticeXml_lineOf(const xmlNode* element) {
+int lineOf(const xmlNode* element) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(element->psvi));
 }
 
-bool PracticeXml_isSchemaLocation(const xmlAttr* attribute) {
+bool isSchemaLocation(const xmlAttr* attribute) {
     const std::string_view name = toView(attribute->name);
     return attribute->ns != nullptr && toView(attribute->ns->href) == SCHEMA_INSTANCE &&
            (name == "schemaLocation" || name == "noNamespaceSchemaLocation");
 }
 
-std::string PracticeXml_write(xmlDoc* document) {
+std::string writeXml(xmlDoc* document) {
     std::string text;
     const auto append = [](void* context, const char* bytes, int count) {
         static_cast<std::string*>(context)->append(bytes, static_cast<std::size_t>(count));
@@ -298,3 +238,5 @@ std::string PracticeXml_write(xmlDoc* document) {
     }
     return text;
 }
+
+} // namespace zul::practice

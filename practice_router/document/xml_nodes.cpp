@@ -2,13 +2,14 @@
 #include "practice_router/document/xml_nodes.h"
 
 #include "practice_router/document/text.h"
-#include "practice_router/document/xml.h"
+
+namespace zul::practice {
 
 namespace {
 
 std::string toString(xmlChar* text) {
-    const std::unique_ptr<xmlChar, PracticeXmlDeleter> owner(text);
-    return text != nullptr ? reinterpret_cast<const char*>(text) : "";
+    const std::unique_ptr<xmlChar, XmlDeleter> owner(text);
+    return std::string(toView(text));
 }
 
 xmlNode* elementFrom(xmlNode* node) {
@@ -18,58 +19,52 @@ xmlNode* elementFrom(xmlNode* node) {
     return node;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr const char* BLANKS = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
-}
-
 } // namespace
 
-std::string PracticeNode_attribute(const xmlNode* node, const char* name) {
-    return toString(xmlGetNoNsProp(node, reinterpret_cast<const xmlChar*>(name)));
+std::string attributeOf(const xmlNode* node, const char* name) {
+    return toString(xmlGetNoNsProp(node, toXml(name)));
 }
 
-std::string PracticeNode_describe(const xmlNode* node) {
-    using namespace zul::practice;
-    const std::string name = PracticeNode_name(node);
-    return shortened(PracticeNode_tag(node)) + (name.empty() ? "" : " " + quoted(name));
+std::string describe(const xmlNode* node) {
+    const std::string name = nameOf(node);
+    return shortened(tagOf(node)) + (name.empty() ? "" : " " + quoted(name));
 }
 
-std::string PracticeNode_text(const xmlNode* node) {
+std::string textOf(const xmlNode* node) {
     const xmlNode* only = node->children;
     return only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE
-               ? std::string(trimmed(reinterpret_cast<const char*>(only->content)))
+               ? std::string(trimmed(toView(only->content)))
                : std::string(trimmed(toString(xmlNodeGetContent(node))));
 }
 
-xmlNode* PracticeNode_firstChild(const xmlNode* node) {
-    return elementFrom(node->children);
+xmlNode* firstChild(const xmlNode* node) {
+    return node != nullptr ? elementFrom(node->children) : nullptr;
 }
 
-xmlNode* PracticeNode_next(const xmlNode* node) {
+xmlNode* nextElement(const xmlNode* node) {
     return elementFrom(node->next);
 }
 
-bool PracticeNode_setText(xmlNode* node, const std::string& text) {
+bool isText(const xmlNode* node) {
+    return node->type == XML_CDATA_SECTION_NODE || (node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 0);
+}
+
+bool setText(xmlNode* node, const std::string& text) {
     const xmlNode* only = node->children;
     if (only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE &&
-        text == reinterpret_cast<const char*>(only->content)) {
+        text == toView(only->content)) {
         return true;
     }
-    while (node->children != nullptr) {
-        xmlNode* child = node->children;
-        xmlUnlinkNode(child);
-        xmlFreeNode(child);
-    }
+    xmlNodeSetContent(node, nullptr);
     if (text.empty()) {
         return true;
     }
-    xmlNode* content = xmlNewText(reinterpret_cast<const xmlChar*>(text.c_str()));
+    xmlNode* content = xmlNewText(toXml(text));
     if (content == nullptr || xmlAddChild(node, content) == nullptr) {
         xmlFreeNode(content);
         return false;
     }
     return true;
 }
+
+} // namespace zul::practice

@@ -1,27 +1,52 @@
 // Small views and edits of an XML tree. Texts come back as copies.
 #pragma once
 
-#include <libxml/tree.h>
+#include "practice_router/document/xml.h"
 
-#include <string>
-#include <string_view>
+#include <cstddef>
 
-inline std::string_view PracticeNode_tag(const xmlNode* node) {
-    return reinterpret_cast<const char*>(node->name);
+namespace zul::practice {
+
+inline std::string_view tagOf(const xmlNode* node) {
+    return toView(node->name);
 }
 // The value of an attribute; empty when it is absent.
-std::string PracticeNode_attribute(const xmlNode* node, const char* name);
-inline std::string PracticeNode_name(const xmlNode* node) {
-    return PracticeNode_attribute(node, "name");
+std::string attributeOf(const xmlNode* node, const char* name);
+inline std::string nameOf(const xmlNode* node) {
+    return attributeOf(node, "name");
 }
 // Its tag and, in quotes, its name attribute, for messages.
-std::string PracticeNode_describe(const xmlNode* node);
+std::string describe(const xmlNode* node);
 // All text inside, without the blanks around it.
-std::string PracticeNode_text(const xmlNode* node);
+std::string textOf(const xmlNode* node);
 
-// Element children: the first, and the one after `node`; null when there is none.
-xmlNode* PracticeNode_firstChild(const xmlNode* node);
-xmlNode* PracticeNode_next(const xmlNode* node);
+// Element children: the first, and the one after `node`; null when there is none. Null has no children.
+xmlNode* firstChild(const xmlNode* node);
+xmlNode* nextElement(const xmlNode* node);
+
+// for (xmlNode* child : elementsIn(parent)); the children must stay where they are meanwhile.
+struct Elements {
+    struct Iterator {
+        xmlNode* node;
+        xmlNode* operator*() const { return node; }
+        Iterator& operator++() {
+            node = nextElement(node);
+            return *this;
+        }
+        bool operator==(const Iterator&) const = default;
+    };
+    xmlNode* first;
+    Iterator begin() const { return {first}; }
+    static Iterator end() { return {nullptr}; }
+};
+inline Elements elementsIn(const xmlNode* parent) {
+    return {firstChild(parent)};
+}
+
+// Whether a node is text that counts: anything but blanks, or a CDATA section.
+bool isText(const xmlNode* node);
 
 // Puts `text`, taken literally, in place of everything inside `node`. False when memory is exhausted.
-bool PracticeNode_setText(xmlNode* node, const std::string& text);
+bool setText(xmlNode* node, const std::string& text);
+
+} // namespace zul::practice

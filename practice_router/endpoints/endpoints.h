@@ -10,29 +10,52 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
-struct PracticeEndpoints {
-    DDS_DomainParticipant* participant = nullptr;
-    ZULTypePlugin* requestPlugin = nullptr;
-    ZULTypePlugin* responsePlugin = nullptr;
-    DDS_DataWriter* responseWriter = nullptr;
-    ZUL_RoutingService_Administration_CommandResponse* response = nullptr; // the one sample, reused
+namespace zul::practice {
+
+// What is written to the response topic: the record, or bytes in its place. The type plugin is handed the
+// record, which is therefore the first member.
+struct OutgoingSample {
+    ZUL_RoutingService_Administration_CommandResponse response{};
+    std::span<const std::uint8_t> raw{}; // not empty: written as they are, the encapsulation included
 };
 
-// Creates everything, disabled. False with `error` naming the step; what exists is then still to be closed.
-// The queue must outlive the endpoints.
-bool PracticeEndpoints_create(PracticeEndpoints& self, std::int32_t domain, const std::string& routerName,
-                              PracticeRequestQueue& queue, std::string& error);
-// From here on requests arrive.
-bool PracticeEndpoints_enable(PracticeEndpoints& self, std::string& error);
-// Takes everything down. The queue must have been closed and the writing thread ended before.
-void PracticeEndpoints_close(PracticeEndpoints& self);
+class Endpoints {
+public:
+    Endpoints() = default;
+    Endpoints(const Endpoints&) = delete;
+    Endpoints& operator=(const Endpoints&) = delete;
+    // The queue must have been closed and the writing thread ended before.
+    ~Endpoints();
 
-// Whether a reader of responses in that writer's participant is known.
-bool PracticeEndpoints_knowsReader(const PracticeEndpoints& self, const PracticeWriterGuid& writer);
+    // Creates everything and enables it: from then on requests arrive. False with `error` naming the step
+    // that failed. The queue must outlive the endpoints.
+    bool open(std::int32_t domain, const std::string& routerName, RequestQueue& queue, std::string& error);
 
-// Writes `response`. TIMEOUT: readers have not acknowledged enough of the earlier samples for a while, and
-// nothing was written.
-DDS_ReturnCode_t PracticeEndpoints_writeResponse(PracticeEndpoints& self);
-// Writes any bytes, encapsulation included, as a sample of the response topic.
-DDS_ReturnCode_t PracticeEndpoints_writeRaw(PracticeEndpoints& self, std::span<const std::uint8_t> bytes);
+    // Whether a reader of responses in that writer's participant is known.
+    bool knowsReader(const WriterGuid& writer) const;
+
+    // Writes a response with a text within the bound of the type. TIMEOUT: readers have not acknowledged
+    // enough of the earlier samples for a while, and nothing was written.
+    DDS_ReturnCode_t write(const RequestId& id, ZUL_RoutingService_Administration_CommandResponseKind kind,
+                           std::string_view text, bool isFinal);
+    // Writes any bytes, encapsulation included, as a sample of the response topic.
+    DDS_ReturnCode_t writeRaw(std::span<const std::uint8_t> bytes);
+
+private:
+    bool createParticipant(std::int32_t domain, const std::string& routerName);
+    DDS_Topic* createTopic(ZULTypePlugin* plugin, const DDS_TypeCode* federationType, const char* typeName,
+                           const char* topicName);
+    bool createReader(DDS_Topic* topic, RequestQueue& queue);
+    bool createWriter(DDS_Topic* topic);
+    DDS_ReturnCode_t writeOutgoing();
+
+    DDS_DomainParticipant* participant_ = nullptr;
+    ZULTypePlugin* requestPlugin_ = nullptr;
+    ZULTypePlugin* responsePlugin_ = nullptr;
+    DDS_DataWriter* responseWriter_ = nullptr;
+    OutgoingSample outgoing_; // the one sample, reused
+};
+
+} // namespace zul::practice

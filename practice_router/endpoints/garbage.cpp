@@ -1,9 +1,12 @@
+// Blueprints of bad responses, then cut and random ones.
 #include "practice_router/endpoints/garbage.h"
 
 #include "middleware/cdr/stream.h"
 
 #include <algorithm>
 #include <string_view>
+
+namespace zul::practice {
 
 namespace {
 
@@ -34,7 +37,7 @@ constexpr Blueprint BLUEPRINTS[] = {
     {.encapsulation = ZUL_ENCAPSULATION_CDR_BE}, // byte order swapped: all numbers become others
 };
 
-std::vector<std::uint8_t> build(const Blueprint& plan, const PracticeRequestId& id) {
+std::vector<std::uint8_t> build(const Blueprint& plan, const RequestId& id) {
     std::vector<std::uint8_t> bytes(MAX_SAMPLE);
     ZULCdrOutput stream{.data = bytes.data(), .capacity = bytes.size()};
     ZULCdrOutput_putEncapsulation(stream, ZUL_ENCAPSULATION_CDR_LE);
@@ -60,9 +63,9 @@ std::vector<std::uint8_t> build(const Blueprint& plan, const PracticeRequestId& 
 
 } // namespace
 
-std::vector<std::uint8_t> PracticeGarbage_next(PracticeGarbage& self, const PracticeRequestId& id) {
+std::vector<std::uint8_t> Garbage::next(const RequestId& id) {
     constexpr std::size_t KINDS = std::size(BLUEPRINTS) + 2;
-    const std::size_t kind = self.made++ % KINDS;
+    const std::size_t kind = made_++ % KINDS;
     if (kind < std::size(BLUEPRINTS)) {
         return build(BLUEPRINTS[kind], id);
     }
@@ -70,10 +73,12 @@ std::vector<std::uint8_t> PracticeGarbage_next(PracticeGarbage& self, const Prac
     std::vector<std::uint8_t> bytes =
         build({}, {.host = ~id.host, .app = id.app, .invocation = id.invocation});
     if (kind == std::size(BLUEPRINTS)) {
-        bytes.resize(std::uniform_int_distribution<std::size_t>(1, bytes.size() - 1)(self.random));
+        bytes.resize(std::uniform_int_distribution<std::size_t>(1, bytes.size() - 1)(random_));
         return bytes;
     }
-    bytes.resize(std::uniform_int_distribution<std::size_t>(1, MAX_NOISE)(self.random));
-    std::generate(bytes.begin(), bytes.end(), [&self] { return static_cast<std::uint8_t>(self.random()); });
+    bytes.resize(std::uniform_int_distribution<std::size_t>(1, MAX_NOISE)(random_));
+    std::generate(bytes.begin(), bytes.end(), [this] { return static_cast<std::uint8_t>(random_()); });
     return bytes;
 }
+
+} // namespace zul::practice

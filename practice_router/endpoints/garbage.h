@@ -8,12 +8,18 @@
 #include <random>
 #include <vector>
 
-struct PracticeGarbage {
-    std::mt19937 random{20240229}; // any fixed seed
-    std::size_t made = 0;
+namespace zul::practice {
+
+class Garbage {
+public:
+    // The next sample. Most carry the id of the request, as an answer to it would; they differ in what is
+    // wrong after it: an unknown outcome, the length or the end of the text, the encapsulation. Others are
+    // cut short or plain noise.
+    std::vector<std::uint8_t> next(const RequestId& id);
+
+private:
+    std::mt19937 random_{20240229}; // any fixed seed
+    std::size_t made_ = 0;
 };
 
-// The next sample. Most carry the id of the request, as an answer to it would; they differ in what is wrong
-// behind it: an unknown outcome, the length or the end of the text, the encapsulation. Others are cut short
-// or plain noise.
-std::vector<std::uint8_t> PracticeGarbage_next(PracticeGarbage& self, const PracticeRequestId& id);
+} // namespace zul::practice

@@ -1,3 +1,4 @@
+// The table of options; a value is stored by the kind of its option.
 #include "practice_router/endpoints/options.h"
 
 #include "middleware/dds/dds.h"
@@ -8,6 +9,8 @@
 #include <string_view>
 #include <variant>
 
+namespace zul::practice {
+
 namespace {
 
 constexpr std::int32_t MAX_DELAY_MILLISECONDS = 3'600'000;
@@ -16,13 +19,13 @@ constexpr std::int32_t MAX_GARBAGE = 1'000'000;
 
 // Where the value of an option goes: a member of the options, or of the faults in them.
 template <class Value>
-using Target = Value& (*)(PracticeOptions&);
+using Target = Value& (*)(Options&);
 template <auto Member>
-auto& option(PracticeOptions& options) {
+auto& option(Options& options) {
     return options.*Member;
 }
 template <auto Member>
-auto& fault(PracticeOptions& options) {
+auto& fault(Options& options) {
     return options.faults.*Member;
 }
 
@@ -48,13 +51,11 @@ struct Option {
 
 constexpr std::size_t MAX_PATH_LENGTH = 4095;
 
-using Options = PracticeOptions;
-using Faults = PracticeFaults;
 const Option OPTIONS[] = {
     {"--domain", "N", "DDS domain to join, 0 to 232 (default 0)",
      Number{option<&Options::domain>, 0, DDS_DOMAIN_ID_MAX}},
     {"--name", "NAME", "name of this router, which requests are addressed to (default practice)",
-     Text{option<&Options::name>, PRACTICE_ENTITY_NAME_MAX}},
+     Text{option<&Options::name>, MAX_ENTITY_NAME}},
     {"--federation", "", "be a federation service instead of a routing service",
      Flag{option<&Options::isFederation>}},
     {"--config", "FILE", "start with this document instead of the builtin default configuration",
@@ -77,17 +78,8 @@ const Option OPTIONS[] = {
     {"--version", "", "show the version and end", Flag{option<&Options::showsVersion>}},
 };
 
-const Option* findOption(std::string_view name) {
-    for (const Option& each : OPTIONS) {
-        if (each.name == name) {
-            return &each;
-        }
-    }
-    return nullptr;
-}
-
 // Stores a value. Returns what it should have been; empty when it was good.
-std::string store(PracticeOptions& options, const Number& kind, std::string_view value) {
+std::string store(Options& options, const Number& kind, std::string_view value) {
     std::int32_t number = 0;
     const auto [end, code] = std::from_chars(value.data(), value.data() + value.size(), number);
     if (code != std::errc{} || end != value.data() + value.size() || number < kind.least ||
@@ -97,37 +89,39 @@ std::string store(PracticeOptions& options, const Number& kind, std::string_view
     kind.target(options) = number;
     return {};
 }
-std::string store(PracticeOptions& options, const Text& kind, std::string_view value) {
+std::string store(Options& options, const Text& kind, std::string_view value) {
     if (value.empty() || value.size() > kind.mostCharacters) {
         return "a text of 1 to " + std::to_string(kind.mostCharacters) + " characters";
     }
     kind.target(options) = value;
     return {};
 }
-std::string store(PracticeOptions& options, const Flag& kind, std::string_view) {
+std::string store(Options& options, const Flag& kind, std::string_view) {
     kind.target(options) = true;
     return {};
 }
 
-// One option with its value. `next` is the argument behind it, or null; `usesNext` is set when it is the
-// value. Returns what is wrong; empty when nothing is.
-std::string parseOne(PracticeOptions& options, std::string_view argument, const char* next, bool& usesNext) {
+// Takes one option, with its value, off the front of the arguments. Returns what is wrong; empty when nothing
+// is.
+std::string parseOne(Options& options, std::span<const char* const>& arguments) {
+    const std::string_view argument = arguments.front();
+    arguments = arguments.subspan(1);
     const std::size_t equals = argument.find('=');
     const std::string name(argument.substr(0, equals));
-    const Option* found = findOption(name);
-    if (found == nullptr) {
+    const auto* found = std::ranges::find(OPTIONS, name, &Option::name);
+    if (found == std::end(OPTIONS)) {
         return "unknown option " + name + "; --help lists the options";
     }
     std::string value(equals != std::string_view::npos ? argument.substr(equals + 1) : "");
     if (found->value.empty() && equals != std::string_view::npos) {
         return name + " takes no value; leave out \"=" + value + "\"";
     }
-    usesNext = !found->value.empty() && equals == std::string_view::npos;
-    if (usesNext && next == nullptr) {
-        return name + " needs a value: " + name + " " + std::string(found->value);
-    }
-    if (usesNext) {
-        value = next;
+    if (!found->value.empty() && equals == std::string_view::npos) {
+        if (arguments.empty()) {
+            return name + " needs a value: " + name + " " + std::string(found->value);
+        }
+        value = arguments.front();
+        arguments = arguments.subspan(1);
     }
     const std::string wanted =
         std::visit([&](const auto& kind) { return store(options, kind, value); }, found->kind);
@@ -136,20 +130,14 @@ std::string parseOne(PracticeOptions& options, std::string_view argument, const 
 
 } // namespace
 
-bool PracticeOptions_parse(PracticeOptions& self, int count, const char* const* arguments,
-                           std::string& error) {
-    for (int i = 1; i < count; ++i) {
-        bool usesNext = false;
-        error = parseOne(self, arguments[i], i + 1 < count ? arguments[i + 1] : nullptr, usesNext);
-        if (!error.empty()) {
-            return false;
-        }
-        i += usesNext ? 1 : 0;
+bool Options::parse(std::span<const char* const> arguments, std::string& error) {
+    while (error.empty() && !arguments.empty()) {
+        error = parseOne(*this, arguments);
     }
-    return true;
+    return error.empty();
 }
 
-std::string PracticeOptions_help() {
+std::string Options::help() {
     constexpr std::size_t COLUMN = 24;
     std::string text = "Usage: zul-practice-router [options]\n"
                        "A router to try the administration shell on. It keeps a real configuration, acts on\n"
@@ -163,3 +151,5 @@ std::string PracticeOptions_help() {
     }
     return text;
 }
+
+} // namespace zul::practice

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
+namespace zul::practice {
+
 // Misbehaviour on demand, for trying out and testing clients.
-struct PracticeFaults {
+struct Faults {
     std::int32_t delayMilliseconds = 0; // before each answer
     bool isSilent = false;              // requests are acted on but never answered
     std::int32_t parts = 1;             // every answer goes out in at least so many parts
@@ -14,7 +17,7 @@ struct PracticeFaults {
     std::int32_t garbage = 0;           // undecodable samples before each answer
 };
 
-struct PracticeOptions {
+struct Options {
     std::int32_t domain = 0;
     std::string name = "practice";
     bool isFederation = false;
@@ -24,13 +27,15 @@ struct PracticeOptions {
     bool isVerbose = false;
     bool showsHelp = false;
     bool showsVersion = false;
-    PracticeFaults faults;
+    Faults faults;
+
+    // `arguments` are those after the program's name. False, with a message that says what to do, when an
+    // argument is unknown, lacks its value or has a bad one. A value follows its option as the next argument
+    // or after "=".
+    bool parse(std::span<const char* const> arguments, std::string& error);
+
+    // The help text: usage and one line for each option.
+    static std::string help();
 };
 
-// False, with a message that says what to do, when an argument is unknown, lacks its value or has a bad one.
-// A value follows its option as the next argument or after "=".
-bool PracticeOptions_parse(PracticeOptions& self, int count, const char* const* arguments,
-                           std::string& error);
-
-// The help text: usage and one line for each option.
-std::string PracticeOptions_help();
+} // namespace zul::practice

@@ -1,21 +1,23 @@
+// What each kind of command carries is in the branch of the union that the kind selects.
 #include "practice_router/endpoints/request_listener.h"
 
 #include "admin_types/type_support.h"
 
 #include <algorithm>
 
+namespace zul::practice {
+
 namespace {
 
-using Request = ZUL_RoutingService_Administration_CommandRequest;
+using Sample = ZUL_RoutingService_Administration_CommandRequest;
 
-// What each kind of command names and carries stands in the branch of the union that the kind selects.
-PracticeRequest copyOf(const Request& sample, const DDS_SampleInfo& info) {
-    PracticeRequest request{.id = {sample.id.host, sample.id.app, sample.id.invocation},
-                            .target = sample.target_router,
-                            .kind = sample.command._d,
-                            .entity = {},
-                            .content = {},
-                            .peers = {}};
+Request copyOf(const Sample& sample, const DDS_SampleInfo& info) {
+    Request request{.id = {sample.id.host, sample.id.app, sample.id.invocation},
+                    .target = sample.target_router,
+                    .kind = sample.command._d,
+                    .entity = {},
+                    .content = {},
+                    .peers = {}};
     std::copy_n(static_cast<const std::uint8_t*>(info.publication_handle.value), request.writer.size(),
                 request.writer.begin());
     const auto& branches = sample.command._u;
@@ -52,33 +54,33 @@ PracticeRequest copyOf(const Request& sample, const DDS_SampleInfo& info) {
 }
 
 void queueRequests(void* listenerData, DDS_DataReader* reader) {
-    auto& queue = *static_cast<PracticeRequestQueue*>(listenerData);
+    auto& queue = *static_cast<RequestQueue*>(listenerData);
     auto* typed = ZUL_RoutingService_Administration_CommandRequestDataReader_narrow(reader);
     ZUL_RoutingService_Administration_CommandRequestSeq samples{};
     DDS_SampleInfoSeq infos{};
-    if (typed != nullptr && ZUL_RoutingService_Administration_CommandRequestDataReader_take(
-                                typed, &samples, &infos, DDS_LENGTH_UNLIMITED, DDS_ANY_SAMPLE_STATE,
-                                DDS_ANY_VIEW_STATE, DDS_ANY_INSTANCE_STATE) == DDS_RETCODE_OK) {
-        const DDS_Long count = ZUL_RoutingService_Administration_CommandRequestSeq_get_length(&samples);
-        for (DDS_Long i = 0; i < count; ++i) {
-            const DDS_SampleInfo& info = ZULSequence::at(infos, i);
-            if (info.valid_data != 0) {
-                PracticeRequestQueue_push(
-                    queue,
-                    copyOf(*ZUL_RoutingService_Administration_CommandRequestSeq_get_reference(&samples, i),
-                           info));
-            }
-        }
-        ZUL_RoutingService_Administration_CommandRequestDataReader_return_loan(typed, &samples, &infos);
+    if (ZUL_RoutingService_Administration_CommandRequestDataReader_take(
+            typed, &samples, &infos, DDS_LENGTH_UNLIMITED, DDS_ANY_SAMPLE_STATE, DDS_ANY_VIEW_STATE,
+            DDS_ANY_INSTANCE_STATE) != DDS_RETCODE_OK) {
+        return;
     }
-    ZULSequence::finalize(&infos, __func__);
+    const DDS_Long count = ZUL_RoutingService_Administration_CommandRequestSeq_get_length(&samples);
+    for (DDS_Long i = 0; i < count; ++i) {
+        const DDS_SampleInfo& info = ZULSequence::at(infos, i);
+        if (info.valid_data != 0) {
+            queue.push(copyOf(*ZUL_RoutingService_Administration_CommandRequestSeq_get_reference(&samples, i),
+                              info));
+        }
+    }
+    ZUL_RoutingService_Administration_CommandRequestDataReader_return_loan(typed, &samples, &infos);
 }
 
 } // namespace
 
-DDS_DataReaderListener PracticeRequestListener_make(PracticeRequestQueue& queue) {
+DDS_DataReaderListener requestListener(RequestQueue& queue) {
     DDS_DataReaderListener listener{};
     listener.listener_data = &queue;
     listener.on_data_available = queueRequests;
     return listener;
 }
+
+} // namespace zul::practice

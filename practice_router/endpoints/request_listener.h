@@ -4,5 +4,9 @@
 #include "middleware/dds/dds.h"
 #include "practice_router/endpoints/request_queue.h"
 
+namespace zul::practice {
+
 // The queue must outlive the reader.
-DDS_DataReaderListener PracticeRequestListener_make(PracticeRequestQueue& queue);
+DDS_DataReaderListener requestListener(RequestQueue& queue);
+
+} // namespace zul::practice

@@ -1,41 +1,38 @@
+// Closing asks for the stop under the mutex: a wait that has just found the queue open is still woken.
 #include "practice_router/endpoints/request_queue.h"
 
-bool PracticeRequestQueue_push(PracticeRequestQueue& self, PracticeRequest request) {
-    std::unique_lock lock(self.mutex);
-    self.changed.wait(lock, [&self] { return self.isClosed || self.requests.size() < PRACTICE_QUEUE_MAX; });
-    if (self.isClosed) {
-        return false;
+namespace zul::practice {
+
+void RequestQueue::push(Request request) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return isClosed() || requests_.size() < MAX_QUEUED; });
+    if (!isClosed()) {
+        requests_.push_back(std::move(request));
+        changed_.notify_all();
     }
-    self.requests.push_back(std::move(request));
-    self.changed.notify_all();
-    return true;
 }
 
-std::optional<PracticeRequest> PracticeRequestQueue_pop(PracticeRequestQueue& self) {
-    std::unique_lock lock(self.mutex);
-    self.changed.wait(lock, [&self] { return self.isClosed || !self.requests.empty(); });
-    if (self.isClosed) {
+std::optional<Request> RequestQueue::pop() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return isClosed() || !requests_.empty(); });
+    if (isClosed()) {
         return std::nullopt;
     }
-    PracticeRequest request = std::move(self.requests.front());
-    self.requests.pop_front();
-    self.changed.notify_all();
+    Request request = std::move(requests_.front());
+    requests_.pop_front();
+    changed_.notify_all();
     return request;
 }
 
-void PracticeRequestQueue_close(PracticeRequestQueue& self) {
-    const std::lock_guard lock(self.mutex);
-    self.isClosed = true;
-    self.ending.request_stop();
-    self.changed.notify_all();
+void RequestQueue::close() {
+    const std::lock_guard lock(mutex_);
+    ending_.request_stop();
+    changed_.notify_all();
 }
 
-bool PracticeRequestQueue_isClosed(PracticeRequestQueue& self) {
-    const std::lock_guard lock(self.mutex);
-    return self.isClosed;
+bool RequestQueue::pause(std::chrono::milliseconds span) {
+    std::unique_lock lock(mutex_);
+    return !changed_.wait_for(lock, span, [this] { return isClosed(); });
 }
 
-bool PracticeRequestQueue_pause(PracticeRequestQueue& self, std::chrono::milliseconds span) {
-    std::unique_lock lock(self.mutex);
-    return !self.changed.wait_for(lock, span, [&self] { return self.isClosed; });
-}
+} // namespace zul::practice

@@ -12,22 +12,29 @@
 #include <optional>
 #include <stop_token>
 
-constexpr std::size_t PRACTICE_QUEUE_MAX = 64; // requests
+namespace zul::practice {
 
-struct PracticeRequestQueue {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::deque<PracticeRequest> requests;
-    bool isClosed = false;
-    std::stop_source ending{}; // for work in progress; asked to stop when the queue is closed
+constexpr std::size_t MAX_QUEUED = 64; // requests
+
+class RequestQueue {
+public:
+    // Waits for room. When the queue is closed, the request is dropped.
+    void push(Request request);
+    // Waits for a request. Nothing when the queue is closed, whatever is still in it.
+    std::optional<Request> pop();
+    // Ends every wait, now and from now on.
+    void close();
+    bool isClosed() const { return ending_.stop_requested(); }
+    // Lets time pass, unless the queue is closed. True when all of it has passed.
+    bool pause(std::chrono::milliseconds span);
+    // For work in progress: asked to stop when the queue is closed.
+    std::stop_token ending() const { return ending_.get_token(); }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<Request> requests_;
+    std::stop_source ending_; // asked to stop: the queue is closed
 };
 
-// Waits for room. False when the queue is closed: the request is dropped.
-bool PracticeRequestQueue_push(PracticeRequestQueue& self, PracticeRequest request);
-// Waits for a request. Nothing when the queue is closed, whatever is still in it.
-std::optional<PracticeRequest> PracticeRequestQueue_pop(PracticeRequestQueue& self);
-// Ends every wait, now and from now on.
-void PracticeRequestQueue_close(PracticeRequestQueue& self);
-bool PracticeRequestQueue_isClosed(PracticeRequestQueue& self);
-// Lets time pass, unless the queue is closed. True when all of it has passed.
-bool PracticeRequestQueue_pause(PracticeRequestQueue& self, std::chrono::milliseconds span);
+} // namespace zul::practice

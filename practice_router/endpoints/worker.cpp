@@ -1,10 +1,11 @@
+// How a request and its answer are shown in the log, and the turn of one request.
 #include "practice_router/endpoints/worker.h"
-
-#include "practice_router/endpoints/responder.h"
 
 #include <climits>
 #include <poll.h>
 #include <unistd.h>
+
+namespace zul::practice {
 
 namespace {
 
@@ -25,18 +26,24 @@ constexpr const char* answerName(ZUL_RoutingService_Administration_CommandRespon
 
 // A text as one piece of a log line.
 std::string shown(std::string_view text) {
-    return text.empty() ? "-" : zul::practice::shortened(text, MAX_LOGGED);
+    return text.empty() ? "-" : shortened(text, MAX_LOGGED);
 }
 
+std::string describe(const Answer& answer) {
+    return std::string(answerName(answer.kind)) + " " + shown(answer.text);
+}
+
+} // namespace
+
 // One line on standard output at once. A full pipe that nobody reads holds the router up, but not its end.
-void log(PracticeRequestQueue& queue, const PracticeRequest& request, const std::string& outcome) {
-    const std::string line = std::string(PracticeRequest_kindName(request.kind)) + " invocation " +
+void Worker::log(const Request& request, const std::string& outcome) {
+    const std::string line = std::string(kindName(request.kind)) + " invocation " +
                              std::to_string(request.id.invocation) + " target " + shown(request.target) +
                              " entity " + shown(request.entity) + ": " + outcome + "\n";
     static_assert(4 * (MAX_LOGGED + 64) < PIPE_BUF, "a line fits as soon as a pipe has room");
     pollfd output{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
     while (poll(&output, 1, OUTPUT_POLL_MILLISECONDS) <= 0) {
-        if (PracticeRequestQueue_isClosed(queue)) {
+        if (queue_.isClosed()) {
             return;
         }
     }
@@ -44,48 +51,38 @@ void log(PracticeRequestQueue& queue, const PracticeRequest& request, const std:
     [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
 }
 
-std::string describe(const PracticeAnswer& answer) {
-    return std::string(answerName(answer.kind)) + " " + shown(answer.text);
-}
-
-void handle(PracticeRouter& router, PracticeResponder& responder, const PracticeRequest& request) {
-    const std::optional<PracticeAnswer> answer = PracticeRouter_handle(router, request);
+void Worker::handle(const Request& request) {
+    const std::optional<Answer> answer = router_.handle(request);
     if (!answer) {
-        const PracticeUpload* upload = PracticeUploads_find(router.uploads, request);
-        if (upload != nullptr && !router.uploads.countsOnly) { // a benchmark is not to wait for a terminal
-            log(responder.queue, request,
-                "piece " + std::to_string(upload->pieces) + ", " + std::to_string(upload->bytes) +
-                    " bytes so far");
+        const Upload* upload = router_.uploads().find(request);
+        if (upload != nullptr && !options_.countsOnly) { // a benchmark is not to wait for a terminal
+            log(request, "piece " + std::to_string(upload->pieces) + ", " + std::to_string(upload->bytes) +
+                             " bytes so far");
         }
         return;
     }
     // Before the answer goes out: whoever waits for this line may act between request and answer.
-    log(responder.queue, request, (responder.faults.isSilent ? "kept back: " : "") + describe(*answer));
-    if (responder.faults.isSilent ||
-        !PracticeRequestQueue_pause(responder.queue,
-                                    std::chrono::milliseconds(responder.faults.delayMilliseconds))) {
+    const Faults& faults = options_.faults;
+    log(request, (faults.isSilent ? "kept back: " : "") + describe(*answer));
+    if (faults.isSilent || !queue_.pause(std::chrono::milliseconds(faults.delayMilliseconds))) {
         return;
     }
-    if (!PracticeResponder_send(responder, request, *answer) &&
-        !PracticeRequestQueue_isClosed(responder.queue)) {
-        log(responder.queue, request, "the answer was not acknowledged and is given up");
+    if (!responder_.send(request, *answer) && !queue_.isClosed()) {
+        log(request, "the answer was not acknowledged and is given up");
     }
 }
 
-} // namespace
-
-void PracticeWorker_run(PracticeRouter& router, PracticeRequestQueue& queue, PracticeEndpoints& endpoints,
-                        const PracticeOptions& options) {
-    PracticeResponder responder{.endpoints = endpoints, .queue = queue, .faults = options.faults};
-    router.configuration.stop = queue.ending.get_token();
-    while (const std::optional<PracticeRequest> request = PracticeRequestQueue_pop(queue)) {
-        if (PracticeRouter_isAddressed(router, *request)) {
-            handle(router, responder, *request);
+void Worker::run() {
+    while (const std::optional<Request> request = queue_.pop()) {
+        if (router_.isAddressed(*request)) {
+            handle(*request);
         } else {
-            PracticeRouter_overhear(router, *request);
-            if (options.isVerbose) {
-                log(queue, *request, "addressed to another router");
+            router_.overhear(*request);
+            if (options_.isVerbose) {
+                log(*request, "addressed to another router");
             }
         }
     }
 }
+
+} // namespace zul::practice

@@ -3,10 +3,27 @@
 #pragma once
 
 #include "practice_router/actions/router.h"
-#include "practice_router/endpoints/endpoints.h"
-#include "practice_router/endpoints/options.h"
-#include "practice_router/endpoints/request_queue.h"
+#include "practice_router/endpoints/responder.h"
 
-// Runs until the queue is closed.
-void PracticeWorker_run(PracticeRouter& router, PracticeRequestQueue& queue, PracticeEndpoints& endpoints,
-                        const PracticeOptions& options);
+namespace zul::practice {
+
+class Worker {
+public:
+    // All must outlive this.
+    Worker(Router& router, RequestQueue& queue, Endpoints& endpoints, const Options& options)
+        : router_(router), queue_(queue), options_(options), responder_(endpoints, queue, options.faults) {}
+
+    // Runs until the queue is closed.
+    void run();
+
+private:
+    void handle(const Request& request);
+    void log(const Request& request, const std::string& outcome);
+
+    Router& router_;
+    RequestQueue& queue_;
+    const Options& options_;
+    Responder responder_;
+};
+
+} // namespace zul::practice

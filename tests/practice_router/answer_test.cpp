@@ -9,6 +9,8 @@
 
 namespace {
 
+using namespace zul::practice;
+
 TEST(AnswerParts, AreTheWholeTextInBounds) {
     std::string mixed; // characters of one to four bytes
     while (mixed.size() < 3 * 4096) {
@@ -27,7 +29,7 @@ TEST(AnswerParts, AreTheWholeTextInBounds) {
         {std::string(5000, '\x80'), 1, 2}, // no UTF-8: any cut will do
     };
     for (const auto& [text, atLeast, expected] : rows) {
-        const auto parts = PracticeAnswerParts_split(text, atLeast);
+        const auto parts = answerParts(text, atLeast);
         EXPECT_EQ(parts.size(), expected) << text.substr(0, 10);
         std::string joined;
         for (const std::string_view part : parts) {
@@ -42,17 +44,17 @@ TEST(AnswerParts, AreTheWholeTextInBounds) {
 
 TEST(Garbage, IsNeverAnAnswerToTheRequestAndAlwaysTheSame) {
     using Response = ZUL_RoutingService_Administration_CommandResponse;
-    const PracticeRequestId id{0x01020304, 5, 6};
+    const RequestId id{0x01020304, 5, 6};
     ZULTypePlugin* plugin = ZUL_RoutingService_Administration_CommandResponsePlugin_new();
     Response* sample = ZUL_RoutingService_Administration_CommandResponseTypeSupport_create_data();
-    PracticeGarbage garbage;
-    PracticeGarbage again;
+    Garbage garbage;
+    Garbage again;
     int refused = 0;
     constexpr int COUNT = 10000;
     for (int i = 0; i < COUNT; ++i) {
-        const auto bytes = PracticeGarbage_next(garbage, id);
+        const auto bytes = garbage.next(id);
         ASSERT_FALSE(bytes.empty());
-        ASSERT_EQ(PracticeGarbage_next(again, id), bytes);
+        ASSERT_EQ(again.next(id), bytes);
         ZULCdrInput stream{.data = bytes.data(), .size = bytes.size()};
         if (!plugin->deserialize(nullptr, sample, &stream, true, true, nullptr)) {
             ++refused;

@@ -1,6 +1,7 @@
 // Documents from outside: hostile ones are refused within bounds, faulty ones with the line, and none of them
 // touches what is active.
 #include "practice_router/actions/configuration.h"
+#include "practice_router/document/entity.h"
 #include "practice_router/document/merge.h"
 #include "product/product_info.h"
 #include "tests/practice_router/kinds.h"
@@ -9,6 +10,8 @@
 #include <gtest/gtest.h>
 
 namespace {
+
+using namespace zul::practice;
 
 std::string repeated(const std::string& text, int count) {
     std::string result;
@@ -32,11 +35,11 @@ TEST(Document, OfTheProductLoadsAndReadsBackAsItIs) {
     for (const std::int32_t product : {ROUTER_PRODUCT_ROUTING_SERVICE, ROUTER_PRODUCT_FEDERATION_SERVICE}) {
         ROUTER_setProductId(product);
         const std::string document = *ROUTER_getProductInfo()->builtinDefaultConfiguration;
-        PracticeConfiguration configuration;
-        EXPECT_EQ(PracticeConfiguration_load(configuration, document, "BuiltinDefault").kind, OK);
-        EXPECT_EQ(PracticeConfiguration_text(configuration), document);
+        Configuration configuration;
+        EXPECT_EQ(configuration.load(document, "BuiltinDefault").kind, OK);
+        EXPECT_EQ(configuration.text(), document);
         const std::string other = *ROUTER_g_productInfo[1 - product].builtinDefaultConfiguration;
-        EXPECT_EQ(PracticeConfiguration_load(configuration, other, "BuiltinDefault").kind, ERROR);
+        EXPECT_EQ(configuration.load(other, "BuiltinDefault").kind, ERROR);
     }
     ROUTER_setProductId(ROUTER_PRODUCT_ROUTING_SERVICE);
 }
@@ -86,13 +89,13 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
          "line 2: ", "xmlns"},
         {"<dds>", "<dds" + manyAttributes(65) + ">", "line 1: ", "more than 64 attributes"},
         {"<dds>", "<dds" + manyAttributes(500000) + ">", "line 1: ", "a tag has more than 65536 bytes"},
-        {"<dds>", "<dds>" + repeated("<?a?>", PRACTICE_XML_MAX_NODES), "line 1: ", "shorten the document"},
+        {"<dds>", "<dds>" + repeated("<?a?>", MAX_NODES), "line 1: ", "shorten the document"},
         {"", "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\">" + bomb + "]><dds>&z;</dds>", "line 1: ", "DOCTYPE"},
         {"", repeated("<dds>\n", 10000) + repeated("</dds>", 10000), "line 65: ", "64 deep"},
-        {"</dds>", "</dds>" + std::string(PRACTICE_XML_MAX_SIZE, ' '), "the document has ", "at most"},
+        {"</dds>", "</dds>" + std::string(MAX_DOCUMENT_SIZE, ' '), "the document has ", "at most"},
     };
-    PracticeConfiguration configuration;
-    ASSERT_EQ(PracticeConfiguration_load(configuration, BUILTIN, "BuiltinDefault").kind, OK);
+    Configuration configuration;
+    ASSERT_EQ(configuration.load(BUILTIN, "BuiltinDefault").kind, OK);
     for (const auto& row : rows) {
         const std::string what = row.replacement.substr(0, 60);
         std::string xml = BUILTIN;
@@ -101,15 +104,15 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
         xml.replace(at, row.text.empty() ? xml.size() : row.text.size(), row.replacement);
         const auto begin = std::chrono::steady_clock::now();
         testing::internal::CaptureStderr();
-        const PracticeAnswer answer = PracticeConfiguration_load(configuration, xml, "BuiltinDefault");
+        const Answer answer = configuration.load(xml, "BuiltinDefault");
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << what;
         EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << what;
         EXPECT_EQ(answer.kind, ERROR) << what;
         EXPECT_TRUE(answer.text.starts_with(row.line)) << what << ": " << answer.text;
         EXPECT_NE(answer.text.find(row.fault), std::string::npos) << what << ": " << answer.text;
-        EXPECT_LE(answer.text.size(), zul::practice::MAX_FAILURE + 3) << what;
+        EXPECT_LE(answer.text.size(), MAX_FAILURE + 3) << what;
         EXPECT_EQ(answer.text.find('\n'), std::string::npos) << what;
-        EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN) << what;
+        EXPECT_EQ(configuration.text(), BUILTIN) << what;
     }
 }
 
@@ -118,30 +121,28 @@ TEST(Document, KeepsWhatEditorsWriteInItAndFollowsNoneOfIt) {
                              "<?xml-model href=\"file:///x.dtd\"?>\n<dds xmlns:xsi=\"http://www.w3.org/2001/"
                              "XMLSchema-instance\" xsi:noNamespaceSchemaLocation=\"http://127.0.0.1/x.xsd\">";
     const std::string document = head + BUILTIN.substr(BUILTIN.find('>') + 1);
-    PracticeConfiguration configuration;
-    const PracticeAnswer answer = PracticeConfiguration_loadFirst(configuration, document);
+    Configuration configuration;
+    const Answer answer = configuration.loadFirst(document);
     ASSERT_EQ(answer.kind, OK) << answer.text;
-    EXPECT_EQ(PracticeConfiguration_text(configuration), document);
-    EXPECT_EQ(PracticeConfiguration_update(configuration, "", document).text, "updated the router");
-    EXPECT_EQ(PracticeConfiguration_text(configuration), document);
+    EXPECT_EQ(configuration.text(), document);
+    EXPECT_EQ(configuration.update("", document).text, "updated the router");
+    EXPECT_EQ(configuration.text(), document);
 }
 
 TEST(Document, IsLeftAsItIsByWorkThatIsStopped) {
     std::stop_source ending;
-    PracticeConfiguration configuration{.stop = ending.get_token()};
-    ASSERT_EQ(PracticeConfiguration_loadFirst(configuration, BUILTIN).kind, OK);
+    Configuration configuration(ending.get_token());
+    ASSERT_EQ(configuration.loadFirst(BUILTIN).kind, OK);
     std::string error;
-    const PracticeXmlDocument snippet = PracticeXml_parse(BUILTIN, ending.get_token(), error);
+    const XmlDocument document = parseXml(BUILTIN, ending.get_token(), error);
+    const XmlDocument snippet = parseXml(BUILTIN, ending.get_token(), error, document->dict);
     ending.request_stop();
-    EXPECT_FALSE(zul::practice::applySnippet(configuration.service, xmlDocGetRootElement(snippet.get()),
-                                             ending.get_token(), error));
-    EXPECT_EQ(error, PRACTICE_XML_STOPPED);
-    EXPECT_EQ(PracticeConfiguration_loadFirst(configuration, BUILTIN).text, PRACTICE_XML_STOPPED);
-    EXPECT_EQ(
-        PracticeConfiguration_changeState(configuration, PracticeStateChange::DISABLE, "DefaultDomainRoute")
-            .kind,
-        ERROR);
-    EXPECT_EQ(PracticeConfiguration_text(configuration), BUILTIN);
+    EXPECT_FALSE(applySnippet(findService(document.get()), xmlDocGetRootElement(snippet.get()),
+                              ending.get_token(), error));
+    EXPECT_EQ(error, STOPPED);
+    EXPECT_EQ(configuration.loadFirst(BUILTIN).text, STOPPED);
+    EXPECT_EQ(configuration.changeState(StateChange::DISABLE, "DefaultDomainRoute").kind, ERROR);
+    EXPECT_EQ(configuration.text(), BUILTIN);
 }
 
 TEST(Document, HoldsSeveralConfigurationsOfWhichOneIsInForce) {
@@ -149,19 +150,19 @@ TEST(Document, HoldsSeveralConfigurationsOfWhichOneIsInForce) {
                             "<participant_1><domain_id>0x10</domain_id></participant_1>"
                             "<participant_2><domain_id> +1\n</domain_id></participant_2></domain_route>"
                             "</routing_service><routing_service name=\"South\"/></dds>\n";
-    PracticeConfiguration configuration;
-    EXPECT_EQ(PracticeConfiguration_load(configuration, two, "").kind, ERROR);
-    EXPECT_EQ(PracticeConfiguration_load(configuration, two, "East").kind, NOT_FOUND);
-    EXPECT_EQ(configuration.document, nullptr);
+    Configuration configuration;
+    EXPECT_EQ(configuration.load(two, "").kind, ERROR);
+    EXPECT_EQ(configuration.load(two, "East").kind, NOT_FOUND);
+    EXPECT_FALSE(configuration.isLoaded());
     const auto disable = [&configuration](const char* path) {
-        return PracticeConfiguration_changeState(configuration, PracticeStateChange::DISABLE, path).kind;
+        return configuration.changeState(StateChange::DISABLE, path).kind;
     };
-    EXPECT_EQ(PracticeConfiguration_load(configuration, two, "North").kind, OK);
+    EXPECT_EQ(configuration.load(two, "North").kind, OK);
     EXPECT_EQ(disable("N"), OK);
     EXPECT_EQ(disable("N"), ERROR);
-    EXPECT_EQ(PracticeConfiguration_load(configuration, two, "South").kind, OK);
+    EXPECT_EQ(configuration.load(two, "South").kind, OK);
     EXPECT_EQ(disable("N"), NOT_FOUND);
-    EXPECT_EQ(PracticeConfiguration_load(configuration, two, "North").kind, OK);
+    EXPECT_EQ(configuration.load(two, "North").kind, OK);
     EXPECT_EQ(disable("North::N"), OK) << "a load starts with every state afresh";
 }
 

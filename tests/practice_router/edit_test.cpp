@@ -9,6 +9,8 @@
 
 namespace {
 
+using namespace zul::practice;
+
 constexpr const char* DOCUMENT = R"(<dds>
     <routing_service name="S">
         <domain_route name="D">
@@ -32,26 +34,25 @@ constexpr const char* DOCUMENT = R"(<dds>
 </dds>
 )";
 
-struct Router : testing::Test {
-    PracticeRouter router{
-        .name = "r1", .saveDirectory = testing::TempDir(), .configuration = {}, .uploads = {}};
+struct Edit : testing::Test {
+    Router router{"r1", testing::TempDir()};
     std::int32_t invocation = 0;
 
     void SetUp() override { load(); }
-    void load() { ASSERT_EQ(PracticeConfiguration_load(router.configuration, DOCUMENT, "S").kind, OK); }
-    PracticeAnswer sendUrl(Kind kind, const std::string& entity, const std::string& url) {
-        PracticeRequest request{.id = {1, 2, ++invocation},
-                                .target = "r1",
-                                .kind = kind,
-                                .entity = entity,
-                                .content = url,
-                                .peers = {}};
-        return PracticeRouter_handle(router, request).value_or(PracticeAnswer_error("no answer"));
+    void load() { ASSERT_EQ(router.configuration().load(DOCUMENT, "S").kind, OK); }
+    Answer sendUrl(Kind kind, const std::string& entity, const std::string& url) {
+        Request request{.id = {1, 2, ++invocation},
+                        .target = "r1",
+                        .kind = kind,
+                        .entity = entity,
+                        .content = url,
+                        .peers = {}};
+        return router.handle(request).value_or(Answer::error("no answer"));
     }
-    PracticeAnswer send(Kind kind, const std::string& entity = {}, const std::string& xml = {}) {
+    Answer send(Kind kind, const std::string& entity = {}, const std::string& xml = {}) {
         return sendUrl(kind, entity, "str://\"" + xml + "\"");
     }
-    std::string text() { return PracticeConfiguration_text(router.configuration); }
+    std::string text() { return router.configuration().text(); }
 };
 
 // Elements inside each other, the innermost one holding the text.
@@ -65,7 +66,7 @@ std::string property(const std::string& name, const std::string& value) {
     return nested("property value element", nested("name", name) + nested("value", value));
 }
 
-TEST_F(Router, UpdatesWhatASnippetNames) {
+TEST_F(Edit, UpdatesWhatASnippetNames) {
     const struct {
         const char* entity;
         std::string snippet;
@@ -96,13 +97,13 @@ TEST_F(Router, UpdatesWhatASnippetNames) {
     };
     for (const auto& row : rows) {
         load();
-        const PracticeAnswer answer = send(UPDATE, row.entity, row.snippet);
+        const Answer answer = send(UPDATE, row.entity, row.snippet);
         EXPECT_EQ(answer.kind, OK) << row.snippet << ": " << answer.text;
         EXPECT_NE(text().find(row.shown), std::string::npos) << row.snippet << "\n" << text();
     }
 }
 
-TEST_F(Router, RefusesWhatMakesNoSenseAndChangesNothing) {
+TEST_F(Edit, RefusesWhatMakesNoSenseAndChangesNothing) {
     const struct {
         Kind kind;
         const char* entity;
@@ -153,14 +154,14 @@ TEST_F(Router, RefusesWhatMakesNoSenseAndChangesNothing) {
         {ADD_PEER, "D", "", ERROR, "name at least one"},
     };
     for (const auto& row : rows) {
-        const PracticeAnswer answer = send(row.kind, row.entity, row.xml);
+        const Answer answer = send(row.kind, row.entity, row.xml);
         EXPECT_EQ(answer.kind, row.answer) << row.xml << ": " << answer.text;
         EXPECT_NE(answer.text.find(row.reason), std::string::npos) << row.xml << ": " << answer.text;
         EXPECT_EQ(text(), DOCUMENT) << row.xml;
     }
 }
 
-TEST_F(Router, CreatesAndDeletesEntitiesOfEveryKind) {
+TEST_F(Edit, CreatesAndDeletesEntitiesOfEveryKind) {
     const auto route = [](const std::string& tag) {
         return "<" + tag + " name=\"" + tag + "\"><input/><output/></" + tag + ">";
     };
@@ -181,7 +182,7 @@ TEST_F(Router, CreatesAndDeletesEntitiesOfEveryKind) {
     EXPECT_EQ(text(), DOCUMENT);
 }
 
-TEST_F(Router, KeepsTheStateOfEntities) {
+TEST_F(Edit, KeepsTheStateOfEntities) {
     EXPECT_EQ(send(PAUSE, "D::s1").text, "paused D::s1");
     EXPECT_EQ(send(PAUSE, "D::s1").kind, ERROR);
     EXPECT_EQ(send(UPDATE, "D::s1", nested("session documentation", "x")).kind, OK);
@@ -194,7 +195,7 @@ TEST_F(Router, KeepsTheStateOfEntities) {
     EXPECT_NE(send(PAUSE, "D::s1").text.find("D is disabled"), std::string::npos);
 }
 
-TEST_F(Router, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
+TEST_F(Edit, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
     EXPECT_EQ(send(DISABLE, "D::s1::T").kind, OK);
     EXPECT_NE(text().find("<topic_route name=\"T\" enabled=\"false\">"), std::string::npos) << text();
     EXPECT_EQ(send(ENABLE, "D::s1::T").kind, OK);
@@ -209,14 +210,14 @@ TEST_F(Router, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
     EXPECT_EQ(send(RESUME, "D::s1").kind, OK);
 
     const auto addPeers = [this](const std::vector<std::string>& peers) {
-        return PracticeConfiguration_addPeers(router.configuration, "E", false, peers);
+        return router.configuration().addPeers("E", false, peers);
     };
     EXPECT_EQ(addPeers({"udpv4://10.0.0.1", "a&b"}).text, "peers of E participant_2: udpv4://10.0.0.1, a&b");
     EXPECT_EQ(addPeers({"c", "a&b"}).text, "peers of E participant_2: udpv4://10.0.0.1, a&b, c");
     EXPECT_EQ(addPeers({"d\x01"}).kind, ERROR);
     EXPECT_EQ(addPeers({"d\xFF"}).kind, ERROR);
     std::vector<std::string> many;
-    for (std::size_t i = 0; i < PRACTICE_MAX_PEERS; ++i) {
+    for (std::size_t i = 0; i < MAX_PEERS; ++i) {
         many.push_back("p" + std::to_string(i));
     }
     EXPECT_NE(addPeers(many).text.find("more than 256 peers"), std::string::npos);
@@ -226,11 +227,11 @@ TEST_F(Router, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
                              "                            <element>c</element>\n"
                              "                        </initial_peers>\n";
     EXPECT_NE(text().find(list), std::string::npos) << text();
-    EXPECT_EQ(PracticeConfiguration_load(router.configuration, text(), "S").kind, OK);
+    EXPECT_EQ(router.configuration().load(text(), "S").kind, OK);
     EXPECT_NE(text().find(list), std::string::npos);
 }
 
-TEST_F(Router, RenamesEntitiesWithTheirState) {
+TEST_F(Edit, RenamesEntitiesWithTheirState) {
     EXPECT_EQ(send(PAUSE, "D::s1").kind, OK);
     EXPECT_EQ(send(DISABLE, "D::s2").kind, OK);
     EXPECT_EQ(send(UPDATE, "D", "<session><s1 name=\"s3\"/><s2 name=\"s1\"/></session>").kind, OK);
@@ -248,18 +249,19 @@ TEST_F(Router, RenamesEntitiesWithTheirState) {
     EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_UNLOAD).text, "unloaded New");
 }
 
-TEST_F(Router, SavesToAFileOfItsOwnAndNotThroughALink) {
-    EXPECT_EQ(PracticeSaveFile_nameFor("..a/b"), "%2E.a%2Fb.xml");
-    EXPECT_EQ(PracticeSaveFile_nameFor("a_b%\xC3"), "a_b%25%C3.xml");
-    EXPECT_EQ(PracticeSaveFile_nameFor(std::string(251, 'n')).size(), 255U);
-    EXPECT_EQ(PracticeSaveFile_nameFor(std::string(252, 'n')), "") << "two such names could share a file";
+TEST_F(Edit, SavesToAFileOfItsOwnAndNotThroughALink) {
+    EXPECT_EQ(saveFileName("..a/b"), "%2E.a%2Fb.xml");
+    EXPECT_EQ(saveFileName("a_b%\xC3"), "a_b%25%C3.xml");
+    EXPECT_EQ(saveFileName(std::string(251, 'n')).size(), 255U);
+    EXPECT_EQ(saveFileName(std::string(252, 'n')), "") << "two such names could share a file";
     namespace fs = std::filesystem;
     const fs::path folder = fs::path(testing::TempDir()) / ("save" + std::to_string(getpid()));
     fs::create_directory(folder);
     std::ofstream(folder / "victim") << "untouched";
     fs::create_symlink("victim", folder / "r1.xml");
     fs::create_symlink("victim", folder / "r1.xml.new");
-    router.saveDirectory = folder;
+    router = Router("r1", folder);
+    load();
     EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_SAVE).kind, OK);
     EXPECT_EQ(fs::file_size(folder / "victim"), 9U);
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / "r1.xml")));
@@ -268,15 +270,15 @@ TEST_F(Router, SavesToAFileOfItsOwnAndNotThroughALink) {
     EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_SAVE).kind, ERROR);
 }
 
-TEST_F(Router, WithoutAConfigurationOnlyLoadsAndAnnounces) {
-    const PracticeAnswer saved = send(ZUL_ROUTING_SERVICE_COMMAND_SAVE);
+TEST_F(Edit, WithoutAConfigurationOnlyLoadsAndAnnounces) {
+    const Answer saved = send(ZUL_ROUTING_SERVICE_COMMAND_SAVE);
     ASSERT_EQ(saved.kind, OK) << saved.text;
     const std::string path = saved.text.substr(saved.text.find('/'));
     EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_UNLOAD).text, "unloaded S");
     for (Kind kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD; kind <= ADD_PEER;
          kind = static_cast<Kind>(kind + 1)) {
         const bool isAnnounce = kind == ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE;
-        const PracticeAnswer answer = send(kind, "D", "<session name=\"n\"/>");
+        const Answer answer = send(kind, "D", "<session name=\"n\"/>");
         EXPECT_EQ(answer.kind, isAnnounce ? ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT : ERROR);
         EXPECT_EQ(answer.text, isAnnounce ? "r1" : "no configuration is loaded; load one first");
     }

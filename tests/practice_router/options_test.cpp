@@ -6,24 +6,24 @@
 
 namespace {
 
+using namespace zul::practice;
+
 // What is wrong; empty when nothing is.
-std::string parse(std::vector<const char*> arguments, PracticeOptions& options) {
+std::string parse(std::vector<const char*> arguments, Options& options) {
     std::string error;
-    arguments.insert(arguments.begin(), "zul-practice-router");
-    const bool isParsed =
-        PracticeOptions_parse(options, static_cast<int>(arguments.size()), arguments.data(), error);
+    const bool isParsed = options.parse(arguments, error);
     EXPECT_EQ(isParsed, error.empty());
     return error;
 }
 
 TEST(Options, AreTakenInBothForms) {
-    PracticeOptions options;
+    Options options;
     EXPECT_EQ(parse({"--domain", "232", "--name=a=b", "--silent", "--parts=100"}, options), "");
     EXPECT_EQ(options.domain, 232);
     EXPECT_EQ(options.name, "a=b");
     EXPECT_TRUE(options.faults.isSilent);
     EXPECT_EQ(options.faults.parts, 100);
-    EXPECT_NE(PracticeOptions_help().find("--wrong-invocation"), std::string::npos);
+    EXPECT_NE(Options::help().find("--wrong-invocation"), std::string::npos);
 }
 
 TEST(Options, AreRefusedWithWhatToDo) {
@@ -41,7 +41,7 @@ TEST(Options, AreRefusedWithWhatToDo) {
         {{"--parts", "0"}, "from 1 to"},
     };
     for (const auto& [arguments, message] : rows) {
-        PracticeOptions options;
+        Options options;
         const std::string error = parse(arguments, options);
         EXPECT_NE(error.find(message), std::string::npos) << message << ": " << error;
     }

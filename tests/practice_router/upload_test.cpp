@@ -6,9 +6,11 @@
 
 namespace {
 
-PracticeRequest piece(std::int32_t app, std::int32_t invocation, Kind kind, const std::string& content,
-                      bool isFinal) {
-    PracticeRequest request{};
+using namespace zul::practice;
+
+Request piece(std::int32_t app, std::int32_t invocation, Kind kind, const std::string& content,
+              bool isFinal) {
+    Request request{};
     request.id = {7, app, invocation};
     request.writer[0] = 1;
     request.kind = kind;
@@ -20,7 +22,7 @@ PracticeRequest piece(std::int32_t app, std::int32_t invocation, Kind kind, cons
 
 TEST(Upload, IsTheSumOfItsOwnPieces) {
     const struct {
-        PracticeRequest request;
+        Request request;
         const char* finished; // null: nothing yet
     } steps[] = {
         {piece(1, 1, LOAD, "whole", true), "whole"},
@@ -39,16 +41,16 @@ TEST(Upload, IsTheSumOfItsOwnPieces) {
         {piece(2, 3, GET, "", true), nullptr}, // a request of another client disturbs nobody
         {piece(1, 7, LOAD, "g", true), "fg"},
     };
-    PracticeUploads uploads;
-    PracticeRequest foreign = piece(1, 2, LOAD, "z", false); // a client of the same host and app
+    Uploads uploads;
+    Request foreign = piece(1, 2, LOAD, "z", false); // a client of the same host and app
     foreign.writer[15] = 9;
-    PracticeUploads_add(uploads, foreign);
+    uploads.add(foreign);
     for (const auto& step : steps) {
         if (step.request.kind == GET) {
-            PracticeUploads_interrupt(uploads, step.request);
+            uploads.interrupt(step.request);
             continue;
         }
-        const auto upload = PracticeUploads_add(uploads, step.request);
+        const auto upload = uploads.add(step.request);
         ASSERT_EQ(upload.has_value(), step.finished != nullptr) << step.request.content;
         if (upload) {
             EXPECT_EQ(upload->text, step.finished);
@@ -56,34 +58,34 @@ TEST(Upload, IsTheSumOfItsOwnPieces) {
         }
     }
     foreign.isFinal = true;
-    EXPECT_EQ(PracticeUploads_add(uploads, foreign)->text, "zz");
-    EXPECT_TRUE(uploads.pending.empty());
+    EXPECT_EQ(uploads.add(foreign)->text, "zz");
+    EXPECT_EQ(uploads.pending(), 0U);
 }
 
 TEST(Upload, IsBoundedInSizeAndNumber) {
     const std::string block(4096, 'x');
-    PracticeUploads uploads;
+    Uploads uploads;
     std::size_t sent = 0;
-    for (; sent <= PRACTICE_UPLOAD_MAX_SIZE; sent += block.size()) {
-        ASSERT_FALSE(PracticeUploads_add(uploads, piece(1, 1, LOAD, block, false)));
+    for (; sent <= MAX_UPLOAD_SIZE; sent += block.size()) {
+        ASSERT_FALSE(uploads.add(piece(1, 1, LOAD, block, false)));
     }
-    EXPECT_EQ(uploads.pending.front().text, "");
-    const auto tooLarge = PracticeUploads_add(uploads, piece(1, 1, LOAD, "end", true));
+    EXPECT_EQ(uploads.find(piece(1, 1, LOAD, {}, false))->text, "");
+    const auto tooLarge = uploads.add(piece(1, 1, LOAD, "end", true));
     ASSERT_TRUE(tooLarge);
     EXPECT_TRUE(tooLarge->isTooLarge);
     EXPECT_EQ(tooLarge->bytes, sent + 3);
 
-    for (std::int32_t app = 0; app <= static_cast<std::int32_t>(PRACTICE_MAX_PENDING_UPLOADS); ++app) {
-        PracticeUploads_add(uploads, piece(app, 1, LOAD, "head ", false));
+    for (std::int32_t app = 0; app <= static_cast<std::int32_t>(MAX_PENDING_UPLOADS); ++app) {
+        uploads.add(piece(app, 1, LOAD, "head ", false));
     }
-    EXPECT_EQ(uploads.pending.size(), PRACTICE_MAX_PENDING_UPLOADS);
-    EXPECT_EQ(PracticeUploads_add(uploads, piece(0, 1, LOAD, "tail", true))->text, "tail")
+    EXPECT_EQ(uploads.pending(), MAX_PENDING_UPLOADS);
+    EXPECT_EQ(uploads.add(piece(0, 1, LOAD, "tail", true))->text, "tail")
         << "the one that rested longest is dropped";
-    EXPECT_EQ(PracticeUploads_add(uploads, piece(1, 1, LOAD, "tail", true))->text, "head tail");
+    EXPECT_EQ(uploads.add(piece(1, 1, LOAD, "tail", true))->text, "head tail");
 
-    uploads.countsOnly = true;
-    PracticeUploads_add(uploads, piece(1, 2, LOAD, block, false));
-    const auto counted = PracticeUploads_add(uploads, piece(1, 2, LOAD, "end", true));
+    Uploads counting(true);
+    counting.add(piece(1, 2, LOAD, block, false));
+    const auto counted = counting.add(piece(1, 2, LOAD, "end", true));
     EXPECT_EQ(counted->bytes, block.size() + 3);
     EXPECT_EQ(counted->pieces, 2U);
     EXPECT_EQ(counted->text, "");
@@ -103,7 +105,7 @@ TEST(XmlUrl, LosesItsSchemeAndQuotesOrIsRefused) {
     };
     for (const auto& [url, xml] : rows) {
         std::string error;
-        EXPECT_EQ(PracticeXmlUrl_read(url, error), xml) << url;
+        EXPECT_EQ(readXmlUrl(url, error), xml) << url;
         EXPECT_EQ(error.empty(), xml.has_value()) << url;
     }
 }
