@@ -6,7 +6,8 @@
 
 #include <cstdint>
 
-// Enumerators as (name, value) pairs. No command has the value 0, on purpose: 0 is never a valid command.
+// Enumerators as (name, value) pairs. No command has the value 0, so that a record of zeroes is not a
+// valid one.
 #define ZUL_ADMINISTRATION_COMMAND_KINDS(X)                                                                  \
     X(LOAD, 1)                                                                                               \
     X(UNLOAD, 2)                                                                                             \

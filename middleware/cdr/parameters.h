@@ -90,7 +90,7 @@ inline bool ZULCdrInput_getParameterHeader(ZULCdrInput& list, ZULParameterHeader
 }
 
 enum ZULParameterStep {
-    ZUL_PARAMETER_MEMBER, // a member: `value` holds exactly its bytes, and the list is after them
+    ZUL_PARAMETER_MEMBER, // a member: `value` holds exactly its bytes; the list is now after them
     ZUL_PARAMETER_END,    // the list has ended, by its sentinel or by the end of the bytes
     ZUL_PARAMETER_BROKEN, // a header is cut short or a length exceeds what is there
 };

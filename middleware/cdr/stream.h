@@ -62,7 +62,7 @@ struct ZULCdrOutput {
 
     // Moves to the next multiple (of at most 4), over zeroes; fails when that lies past the end.
     bool align(std::size_t alignment) { return reserve(alignment, 0); }
-    // Aligns if `size` bytes fit after the padding.
+    // Aligns when `size` bytes fit after the padding.
     bool reserve(std::size_t alignment, std::size_t size) {
         const std::size_t room = capacity - position;
         const std::size_t padding = ZULCdr_padding(position - origin, alignment);

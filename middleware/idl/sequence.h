@@ -1,7 +1,7 @@
 // Sequences: an owned or loaned, bounded array of elements (OMG IDL to C mapping, sequences). One record
-// shape and one implementation serve every element type; the named operations of a type are stamped from
-// these templates. A record of zeroes is a valid, not yet initialised sequence: every operation initialises
-// it on first use. Operations refuse bad arguments, log why under `context`, and then change nothing.
+// shape and one implementation serve every element type; the named operations of a type forward to these
+// templates. A record of zeroes is a valid, not yet initialised sequence: every operation initialises it on
+// first use. Operations refuse bad arguments, log why under `context`, and leave the sequence as it was.
 #pragma once
 
 #include "middleware/base/basic_types.h"
@@ -109,8 +109,8 @@ inline bool refuse(const char* context, const ZULLogTemplate& message, const cha
     return false;
 }
 
-// Every operation's first step: refuse null, initialise lazily. The lazy write is not a change a caller can
-// see, so it is also done through a pointer to const.
+// Every operation's first step: refuse null, initialise lazily. A caller cannot see the lazy write, so a
+// sequence that is const gets it too.
 template <class T, class Traits>
 bool open(const DDS_Sequence<T, Traits>* self, const char* context) {
     if (self == nullptr) {

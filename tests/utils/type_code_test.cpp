@@ -70,15 +70,14 @@ TEST(TypeCodes, AdministrationTypesFromXmlAreTheirOwn) {
         EXPECT_TRUE(DDS_TypeCode_equals(read, own)) << own->name;
         ++compared;
     };
-#define COMPARE(Type) compare(Type##_get_typecode());
-    ZUL_FOR_EACH_RECORD(COMPARE, ZUL_RoutingService_Administration_)
-    ZUL_FOR_EACH_ENUMERATION(COMPARE, ZUL_RoutingService_Administration_)
+#define ZUL_TEMPLATE "tests/utils/compare_type_code.inc"
+#include "admin_types/family/routing_types.inc"
     EXPECT_FALSE(DDS_TypeCode_equals(
         ROUTERUtils_getTypeCodeFromXMLDom(document.get(), "::ZUL::RoutingService::Administration::Command"),
         ZUL_FederationService_Administration_Command_get_typecode()));
     document = readAdministrationTypes(true);
-    ZUL_FOR_EACH_RECORD(COMPARE, ZUL_FederationService_Administration_)
-    ZUL_FOR_EACH_ENUMERATION(COMPARE, ZUL_FederationService_Administration_)
+#include "admin_types/family/federation_types.inc"
+#undef ZUL_TEMPLATE
     EXPECT_EQ(compared, 18);
 }
 
