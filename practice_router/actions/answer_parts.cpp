@@ -1,3 +1,4 @@
+// Each part takes its share of what is left, so that the parts are of about equal length.
 #include "practice_router/actions/answer_parts.h"
 
 #include "admin_types/modules.h"

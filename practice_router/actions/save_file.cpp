@@ -1,3 +1,4 @@
+// A fresh file is written and flushed, then renamed over the old one.
 #include "practice_router/actions/save_file.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// Elements are matched through Children, each built once a merge: that keeps the time linear.
 #include "practice_router/document/merge.h"
 
 #include "practice_router/document/children.h"
