@@ -1,7 +1,7 @@
 // One request as the router works on it: a copy of what the middleware delivered, free of its memory.
 #pragma once
 
-#include "admin_types/modules.h"
+#include "admin_types/commands.h"
 
 #include <array>
 #include <cstdint>
@@ -37,15 +37,8 @@ constexpr const char* EVERY_ROUTER = "*";
 
 // "ENABLE" and so on; "UNKNOWN" for a value that is none.
 constexpr const char* kindName(std::int32_t kind) {
-    switch (kind) {
-#define X(name, value)                                                                                       \
-    case value:                                                                                              \
-        return #name;
-        ZUL_ADMINISTRATION_COMMAND_KINDS(X)
-#undef X
-    default:
-        return "UNKNOWN";
-    }
+    const admin::Command* command = admin::findCommand(kind);
+    return command != nullptr ? command->name : "UNKNOWN";
 }
 
 } // namespace zul::practice

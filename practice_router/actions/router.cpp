@@ -30,36 +30,35 @@ Answer changeState(const Task& task) {
 
 struct Action {
     ZUL_RoutingService_Administration_CommandKind kind;
-    bool carriesXml;         // the request, or several of them, hold an XML URL
     bool needsConfiguration; // refused while none is loaded
     Answer (*act)(const Task&);
 };
 // clang-format off
 constexpr Action ACTIONS[] = {
-    {ZUL_ROUTING_SERVICE_COMMAND_LOAD, true, false,
+    {ZUL_ROUTING_SERVICE_COMMAND_LOAD, false,
      [](const Task& task) { return task.configuration.load(task.xml, task.entity); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_UNLOAD, false, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_UNLOAD, true,
      [](const Task& task) { return task.configuration.unload(); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_INSERT, true, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_INSERT, true,
      [](const Task&) { return Answer::error("insert is not supported by this router; use create"); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_UPDATE, true, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_UPDATE, true,
      [](const Task& task) { return task.configuration.update(task.entity, task.xml); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_PAUSE, false, true, changeState<StateChange::PAUSE>},
-    {ZUL_ROUTING_SERVICE_COMMAND_RESUME, false, true, changeState<StateChange::RESUME>},
-    {ZUL_ROUTING_SERVICE_COMMAND_ENABLE, false, true, changeState<StateChange::ENABLE>},
-    {ZUL_ROUTING_SERVICE_COMMAND_DISABLE, false, true, changeState<StateChange::DISABLE>},
-    {ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, false, false,
+    {ZUL_ROUTING_SERVICE_COMMAND_PAUSE, true, changeState<StateChange::PAUSE>},
+    {ZUL_ROUTING_SERVICE_COMMAND_RESUME, true, changeState<StateChange::RESUME>},
+    {ZUL_ROUTING_SERVICE_COMMAND_ENABLE, true, changeState<StateChange::ENABLE>},
+    {ZUL_ROUTING_SERVICE_COMMAND_DISABLE, true, changeState<StateChange::DISABLE>},
+    {ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, false,
      [](const Task& task) {
          return Answer{ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT, task.router.name()};
      }},
-    {ZUL_ROUTING_SERVICE_COMMAND_CREATE, true, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_CREATE, true,
      [](const Task& task) { return task.configuration.create(task.entity, task.xml); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_DELETE, false, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_DELETE, true,
      [](const Task& task) { return task.configuration.remove(task.entity); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_SAVE, false, true, save},
-    {ZUL_ROUTING_SERVICE_COMMAND_GET, false, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_SAVE, true, save},
+    {ZUL_ROUTING_SERVICE_COMMAND_GET, true,
      [](const Task& task) { return Answer::ok(task.configuration.text()); }},
-    {ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, false, true,
+    {ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, true,
      [](const Task& task) {
          return task.configuration.addPeers(task.entity, task.request.isFirstParticipant, task.request.peers);
      }},
@@ -90,7 +89,7 @@ std::optional<Answer> Router::handle(const Request& request) {
     const auto* action = std::ranges::find(ACTIONS, request.kind, &Action::kind);
     const bool isKnown = action != std::end(ACTIONS);
     std::optional<Upload> upload;
-    if (isKnown && action->carriesXml) {
+    if (isKnown && admin::findCommand(request.kind)->branch == admin::CommandBranch::ENTITY_DESC) {
         upload = uploads_.add(request);
         if (!upload) {
             return std::nullopt;

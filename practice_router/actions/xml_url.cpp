@@ -3,6 +3,7 @@
 
 #include "practice_router/document/text.h"
 #include "practice_router/document/xml.h"
+#include "product/vocabulary.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -14,8 +15,8 @@ namespace zul::practice {
 
 namespace {
 
-constexpr std::string_view INLINE_SCHEME = "str://";
-constexpr std::string_view FILE_SCHEME = "file://";
+using product::FILE_SCHEME;
+using product::INLINE_SCHEME;
 
 struct File {
     int descriptor;

@@ -1,4 +1,4 @@
-// The table of entity tags, the walk along a path, and the state of one entity.
+// The levels of elements, the walk along a path, and the state of one entity.
 #include "practice_router/document/entity.h"
 
 #include "practice_router/document/xml_nodes.h"
@@ -7,22 +7,6 @@
 namespace zul::practice {
 
 namespace {
-
-struct EntityTag {
-    std::string_view tag;
-    EntityLevel level;
-};
-// clang-format off
-constexpr EntityTag ENTITY_TAGS[] = {
-    {"domain_route",     EntityLevel::DOMAIN_ROUTE},
-    {"session",          EntityLevel::SESSION},
-    {"polling_session",  EntityLevel::SESSION},
-    {"topic_route",      EntityLevel::ROUTE},
-    {"auto_topic_route", EntityLevel::ROUTE},
-    {"route",            EntityLevel::ROUTE},
-    {"auto_route",       EntityLevel::ROUTE},
-};
-// clang-format on
 
 // What a node's private pointer points to.
 constexpr char PAUSED = 'p';
@@ -46,7 +30,7 @@ std::optional<EntityLevel> levelOf(const xmlNode* element) {
     if (tag == ROUTER_getProductInfo()->xmlTagName) {
         return EntityLevel::SERVICE;
     }
-    for (const EntityTag& entity : ENTITY_TAGS) {
+    for (const auto& entity : product::ENTITY_KINDS) {
         if (entity.tag == tag) {
             return entity.level;
         }
@@ -59,7 +43,7 @@ std::string describeLevel(EntityLevel level) {
         return "the service";
     }
     std::string text;
-    for (const EntityTag& entity : ENTITY_TAGS) {
+    for (const auto& entity : product::ENTITY_KINDS) {
         if (entity.level == level) {
             text.append(text.empty() ? "a " : " or ").append(entity.tag);
         }

@@ -2,6 +2,8 @@
 // path of their name attributes ("DomainRoute::Session::Route"). Nodes are borrowed from their document.
 #pragma once
 
+#include "product/vocabulary.h"
+
 #include <libxml/tree.h>
 
 #include <optional>
@@ -10,8 +12,7 @@
 
 namespace zul::practice {
 
-// How deep an entity is; its parent is one level above.
-enum class EntityLevel { SERVICE, DOMAIN_ROUTE, SESSION, ROUTE };
+using product::EntityLevel; // the parent of an entity is one level above
 
 constexpr std::string_view PATH_SEPARATOR = "::";
 constexpr std::size_t MAX_ENTITY_NAME = 254; // characters

@@ -21,34 +21,21 @@ Request copyOf(const Sample& sample, const DDS_SampleInfo& info) {
     std::copy_n(static_cast<const std::uint8_t*>(info.publication_handle.value), request.writer.size(),
                 request.writer.begin());
     const auto& branches = sample.command._u;
-    switch (request.kind) {
-    case ZUL_ROUTING_SERVICE_COMMAND_LOAD:
-    case ZUL_ROUTING_SERVICE_COMMAND_INSERT:
-    case ZUL_ROUTING_SERVICE_COMMAND_UPDATE:
-    case ZUL_ROUTING_SERVICE_COMMAND_CREATE:
-        request.entity = branches.entity_desc.name;
+    const admin::Command* command = admin::findCommand(request.kind);
+    const auto branch = command != nullptr ? command->branch : admin::CommandBranch::DUMMY;
+    if (const char* name = admin::findName(branches, branch)) {
+        request.entity = name;
+    }
+    if (branch == admin::CommandBranch::ENTITY_DESC) {
         request.isFinal = branches.entity_desc.xml_url.is_final != 0;
         request.content = branches.entity_desc.xml_url.content;
-        break;
-    case ZUL_ROUTING_SERVICE_COMMAND_PAUSE:
-    case ZUL_ROUTING_SERVICE_COMMAND_RESUME:
-    case ZUL_ROUTING_SERVICE_COMMAND_ENABLE:
-    case ZUL_ROUTING_SERVICE_COMMAND_DISABLE:
-    case ZUL_ROUTING_SERVICE_COMMAND_DELETE:
-        request.entity = branches.entity_name;
-        break;
-    case ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER: {
+    } else if (branch == admin::CommandBranch::PEER_DESC) {
         const auto& peers = branches.peer_desc;
-        request.entity = peers.domain_route_name;
         request.isFirstParticipant = peers.is_first_participant != 0;
         for (DDS_Long i = 0; i < peers.peer_list.length; ++i) {
             const char* peer = ZULSequence::at(peers.peer_list, i);
             request.peers.emplace_back(peer != nullptr ? peer : "");
         }
-        break;
-    }
-    default: // the other kinds carry nothing
-        break;
     }
     return request;
 }
