@@ -30,8 +30,8 @@
     X(ERROR, 2)                                                                                              \
     X(ENTITY_NOT_FOUND, 3)
 
-// The enumerations may hold any 32-bit value: what arrives or is written is checked where it is read, not by
-// type.
+// The enumerations may hold any 32-bit value: what arrives or is written is checked where it is read, not
+// by type.
 enum ZUL_RoutingService_Administration_CommandKind : DDS_Long {
 #define X(name, value) ZUL_ROUTING_SERVICE_COMMAND_##name = value,
     ZUL_ADMINISTRATION_COMMAND_KINDS(X)

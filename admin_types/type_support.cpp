@@ -1,5 +1,5 @@
-// The named operations of type_support.h: family/type_support.inc for the two types that travel by
-// themselves.
+// The named operations of type_support.h: family/type_support.inc for the two types that travel
+// by themselves.
 #include "admin_types/type_support.h"
 
 #include "admin_types/descriptions.h"

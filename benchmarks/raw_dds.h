@@ -35,8 +35,8 @@ struct TopicPair {
 extern const TopicPair ADMINISTRATION;
 extern const TopicPair BASELINE;
 
-// Owns a participant, enabled, with the default profile of the library's profile file, and what is made in
-// it.
+// Owns a participant, enabled, with the default profile of the library's profile file, and what is made
+// in it.
 class Participant {
 public:
     // `receiveBuffer`: bytes of its sockets' receive buffers, 0 for the system's default.

@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::uint32_t COMMAND_LOAD = 1;
 constexpr std::uint32_t COMMAND_GET = 13;
-// Room for a full window of the largest requests, so that a busy machine's lost datagrams stay out of the
-// figures.
+// Room for a full window of the largest requests, so that a busy machine's lost datagrams stay out of
+// the figures.
 constexpr std::uint32_t RECEIVE_BUFFER = 1024 * 1024;
 // How long the library's thread may wait for room.
 constexpr std::uint32_t CALLBACK_BLOCKING_NANOSECONDS = 1'000'000;

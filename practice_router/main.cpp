@@ -1,6 +1,6 @@
 // zul-practice-router: options, start, the wait for a signal, and the end of everything in reverse order.
-// Exit status: 0 after a signal, --help or --version; 1 when the router cannot start; 2 for a bad command
-// line.
+// Exit status: 0 after a signal, --help or --version; 1 when the router cannot start; 2 for a bad
+// command line.
 #include "middleware/base/version.h"
 #include "middleware/dds/process.h"
 #include "practice_router/actions/save_file.h"

@@ -197,8 +197,8 @@ bool ROUTERRemoteConfigClient_closeConnection(ROUTERRemoteConfigClient* self) {
             closed = false;
         }
     };
-    // Deleting the entities waits for the listener, which must therefore not wait for a reader of its
-    // response.
+    // Deleting the entities waits for the listener, which must therefore not wait for a reader of
+    // its response.
     ROUTERRemoteConfigClient_releaseResponses(self);
     if (self->participant != nullptr) {
         check(DDS_DomainParticipant_delete_contained_entities(self->participant) == DDS_RETCODE_OK,

@@ -21,8 +21,8 @@ bool send(ROUTERRemoteConfigClient& client, const Sender& sender, const char* ta
 }
 
 // Fills the request's peer list in place; its length is set only as elements are stored, so a list without
-// any peer leaves the previous one. False when a piece is too long, there are too many, or memory is
-// exhausted.
+// any peer leaves the previous one. False when a piece is too long, there are too many, or memory
+// is exhausted.
 bool storePeer(DDS_StringSeq& peers, DDS_Long position, std::string_view peer) {
     constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendCommandAddPeer";
     if (!ZULSequence::ensure_length(&peers, position, position, CONTEXT)) {

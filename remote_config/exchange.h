@@ -13,8 +13,8 @@ void ROUTERRemoteConfigClient_nextInvocation(ROUTERRemoteConfigClient* self);
 // Writes `commandSample`, whose target, command and `invocation` the caller has set, and with `wait` gathers
 // responses into `result` until a final one. True: a final response arrived, nothing was to be waited for, or
 // the wait was interrupted (kind 0, "Response not received" in `textBuffer`). False: the write failed, or no
-// response came within `responseTimeout`, which starts afresh for every response, or memory or a semaphore
-// failed.
+// response came within `responseTimeout`, which starts afresh for every response, or memory or a
+// semaphore failed.
 bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
                                                  ROUTERRemoteConfigResult* result, bool wait);
 // The same for a request that goes on with what an earlier send without waiting began, such as the next piece

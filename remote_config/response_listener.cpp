@@ -1,5 +1,5 @@
-// Takes what has arrived, in batches, and offers each sample for the hand-over; the loan goes back after the
-// last.
+// Takes what has arrived, in batches, and offers each sample for the hand-over; the loan goes back after
+// the last.
 #include "remote_config/response_listener.h"
 
 #include "admin_types/type_support.h"

@@ -178,8 +178,8 @@ bool ROUTERRemoteConfigClient_sendCommandsDUE(ROUTERRemoteConfigClient* self, co
     }
     ROUTERRemoteConfigClient_sendCommandRequest(self, result, false);
 
-    // An interrupt from here on drops the rest of the update. That, or a failed one, is followed by the
-    // enable.
+    // An interrupt from here on drops the rest of the update. That, or a failed one, is followed by
+    // the enable.
     if (!ROUTERRemoteConfigClient_isInterrupted(self)) {
         prepareRequest(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_UPDATE}, targetRouter, entityName,
                        result);

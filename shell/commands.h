@@ -1,5 +1,5 @@
-// The commands of the shell, one row a command: what the dispatcher, the help and the check of the manual
-// read.
+// The commands of the shell, one row a command: what the dispatcher, the help and the check of the
+// manual read.
 #pragma once
 
 #include <array>

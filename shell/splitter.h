@@ -1,6 +1,6 @@
 // The line splitter: cuts a line into words, in place. Words are separated by anything but printable ASCII;
-// double quotes keep blanks; from certain beginnings on, such as "str://", a word runs to the end of the
-// line.
+// double quotes keep blanks; from certain beginnings on, such as "str://", a word runs to the end of
+// the line.
 #pragma once
 
 constexpr int ROUTER_SHELL_MAX_WORDS = 256;

@@ -1,5 +1,5 @@
-// Type codes, for every IDL type. Each is built on first use, links to those of its parts, and lives for
-// ever.
+// Type codes, for every IDL type. Each is built on first use, links to those of its parts, and lives
+// for ever.
 #pragma once
 
 #include "middleware/idl/type_code.h"

@@ -118,8 +118,8 @@ constexpr bool visitAndGoOn(Visit& visit, Arguments&&... arguments) {
 }
 
 // Calls visit(type, member) for each member of a struct, or branch of a union, in the order of their
-// description: `type` is the tag of the member's IDL type. Ends when a visit returns false, and returns
-// false.
+// description: `type` is the tag of the member's IDL type. Ends when a visit returns false, and
+// returns false.
 template <class Record, class Visit>
 constexpr bool forEachMember(Visit&& visit) {
     const auto visitAll = [&visit]<class... Members>(const Members&... member) {

@@ -10,8 +10,8 @@ namespace zul::practice {
 constexpr std::size_t MAX_SHOWN = 80;     // bytes of a name or value inside a message
 constexpr std::size_t MAX_FAILURE = 1024; // bytes of a line that says why something failed
 
-// How many of the first `length` bytes to keep so that no UTF-8 character is cut. In text that is no UTF-8
-// all.
+// How many of the first `length` bytes to keep so that no UTF-8 character is cut. In text that is no
+// UTF-8 all.
 std::size_t wholeCharacters(std::string_view text, std::size_t length);
 
 // The beginning of a text, at most `most` bytes and then "...". Control characters and runs of blanks become

@@ -135,8 +135,8 @@ void refuseAttributeDeclaration(void* context, const xmlChar*, const xmlChar*, i
     refuseDeclaration(context);
 }
 
-// An entity that only the definition, which nobody reads, could declare is no more than a warning to the
-// library.
+// An entity that only the definition, which nobody reads, could declare is no more than a warning to
+// the library.
 void noteError(void* context, xmlError* error) {
     if (error->level == XML_ERR_WARNING && error->code != XML_WAR_UNDECLARED_ENTITY) {
         return;

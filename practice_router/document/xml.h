@@ -50,8 +50,8 @@ XmlDocument copyXml(xmlDoc* document);
 // The line of an element in the text that it was parsed from.
 int lineOf(const xmlNode* element);
 
-// Whether an attribute tells an XML editor where to find a schema; they are attributes of the outermost
-// element.
+// Whether an attribute tells an XML editor where to find a schema; they are attributes of the
+// outermost element.
 bool isSchemaLocation(const xmlAttr* attribute);
 
 // UTF-8, with an XML declaration if the document was read with one that names an encoding.

@@ -101,8 +101,8 @@ std::string store(Options& options, const Flag& kind, std::string_view) {
     return {};
 }
 
-// Takes one option, with its value, off the front of the arguments. Returns what is wrong; empty when nothing
-// is.
+// Takes one option, with its value, off the front of the arguments. Returns what is wrong; empty when
+// nothing is.
 std::string parseOne(Options& options, std::span<const char* const>& arguments) {
     const std::string_view argument = arguments.front();
     arguments = arguments.subspan(1);

@@ -9,8 +9,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How long the reader of a client's answers is awaited: its announcement may come just after the first
-// request.
+// How long the reader of a client's answers is awaited: its announcement may come just after the
+// first request.
 constexpr milliseconds READER_WAIT{1000};
 constexpr milliseconds READER_POLL{1};
 constexpr milliseconds WRITE_WAIT{5000};

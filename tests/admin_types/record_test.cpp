@@ -67,8 +67,8 @@ TEST(Record, IsCopiedAndWrittenByItsSelectedBranchOrRefused) {
     }
 }
 
-// Each allocation fails once, until there are none left to fail; nothing may leak or be used. Returns their
-// number.
+// Each allocation fails once, until there are none left to fail; nothing may leak or be used. Returns
+// their number.
 template <class Action>
 long failEachAllocation(Action succeeds) {
     for (long n = 0;; ++n) {

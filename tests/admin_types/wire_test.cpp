@@ -90,8 +90,8 @@ const std::vector<Vector<Response>> RESPONSES{
      "[FFFFFFFF 12345678 80000000 | 00000003 | 00000001] 00 ^ 00"},
 };
 
-// `check(vector, sample, endpoint, identifier asked for, expected bytes)` for each vector in both byte
-// orders.
+// `check(vector, sample, endpoint, identifier asked for, expected bytes)` for each vector in both
+// byte orders.
 template <class T, class Check>
 void forEach(const std::vector<Vector<T>>& vectors, Check check) {
     for (const Vector<T>& vector : vectors) {

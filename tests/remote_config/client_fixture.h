@@ -1,5 +1,5 @@
-// What the client's tests share: the log as lines, a client connected over the fake DDS, and waiting for a
-// condition.
+// What the client's tests share: the log as lines, a client connected over the fake DDS, and waiting for
+// a condition.
 #pragma once
 
 #include "middleware/base/heap.h"

@@ -43,8 +43,8 @@ void Explorer::switchTo(int to) {
 #endif
 }
 
-// Alone, because `getcontext` may return twice in the eyes of the compiler, which then warns of every
-// variable.
+// Alone, because `getcontext` may return twice in the eyes of the compiler, which then warns of
+// every variable.
 static void prepare(ucontext_t& context) {
     getcontext(&context);
 }

@@ -123,8 +123,8 @@ TEST_F(UrlCommands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
     const std::string missing = directory + "/missing";
     const std::string twoPieces = "str://" + pattern(5000);
     const std::tuple<std::string, int, std::size_t, std::vector<int>> cases[] = {
-        // What it updates with, the write that fails, the one that is interrupted, and the kinds that are
-        // sent.
+        // What it updates with, the write that fails, the one that is interrupted, and the kinds that
+        // are sent.
         {twoPieces, 0, 0, {8, 4, 4, 7}},
         {missing, 0, 0, {8, 7}},
         {"str://x", 1, 0, {4, 7}},
