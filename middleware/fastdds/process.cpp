@@ -38,7 +38,7 @@ void ZULProcess_takeOver() {
         Log::SetVerbosity(ZULLog_isMiddlewareEnabled(ZUL_LOG_LEVEL_WARNING) ? Log::Warning : Log::Error);
         // The library starts its log thread with the first line, whoever writes it: here, with all signals
         // blocked, so that no signal meant for the program's own thread is ever delivered to it.
-        Log::QueueLog("start", Log::Context{__FILE__, __LINE__, __func__, "LOG"}, Log::Info);
+        Log::QueueLog("start", Log::Context{__FILE__, __LINE__, "ZULProcess_takeOver", "LOG"}, Log::Info);
         return true;
     });
 }

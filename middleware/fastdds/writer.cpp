@@ -74,7 +74,8 @@ DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter* self, const void*
     if (self == nullptr || sample == nullptr || params == nullptr || params->handle.isValid != 0) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    const auto& [seconds, nanoseconds] = params->source_timestamp;
+    const DDS_Long seconds = params->source_timestamp.sec;
+    const DDS_UnsignedLong nanoseconds = params->source_timestamp.nanosec;
     const bool isNow = seconds == DDS_TIME_INVALID.sec && nanoseconds == DDS_TIME_INVALID.nanosec;
     if (!isNow && (seconds < 0 || nanoseconds >= NANOSECONDS_PER_SECOND)) {
         return DDS_RETCODE_BAD_PARAMETER;
