@@ -27,8 +27,11 @@ XmlDocument Draft::parseSnippet(std::string_view text, std::string& error) const
 }
 
 bool Draft::activate(std::string& error) {
-    // As text it must be what can be loaded again.
-    if (readDocument(writeXml(document_.get()), configuration_.stop_, error) == nullptr) {
+    // As text it must be what can be loaded again. Only a refusal is worth a second tree: it has the lines.
+    const std::string text = writeXml(document_.get());
+    if (!isReadableXml(text, configuration_.stop_, error) ||
+        !isAcceptable(document_.get(), configuration_.stop_, error)) {
+        readDocument(text, configuration_.stop_, error);
         error = "the configuration would become invalid: " + error;
         return false;
     }

@@ -96,24 +96,25 @@ private:
 
 } // namespace
 
-XmlDocument readDocument(std::string_view xml, const std::stop_token& stop, std::string& error) {
-    XmlDocument document = parseXml(xml, stop, error);
-    if (document == nullptr) {
-        return nullptr;
-    }
-    const xmlNode* root = xmlDocGetRootElement(document.get());
+bool isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::string& error) {
+    const xmlNode* root = xmlDocGetRootElement(document);
     if (tagOf(root) != ROOT_TAG) {
         error = "line " + std::to_string(lineOf(root)) + ": the root element is " + describe(root) +
                 "; it must be dds";
-        return nullptr;
+        return false;
     }
     const Definition* definition = Definition::ofProduct();
     if (definition == nullptr) {
         error = "out of memory";
-        return nullptr;
+        return false;
     }
     std::set<std::string> none;
-    return Check(*definition, stop, error).passes(root, none) ? std::move(document) : nullptr;
+    return Check(*definition, stop, error).passes(root, none);
+}
+
+XmlDocument readDocument(std::string_view xml, const std::stop_token& stop, std::string& error) {
+    XmlDocument document = parseXml(xml, stop, error);
+    return document != nullptr && isAcceptable(document.get(), stop, error) ? std::move(document) : nullptr;
 }
 
 } // namespace zul::practice

@@ -22,6 +22,7 @@ constexpr std::string_view SCHEMA_INSTANCE = "http://www.w3.org/2001/XMLSchema-i
 struct Reading {
     std::string_view rest;
     const std::stop_token& stop;
+    bool buildsTree = true;
     std::string error{}; // the first; later ones mostly follow from it
     xmlParserCtxt* parser = nullptr;
     std::size_t nodes = 0;      // elements, comments and the like
@@ -78,11 +79,14 @@ int handOut(void* context, char* buffer, int size) {
     return static_cast<int>(count);
 }
 
-// The library's own handler of an event, after counting the nodes that the event stands for.
+// Counts the nodes that an event stands for; the library's own handler then adds them to the tree.
 template <auto handler, int nodes, class... Arguments>
 void noting(void* context, Arguments... arguments) {
-    readingOf(context).noteNodes(nodes);
-    handler(context, arguments...);
+    Reading& reading = readingOf(context);
+    reading.noteNodes(nodes);
+    if (reading.buildsTree) {
+        handler(context, arguments...);
+    }
 }
 
 // Why an element cannot be accepted; empty when it can. Attributes come as local name, prefix, URI, begin and
@@ -114,6 +118,9 @@ void startElement(void* context, const xmlChar* localname, const xmlChar* prefix
     const std::string refusal = refuseElement(reading, uri, namespaceCount, namespaces, attributeCount);
     if (!refusal.empty()) {
         reading.refuse(refusal);
+        return;
+    }
+    if (!reading.buildsTree) {
         return;
     }
     xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
@@ -166,9 +173,9 @@ struct ParserDeleter {
     void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
 };
 
-} // namespace
-
-XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::string& error, xmlDict* names) {
+// The document, without its elements where no tree is wanted; null on failure.
+XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token& stop, std::string& error,
+                  xmlDict* names) {
     if (text.empty()) {
         error = "the document is empty";
         return nullptr;
@@ -188,7 +195,7 @@ XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::st
         parser->dict = names;
         xmlDictReference(names);
     }
-    Reading reading{.rest = text, .stop = stop, .parser = parser.get()};
+    Reading reading{.rest = text, .stop = stop, .buildsTree = buildsTree, .parser = parser.get()};
     parser->_private = &reading;
     setHandlers(*parser->sax);
     XmlDocument document(xmlCtxtReadIO(parser.get(), handOut, nullptr, &reading, nullptr, nullptr,
@@ -198,6 +205,16 @@ XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::st
         return nullptr;
     }
     return document;
+}
+
+} // namespace
+
+XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::string& error, xmlDict* names) {
+    return parse(text, true, stop, error, names);
+}
+
+bool isReadableXml(std::string_view text, const std::stop_token& stop, std::string& error) {
+    return parse(text, false, stop, error, nullptr) != nullptr;
 }
 
 XmlDocument copyXml(xmlDoc* document) {
