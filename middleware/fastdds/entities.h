@@ -5,9 +5,11 @@
 #include "middleware/dds/dds.h"
 #include "middleware/fastdds/bounded_wait.h"
 #include "middleware/fastdds/delivery_thread.h"
+#include "middleware/fastdds/loans.h"
+#include "middleware/fastdds/matched_endpoints.h"
+#include "middleware/fastdds/read_conditions.h"
 #include "middleware/fastdds/type_adapter.h"
 
-#include <algorithm>
 #include <atomic>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/publisher/DataWriter.hpp>
@@ -18,30 +20,12 @@
 #include <fastdds/dds/subscriber/Subscriber.hpp>
 #include <fastdds/dds/topic/Topic.hpp>
 #include <fastdds/dds/topic/TypeSupport.hpp>
-#include <list>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace zul {
-
-// The endpoints that one endpoint is matched with. The library reports each change and cannot be asked later.
-class MatchedEndpoints {
-public:
-    void update(const DDS_InstanceHandle_t& handle, std::int32_t change);
-    DDS_ReturnCode_t copyTo(DDS_InstanceHandleSeq* handles) const;
-    template <class Test>
-    bool any(Test test) const {
-        const std::lock_guard lock(mutex_);
-        return std::any_of(handles_.begin(), handles_.end(), test);
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::vector<DDS_InstanceHandle_t> handles_;
-};
 
 // Takes a type's adapter out of the library's shared pointer, for as long as a wrapper needs it.
 using AdapterPtr = std::shared_ptr<TypeAdapter>;
@@ -66,12 +50,6 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
                                 const eprosima::fastdds::dds::PublicationMatchedStatus& status) override;
 };
 
-struct DDS_ReadCondition {
-    DDS_SampleStateMask sampleStates;
-    DDS_ViewStateMask viewStates;
-    DDS_InstanceStateMask instanceStates;
-};
-
 struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     eprosima::fastdds::dds::DataReader* reader = nullptr;
     zul::AdapterPtr adapter;
@@ -79,14 +57,8 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     DDS_Long maxSamples = 0; // most samples of one read or take
     std::atomic<bool> leavesReadSamples{false};
     std::atomic<bool> hasToldOfLoss{false};
-    struct Loan {
-        std::vector<void*> samples; // its address is what was handed out
-        std::vector<DDS_SampleInfo> infos;
-    };
-    std::mutex loansMutex;
-    std::list<Loan> loans;
-    mutable std::mutex conditionsMutex;
-    std::vector<std::unique_ptr<DDS_ReadCondition>> conditions;
+    zul::Loans loans;
+    zul::ReadConditions conditions;
     std::unique_ptr<zul::DeliveryThread> delivery;
 
     bool isEnabled() const { return reader->is_enabled(); }
@@ -128,7 +100,7 @@ struct DDS_DomainParticipant final : DDS_Entity {
     eprosima::fastdds::dds::DomainParticipant* participant = nullptr;
     bool enabled = false; // its entities are; the library's participant is from the start
     DDS_DomainParticipantQos qos;
-    std::map<std::string, zul::AdapterPtr> types;
+    std::map<std::string, zul::AdapterPtr, std::less<>> types;
     std::vector<std::unique_ptr<DDS_Topic>> topics;
     std::vector<std::unique_ptr<DDS_Publisher>> publishers;
     std::vector<std::unique_ptr<DDS_Subscriber>> subscribers;

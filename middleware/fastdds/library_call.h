@@ -1,6 +1,6 @@
-// Calls into the library. It throws when memory, threads or descriptors run out: here that becomes a failure,
-// with a log line. It starts threads, which must not receive the program's signals: here they start with all
-// of them blocked.
+// Calls into the library, and from it. It throws when memory, threads or descriptors run out: here that
+// becomes a failure, with a log line. It starts threads, which must not receive the program's signals: here
+// they start with all of them blocked.
 #pragma once
 
 #include "middleware/base/log.h"
@@ -38,7 +38,16 @@ std::invoke_result_t<Call> callLibrary(const char* context, std::invoke_result_t
     return failure;
 }
 
-// The same for calls that may start threads.
+// What the library calls: nothing may be thrown into it.
+template <class Callback>
+void inCallback(const char* context, Callback callback) {
+    callLibrary(context, false, [&callback] {
+        callback();
+        return true;
+    });
+}
+
+// As callLibrary, for calls that may start threads.
 template <class Create>
 std::invoke_result_t<Create> createInLibrary(const char* context, std::invoke_result_t<Create> failure,
                                              Create create) {

@@ -86,11 +86,13 @@ DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant* se
     if (self == nullptr || typeName == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    const auto code = zul::toReturnCode(self->participant->unregister_type(typeName));
-    if (code == DDS_RETCODE_OK) {
-        self->types.erase(typeName);
-    }
-    return code;
+    return zul::callLibrary(__func__, DDS_RETCODE_OUT_OF_RESOURCES, [&] {
+        const auto code = zul::toReturnCode(self->participant->unregister_type(typeName));
+        if (code == DDS_RETCODE_OK) {
+            self->types.erase(typeName);
+        }
+        return code;
+    });
 }
 
 namespace {

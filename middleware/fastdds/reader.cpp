@@ -22,6 +22,7 @@ void DDS_DataReader::note(DDS_StatusMask status) {
         delivery->notify(status);
     }
 }
+
 // A full reader refuses samples, and a reliable writer sends them again when the reader asks. Inside a
 // process the library hands samples over directly, and there no reader asks: the sample is lost, nothing
 // after the gap is delivered, and the reader stays silent. So its limit is also a limit on what such a writer
@@ -48,7 +49,9 @@ void DDS_DataReader::on_data_available(fast::DataReader* /*reader*/) {
 }
 void DDS_DataReader::on_subscription_matched(fast::DataReader* /*reader*/,
                                              const fast::SubscriptionMatchedStatus& status) {
-    matched.update(zul::toHandle(status.last_publication_handle), status.current_count_change);
+    zul::inCallback(__func__, [&] {
+        matched.update(zul::toHandle(status.last_publication_handle), status.current_count_change);
+    });
     note(zul::STATUS_SUBSCRIPTION_MATCHED);
 }
 void DDS_DataReader::on_requested_deadline_missed(fast::DataReader* /*reader*/,
@@ -61,7 +64,7 @@ void DDS_DataReader::on_liveliness_changed(fast::DataReader* /*reader*/,
 }
 void DDS_DataReader::on_sample_rejected(fast::DataReader* /*reader*/,
                                         const eprosima::fastrtps::SampleRejectedStatus&) {
-    tellOfLoss();
+    zul::inCallback(__func__, [this] { tellOfLoss(); });
     note(zul::STATUS_SAMPLE_REJECTED);
 }
 void DDS_DataReader::on_requested_incompatible_qos(fast::DataReader* /*reader*/,

@@ -1,50 +1,17 @@
-// Reading and taking: samples of the type's pool, decoded into by the library, as loans or as copies.
+// Reading and taking: the library decodes into samples of the type's pool, which go out as loans or as
+// copies. Whatever may fail comes before samples are taken, because what is taken and not returned is lost.
 #include "middleware/dds/reading_rules.h"
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/library_call.h"
+#include "middleware/fastdds/pooled_samples.h"
 #include "middleware/fastdds/qos_mapping.h"
 
 #include <algorithm>
-#include <fastdds/dds/core/LoanableCollection.hpp>
 #include <fastdds/dds/subscriber/SampleInfo.hpp>
 
 namespace fast = eprosima::fastdds::dds;
 
 namespace {
-
-// A collection that owns pointers to pooled samples: the library decodes into them and leaves out what it
-// cannot decode. Its own loans would hand out undecodable samples as valid.
-class PooledSamples final : public fast::LoanableCollection {
-public:
-    PooledSamples(const zul::TypeAdapter& adapter, DDS_Long count) : adapter_(adapter) {
-        samples_.reserve(static_cast<std::size_t>(count));
-        void* sample = nullptr;
-        while (static_cast<DDS_Long>(samples_.size()) < count &&
-               (sample = adapter.getReaderSample()) != nullptr) {
-            samples_.push_back(sample);
-        }
-        elements_ = samples_.data();
-        maximum_ = static_cast<size_type>(samples_.size());
-    }
-    ~PooledSamples() {
-        std::for_each(samples_.begin(), samples_.end(),
-                      [this](void* sample) { adapter_.returnReaderSample(sample); });
-    }
-    PooledSamples(const PooledSamples&) = delete;
-    PooledSamples& operator=(const PooledSamples&) = delete;
-
-    // Hands the filled samples over to a vector that has room for them; the others go back to the pool.
-    void release(std::vector<void*>& filled) {
-        filled.assign(samples_.begin(), samples_.begin() + length_);
-        samples_.erase(samples_.begin(), samples_.begin() + length_);
-    }
-
-private:
-    void resize(size_type /*newLength*/) override {} // never grows
-
-    const zul::TypeAdapter& adapter_;
-    std::vector<void*> samples_;
-};
 
 // The default limit matches what the reader asks of its pool; `limit` is what one call may return.
 DDS_Long samplesToAskFor(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, DDS_Long limit) {
@@ -68,14 +35,8 @@ struct States {
 
 DDS_ReturnCode_t statesOf(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, States& states) {
     DDS_ReadCondition condition{params.sample_states, params.view_states, params.instance_states};
-    if (params.condition != nullptr) {
-        const std::lock_guard lock(self.conditionsMutex);
-        const auto own = std::find_if(self.conditions.begin(), self.conditions.end(),
-                                      [&params](const auto& each) { return each.get() == params.condition; });
-        if (own == self.conditions.end()) {
-            return DDS_RETCODE_PRECONDITION_NOT_MET;
-        }
-        condition = **own;
+    if (params.condition != nullptr && !self.conditions.find(params.condition, condition)) {
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
     }
     states = {static_cast<fast::SampleStateMask>(condition.sampleStates),
               static_cast<fast::ViewStateMask>(condition.viewStates),
@@ -98,13 +59,12 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, D
     const bool asLoan = data.maximum == 0;
     const DDS_Long limit = asLoan ? self.maxSamples : std::min(self.maxSamples, data.maximum);
     const DDS_Long wanted = samplesToAskFor(self, params, limit);
-    PooledSamples samples(*self.adapter, wanted);
+    zul::PooledSamples samples(*self.adapter, wanted);
     const auto room = static_cast<DDS_Long>(samples.maximum());
     if (room == 0) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
-    // Whatever may fail comes before samples are taken, which would be lost later.
-    std::list<DDS_DataReader::Loan> loan(1);
+    std::list<zul::Loan> loan(1);
     std::vector<void*>& filled = loan.front().samples;
     filled.reserve(samples.maximum());
     loan.front().infos.resize(asLoan ? samples.maximum() : 0);
@@ -133,8 +93,7 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, D
     if (asLoan) {
         received.samples = filled.data();
         ZULSequence::loan_contiguous(infos, filledInfos, count, count, CONTEXT);
-        const std::lock_guard lock(self.loansMutex);
-        self.loans.splice(self.loans.end(), loan);
+        self.loans.keep(loan);
         return DDS_RETCODE_OK;
     }
     bool copied = true;
@@ -153,23 +112,16 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, D
 DDS_ReadCondition* DDS_DataReader_create_readcondition(DDS_DataReader* self, DDS_SampleStateMask sampleStates,
                                                        DDS_ViewStateMask viewStates,
                                                        DDS_InstanceStateMask instanceStates) {
-    if (self == nullptr) {
-        return nullptr;
-    }
-    const std::lock_guard lock(self->conditionsMutex);
-    return self->conditions.emplace_back(new DDS_ReadCondition{sampleStates, viewStates, instanceStates})
-        .get();
+    return self == nullptr ? nullptr : zul::callLibrary(__func__, nullptr, [&] {
+        return self->conditions.create({sampleStates, viewStates, instanceStates});
+    });
 }
 
 DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader* self, DDS_ReadCondition* condition) {
     if (self == nullptr || condition == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    const std::lock_guard lock(self->conditionsMutex);
-    const auto isIt = [condition](const auto& own) {
-        return own.get() == condition;
-    };
-    return std::erase_if(self->conditions, isIt) > 0 ? DDS_RETCODE_OK : DDS_RETCODE_PRECONDITION_NOT_MET;
+    return self->conditions.remove(condition) ? DDS_RETCODE_OK : DDS_RETCODE_PRECONDITION_NOT_MET;
 }
 
 DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
@@ -188,16 +140,9 @@ DDS_ReturnCode_t DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void**
     if (self == nullptr || infos == nullptr) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    const std::lock_guard lock(self->loansMutex);
-    const auto loan = std::find_if(self->loans.begin(), self->loans.end(),
-                                   [samples](const auto& each) { return each.samples.data() == samples; });
-    if (loan == self->loans.end() || infos->contiguous != loan->infos.data()) {
+    if (!self->loans.giveBack(samples, infos->contiguous, *self->adapter)) {
         return DDS_RETCODE_PRECONDITION_NOT_MET;
     }
-    for (void* sample : loan->samples) {
-        self->adapter->returnReaderSample(sample);
-    }
     ZULSequence::unloan(infos, __func__);
-    self->loans.erase(loan);
     return DDS_RETCODE_OK;
 }

@@ -27,8 +27,6 @@ constexpr std::uint16_t ENUM_BITS = 32;
 using Identifier = std::optional<types::TypeIdentifier>;
 using Object = std::optional<types::TypeObject>;
 
-Identifier identify(const DDS_TypeCode* code);
-
 types::octet primitiveKind(DDS_TCKind kind) {
     switch (kind) {
     case DDS_TK_BOOLEAN:
@@ -74,77 +72,11 @@ types::TypeIdentifier identifyString(std::uint32_t bound) {
     return identifier;
 }
 
-// Sequences of types that are the same in every description (strings, primitives).
-Identifier identifySequence(const DDS_TypeCode& code) {
-    Identifier element = identify(code.content);
-    if (!element || element->_d() == types::EK_COMPLETE || code.bound > SMALL_BOUND_MAX) {
-        return std::nullopt;
-    }
-    types::TypeIdentifier identifier;
-    identifier._d(types::TI_PLAIN_SEQUENCE_SMALL);
-    auto& sequence = identifier.seq_sdefn();
-    sequence.header().equiv_kind(types::EK_BOTH);
-    sequence.bound(static_cast<types::SBound>(code.bound));
-    sequence.element_identifier(&*element);
-    return identifier;
-}
-
 template <class Flags>
 void setExtensibility(Flags& flags, DDS_ExtensibilityKind kind) {
     flags.IS_FINAL(kind == DDS_FINAL_EXTENSIBILITY);
     flags.IS_APPENDABLE(kind == DDS_EXTENSIBLE_EXTENSIBILITY);
     flags.IS_MUTABLE(kind == DDS_MUTABLE_EXTENSIBILITY);
-}
-
-// Fills what members of structs and branches of unions share; false when the type cannot be described.
-template <class Member>
-bool fillMember(Member& described, const DDS_TypeCodeMember& member) {
-    const Identifier type = identify(member.type);
-    if (!type) {
-        return false;
-    }
-    if constexpr (std::is_same_v<Member, types::CompleteUnionMember>) {
-        described.common().type_id(*type);
-        described.common().label_seq().assign(member.labels.begin(), member.labels.end());
-        described.common().member_flags().IS_DEFAULT(member.isDefault);
-    } else {
-        described.common().member_type_id(*type);
-        described.common().member_flags().IS_KEY(member.isKey);
-    }
-    described.common().member_id(static_cast<types::MemberId>(member.id));
-    described.detail().name(member.name);
-    return true;
-}
-
-template <class Member, class Members>
-bool fillMembers(Members& described, const std::vector<DDS_TypeCodeMember>& members) {
-    return std::all_of(members.begin(), members.end(), [&described](const DDS_TypeCodeMember& member) {
-        Member entry;
-        const bool filled = fillMember(entry, member);
-        described.push_back(entry);
-        return filled;
-    });
-}
-
-bool fillStruct(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
-    object._d(types::TK_STRUCTURE);
-    auto& described = object.struct_type();
-    setExtensibility(described.struct_flags(), code.extensibility);
-    described.header().detail().type_name(code.name);
-    return fillMembers<types::CompleteStructMember>(described.member_seq(), code.members);
-}
-
-bool fillUnion(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
-    const Identifier discriminator = identify(code.content);
-    if (!discriminator) {
-        return false;
-    }
-    object._d(types::TK_UNION);
-    auto& described = object.union_type();
-    setExtensibility(described.union_flags(), code.extensibility);
-    described.header().detail().type_name(code.name);
-    described.discriminator().common().type_id(*discriminator);
-    return fillMembers<types::CompleteUnionMember>(described.member_seq(), code.members);
 }
 
 bool fillEnum(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
@@ -161,29 +93,6 @@ bool fillEnum(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
     return true;
 }
 
-bool fillAlias(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
-    const Identifier named = identify(code.content);
-    if (!named) {
-        return false;
-    }
-    object._d(types::TK_ALIAS);
-    object.alias_type().header().detail().type_name(code.name);
-    object.alias_type().body().common().related_type(*named);
-    return true;
-}
-
-Object describe(const DDS_TypeCode& code) {
-    types::TypeObject object;
-    object._d(types::EK_COMPLETE);
-    auto& complete = object.complete();
-    const bool filled = code.kind == DDS_TK_STRUCT  ? fillStruct(complete, code)
-                        : code.kind == DDS_TK_UNION ? fillUnion(complete, code)
-                        : code.kind == DDS_TK_ENUM  ? fillEnum(complete, code)
-                        : code.kind == DDS_TK_ALIAS ? fillAlias(complete, code)
-                                                    : false;
-    return filled ? Object(object) : std::nullopt;
-}
-
 types::TypeIdentifier hashOf(const types::TypeObject& object) {
     eprosima::fastcdr::FastBuffer buffer;
     eprosima::fastcdr::Cdr encoder(buffer, eprosima::fastcdr::Cdr::LITTLE_ENDIANNESS,
@@ -198,43 +107,138 @@ types::TypeIdentifier hashOf(const types::TypeObject& object) {
     return identifier;
 }
 
-Identifier identify(const DDS_TypeCode* code) {
-    if (code == nullptr) {
-        return std::nullopt;
-    }
-    if (code->kind == DDS_TK_STRING) {
-        return identifyString(code->bound);
-    }
-    if (code->kind == DDS_TK_SEQUENCE) {
-        return identifySequence(*code);
-    }
-    if (const types::octet kind = primitiveKind(code->kind); kind != types::TK_NONE) {
-        types::TypeIdentifier identifier;
-        identifier._d(kind);
+// Describes one type, and the types inside it.
+class Describer {
+public:
+    Identifier identify(const DDS_TypeCode* code) {
+        if (code == nullptr) {
+            return std::nullopt;
+        }
+        if (code->kind == DDS_TK_STRING) {
+            return identifyString(code->bound);
+        }
+        if (code->kind == DDS_TK_SEQUENCE) {
+            return identifySequence(*code);
+        }
+        if (const types::octet kind = primitiveKind(code->kind); kind != types::TK_NONE) {
+            types::TypeIdentifier identifier;
+            identifier._d(kind);
+            return identifier;
+        }
+        // A type that contains itself has no such description.
+        if (std::find(describing_.begin(), describing_.end(), code) != describing_.end()) {
+            return std::nullopt;
+        }
+        describing_.push_back(code);
+        const Object object = describe(*code);
+        describing_.pop_back();
+        if (!object) {
+            return std::nullopt;
+        }
+        const types::TypeIdentifier identifier = hashOf(*object);
+        // Known to the library, a nested type can be asked for by its identifier.
+        types::TypeObjectFactory::get_instance()->add_type_object(code->name, &identifier, &*object);
         return identifier;
     }
-    // A type that contains itself has no such description.
-    thread_local std::vector<const DDS_TypeCode*> open;
-    if (std::find(open.begin(), open.end(), code) != open.end()) {
-        return std::nullopt;
+
+    Object describe(const DDS_TypeCode& code) {
+        types::TypeObject object;
+        object._d(types::EK_COMPLETE);
+        auto& complete = object.complete();
+        const bool filled = code.kind == DDS_TK_STRUCT  ? fillStruct(complete, code)
+                            : code.kind == DDS_TK_UNION ? fillUnion(complete, code)
+                            : code.kind == DDS_TK_ENUM  ? fillEnum(complete, code)
+                            : code.kind == DDS_TK_ALIAS ? fillAlias(complete, code)
+                                                        : false;
+        return filled ? Object(object) : std::nullopt;
     }
-    open.push_back(code);
-    const Object object = describe(*code);
-    open.pop_back();
-    if (!object) {
-        return std::nullopt;
+
+private:
+    // Sequences of types that are the same in every description (strings, primitives).
+    Identifier identifySequence(const DDS_TypeCode& code) {
+        Identifier element = identify(code.content);
+        if (!element || element->_d() == types::EK_COMPLETE || code.bound > SMALL_BOUND_MAX) {
+            return std::nullopt;
+        }
+        types::TypeIdentifier identifier;
+        identifier._d(types::TI_PLAIN_SEQUENCE_SMALL);
+        auto& sequence = identifier.seq_sdefn();
+        sequence.header().equiv_kind(types::EK_BOTH);
+        sequence.bound(static_cast<types::SBound>(code.bound));
+        sequence.element_identifier(&*element);
+        return identifier;
     }
-    const types::TypeIdentifier identifier = hashOf(*object);
-    // Known to the library, a nested type can be asked for by its identifier.
-    types::TypeObjectFactory::get_instance()->add_type_object(code->name, &identifier, &*object);
-    return identifier;
-}
+
+    // Fills what members of structs and branches of unions share; false when the type cannot be described.
+    template <class Member>
+    bool fillMember(Member& described, const DDS_TypeCodeMember& member) {
+        const Identifier type = identify(member.type);
+        if (!type) {
+            return false;
+        }
+        if constexpr (std::is_same_v<Member, types::CompleteUnionMember>) {
+            described.common().type_id(*type);
+            described.common().label_seq().assign(member.labels.begin(), member.labels.end());
+            described.common().member_flags().IS_DEFAULT(member.isDefault);
+        } else {
+            described.common().member_type_id(*type);
+            described.common().member_flags().IS_KEY(member.isKey);
+        }
+        described.common().member_id(static_cast<types::MemberId>(member.id));
+        described.detail().name(member.name);
+        return true;
+    }
+
+    template <class Member, class Members>
+    bool fillMembers(Members& described, const std::vector<DDS_TypeCodeMember>& members) {
+        return std::all_of(members.begin(), members.end(), [&](const DDS_TypeCodeMember& member) {
+            Member entry;
+            const bool filled = fillMember(entry, member);
+            described.push_back(entry);
+            return filled;
+        });
+    }
+
+    bool fillStruct(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
+        object._d(types::TK_STRUCTURE);
+        auto& described = object.struct_type();
+        setExtensibility(described.struct_flags(), code.extensibility);
+        described.header().detail().type_name(code.name);
+        return fillMembers<types::CompleteStructMember>(described.member_seq(), code.members);
+    }
+
+    bool fillUnion(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
+        const Identifier discriminator = identify(code.content);
+        if (!discriminator) {
+            return false;
+        }
+        object._d(types::TK_UNION);
+        auto& described = object.union_type();
+        setExtensibility(described.union_flags(), code.extensibility);
+        described.header().detail().type_name(code.name);
+        described.discriminator().common().type_id(*discriminator);
+        return fillMembers<types::CompleteUnionMember>(described.member_seq(), code.members);
+    }
+
+    bool fillAlias(types::CompleteTypeObject& object, const DDS_TypeCode& code) {
+        const Identifier named = identify(code.content);
+        if (!named) {
+            return false;
+        }
+        object._d(types::TK_ALIAS);
+        object.alias_type().header().detail().type_name(code.name);
+        object.alias_type().body().common().related_type(*named);
+        return true;
+    }
+
+    std::vector<const DDS_TypeCode*> describing_; // the named types that are being described, outermost first
+};
 
 } // namespace
 
 void announceType(eprosima::fastdds::dds::TopicDataType& type, const DDS_TypeCode& code) {
-    const Identifier identifier = identify(&code);
-    const Object object = describe(code);
+    const Identifier identifier = Describer().identify(&code);
+    const Object object = Describer().describe(code);
     if (identifier && object) {
         type.type_object(*object);
         type.type_identifier(*identifier);

@@ -1,0 +1,29 @@
+#include "middleware/fastdds/matched_endpoints.h"
+
+#include <cstring>
+
+namespace zul {
+
+void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(handles_, [&handle](const DDS_InstanceHandle_t& known) {
+        return std::memcmp(known.value, handle.value, sizeof(handle.value)) == 0;
+    });
+    if (change > 0) {
+        handles_.push_back(handle);
+    }
+}
+
+DDS_ReturnCode_t MatchedEndpoints::copyTo(DDS_InstanceHandleSeq* handles) const {
+    const std::lock_guard lock(mutex_);
+    const auto count = static_cast<DDS_Long>(handles_.size());
+    if (!ZULSequence::ensure_length(handles, count, count, __func__)) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    for (DDS_Long i = 0; i < count; ++i) {
+        ZULSequence::at(*handles, i) = handles_[static_cast<std::size_t>(i)];
+    }
+    return DDS_RETCODE_OK;
+}
+
+} // namespace zul

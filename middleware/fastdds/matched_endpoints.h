@@ -1,0 +1,30 @@
+// Matched endpoints: those that one endpoint is matched with. The library reports each change and cannot be
+// asked later. Any thread.
+#pragma once
+
+#include "middleware/dds/dds.h"
+
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+namespace zul {
+
+class MatchedEndpoints {
+public:
+    // `change` is above 0 for an endpoint that is matched now, below for one that no longer is.
+    void update(const DDS_InstanceHandle_t& handle, std::int32_t change);
+    // OUT_OF_RESOURCES when the sequence cannot hold them all.
+    DDS_ReturnCode_t copyTo(DDS_InstanceHandleSeq* handles) const;
+    template <class Test>
+    bool any(Test test) const {
+        const std::lock_guard lock(mutex_);
+        return std::any_of(handles_.begin(), handles_.end(), test);
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<DDS_InstanceHandle_t> handles_;
+};
+
+} // namespace zul
