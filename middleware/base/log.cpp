@@ -5,6 +5,7 @@
 #include "middleware/base/terminal_text.h"
 
 #include <atomic>
+#include <exception>
 #include <mutex>
 #include <string>
 #include <unistd.h>
@@ -63,17 +64,7 @@ std::string shownOnTerminal(std::string_view line) {
     return shown;
 }
 
-void writeLine(std::string_view line) {
-    const std::lock_guard lock(g_sinkMutex);
-    if (g_sink != nullptr) {
-        g_sink(g_sinkData, line);
-        return;
-    }
-    std::string shown;
-    if (isatty(STDERR_FILENO) != 0) {
-        shown = shownOnTerminal(line);
-        line = shown;
-    }
+void writeToStandardError(std::string_view line) {
     while (!line.empty()) {
         const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
         if (written <= 0) {
@@ -83,21 +74,41 @@ void writeLine(std::string_view line) {
     }
 }
 
+// `isOurs`: nothing in the line is anybody else's, so there is nothing to hide from a terminal.
+void writeLine(std::string_view line, bool isOurs) {
+    const std::lock_guard lock(g_sinkMutex);
+    if (g_sink != nullptr) {
+        g_sink(g_sinkData, line);
+    } else if (!isOurs && isatty(STDERR_FILENO) != 0) {
+        writeToStandardError(shownOnTerminal(line));
+    } else {
+        writeToStandardError(line);
+    }
+}
+
+// A line is built in memory, and it is wanted most when that runs out: then the bare format is all there is.
+void emitLine(std::string_view decoration, std::string_view context, const char* format,
+              std::span<const ZULLogArgument> arguments) {
+    try {
+        std::string line(decoration);
+        line += context;
+        line += decoration.empty() ? "" : "] ";
+        appendFormatted(line, format, arguments);
+        writeLine(line, false);
+    } catch (const std::exception&) {
+        writeLine(format, true);
+    }
+}
+
 } // namespace
 
 void ZULLog_emit(ZULLogLevel level, const char* context, const ZULLogTemplate& message,
                  std::span<const ZULLogArgument> arguments) {
-    std::string line = level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [";
-    line += context;
-    line += "] ";
-    appendFormatted(line, message.format, arguments);
-    writeLine(line);
+    emitLine(level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [", context, message.format, arguments);
 }
 
 void ZULLog_emitDebug(const char* format, std::span<const ZULLogArgument> arguments) {
-    std::string line;
-    appendFormatted(line, format, arguments);
-    writeLine(line);
+    emitLine("", "", format, arguments);
 }
 
 void ZULLog_setMiddlewareMask(std::uint32_t levels) {

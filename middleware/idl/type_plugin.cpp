@@ -4,50 +4,78 @@
 
 #include "middleware/base/heap.h"
 
-#include <algorithm>
 #include <mutex>
 #include <new>
-#include <vector>
 
 struct ZULParticipantData {};
 
 namespace {
 
-// Objects of one kind, kept for reuse. Lent ones stay known so that deleting the pool frees them too.
+// Objects of one kind, kept for reuse. Lent ones stay known, so that deleting the pool frees them too. What
+// an object needs here is allocated before it is made: nothing can fail when it comes back.
 template <class T>
 class Pool {
 public:
+    // Null when memory is exhausted or `make` gives null.
     template <class Make>
     T* get(Make make) {
         const std::lock_guard lock(mutex_);
-        if (!free_.empty()) {
-            T* object = free_.back();
-            free_.pop_back();
-            return object;
+        Entry* entry = free_ != nullptr ? take(free_) : makeEntry(make);
+        if (entry == nullptr) {
+            return nullptr;
         }
-        T* object = make();
-        if (object != nullptr) {
-            all_.push_back(object);
-        }
-        return object;
+        push(lent_, entry);
+        return entry->object;
     }
-    void put(T* object) {
+    // Tolerates null and what is not lent.
+    void put(const T* object) {
         const std::lock_guard lock(mutex_);
-        if (object != nullptr && std::find(free_.begin(), free_.end(), object) == free_.end()) {
-            free_.push_back(object);
+        for (Entry** link = &lent_; *link != nullptr; link = &(*link)->next) {
+            if ((*link)->object == object) {
+                push(free_, take(*link));
+                return;
+            }
         }
     }
     template <class Release>
     void clear(Release release) {
-        std::for_each(all_.begin(), all_.end(), release);
-        all_.clear();
-        free_.clear();
+        for (Entry** list : {&lent_, &free_}) {
+            while (*list != nullptr) {
+                Entry* entry = take(*list);
+                release(entry->object);
+                ZULHeap_free(entry);
+            }
+        }
     }
 
 private:
+    struct Entry {
+        T* object;
+        Entry* next;
+    };
+
+    template <class Make>
+    static Entry* makeEntry(Make make) {
+        auto* entry = ZULHeap_allocate<Entry>();
+        if (entry != nullptr && (entry->object = make()) == nullptr) {
+            ZULHeap_free(entry);
+            return nullptr;
+        }
+        return entry;
+    }
+    static void push(Entry*& list, Entry* entry) {
+        entry->next = list;
+        list = entry;
+    }
+    static Entry* take(Entry*& list) {
+        Entry* entry = list;
+        list = entry->next;
+        return entry;
+    }
+
     std::mutex mutex_;
-    std::vector<T*> all_;
-    std::vector<T*> free_;
+    Entry* lent_ = nullptr; // the last one lent comes first
+    Entry* free_ = nullptr;
 };
 
 } // namespace

@@ -46,8 +46,8 @@ struct ZULTypePlugin {
     // Keyless types leave these two empty.
     bool (*serializeKey)(ZULEndpointData*, const void* sample, ZULCdrOutput*);
     bool (*deserializeKey)(ZULEndpointData*, void* sample, ZULCdrInput*);
-    const DDS_TypeCode*
-        typeCode; // what is announced to other participants; may be replaced before registration
+    // What is announced to other participants; may be replaced before registration.
+    const DDS_TypeCode* typeCode;
     std::uint8_t* (*getBuffer)(ZULEndpointData*, std::size_t size); // writer only; null on failure
     void (*returnBuffer)(ZULEndpointData*, std::uint8_t* buffer);
     const char* typeName; // the plugin's own type name; a participant may register it under another
@@ -70,13 +70,15 @@ void ZULEndpointData_delete(ZULEndpointData* data);
 
 void* ZULEndpointData_createSample(ZULEndpointData* data);
 void ZULEndpointData_deleteSample(ZULEndpointData* data, void* sample);
+// From the pool, which grows on demand; null when memory is exhausted. What comes back is tolerated when null
+// or not lent.
 void* ZULEndpointData_getSample(ZULEndpointData* data);
 void ZULEndpointData_returnSample(ZULEndpointData* data, void* sample);
 
 // The writer's buffers: `maximumSize` bytes each, kept for reuse. One is made at once; false if that fails.
 bool ZULEndpointData_createBufferPool(ZULEndpointData* data, std::size_t maximumSize);
-std::uint8_t* ZULEndpointData_getBuffer(ZULEndpointData* data,
-                                        std::size_t size); // null when larger or exhausted
+// Null when `size` is above that maximum, or memory is exhausted.
+std::uint8_t* ZULEndpointData_getBuffer(ZULEndpointData* data, std::size_t size);
 void ZULEndpointData_returnBuffer(ZULEndpointData* data, std::uint8_t* buffer);
 
 // Largest serialized size of a sample of this endpoint, as the plugin recorded it; 0 until then. Null gives

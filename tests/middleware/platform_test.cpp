@@ -5,6 +5,7 @@
 #include "middleware/base/terminal_text.h"
 #include "middleware/base/version.h"
 #include "middleware/dds/qos.h"
+#include "middleware/idl/type_plugin.h"
 #include "tests/middleware/captured_log.h"
 
 #include <atomic>
@@ -109,11 +110,14 @@ TEST(Log, FillsTemplatesAndKeepsToItsMask) {
     ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_ANY_s, static_cast<const char*>(nullptr));
     ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_ANY_s); // too few: the place stays
     ZULLog_debug("%s: %d\n", "id", -7LL);
+    const volatile std::size_t tooLong = SIZE_MAX; // no memory holds it
+    ZULLog_message(ZUL_LOG_LEVEL_ERROR, "op", ZUL_LOG_ANY_FAILURE_s, std::string_view("x", tooLong));
     EXPECT_EQ(log.take(), "ERROR [op] insufficient space: 2 available, 3 needed\n"
                           "WARNING [op] 100% %s %d\n"
                           "ERROR [op] (null)\n"
                           "ERROR [op] %s\n"
-                          "id: -7\n");
+                          "id: -7\n"
+                          "failure: %s\n");
     for (const std::uint32_t mask : {0U, 1U, 2U, 3U}) {
         ZULLog_setMiddlewareMask(mask);
         for (const ZULLogLevel level : {ZUL_LOG_LEVEL_ERROR, ZUL_LOG_LEVEL_WARNING}) {
@@ -183,6 +187,28 @@ TEST(Properties, AreAddedReplacedAndLimited) {
     EXPECT_STREQ(DDS_PropertyQosPolicyHelper_lookup_property(&copied.property, "31"), "replaced");
     EXPECT_EQ(copied.property.value.contiguous[0].propagate, 1);
     DDS_DomainParticipantQos_finalize(&copied);
+}
+
+TEST(EndpointData, ASampleThatCannotBeHadLeavesNothingBehindAndAReturnCannotFail) {
+    ZULEndpointData* data = ZULEndpointData_new(
+        {ZUL_ENDPOINT_READER}, {.createData = [] { return static_cast<void*>(ZULHeap_allocate<int>()); },
+                                .destroyData = ZULHeap_free});
+    for (long n = 0; n < 2; ++n) { // what the pool keeps of a sample, the sample
+        ZULHeap_failAfter(n);
+        EXPECT_EQ(ZULEndpointData_getSample(data), nullptr) << n;
+        ZULHeap_failAfter(-1);
+    }
+    void* const lent = ZULEndpointData_getSample(data);
+    void* const kept = ZULEndpointData_getSample(data);
+    ZULHeap_failAfter(0);
+    for (void* sample : {kept, static_cast<void*>(nullptr), kept}) {
+        ZULEndpointData_returnSample(data, sample);
+    }
+    EXPECT_EQ(ZULEndpointData_getSample(data), kept);
+    EXPECT_EQ(ZULEndpointData_getSample(data), nullptr); // returned twice, it was not kept twice
+    ZULHeap_failAfter(-1);
+    EXPECT_NE(lent, nullptr); // goes with the pool
+    ZULEndpointData_delete(data);
 }
 
 TEST(Version, RendersNumbersAndLetters) {
