@@ -2,6 +2,7 @@
 // written down.
 #pragma once
 
+#include "admin_types/commands.h"
 #include "admin_types/records.h"
 #include "middleware/idl/types.h"
 
@@ -36,6 +37,18 @@ struct CommandResponseKindDescription {
     static constexpr zul::idl::Enumerator enumerators[] = {ZUL_ADMINISTRATION_RESPONSE_KINDS(X)};
 };
 #undef X
+
+// The labels of a branch: the kinds of its commands, in the order of their rows.
+constexpr std::array<DDS_Long, zul::idl::MAX_LABELS> labelsOf(CommandBranch branch) {
+    std::array<DDS_Long, zul::idl::MAX_LABELS> labels{};
+    std::size_t count = 0;
+    for (const Command& command : COMMANDS) {
+        if (command.branch == branch) {
+            labels.at(count++) = command.kind;
+        }
+    }
+    return labels;
+}
 
 // The one member that the modules name differently.
 template <class Module>
@@ -107,26 +120,17 @@ struct zul::idl::Description<admin::CommandRecord<ModuleOfRecord>> {
     static constexpr const char* name = "Command";
     static constexpr WireForm form = WireForm::MUTABLE;
     static constexpr DDS_Long defaultDiscriminator = ZUL_ROUTING_SERVICE_COMMAND_LOAD;
-    // Both modules number their commands alike. UNLOAD carries the dummy and no entity name: routers decode
-    // by the same table.
+    // Both modules number their commands alike.
     // clang-format off
     static constexpr auto members = std::tuple{
         Branch<Struct<admin::EntityDescriptionRecord<Module>>, &Record::_u, &Branches::entity_desc>{
-            {1, "entity_desc"},
-            {ZUL_ROUTING_SERVICE_COMMAND_LOAD, ZUL_ROUTING_SERVICE_COMMAND_INSERT,
-             ZUL_ROUTING_SERVICE_COMMAND_UPDATE, ZUL_ROUTING_SERVICE_COMMAND_CREATE}},
+            {1, "entity_desc"}, admin::labelsOf(admin::CommandBranch::ENTITY_DESC)},
         Branch<Long, &Record::_u, &Branches::dummy>{
-            {2, "dummy"},
-            {ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,
-             ZUL_ROUTING_SERVICE_COMMAND_SAVE, ZUL_ROUTING_SERVICE_COMMAND_GET}, true},
+            {2, "dummy"}, admin::labelsOf(admin::CommandBranch::DUMMY), true},
         Branch<admin::EntityName<Module>, &Record::_u, &Branches::entity_name>{
-            {3, "entity_name"},
-            {ZUL_ROUTING_SERVICE_COMMAND_PAUSE, ZUL_ROUTING_SERVICE_COMMAND_RESUME,
-             ZUL_ROUTING_SERVICE_COMMAND_ENABLE, ZUL_ROUTING_SERVICE_COMMAND_DISABLE,
-             ZUL_ROUTING_SERVICE_COMMAND_DELETE}},
+            {3, "entity_name"}, admin::labelsOf(admin::CommandBranch::ENTITY_NAME)},
         Branch<Struct<admin::PeerUpdateDescriptionRecord<Module>>, &Record::_u, &Branches::peer_desc>{
-            {4, "peer_desc"},
-            {ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER}},
+            {4, "peer_desc"}, admin::labelsOf(admin::CommandBranch::PEER_DESC)},
     };
     // clang-format on
 };
