@@ -6,9 +6,10 @@ elseif(ZUL_SANITIZE STREQUAL "thread")
     set(ZUL_SANITIZER_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
 endif()
 
+# A section for each function and object: a program keeps what it uses of a library's files.
 function(zul_settings target)
-    target_compile_options(${target} PRIVATE ${ZUL_WARNINGS} ${ZUL_SANITIZER_FLAGS})
-    target_link_options(${target} PRIVATE ${ZUL_SANITIZER_FLAGS})
+    target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections ${ZUL_WARNINGS} ${ZUL_SANITIZER_FLAGS})
+    target_link_options(${target} PRIVATE -Wl,--gc-sections ${ZUL_SANITIZER_FLAGS})
 endfunction()
 
 # Gives a target an include path of its own, a folder of links in the build tree with the target's folder and nothing else:

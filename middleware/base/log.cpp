@@ -5,6 +5,7 @@
 #include "middleware/base/terminal_text.h"
 
 #include <atomic>
+#include <cerrno>
 #include <exception>
 #include <mutex>
 #include <string>
@@ -67,6 +68,9 @@ std::string shownOnTerminal(std::string_view line) {
 void writeToStandardError(std::string_view line) {
     while (!line.empty()) {
         const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
         if (written <= 0) {
             return; // nowhere left to report to
         }
