@@ -116,11 +116,11 @@ ZULXMLObject* createObject(Reader& reader, const std::string& tag, const std::st
         reader.document.root = object;
         return object;
     }
-    const ZULOrderedSetStatus status = ZULXMLObject_insertChild(reader.current, object, nullptr);
-    if (status != ZUL_ORDERED_SET_OK) {
+    const ZULXMLInsertion insertion = ZULXMLObject_insertChild(reader.current, object);
+    if (insertion != ZUL_XML_INSERTED) {
         ZULXMLObject_delete(object);
-        reader.fail(status == ZUL_ORDERED_SET_EXISTS ? "the name '" + name + "' is used twice"
-                                                     : "out of memory");
+        reader.fail(insertion == ZUL_XML_NAME_TAKEN ? "the name '" + name + "' is used twice"
+                                                    : "out of memory");
         return nullptr;
     }
     return object;
