@@ -43,7 +43,7 @@ std::optional<std::uint64_t> TypeReader::countOf(Element element, Scope scope, s
 // The value of an attribute that holds a bound; 0 for unbounded, which -1 or no attribute says.
 std::optional<std::uint32_t> TypeReader::boundOf(Element element, Scope scope,
                                                  std::string_view attributeName) {
-    const std::string_view text = ZULXMLText_trim(attribute(element, attributeName));
+    const std::string_view text = zul::xml::trimmed(attribute(element, attributeName));
     if (ZULXMLObject_getAttribute(&element, attributeName) == nullptr || text == "-1") {
         return 0;
     }
@@ -58,7 +58,7 @@ bool TypeReader::addDimensions(Element element, Scope scope, DDS_TypeCode& array
         const std::size_t comma = list.find(',');
         isLast = comma == std::string_view::npos;
         const std::optional<std::uint64_t> count =
-            countOf(element, scope, ZULXMLText_trim(list.substr(0, comma)));
+            countOf(element, scope, zul::xml::trimmed(list.substr(0, comma)));
         if (!count) {
             return false;
         }

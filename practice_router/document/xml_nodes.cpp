@@ -1,6 +1,7 @@
 // Reading and setting what an element holds; libxml2 hands out copies that must be freed.
 #include "practice_router/document/xml_nodes.h"
 
+#include "middleware/xml/text.h"
 #include "practice_router/document/text.h"
 
 namespace zul::practice {
@@ -33,8 +34,8 @@ std::string describe(const xmlNode* node) {
 std::string textOf(const xmlNode* node) {
     const xmlNode* only = node->children;
     return only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE
-               ? std::string(trimmed(toView(only->content)))
-               : std::string(trimmed(toString(xmlNodeGetContent(node))));
+               ? std::string(xml::trimmed(toView(only->content)))
+               : std::string(xml::trimmed(toString(xmlNodeGetContent(node))));
 }
 
 xmlNode* firstChild(const xmlNode* node) {
