@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <optional>
-#include <string>
 
 namespace {
 
@@ -71,11 +70,9 @@ std::uint32_t ROUTERUtils_getThreadSettingsKindMaskElement(std::int32_t line, co
     }
     const std::string_view words = zul::xml::trimmed(text);
     if (words.size() > ROUTER_THREAD_SETTINGS_TEXT_MAX) {
-        const std::string message = "a thread-settings mask has at most " +
-                                    std::to_string(ROUTER_THREAD_SETTINGS_TEXT_MAX) +
-                                    " characters; name each keyword once";
+        static_assert(ROUTER_THREAD_SETTINGS_TEXT_MAX == 1023);
         ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_XML_PARSE_FAILURE_ds, line,
-                        std::string_view(message));
+                        "a thread-settings mask has at most 1023 characters; name each keyword once");
         return 0;
     }
     char buffer[ROUTER_THREAD_SETTINGS_TEXT_MAX + 1];

@@ -1,9 +1,10 @@
 // Checks and their reports; the changes themselves are operations of the object.
 #include "utils/xml_tree.h"
 
+#include "middleware/base/strings.h"
 #include "product/log_masks.h"
 
-#include <string>
+#include <cstdio>
 
 std::atomic<std::int32_t> ROUTERUtils_g_uniqueNameSuffix{0};
 
@@ -83,10 +84,13 @@ ZULXMLObject* ROUTERUtils_createChildQosObject(const ZULXMLExtensionRegistry* re
         refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "find builtin extension class");
         return nullptr;
     }
-    const std::string name =
-        "default_" + std::string(tagName) + "_" + std::to_string(ROUTERUtils_g_uniqueNameSuffix.fetch_add(1));
-    const ZULXMLAttribute attribute{"name", name.c_str()};
-    ZULXMLObject* child = extensionClass->create(extensionClass, parent, name.c_str(), {&attribute, 1});
+    char number[16];
+    std::snprintf(number, sizeof(number), "%d", ROUTERUtils_g_uniqueNameSuffix.fetch_add(1));
+    const ZULStringPtr name(ZULString_join({"default_", tagName, "_", number}));
+    const ZULXMLAttribute attribute{"name", name.get()};
+    ZULXMLObject* child = name != nullptr
+                              ? extensionClass->create(extensionClass, parent, name.get(), {&attribute, 1})
+                              : nullptr;
     if (child == nullptr) {
         refuse(__func__, ZUL_LOG_CREATION_FAILURE_s, "xml qos object");
         return nullptr;

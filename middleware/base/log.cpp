@@ -83,21 +83,28 @@ void writeLine(std::string_view line) {
     }
 }
 
+void emit(std::initializer_list<std::string_view> head, std::string_view format,
+          std::span<const ZULLogArgument> arguments) {
+    try {
+        std::string line;
+        for (const std::string_view part : head) {
+            line += part;
+        }
+        appendFormatted(line, format, arguments);
+        writeLine(line);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
 } // namespace
 
 void ZULLog_emit(ZULLogLevel level, const char* context, const ZULLogTemplate& message,
                  std::span<const ZULLogArgument> arguments) {
-    std::string line = level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [";
-    line += context;
-    line += "] ";
-    appendFormatted(line, message.format, arguments);
-    writeLine(line);
+    emit({level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [", context, "] "}, message.format, arguments);
 }
 
 void ZULLog_emitDebug(const char* format, std::span<const ZULLogArgument> arguments) {
-    std::string line;
-    appendFormatted(line, format, arguments);
-    writeLine(line);
+    emit({}, format, arguments);
 }
 
 void ZULLog_setMiddlewareMask(std::uint32_t levels) {

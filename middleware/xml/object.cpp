@@ -14,13 +14,7 @@ namespace {
 
 // "<prefix>::<name>"; null when memory is exhausted.
 char* joinNames(std::string_view prefix, std::string_view name) {
-    constexpr std::string_view SCOPE = "::";
-    char* joined = DDS_String_alloc(prefix.size() + SCOPE.size() + name.size());
-    char* place = joined;
-    for (const std::string_view part : {prefix, SCOPE, name}) {
-        place += place != nullptr ? part.copy(place, part.size()) : 0;
-    }
-    return joined;
+    return ZULString_join({prefix, "::", name});
 }
 
 // The attributes and their texts in one block of memory.
@@ -132,11 +126,10 @@ void ZULXMLObject_delete(ZULXMLObject* self) {
 }
 
 bool ZULXMLObject_setText(ZULXMLObject* self, std::string_view text) {
-    char* copy = DDS_String_alloc(text.size());
+    char* copy = ZULString_join({text});
     if (copy == nullptr) {
         return false;
     }
-    text.copy(copy, text.size());
     DDS_String_free(self->text);
     self->text = copy;
     return true;

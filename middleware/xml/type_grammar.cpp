@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace xml_types {
+namespace zul::xml {
 
 namespace {
 
@@ -132,4 +132,4 @@ bool checkForm(const ZULXMLObject& element, ZULXMLError& error) {
     return true;
 }
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -3,7 +3,7 @@
 
 #include "middleware/xml/document.h"
 
-namespace xml_types {
+namespace zul::xml {
 
 // Checks the element by itself, its children by their tags only, and those of a types section or module not
 // at all. False, with the line and what is wrong, when it does not follow the form.
@@ -18,4 +18,4 @@ inline bool isTrue(const ZULXMLObject& element, std::string_view name) {
     return attribute(element, name) == "true";
 }
 
-} // namespace xml_types
+} // namespace zul::xml

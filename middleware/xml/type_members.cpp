@@ -3,7 +3,7 @@
 #include "middleware/xml/text.h"
 #include "middleware/xml/type_reader.h"
 
-namespace xml_types {
+namespace zul::xml {
 
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type) {
     while (type != nullptr && type->kind == DDS_TK_ALIAS) {
@@ -43,7 +43,7 @@ std::optional<std::uint64_t> TypeReader::countOf(Element element, Scope scope, s
 // The value of an attribute that holds a bound; 0 for unbounded, which -1 or no attribute says.
 std::optional<std::uint32_t> TypeReader::boundOf(Element element, Scope scope,
                                                  std::string_view attributeName) {
-    const std::string_view text = zul::xml::trimmed(attribute(element, attributeName));
+    const std::string_view text = trimmed(attribute(element, attributeName));
     if (ZULXMLObject_getAttribute(&element, attributeName) == nullptr || text == "-1") {
         return 0;
     }
@@ -57,8 +57,7 @@ bool TypeReader::addDimensions(Element element, Scope scope, DDS_TypeCode& array
     for (bool isLast = false; !isLast;) {
         const std::size_t comma = list.find(',');
         isLast = comma == std::string_view::npos;
-        const std::optional<std::uint64_t> count =
-            countOf(element, scope, zul::xml::trimmed(list.substr(0, comma)));
+        const std::optional<std::uint64_t> count = countOf(element, scope, trimmed(list.substr(0, comma)));
         if (!count) {
             return false;
         }
@@ -140,4 +139,4 @@ const DDS_TypeCode* TypeReader::typeOf(Element element, Scope scope) {
     return type;
 }
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-namespace xml_types {
+namespace zul::xml {
 
 const TypeReader::Definition TypeReader::DEFINITIONS[] = {
     {"include", &TypeReader::readInclude, DDS_TK_NULL},
@@ -299,20 +299,4 @@ bool TypeReader::readEnum(Element element, Scope scope) {
     return !symbol->type->members.empty() || fail(element, "an enum needs an enumerator");
 }
 
-} // namespace xml_types
-
-bool ZULXMLTypeReader_read(const ZULXMLDocument* document, ZULXMLTypeSet* types, ZULXMLError* error) {
-    return xml_types::TypeReader(*types, *error).read(*document);
-}
-
-ZULXMLTypesStatus ZULXMLTypeReader_check(const void* data, std::size_t size, ZULXMLError* error) {
-    const std::unique_ptr<ZULXMLDocument, void (*)(ZULXMLDocument*)> document(
-        ZULXMLParser_readText(nullptr, {static_cast<const char*>(data), size}), ZULXMLDocument_delete);
-    if (document == nullptr || document->root == nullptr) {
-        *error = document != nullptr ? document->error : ZULXMLError{0, "out of memory"};
-        return ZUL_XML_TYPES_BAD_DOCUMENT;
-    }
-    ZULXMLTypeSet types;
-    return ZULXMLTypeReader_read(document.get(), &types, error) ? ZUL_XML_TYPES_OK
-                                                                : ZUL_XML_TYPES_BAD_DEFINITION;
-}
+} // namespace zul::xml

@@ -25,15 +25,7 @@ struct ZULXMLTypeSet {
     ZULXMLError missing{};                                      // the first include that failed
 };
 
-// Reads all types sections of the document, and what is sound of them when something is wrong. False then,
-// with the line and what to do about the first thing that is.
-bool ZULXMLTypeReader_read(const ZULXMLDocument* document, ZULXMLTypeSet* types, ZULXMLError* error);
-
-enum ZULXMLTypesStatus { ZUL_XML_TYPES_OK, ZUL_XML_TYPES_BAD_DOCUMENT, ZUL_XML_TYPES_BAD_DEFINITION };
-// Reads `size` bytes as a document and its types, and drops the result. Logs nothing and reads nothing else.
-ZULXMLTypesStatus ZULXMLTypeReader_check(const void* data, std::size_t size, ZULXMLError* error);
-
-namespace xml_types {
+namespace zul::xml {
 
 constexpr std::size_t INCLUDES_MAX = 64;        // documents taken in
 constexpr std::size_t BASES_MAX = 32;           // types above each other in a chain of bases
@@ -45,8 +37,10 @@ constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 // scope ("" is the outermost) that its element is in.
 class TypeReader {
 public:
-    // `first` gets the first thing that is wrong.
+    // `first` gets the first thing that is wrong, with the line and what to do about it.
     TypeReader(ZULXMLTypeSet& types, ZULXMLError& first) : types_(types), first_(first) {}
+    // Reads all types sections of the document, and what is sound of them when something is wrong: false
+    // then.
     bool read(const ZULXMLDocument& document);
 
 private:
@@ -137,4 +131,4 @@ private:
 // The type that `type` names through its typedefs; null for null.
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type);
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-namespace xml_types {
+namespace zul::xml {
 
 // Members of a sparse value type are recognised by their ids and need not be there, keys excepted.
 bool TypeReader::readRecord(Element element, Scope scope) {
@@ -206,4 +206,4 @@ bool TypeReader::readLabel(Element element, Scope scope, Discriminator& discrimi
            fail(element, "the label '" + text + "' selects two cases");
 }
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -1,6 +1,6 @@
 #include "middleware/xml/type_scope.h"
 
-namespace xml_types {
+namespace zul::xml {
 
 std::string scopedName(const std::string& scope, std::string_view name) {
     return scope.empty() ? std::string(name) : scope + "::" + std::string(name);
@@ -35,4 +35,4 @@ Symbol* Symbols::add(const std::string& scopedName, const Symbol& symbol, ZULXML
     return &place->second;
 }
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -6,7 +6,7 @@
 
 #include <map>
 
-namespace xml_types {
+namespace zul::xml {
 
 enum class SymbolKind { MODULE, TYPE, CONSTANT };
 
@@ -40,4 +40,4 @@ private:
     std::map<std::string, Symbol> symbols_;
 };
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -163,15 +163,15 @@ bool isReadableXml(std::string_view text, const std::stop_token& stop, std::stri
 XmlDocument copyXml(xmlDoc* document) {
     XmlDocument copy(xmlCopyDoc(document, 0));
     // A dictionary of its own spares the copy an allocation for each name.
-    if (copy == nullptr || (copy->dict = xmlDictCreate()) == nullptr) {
-        return nullptr;
+    if (copy != nullptr && (copy->dict = xmlDictCreate()) != nullptr) {
+        copy->children = xmlDocCopyNodeList(copy.get(), document->children);
+        for (xmlNode* node = copy->children; node != nullptr; node = node->next) {
+            node->parent = reinterpret_cast<xmlNode*>(copy.get());
+            copy->last = node;
+        }
     }
-    copy->children = xmlDocCopyNodeList(copy.get(), document->children);
-    for (xmlNode* node = copy->children; node != nullptr; node = node->next) {
-        node->parent = reinterpret_cast<xmlNode*>(copy.get());
-        copy->last = node;
-    }
-    return xmlDocGetRootElement(copy.get()) != nullptr ? std::move(copy) : nullptr;
+    requireMemory(copy != nullptr && xmlDocGetRootElement(copy.get()) != nullptr);
+    return copy;
 }
 
 int lineOf(const xmlNode* element) {
@@ -185,18 +185,11 @@ bool isSchemaLocation(const xmlAttr* attribute) {
 }
 
 std::string writeXml(xmlDoc* document) {
-    std::string text;
-    const auto append = [](void* context, const char* bytes, int count) {
-        static_cast<std::string*>(context)->append(bytes, static_cast<std::size_t>(count));
-        return count;
-    };
+    const std::unique_ptr<xmlBuffer, XmlDeleter> text(xmlBufferCreate());
     const int options = document->encoding == nullptr ? XML_SAVE_NO_DECL : 0;
-    xmlSaveCtxt* writer = xmlSaveToIO(append, nullptr, &text, "UTF-8", options);
-    if (writer != nullptr) {
-        xmlSaveDoc(writer, document);
-        xmlSaveClose(writer);
-    }
-    return text;
+    xmlSaveCtxt* writer = text != nullptr ? xmlSaveToBuffer(text.get(), "UTF-8", options) : nullptr;
+    requireMemory(writer != nullptr && xmlSaveDoc(writer, document) >= 0 && xmlSaveClose(writer) >= 0);
+    return std::string(toView(xmlBufferContent(text.get())));
 }
 
 } // namespace zul::practice

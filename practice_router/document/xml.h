@@ -28,8 +28,16 @@ inline const xmlChar* toXml(const std::string& text) {
 struct XmlDeleter {
     void operator()(xmlDtd* dtd) const { xmlFreeDtd(dtd); }
     void operator()(xmlChar* text) const { xmlFree(text); }
+    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
 };
 using XmlDocument = xml::DocumentPtr;
+
+// The library returns a failure when memory runs out; in the router it is thrown, and becomes the answer.
+inline void requireMemory(bool hasSufficed) {
+    if (!hasSufficed) {
+        throw std::bad_alloc();
+    }
+}
 
 // Null on failure; `error` then says what is wrong, with its line. Of a parsed document only whole nodes may
 // be changed, as the library keeps short texts inside theirs. Gives up soon when asked to stop. `names`, if
@@ -40,7 +48,7 @@ XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::st
 // Whether parseXml would succeed, at a fraction of its cost in time and memory.
 bool isReadableXml(std::string_view text, const std::stop_token& stop, std::string& error);
 
-// A copy of a whole document that may be changed. Null when memory is exhausted.
+// A copy of a whole document that may be changed.
 XmlDocument copyXml(xmlDoc* document);
 
 // The line of an element in the text that it was parsed from.

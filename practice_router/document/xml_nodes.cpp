@@ -50,22 +50,18 @@ bool isText(const xmlNode* node) {
     return node->type == XML_CDATA_SECTION_NODE || (node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 0);
 }
 
-bool setText(xmlNode* node, const std::string& text) {
+void setText(xmlNode* node, const std::string& text) {
     const xmlNode* only = node->children;
     if (only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE &&
         text == toView(only->content)) {
-        return true;
+        return;
     }
     xmlNodeSetContent(node, nullptr);
-    if (text.empty()) {
-        return true;
+    if (!text.empty()) {
+        xmlNode* content = xmlNewText(toXml(text));
+        requireMemory(content != nullptr);
+        xmlAddChild(node, content);
     }
-    xmlNode* content = xmlNewText(toXml(text));
-    if (content == nullptr || xmlAddChild(node, content) == nullptr) {
-        xmlFreeNode(content);
-        return false;
-    }
-    return true;
 }
 
 } // namespace zul::practice
