@@ -25,14 +25,13 @@ Symbol* Symbols::resolve(const std::string& scope, std::string_view name) {
     }
 }
 
-Symbol* Symbols::add(const std::string& scopedName, const Symbol& symbol, ZULXMLError& error) {
+Symbol& Symbols::add(const std::string& scopedName, const Symbol& symbol) {
     const auto [place, isNew] = symbols_.try_emplace(scopedName, symbol);
     if (!isNew) {
-        error.set(symbol.line, "'" + scopedName + "' is already defined in line " +
-                                   std::to_string(place->second.line) + "; give it another name");
-        return nullptr;
+        throw ZULXMLError{symbol.line, "'" + scopedName + "' is already defined in line " +
+                                           std::to_string(place->second.line) + "; give it another name"};
     }
-    return &place->second;
+    return place->second;
 }
 
 } // namespace zul::xml
