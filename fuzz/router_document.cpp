@@ -29,7 +29,7 @@ xmlDtd* parseDtd() {
 }
 
 bool followsRules(const xmlNode* element) {
-    bool follows = !Definition::ofProduct()->faultIn(element);
+    bool follows = !Definition::ofProduct().faultIn(element);
     for (const xmlNode* child = firstChild(element); child != nullptr && follows;
          child = nextElement(child)) {
         follows = followsRules(child);

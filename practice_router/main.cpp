@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <new>
 #include <thread>
 
 namespace {
@@ -119,5 +120,11 @@ int start(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     ZULProcess_takeOver();
-    ZULProcess_exit(start(argc, argv));
+    int status = EXIT_CANNOT_START;
+    try {
+        status = start(argc, argv);
+    } catch (const std::bad_alloc&) {
+        fail(status, "out of memory");
+    }
+    ZULProcess_exit(status);
 }

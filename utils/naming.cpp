@@ -3,6 +3,7 @@
 
 #include "product/log_masks.h"
 
+#include <cstring>
 #include <string_view>
 
 namespace {
@@ -31,20 +32,11 @@ char* ROUTERUtils_makeNameI(const char* serviceName, const char* qualifiedEntity
     if (start == nullptr || *end == '\0') {
         return nullptr;
     }
-    const std::string_view parts[] = {
-        SCOPE, serviceName, SCOPE, {start, static_cast<std::size_t>(end - start)}};
-    std::size_t length = 0;
-    for (const std::string_view part : parts) {
-        length += part.size();
-    }
-    char* name = DDS_String_alloc(length);
+    const std::string_view component(start, static_cast<std::size_t>(end - start));
+    char* name = ZULString_join({SCOPE, serviceName, SCOPE, component});
     if (name == nullptr) {
-        ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_OUT_OF_HEAP_STRING_d, length);
-        return nullptr;
-    }
-    char* place = name;
-    for (const std::string_view part : parts) {
-        place += part.copy(place, part.size());
+        ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_OUT_OF_HEAP_STRING_d,
+                        2 * SCOPE.size() + std::strlen(serviceName) + component.size());
     }
     return name;
 }

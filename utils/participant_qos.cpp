@@ -7,7 +7,7 @@
 #include "product/product_info.h"
 
 #include <cstring>
-#include <string>
+#include <string_view>
 
 namespace {
 constexpr std::size_t PARTICIPANT_NAME_MAX = 254; // characters
@@ -15,24 +15,22 @@ constexpr std::size_t PARTICIPANT_NAME_MAX = 254; // characters
 
 bool ROUTERUtils_setParticipantName(DDS_DomainParticipantQos* qos, const char* name, const char* qualifier,
                                     const char* suffix) {
-    std::string text = ROUTER_getProductInfo()->productName;
+    const std::string_view product = ROUTER_getProductInfo()->productName;
     const std::size_t length =
-        text.size() + std::strlen(name) + std::strlen(qualifier) + std::strlen(suffix) + 3;
-    if (length <= PARTICIPANT_NAME_MAX) {
-        text.append(": ").append(name);
-        if (*qualifier != '\0' && *suffix != '\0') {
-            text.append(".").append(qualifier).append(suffix);
-        }
-    }
-    char* copy = DDS_String_dup(text.c_str());
-    if (copy == nullptr) {
+        product.size() + std::strlen(name) + std::strlen(qualifier) + std::strlen(suffix) + 3;
+    const bool isWhole = length <= PARTICIPANT_NAME_MAX;
+    const bool isQualified = *qualifier != '\0' && *suffix != '\0';
+    char* text = !isWhole       ? ZULString_join({product})
+                 : !isQualified ? ZULString_join({product, ": ", name})
+                                : ZULString_join({product, ": ", name, ".", qualifier, suffix});
+    if (text == nullptr) {
         // oddity 10
         ROUTERLog_error(ROUTER_SUBMODULE_UTILS, "ROUTERCfgFileDomainRoute_setParticipantName",
-                        ZUL_LOG_OUT_OF_HEAP_STRING_d, length <= PARTICIPANT_NAME_MAX ? length : text.size());
+                        ZUL_LOG_OUT_OF_HEAP_STRING_d, isWhole ? length : product.size());
         return false;
     }
     DDS_String_free(qos->participant_name.name);
-    qos->participant_name.name = copy;
+    qos->participant_name.name = text;
     return true;
 }
 

@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <optional>
-#include <string>
 
 namespace {
 
@@ -69,21 +68,19 @@ std::uint32_t ROUTERUtils_getThreadSettingsKindMaskElement(std::int32_t line, co
         ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_XML_INTERNAL_FAILURE_s, "trim string");
         return 0;
     }
-    const std::string_view trimmed = ZULXMLText_trim(text);
-    if (trimmed.size() > ROUTER_THREAD_SETTINGS_TEXT_MAX) {
-        const std::string message = "a thread-settings mask has at most " +
-                                    std::to_string(ROUTER_THREAD_SETTINGS_TEXT_MAX) +
-                                    " characters; name each keyword once";
+    const std::string_view words = zul::xml::trimmed(text);
+    if (words.size() > ROUTER_THREAD_SETTINGS_TEXT_MAX) {
+        static_assert(ROUTER_THREAD_SETTINGS_TEXT_MAX == 1023);
         ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_XML_PARSE_FAILURE_ds, line,
-                        std::string_view(message));
+                        "a thread-settings mask has at most 1023 characters; name each keyword once");
         return 0;
     }
     char buffer[ROUTER_THREAD_SETTINGS_TEXT_MAX + 1];
-    ZULString_copyBounded(buffer, sizeof(buffer), trimmed);
+    ZULString_copyBounded(buffer, sizeof(buffer), words);
     std::uint32_t mask = 0;
     for (char* element = *buffer != '\0' ? buffer : nullptr; element != nullptr;) {
         char* rest = ROUTERUtils_separateFirstElementFromMask(element);
-        const std::optional<std::uint32_t> bits = bitsOf(ZULXMLText_trim(element));
+        const std::optional<std::uint32_t> bits = bitsOf(zul::xml::trimmed(element));
         if (!bits) {
             ROUTERLog_error(ROUTER_SUBMODULE_UTILS, __func__, ZUL_LOG_XML_ILLEGAL_VALUE_d, line);
             return 0;

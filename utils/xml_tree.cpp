@@ -1,9 +1,10 @@
-// Checks come before changes, and a child keeps its node of the set, so that going back needs no memory.
+// Checks and their reports; the changes themselves are operations of the object.
 #include "utils/xml_tree.h"
 
+#include "middleware/base/strings.h"
 #include "product/log_masks.h"
 
-#include <string>
+#include <cstdio>
 
 std::atomic<std::int32_t> ROUTERUtils_g_uniqueNameSuffix{0};
 
@@ -25,61 +26,44 @@ bool isWithin(const ZULXMLObject* object, const ZULXMLObject* ancestor) {
     return object != nullptr;
 }
 
-// Adds the child before `next` (null: at the end), with `node` as ZULXMLObject_insertChild takes it. The name
-// is checked first: one that is taken has a message of its own. A child that is in another list, or above the
-// parent, would tie the tree into a knot.
-bool addBefore(ZULXMLObject* parent, ZULXMLObject* child, ZULXMLObject* next, ZULOrderedSetNode* node) {
-    if (ZULOrderedSet_find(&parent->childSet, child->fullName) != nullptr) {
-        if (ROUTERLog_isEnabled(ZUL_LOG_LEVEL_ERROR, ROUTER_SUBMODULE_UTILS)) {
-            ZULLog_debug("%s: XML object with name '%s' already exists\n", ADD_CONTEXT, child->fullName);
-        }
-        return false;
+// Whether a name has no bearer; reported when it has.
+bool isFree(const ZULXMLObject* bearer) {
+    if (bearer != nullptr && ROUTERLog_isEnabled(ZUL_LOG_LEVEL_ERROR, ROUTER_SUBMODULE_UTILS)) {
+        ZULLog_debug("%s: XML object with name '%s' already exists\n", ADD_CONTEXT, bearer->fullName);
     }
-    const bool isFree = child->list == nullptr && !isWithin(parent, child);
-    return (isFree && ZULXMLObject_insertChild(parent, child, next, node) == ZUL_ORDERED_SET_OK) ||
-           refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");
-}
-
-// The child's node, which the caller owns; null, reported, when it is not a child.
-ZULOrderedSetNode* extract(ZULXMLObject* parent, ZULXMLObject* child) {
-    ZULOrderedSetNode* node = ZULXMLObject_extractChild(parent, child);
-    if (node == nullptr) {
-        refuse("ROUTERUtils_removeChildXmlObject", ZUL_LOG_REMOVE_FAILURE_s, "XML object");
-    }
-    return node;
+    return bearer == nullptr;
 }
 
 } // namespace
 
 bool ROUTERUtils_addChildXMLObject(ZULXMLObject* parent, ZULXMLObject* child) {
-    return addBefore(parent, child, nullptr, nullptr);
+    const auto bearer = parent->childSet.find(child->fullName);
+    if (!isFree(bearer != parent->childSet.end() ? *bearer : nullptr)) {
+        return false;
+    }
+    // A child that is in another list, or above the parent, would tie the tree into a knot.
+    const bool fits = child->list == nullptr && !isWithin(parent, child);
+    return (fits && ZULXMLObject_insertChild(parent, child) == ZUL_XML_INSERTED) ||
+           refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");
 }
 
 bool ROUTERUtils_removeChildXmlObject(ZULXMLObject* parent, ZULXMLObject* child) {
-    ZULOrderedSetNode* node = extract(parent, child);
-    ZULOrderedSetNode_free(node);
-    return node != nullptr;
+    if (!ZULXMLObject_isChild(parent, child)) {
+        return refuse(__func__, ZUL_LOG_REMOVE_FAILURE_s, "XML object");
+    }
+    ZULXMLObject_extractChild(parent, child);
+    return true;
 }
 
+// All that can fail comes before the first change, so there is nothing to take back.
 bool ROUTERUtils_moveChildXmlObject(ZULXMLObject* child, ZULXMLObject* from, ZULXMLObject* to) {
-    ZULXMLObject* const next = child->next;
-    ZULOrderedSetNode* const node = extract(from, child); // kept, so that going back needs no memory
-    if (node == nullptr) {
+    if (!ZULXMLObject_isChild(from, child)) {
+        refuse("ROUTERUtils_removeChildXmlObject", ZUL_LOG_REMOVE_FAILURE_s, "XML object");
         return refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "removeChildXmlObject");
     }
-    const bool isRenamed = !isWithin(to, child) && ZULXMLObject_rename(child, to);
-    if (isRenamed && addBefore(to, child, nullptr, nullptr)) {
-        ZULOrderedSetNode_free(node);
-        ZULXMLObject_finishRename(child, true);
-        child->parent = to;
-        ZULXMLObject_setContext(child, to->context);
-        return true;
-    }
-    if (isRenamed) {
-        ZULXMLObject_finishRename(child, false);
-    }
-    refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "addChildXmlObject");
-    return addBefore(from, child, next, node) ? false : refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "roll back");
+    const bool fits = !isWithin(to, child) && (from == to || isFree(ZULXMLObject_findChild(to, child->name)));
+    return (fits && ZULXMLObject_move(child, from, to)) ||
+           refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "addChildXmlObject");
 }
 
 bool ROUTERUtils_deleteXMLObject(ZULXMLParser* parser, ZULXMLObject* object) {
@@ -100,10 +84,13 @@ ZULXMLObject* ROUTERUtils_createChildQosObject(const ZULXMLExtensionRegistry* re
         refuse(__func__, ZUL_LOG_ANY_FAILURE_s, "find builtin extension class");
         return nullptr;
     }
-    const std::string name =
-        "default_" + std::string(tagName) + "_" + std::to_string(ROUTERUtils_g_uniqueNameSuffix.fetch_add(1));
-    const ZULXMLAttribute attribute{"name", name.c_str()};
-    ZULXMLObject* child = extensionClass->create(extensionClass, parent, name.c_str(), {&attribute, 1});
+    char number[16];
+    std::snprintf(number, sizeof(number), "%d", ROUTERUtils_g_uniqueNameSuffix.fetch_add(1));
+    const ZULStringPtr name(ZULString_join({"default_", tagName, "_", number}));
+    const ZULXMLAttribute attribute{"name", name.get()};
+    ZULXMLObject* child = name != nullptr
+                              ? extensionClass->create(extensionClass, parent, name.get(), {&attribute, 1})
+                              : nullptr;
     if (child == nullptr) {
         refuse(__func__, ZUL_LOG_CREATION_FAILURE_s, "xml qos object");
         return nullptr;

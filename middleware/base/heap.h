@@ -1,8 +1,9 @@
-// Heap: every allocation of the platform and of the data types goes through here, so that a test can make
-// the n-th one fail. Thread-safe. Memory comes zeroed; a null pointer may be freed.
+// Heap: whatever promises a failure when memory runs out allocates here, so that a test can make the n-th
+// allocation fail. Thread-safe. Memory comes zeroed; a null pointer may be freed.
 #pragma once
 
 #include <cstddef>
+#include <new>
 
 // Allocates `count` elements of `size` bytes, zeroed. Null when memory is exhausted or the product overflows.
 void* ZULHeap_allocateArray(std::size_t count, std::size_t size);
@@ -13,6 +14,22 @@ T* ZULHeap_allocate(std::size_t count = 1) {
 }
 
 void ZULHeap_free(void* memory);
+
+// The heap for containers of the standard library, which then throw std::bad_alloc.
+template <class T>
+struct ZULHeapAllocator {
+    using value_type = T;
+    ZULHeapAllocator() = default;
+    template <class Other>
+    ZULHeapAllocator(const ZULHeapAllocator<Other>&) {}
+    bool operator==(const ZULHeapAllocator&) const = default;
+
+    T* allocate(std::size_t count) {
+        T* memory = ZULHeap_allocate<T>(count);
+        return memory != nullptr ? memory : throw std::bad_alloc();
+    }
+    void deallocate(T* memory, std::size_t) { ZULHeap_free(memory); }
+};
 
 // Test aid: the allocation that follows after `allocations` further successful ones fails, once.
 // A negative number switches it off (the initial state).

@@ -90,13 +90,13 @@ void writeLine(std::string_view line, bool isOurs) {
     }
 }
 
-// A line is built in memory, and it is wanted most when that runs out: then the bare format is all there is.
-void emitLine(std::string_view decoration, std::string_view context, const char* format,
-              std::span<const ZULLogArgument> arguments) {
+void emit(std::initializer_list<std::string_view> head, std::string_view format,
+          std::span<const ZULLogArgument> arguments) {
     try {
-        std::string line(decoration);
-        line += context;
-        line += decoration.empty() ? "" : "] ";
+        std::string line;
+        for (const std::string_view part : head) {
+            line += part;
+        }
         appendFormatted(line, format, arguments);
         writeLine(line, false);
     } catch (const std::exception&) {
@@ -108,11 +108,11 @@ void emitLine(std::string_view decoration, std::string_view context, const char*
 
 void ZULLog_emit(ZULLogLevel level, const char* context, const ZULLogTemplate& message,
                  std::span<const ZULLogArgument> arguments) {
-    emitLine(level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [", context, message.format, arguments);
+    emit({level == ZUL_LOG_LEVEL_ERROR ? "ERROR [" : "WARNING [", context, "] "}, message.format, arguments);
 }
 
 void ZULLog_emitDebug(const char* format, std::span<const ZULLogArgument> arguments) {
-    emitLine("", "", format, arguments);
+    emit({}, format, arguments);
 }
 
 void ZULLog_setMiddlewareMask(std::uint32_t levels) {

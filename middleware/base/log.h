@@ -1,6 +1,7 @@
 // Logging facility: message templates, decoration and the one sink. A line goes to standard error as
 // "LEVEL [context] text" in a single write, so lines of several threads do not mix. Safe from any thread, not
-// from a signal handler. Which messages are wanted is the caller's gate; the middleware's own is below.
+// from a signal handler. Of a line for which there is no memory, the bare format is reported. Which
+// messages are wanted is the caller's gate; the middleware's own is below.
 #pragma once
 
 #include <cstdint>

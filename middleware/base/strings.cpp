@@ -43,12 +43,20 @@ char* DDS_String_dup(const char* text) {
     if (text == nullptr) {
         return nullptr;
     }
-    const std::size_t length = std::strlen(text);
-    char* copy = DDS_String_alloc(length);
-    if (copy != nullptr) {
-        std::memcpy(copy, text, length + 1);
+    return ZULString_join({text});
+}
+
+char* ZULString_join(std::initializer_list<std::string_view> texts) {
+    std::size_t length = 0;
+    for (const std::string_view text : texts) {
+        length += text.size();
     }
-    return copy;
+    char* joined = DDS_String_alloc(length);
+    char* place = joined;
+    for (const std::string_view text : texts) {
+        place += joined != nullptr ? text.copy(place, text.size()) : 0;
+    }
+    return joined;
 }
 
 void DDS_String_free(char* text) {

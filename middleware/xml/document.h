@@ -19,13 +19,12 @@ constexpr std::size_t ZUL_XML_FULL_NAMES_MAX = 16u << 20; // bytes of all full n
 struct ZULXMLError {
     std::int32_t line = 0; // from 1; 0 when no line is to blame (a file that cannot be opened)
     std::string text{};    // empty: nothing is wrong
-    // Records it unless there is one already. Always false, so that a check can return it.
-    bool set(std::int32_t atLine, std::string message) {
+    // Records it unless there is one already.
+    void set(std::int32_t atLine, std::string message) {
         if (text.empty()) {
             line = atLine;
             text = std::move(message);
         }
-        return false;
     }
 };
 

@@ -1,3 +1,4 @@
+// All types are read on first use, and kept only if the memory sufficed for all of them.
 #include "middleware/xml/document_types.h"
 
 #include "middleware/xml/type_reader.h"
@@ -8,20 +9,9 @@ void ZULXMLTypeSetDeleter::operator()(ZULXMLTypeSet* types) const {
     delete types;
 }
 
-ZULXMLTypeDefinition ZULXMLDocument_findType(ZULXMLDocument* self, std::string_view name) {
-    if (self->root == nullptr) {
-        return {};
-    }
-    self->error = {};
-    if (self->types == nullptr) {
-        self->types.reset(new (std::nothrow) ZULXMLTypeSet);
-        if (self->types == nullptr) {
-            self->error.set(0, "out of memory");
-            return {};
-        }
-        ZULXMLError first; // of whatever type
-        ZULXMLTypeReader_read(self, self->types.get(), &first);
-    }
+namespace {
+
+ZULXMLTypeDefinition definitionOf(ZULXMLDocument* self, std::string_view name) {
     const auto found = self->types->byName.find(name);
     if (found == self->types->byName.end()) {
         self->error = self->types->missing;
@@ -34,4 +24,25 @@ ZULXMLTypeDefinition ZULXMLDocument_findType(ZULXMLDocument* self, std::string_v
         self->error.set(entry.line, entry.reason);
     }
     return {.tag = entry.tag, .line = entry.line, .code = entry.code};
+}
+
+} // namespace
+
+ZULXMLTypeDefinition ZULXMLDocument_findType(ZULXMLDocument* self, std::string_view name) {
+    if (self->root == nullptr) {
+        return {};
+    }
+    self->error = {};
+    try {
+        if (self->types == nullptr) {
+            std::unique_ptr<ZULXMLTypeSet, ZULXMLTypeSetDeleter> types(new ZULXMLTypeSet);
+            ZULXMLError first; // of whatever type
+            zul::xml::TypeReader(*types, first).read(*self);
+            self->types = std::move(types);
+        }
+        return definitionOf(self, name);
+    } catch (const std::bad_alloc&) {
+        self->error = {.line = 0, .text = "out of memory"};
+        return {};
+    }
 }

@@ -3,10 +3,6 @@
 
 namespace {
 
-const char* tagNameOf(const void* extensionClass) {
-    return static_cast<const ZULXMLExtensionClass*>(extensionClass)->tagName;
-}
-
 constexpr ZULXMLExtensionClass BUILTIN_CLASSES[] = {
     {"participant_qos", ZULXMLExtensionClass_createPlain},
     {"topic_qos", ZULXMLExtensionClass_createPlain},
@@ -26,7 +22,6 @@ ZULXMLObject* ZULXMLExtensionClass_createPlain(const ZULXMLExtensionClass* self,
 
 void ZULXMLExtensionRegistry_initialize(ZULXMLExtensionRegistry* self) {
     *self = {};
-    self->classes.keyOf = tagNameOf;
 }
 
 bool ZULXMLExtensionRegistry_addBuiltin(ZULXMLExtensionRegistry* self) {
@@ -39,16 +34,19 @@ bool ZULXMLExtensionRegistry_addBuiltin(ZULXMLExtensionRegistry* self) {
 }
 
 bool ZULXMLExtensionRegistry_add(ZULXMLExtensionRegistry* self, const ZULXMLExtensionClass* extensionClass) {
-    // The set hands items out as it got them; what comes out is const again.
-    return ZULOrderedSet_insert(&self->classes, const_cast<ZULXMLExtensionClass*>(extensionClass)) ==
-           ZUL_ORDERED_SET_OK;
+    try {
+        return self->classes.insert(extensionClass).second;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 const ZULXMLExtensionClass* ZULXMLExtensionRegistry_find(const ZULXMLExtensionRegistry* self,
                                                          const char* tagName) {
-    return static_cast<const ZULXMLExtensionClass*>(ZULOrderedSet_find(&self->classes, tagName));
+    const auto found = self->classes.find(tagName);
+    return found != self->classes.end() ? *found : nullptr;
 }
 
 void ZULXMLExtensionRegistry_finalize(ZULXMLExtensionRegistry* self) {
-    ZULOrderedSet_finalize(&self->classes);
+    self->classes.clear();
 }

@@ -13,7 +13,7 @@ struct ZULXMLExtensionClass {
 };
 
 struct ZULXMLExtensionRegistry {
-    ZULOrderedSet classes; // by tag name
+    ZULOrderedSet<const ZULXMLExtensionClass, &ZULXMLExtensionClass::tagName> classes;
 };
 
 // The create operation of a class without needs of its own: a plain object.

@@ -1,5 +1,6 @@
 // A parent's children are in a set (look-up by full name) and in a list (order); both change together or not
-// at all. A renaming has two steps: make all new full names, then keep them or go back to the old ones.
+// at all. A move gets all the memory it needs before it changes anything, and keeps the child's node of the
+// set.
 #include "middleware/xml/object.h"
 
 #include "middleware/base/heap.h"
@@ -7,22 +8,13 @@
 
 #include <cstring>
 #include <utility>
+#include <vector>
 
 namespace {
 
-const char* fullNameOf(const void* object) {
-    return static_cast<const ZULXMLObject*>(object)->fullName;
-}
-
 // "<prefix>::<name>"; null when memory is exhausted.
 char* joinNames(std::string_view prefix, std::string_view name) {
-    constexpr std::string_view SCOPE = "::";
-    char* joined = DDS_String_alloc(prefix.size() + SCOPE.size() + name.size());
-    char* place = joined;
-    for (const std::string_view part : {prefix, SCOPE, name}) {
-        place += place != nullptr ? part.copy(place, part.size()) : 0;
-    }
-    return joined;
+    return ZULString_join({prefix, "::", name});
 }
 
 // The attributes and their texts in one block of memory.
@@ -49,29 +41,59 @@ ZULXMLAttribute* copyAttributes(std::span<const ZULXMLAttribute> attributes) {
     return copies;
 }
 
-// Calls `visit` for the object and everything below, parents first, while it returns true.
-template <class Visit>
-bool visitTree(ZULXMLObject* self, const Visit& visit) {
-    if (!visit(*self)) {
-        return false;
+// The full names of the object and of all below it, parents first, if `prefix` were that of its parent.
+using FullNames = std::vector<ZULStringPtr, ZULHeapAllocator<ZULStringPtr>>;
+void collectNames(const ZULXMLObject& object, const char* prefix, FullNames& names) {
+    names.emplace_back(joinNames(prefix, object.name));
+    const char* own = names.back().get();
+    if (own == nullptr) {
+        throw std::bad_alloc();
     }
-    for (ZULXMLObject* child = self->children.first; child != nullptr; child = child->next) {
-        if (!visitTree(child, visit)) {
-            return false;
-        }
+    for (const ZULXMLObject* child = object.children.first; child != nullptr; child = child->next) {
+        collectNames(*child, own, names);
     }
-    return true;
+}
+
+// Gives out the names in the order in which they were collected. Sets keep their order: siblings change
+// alike.
+void settle(ZULXMLObject& object, ZULXMLDocument* context, FullNames::iterator& name) {
+    DDS_String_free(std::exchange(object.fullName, (name++)->release()));
+    object.context = context;
+    for (ZULXMLObject* child = object.children.first; child != nullptr; child = child->next) {
+        settle(*child, context, name);
+    }
+}
+
+using Node = decltype(ZULXMLObject::childSet)::node_type;
+
+void append(ZULXMLObjectList& list, ZULXMLObject* child) {
+    child->previous = list.last;
+    child->list = &list;
+    (list.last != nullptr ? list.last->next : list.first) = child;
+    list.last = child;
+    ++list.count;
+}
+
+Node extract(ZULXMLObject& parent, ZULXMLObject* child) {
+    ZULXMLObjectList& list = parent.children;
+    (child->previous != nullptr ? child->previous->next : list.first) = child->next;
+    (child->next != nullptr ? child->next->previous : list.last) = child->previous;
+    --list.count;
+    child->previous = nullptr;
+    child->next = nullptr;
+    child->list = nullptr;
+    return parent.childSet.extract(parent.childSet.find(child));
 }
 
 } // namespace
 
 ZULXMLObject* ZULXMLObject_new(const char* tagName, const char* name, ZULXMLObject* parent,
                                std::span<const ZULXMLAttribute> attributes) {
-    auto* self = ZULHeap_allocate<ZULXMLObject>();
-    if (self == nullptr) {
+    auto* memory = ZULHeap_allocate<ZULXMLObject>();
+    if (memory == nullptr) {
         return nullptr;
     }
-    self->childSet.keyOf = fullNameOf;
+    auto* self = new (memory) ZULXMLObject{};
     self->tagName = DDS_String_dup(tagName);
     self->name = DDS_String_dup(name);
     self->fullName = joinNames(parent != nullptr ? parent->fullName : "", name);
@@ -94,22 +116,20 @@ void ZULXMLObject_delete(ZULXMLObject* self) {
     for (ZULXMLObject* child = self->children.first; child != nullptr;) {
         ZULXMLObject_delete(std::exchange(child, child->next));
     }
-    ZULOrderedSet_finalize(&self->childSet);
     DDS_String_free(self->tagName);
     DDS_String_free(self->name);
     DDS_String_free(self->fullName);
-    DDS_String_free(self->formerFullName);
     DDS_String_free(self->text);
     ZULHeap_free(self->attributes);
+    std::destroy_at(self);
     ZULHeap_free(self);
 }
 
 bool ZULXMLObject_setText(ZULXMLObject* self, std::string_view text) {
-    char* copy = DDS_String_alloc(text.size());
+    char* copy = ZULString_join({text});
     if (copy == nullptr) {
         return false;
     }
-    text.copy(copy, text.size());
     DDS_String_free(self->text);
     self->text = copy;
     return true;
@@ -126,75 +146,42 @@ const char* ZULXMLObject_getAttribute(const ZULXMLObject* self, std::string_view
 
 ZULXMLObject* ZULXMLObject_findChild(const ZULXMLObject* self, std::string_view name) {
     const ZULStringPtr key(joinNames(self->fullName, name));
-    return key != nullptr ? static_cast<ZULXMLObject*>(ZULOrderedSet_find(&self->childSet, key.get()))
-                          : nullptr;
+    const auto found = key != nullptr ? self->childSet.find(key.get()) : self->childSet.end();
+    return found != self->childSet.end() ? *found : nullptr;
 }
 
-ZULOrderedSetStatus ZULXMLObject_insertChild(ZULXMLObject* self, ZULXMLObject* child, ZULXMLObject* next,
-                                             ZULOrderedSetNode* node) {
-    const ZULOrderedSetStatus status = ZULOrderedSet_insert(&self->childSet, child, node);
-    if (status != ZUL_ORDERED_SET_OK) {
-        return status;
-    }
-    ZULXMLObjectList& list = self->children;
-    ZULXMLObject* previous = next != nullptr ? next->previous : list.last;
-    child->previous = previous;
-    child->next = next;
-    (previous != nullptr ? previous->next : list.first) = child;
-    (next != nullptr ? next->previous : list.last) = child;
-    child->list = &list;
-    ++list.count;
-    return ZUL_ORDERED_SET_OK;
-}
-
-ZULOrderedSetNode* ZULXMLObject_extractChild(ZULXMLObject* self, ZULXMLObject* child) {
-    if (ZULOrderedSet_find(&self->childSet, child->fullName) != child) {
-        return nullptr;
-    }
-    ZULOrderedSetNode* node = ZULOrderedSet_extract(&self->childSet, child->fullName);
-    ZULXMLObjectList& list = self->children;
-    (child->previous != nullptr ? child->previous->next : list.first) = child->next;
-    (child->next != nullptr ? child->next->previous : list.last) = child->previous;
-    --list.count;
-    child->previous = nullptr;
-    child->next = nullptr;
-    child->list = nullptr;
-    return node;
-}
-
-// The former name of a parent is set aside before its children are reached, so each child joins the new one.
-bool ZULXMLObject_rename(ZULXMLObject* self, const ZULXMLObject* parent) {
-    const bool complete = visitTree(self, [self, parent](ZULXMLObject& object) {
-        const char* prefix = &object == self ? parent->fullName : object.parent->fullName;
-        char* renamed = joinNames(prefix, object.name);
-        if (renamed == nullptr) {
-            return false;
+ZULXMLInsertion ZULXMLObject_insertChild(ZULXMLObject* self, ZULXMLObject* child) {
+    try {
+        if (!self->childSet.insert(child).second) {
+            return ZUL_XML_NAME_TAKEN;
         }
-        object.formerFullName = std::exchange(object.fullName, renamed);
-        return true;
-    });
-    if (!complete) {
-        ZULXMLObject_finishRename(self, false);
+    } catch (const std::bad_alloc&) {
+        return ZUL_XML_OUT_OF_MEMORY;
     }
-    return complete;
+    append(self->children, child);
+    return ZUL_XML_INSERTED;
 }
 
-void ZULXMLObject_finishRename(ZULXMLObject* self, bool keep) {
-    visitTree(self, [keep](ZULXMLObject& object) {
-        if (object.formerFullName != nullptr) {
-            if (!keep) {
-                std::swap(object.fullName, object.formerFullName);
-            }
-            DDS_String_free(object.formerFullName);
-            object.formerFullName = nullptr;
-        }
-        return true;
-    });
+void ZULXMLObject_extractChild(ZULXMLObject* self, ZULXMLObject* child) {
+    extract(*self, child);
 }
 
-void ZULXMLObject_setContext(ZULXMLObject* self, ZULXMLDocument* context) {
-    visitTree(self, [context](ZULXMLObject& object) {
-        object.context = context;
-        return true;
-    });
+bool ZULXMLObject_move(ZULXMLObject* self, ZULXMLObject* from, ZULXMLObject* to) {
+    FullNames names;
+    try {
+        collectNames(*self, to->fullName, names);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    const auto other = to->childSet.find(names.front().get());
+    if (other != to->childSet.end() && *other != self) {
+        return false;
+    }
+    Node node = extract(*from, self);
+    auto name = names.begin();
+    settle(*self, to->context, name);
+    self->parent = to;
+    to->childSet.insert(std::move(node));
+    append(to->children, self);
+    return true;
 }

@@ -1,35 +1,32 @@
 // Sources of bytes (text, file) for the reader of events, and what becomes of its error: kept or logged.
+// Memory that runs out here is an error of the document.
 #include "middleware/xml/parser.h"
 
 #include "middleware/base/log.h"
+#include "middleware/xml/file.h"
 #include "middleware/xml/sax_reader.h"
 
-#include <cerrno>
-#include <fcntl.h>
 #include <new>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace {
 
-int readFromText(void* source, char* buffer, int size) {
-    auto& rest = *static_cast<std::string_view*>(source);
-    const std::size_t count = rest.copy(buffer, static_cast<std::size_t>(size));
-    rest.remove_prefix(count);
-    return static_cast<int>(count);
-}
-
-int readFromFile(void* source, char* buffer, int size) {
-    ssize_t got;
-    do {
-        got = ::read(*static_cast<int*>(source), buffer, static_cast<std::size_t>(size));
-    } while (got < 0 && errno == EINTR);
-    return static_cast<int>(got);
-}
-
 const ZULXMLExtensionRegistry* registryOf(const ZULXMLParser* parser) {
     return parser != nullptr ? &parser->registry : nullptr;
+}
+
+// A document that `read` has filled; null when there is no memory for one.
+template <class Read>
+ZULXMLDocument* newDocument(const Read& read) {
+    auto* document = new (std::nothrow) ZULXMLDocument;
+    try {
+        if (document != nullptr) {
+            read(*document);
+        }
+    } catch (const std::bad_alloc&) {
+        document->error.set(0, "out of memory");
+    }
+    return document;
 }
 
 ZULXMLDocument* logged(ZULXMLDocument* document, const char* context) {
@@ -56,34 +53,25 @@ void ZULXMLParser_finalize(ZULXMLParser* self) {
 }
 
 ZULXMLDocument* ZULXMLParser_readText(const ZULXMLParser* self, std::string_view text) {
-    auto* document = new (std::nothrow) ZULXMLDocument;
-    if (document != nullptr) {
-        ZULXMLSaxReader_read(document, registryOf(self), readFromText, &text);
-    }
-    return document;
+    return newDocument([self, text](ZULXMLDocument& document) {
+        zul::xml::readTree(document, registryOf(self), zul::xml::textSource(text));
+    });
 }
 
 ZULXMLDocument* ZULXMLParser_readFile(const ZULXMLParser* self, const char* path) {
-    auto* document = new (std::nothrow) ZULXMLDocument;
-    if (document == nullptr) {
-        return nullptr;
-    }
-    document->path = path;
-    // Not blocking, so that a pipe cannot hold the program up before it is refused.
-    int file = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    struct stat status {};
-    if (file < 0) {
-        document->error.set(0,
-                            "cannot open '" + document->path + "': " + std::system_category().message(errno));
-        return document;
-    }
-    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
-        document->error.set(0, "'" + document->path + "' is not a file");
-    } else {
-        ZULXMLSaxReader_read(document, registryOf(self), readFromFile, &file);
-    }
-    ::close(file);
-    return document;
+    return newDocument([self, path](ZULXMLDocument& document) {
+        document.path = path;
+        const zul::xml::File file(path);
+        if (file.isReadable()) {
+            zul::xml::readTree(document, registryOf(self),
+                               [&file](char* buffer, std::size_t size) { return file.read(buffer, size); });
+        } else if (file.failure() != 0) {
+            document.error.set(0, "cannot open '" + document.path +
+                                      "': " + std::system_category().message(file.failure()));
+        } else {
+            document.error.set(0, "'" + document.path + "' is not a file");
+        }
+    });
 }
 
 ZULXMLDocument* ZULXMLParser_parseText(const ZULXMLParser* self, std::string_view text) {

@@ -1,157 +1,100 @@
-// The tree grows while libxml2 reports elements, and the limits are checked at each. libxml2 is told to stop
-// at the first failure and may still report something; the first error stays.
+// The tree grows while libxml2 reports elements, and the limits are checked at each. The library's own tree
+// stays empty.
 #include "middleware/xml/sax_reader.h"
 
 #include "middleware/xml/text.h"
 
-#include <libxml/SAX2.h>
-#include <libxml/parser.h>
+#include <algorithm>
+#include <utility>
 #include <vector>
+
+namespace zul::xml {
 
 namespace {
 
-constexpr std::size_t MESSAGE_MAX = 256; // characters taken over from a message of the library
+// clang-format off
+constexpr Rules RULES{
+    .document               = {ZUL_XML_DOCUMENT_MAX, "the document is longer than % bytes; split it or shorten it"},
+    .markup                 = {ZUL_XML_MARKUP_MAX, "a tag, comment or CDATA section is longer than % bytes"},
+    .limitsTagsOnly         = false,
+    .declarationRefusal     = "a configuration document must not declare entities or attributes; write them out",
+    .refusesAllDeclarations = false,
+    .messageMax             = 256,
+};
+constexpr Limit DEPTH{ZUL_XML_DEPTH_MAX, "elements stand more than % levels inside each other"};
+constexpr Limit ELEMENTS{ZUL_XML_ELEMENTS_MAX, "the document has more than % elements"};
+constexpr Limit TAG{ZUL_XML_NAME_MAX, "an element name is longer than % characters"};
+constexpr Limit FULL_NAMES{ZUL_XML_FULL_NAMES_MAX, "the names of nested elements are too long in all; shorten the outer ones"};
+// clang-format on
 
 const char* chars(const xmlChar* text) {
     return reinterpret_cast<const char*>(text);
-}
-
-// One document being read; libxml2 hands it to every event.
-struct Reader {
-    ZULXMLDocument& document;
-    const ZULXMLExtensionRegistry* registry;
-    ZULXMLRead read;
-    void* source;
-    xmlParserCtxtPtr context = nullptr;
-    ZULXMLObject* current = nullptr;  // the innermost open element
-    std::vector<std::string> texts{}; // of the open elements
-    std::size_t elements = 0;
-    std::size_t fullNames = 0; // bytes
-    std::size_t bytes = 0;     // read so far, and at the last event
-    std::size_t bytesAtEvent = 0;
-
-    std::int32_t line() const { return context != nullptr ? xmlSAX2GetLineNumber(context) : 1; }
-    void fail(std::string message) {
-        document.error.set(line(), std::move(message));
-        xmlStopParser(context);
-    }
-    void noteEvent() { bytesAtEvent = bytes; }
-};
-
-Reader& readerOf(void* data) {
-    return *static_cast<Reader*>(data);
-}
-
-// The library reads a few kilobytes ahead of what it parses; that much is allowed on top of the limits.
-// Failures are only recorded: the parser is in the middle of its input here, and stops by itself.
-int onRead(void* data, char* buffer, int size) {
-    Reader& reader = readerOf(data);
-    if (reader.bytes >= ZUL_XML_DOCUMENT_MAX) {
-        char extra;
-        if (reader.read(reader.source, &extra, 1) == 0) {
-            return 0;
-        }
-        reader.document.error.set(reader.line(), "the document is longer than " +
-                                                     std::to_string(ZUL_XML_DOCUMENT_MAX) +
-                                                     " bytes; split it or shorten it");
-        return -1;
-    }
-    if (reader.bytes - reader.bytesAtEvent > ZUL_XML_MARKUP_MAX) {
-        reader.document.error.set(reader.line(), "a tag, comment or CDATA section is longer than " +
-                                                     std::to_string(ZUL_XML_MARKUP_MAX) + " bytes");
-        return -1;
-    }
-    const std::size_t wanted = std::min(static_cast<std::size_t>(size), ZUL_XML_DOCUMENT_MAX - reader.bytes);
-    const int got = reader.read(reader.source, buffer, static_cast<int>(wanted));
-    if (got < 0) {
-        reader.document.error.set(reader.line(), "the file cannot be read further");
-        return -1;
-    }
-    reader.bytes += static_cast<std::size_t>(got);
-    return got;
 }
 
 std::string qualified(const xmlChar* prefix, const xmlChar* name) {
     return prefix != nullptr ? std::string(chars(prefix)) + ":" + chars(name) : std::string(chars(name));
 }
 
-// The own name: what the attribute says, if no sibling has it; otherwise one is made up. Empty, with the
-// error set, when the attribute cannot be used.
-std::string ownName(Reader& reader, const std::string& tag, const std::string* given) {
-    if (given != nullptr && (given->empty() || given->size() > ZUL_XML_NAME_MAX)) {
-        reader.fail("the attribute name of <" + tag + "> must have 1 to " + std::to_string(ZUL_XML_NAME_MAX) +
-                    " characters");
-        return {};
+class Reader : public Guard {
+public:
+    Reader(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source);
+
+private:
+    static void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix, const xmlChar*,
+                               int, const xmlChar**, int attributeCount, int, const xmlChar** attributes);
+    static void onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*);
+    static void onCharacters(void* context, const xmlChar* text, int length);
+    void startElement(const std::string& tag, int attributeCount, const xmlChar** attributes);
+    std::string ownName(const std::string& tag, const char* given);
+    ZULXMLObject* createObject(const std::string& tag, const std::string& name,
+                               std::span<const ZULXMLAttribute> attributes);
+
+    ZULXMLDocument& document_;
+    const ZULXMLExtensionRegistry* registry_;
+    ZULXMLObject* current_ = nullptr; // the innermost open element
+    std::vector<std::string> texts_;  // of the open elements
+    std::size_t elements_ = 0;
+    std::size_t fullNames_ = 0; // bytes
+};
+
+Reader::Reader(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source)
+    : Guard(RULES, std::move(source)), document_(document), registry_(registry) {
+    if (parser() != nullptr) {
+        xmlSAXHandler& events = *parser()->sax;
+        events.startElementNs = onStartElement;
+        events.endElementNs = onEndElement;
+        events.characters = onCharacters;
+        events.ignorableWhitespace = onCharacters;
+        events.cdataBlock = onCharacters;
+        events.comment = [](void* context, const xmlChar*) {
+            of<Reader>(context).noteEvent();
+        };
+        events.processingInstruction = nullptr;
+        events.reference = nullptr;
+        events.internalSubset = nullptr;
     }
-    const ZULXMLObject* parent = reader.current;
-    if (given != nullptr && (parent == nullptr || ZULXMLObject_findChild(parent, *given) == nullptr)) {
-        return *given;
-    }
-    if (parent == nullptr) {
-        return tag;
-    }
-    std::string made = (given != nullptr ? *given : tag) + "#" + std::to_string(parent->children.count + 1);
-    // No two elements try the same names here, so each given name is met once at most.
-    while (ZULXMLObject_findChild(parent, made) != nullptr) {
-        made += '#';
-    }
-    return made;
 }
 
-ZULXMLObject* createObject(Reader& reader, const std::string& tag, const std::string& name,
-                           std::span<const ZULXMLAttribute> attributes) {
-    const ZULXMLExtensionClass* extensionClass =
-        reader.registry != nullptr ? ZULXMLExtensionRegistry_find(reader.registry, tag.c_str()) : nullptr;
-    ZULXMLObject* object =
-        extensionClass != nullptr
-            ? extensionClass->create(extensionClass, reader.current, name.c_str(), attributes)
-            : ZULXMLObject_new(tag.c_str(), name.c_str(), reader.current, attributes);
-    if (object == nullptr) {
-        reader.fail("out of memory");
-        return nullptr;
-    }
-    object->line = reader.line();
-    object->context = &reader.document;
-    if (reader.current == nullptr) {
-        reader.document.root = object;
-        return object;
-    }
-    const ZULOrderedSetStatus status = ZULXMLObject_insertChild(reader.current, object, nullptr);
-    if (status != ZUL_ORDERED_SET_OK) {
-        ZULXMLObject_delete(object);
-        reader.fail(status == ZUL_ORDERED_SET_EXISTS ? "the name '" + name + "' is used twice"
-                                                     : "out of memory");
-        return nullptr;
-    }
-    return object;
-}
-
-void onStartElement(void* data, const xmlChar* localName, const xmlChar* prefix, const xmlChar*, int,
-                    const xmlChar**, int attributeCount, int, const xmlChar** attributes) {
-    Reader& reader = readerOf(data);
+void Reader::onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix, const xmlChar*,
+                            int, const xmlChar**, int attributeCount, int, const xmlChar** attributes) {
+    auto& reader = of<Reader>(context);
     reader.noteEvent();
-    const std::string tag = qualified(prefix, localName);
-    if (reader.texts.size() >= ZUL_XML_DEPTH_MAX) {
-        return reader.fail("elements stand more than " + std::to_string(ZUL_XML_DEPTH_MAX) +
-                           " levels inside each other");
-    }
-    if (++reader.elements > ZUL_XML_ELEMENTS_MAX) {
-        return reader.fail("the document has more than " + std::to_string(ZUL_XML_ELEMENTS_MAX) +
-                           " elements");
-    }
-    if (tag.size() > ZUL_XML_NAME_MAX) {
-        return reader.fail("an element name is longer than " + std::to_string(ZUL_XML_NAME_MAX) +
-                           " characters");
+    reader.protect([&] { reader.startElement(qualified(prefix, localName), attributeCount, attributes); });
+}
+
+void Reader::startElement(const std::string& tag, int attributeCount, const xmlChar** attributes) {
+    if (!keeps(DEPTH, texts_.size() + 1) || !keeps(ELEMENTS, ++elements_) || !keeps(TAG, tag.size())) {
+        return;
     }
     // Per attribute: local name, prefix, URI, begin and end of the value.
     std::vector<std::pair<std::string, std::string>> pairs;
-    const std::string* given = nullptr;
+    const char* given = nullptr;
     pairs.reserve(static_cast<std::size_t>(attributeCount));
     for (int i = 0; i < attributeCount; ++i, attributes += 5) {
         pairs.emplace_back(qualified(attributes[1], attributes[0]),
                            std::string(chars(attributes[3]), chars(attributes[4])));
         if (pairs.back().first == "name") {
-            given = &pairs.back().second;
+            given = pairs.back().second.c_str();
         }
     }
     std::vector<ZULXMLAttribute> borrowed;
@@ -159,108 +102,98 @@ void onStartElement(void* data, const xmlChar* localName, const xmlChar* prefix,
     for (const auto& [name, value] : pairs) {
         borrowed.push_back({name.c_str(), value.c_str()});
     }
-    const std::string name = ownName(reader, tag, given);
-    ZULXMLObject* object = name.empty() ? nullptr : createObject(reader, tag, name, borrowed);
+    const std::string name = ownName(tag, given);
+    ZULXMLObject* object = name.empty() ? nullptr : createObject(tag, name, borrowed);
     if (object == nullptr) {
         return;
     }
-    reader.fullNames += std::char_traits<char>::length(object->fullName);
-    if (reader.fullNames > ZUL_XML_FULL_NAMES_MAX) {
-        return reader.fail("the names of nested elements are too long in all; shorten the outer ones");
+    fullNames_ += std::string_view(object->fullName).size();
+    if (keeps(FULL_NAMES, fullNames_)) {
+        current_ = object;
+        texts_.emplace_back();
     }
-    reader.current = object;
-    reader.texts.emplace_back();
 }
 
-void onEndElement(void* data, const xmlChar*, const xmlChar*, const xmlChar*) {
-    Reader& reader = readerOf(data);
+// The own name: what the attribute says, if no sibling has it; otherwise one is made up. Empty, after
+// refusing, when the attribute cannot be used.
+std::string Reader::ownName(const std::string& tag, const char* given) {
+    if (given != nullptr && (*given == '\0' || std::string_view(given).size() > ZUL_XML_NAME_MAX)) {
+        refuse("the attribute name of <" + tag + "> must have 1 to " + std::to_string(ZUL_XML_NAME_MAX) +
+               " characters");
+        return {};
+    }
+    std::string name = given != nullptr ? given : tag;
+    const bool isFree =
+        current_ == nullptr || (given != nullptr && ZULXMLObject_findChild(current_, name) == nullptr);
+    if (!isFree) {
+        name += "#" + std::to_string(current_->children.count + 1);
+        // No two elements try the same names here, so each given name is met once at most.
+        while (ZULXMLObject_findChild(current_, name) != nullptr) {
+            name += '#';
+        }
+    }
+    return name;
+}
+
+ZULXMLObject* Reader::createObject(const std::string& tag, const std::string& name,
+                                   std::span<const ZULXMLAttribute> attributes) {
+    const ZULXMLExtensionClass* extensionClass =
+        registry_ != nullptr ? ZULXMLExtensionRegistry_find(registry_, tag.c_str()) : nullptr;
+    ZULXMLObject* object = extensionClass != nullptr
+                               ? extensionClass->create(extensionClass, current_, name.c_str(), attributes)
+                               : ZULXMLObject_new(tag.c_str(), name.c_str(), current_, attributes);
+    if (object == nullptr) {
+        throw std::bad_alloc();
+    }
+    object->line = line();
+    object->context = &document_;
+    if (current_ == nullptr) {
+        return document_.root = object;
+    }
+    const ZULXMLInsertion insertion = ZULXMLObject_insertChild(current_, object);
+    if (insertion == ZUL_XML_INSERTED) {
+        return object;
+    }
+    ZULXMLObject_delete(object);
+    if (insertion == ZUL_XML_OUT_OF_MEMORY) {
+        throw std::bad_alloc();
+    }
+    refuse("the name '" + name + "' is used twice");
+    return nullptr;
+}
+
+void Reader::onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+    auto& reader = of<Reader>(context);
     reader.noteEvent();
-    const std::string_view text = ZULXMLText_trim(reader.texts.back());
-    if (!text.empty() && !ZULXMLObject_setText(reader.current, text)) {
-        return reader.fail("out of memory");
-    }
-    reader.texts.pop_back();
-    reader.current = reader.current->parent;
+    reader.protect([&reader] {
+        const std::string_view text = trimmed(reader.texts_.back());
+        if (!text.empty() && !ZULXMLObject_setText(reader.current_, text)) {
+            throw std::bad_alloc();
+        }
+        reader.texts_.pop_back();
+        reader.current_ = reader.current_->parent;
+    });
 }
 
-void onCharacters(void* data, const xmlChar* text, int length) {
-    Reader& reader = readerOf(data);
+void Reader::onCharacters(void* context, const xmlChar* text, int length) {
+    auto& reader = of<Reader>(context);
     reader.noteEvent();
-    if (!reader.texts.empty()) {
-        reader.texts.back().append(chars(text), static_cast<std::size_t>(length));
+    if (!reader.texts_.empty()) {
+        reader.protect([&] { reader.texts_.back().append(chars(text), static_cast<std::size_t>(length)); });
     }
-}
-
-void onComment(void* data, const xmlChar*) {
-    readerOf(data).noteEvent();
-}
-
-void refuseDeclaration(void* data) {
-    readerOf(data).fail("a configuration document must not declare entities or attributes; write them out");
-}
-void onEntity(void* data, const xmlChar*, int, const xmlChar*, const xmlChar*, xmlChar*) {
-    refuseDeclaration(data);
-}
-void onUnparsedEntity(void* data, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*) {
-    refuseDeclaration(data);
-}
-void onAttribute(void* data, const xmlChar*, const xmlChar*, int, int, const xmlChar*,
-                 xmlEnumerationPtr values) {
-    xmlFreeEnumeration(values);
-    refuseDeclaration(data);
-}
-
-// An entity that only an unread external definition could declare is no more than a warning to the library.
-void onError(void* data, xmlErrorPtr error) {
-    if (error->level == XML_ERR_WARNING && error->code != XML_WAR_UNDECLARED_ENTITY) {
-        return;
-    }
-    const std::string_view message = error->message != nullptr ? error->message : "not well-formed";
-    Reader& reader = readerOf(data);
-    reader.document.error.set(std::max(error->line, 1),
-                              std::string(ZULXMLText_trim(message.substr(0, MESSAGE_MAX))));
-    xmlStopParser(reader.context);
-}
-
-xmlSAXHandler handlers() {
-    xmlSAXHandler events{};
-    events.initialized = XML_SAX2_MAGIC;
-    events.startElementNs = onStartElement;
-    events.endElementNs = onEndElement;
-    events.characters = onCharacters;
-    events.ignorableWhitespace = onCharacters;
-    events.cdataBlock = onCharacters;
-    events.comment = onComment;
-    events.entityDecl = onEntity;
-    events.unparsedEntityDecl = onUnparsedEntity;
-    events.attributeDecl = onAttribute;
-    events.serror = onError;
-    return events;
 }
 
 } // namespace
 
-void ZULXMLSaxReader_read(ZULXMLDocument* document, const ZULXMLExtensionRegistry* registry, ZULXMLRead read,
-                          void* source) {
-    Reader reader{*document, registry, read, source};
-    xmlSAXHandler events = handlers();
-    xmlInitParser();
-    reader.context =
-        xmlCreateIOParserCtxt(&events, &reader, onRead, nullptr, &reader, XML_CHAR_ENCODING_NONE);
-    if (reader.context == nullptr) {
-        document->error.set(1, "out of memory");
-        return;
-    }
-    xmlCtxtUseOptions(reader.context, XML_PARSE_NONET);
-    xmlParseDocument(reader.context);
-    if (reader.context->wellFormed == 0 || document->root == nullptr) {
-        document->error.set(reader.line(), "the document is not well-formed");
-    }
-    xmlFreeDoc(reader.context->myDoc);
-    reader.context->myDoc = nullptr;
-    xmlFreeParserCtxt(reader.context);
-    if (!document->error.text.empty()) {
-        ZULXMLObject_delete(document->root);
-        document->root = nullptr;
+void readTree(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source) {
+    Reader reader(document, registry, std::move(source));
+    const bool isRead = reader.read() != nullptr && document.root != nullptr;
+    if (!isRead) {
+        ZULXMLObject_delete(std::exchange(document.root, nullptr));
+        document.error = reader.takeError();
+        document.error.text = trimmed(document.error.text);
+        document.error.set(std::max(1, reader.line()), "the document is not well-formed");
     }
 }
+
+} // namespace zul::xml

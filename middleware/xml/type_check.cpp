@@ -7,7 +7,7 @@
 #include <set>
 #include <unordered_map>
 
-namespace xml_types {
+namespace zul::xml {
 
 namespace {
 
@@ -132,4 +132,4 @@ void checkTypes(const Symbols& symbols,
     }
 }
 
-} // namespace xml_types
+} // namespace zul::xml

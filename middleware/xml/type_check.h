@@ -5,7 +5,7 @@
 
 #include <functional>
 
-namespace xml_types {
+namespace zul::xml {
 
 // Most levels of types inside each other; sequences, arrays and typedefs count, too.
 constexpr int TYPE_DEPTH_MAX = 256;
@@ -17,4 +17,4 @@ void checkTypes(
     const Symbols& symbols,
     const std::function<void(const std::string& name, const std::string& reason, bool isOwn)>& tell);
 
-} // namespace xml_types
+} // namespace zul::xml

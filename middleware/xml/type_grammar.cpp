@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace xml_types {
+namespace zul::xml {
 
 namespace {
 
@@ -81,55 +81,50 @@ bool isName(std::string_view text) {
     return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isNamePart);
 }
 
-bool checkAttribute(const ZULXMLObject& element, const ElementForm& form, const ZULXMLAttribute& given,
-                    ZULXMLError& error) {
+void checkAttribute(const ZULXMLObject& element, const ElementForm& form, const ZULXMLAttribute& given) {
     const std::string name = given.name;
     const std::string value = given.value;
     if (!contains(form.required, name) && !contains(form.optional, name)) {
-        return error.set(element.line, "<" + std::string(form.tag) + "> has no attribute '" + name + "'");
+        throw ZULXMLError{element.line, "<" + std::string(form.tag) + "> has no attribute '" + name + "'"};
     }
     for (const AttributeWords& row : WORDS) {
         if (row.attribute == name && !contains(row.words, value)) {
-            std::string message = "the attribute " + name;
-            message.append(" is '").append(value).append("'; it must be one of: ").append(row.words);
-            return error.set(element.line, std::move(message));
+            throw ZULXMLError{element.line, "the attribute " + name + " is '" + value +
+                                                "'; it must be one of: " + std::string(row.words)};
         }
     }
-    return name != "name" || isName(value) ||
-           error.set(element.line, "'" + value + "' is no name; use letters, digits, '_' and '-'");
+    if (name == "name" && !isName(value)) {
+        throw ZULXMLError{element.line, "'" + value + "' is no name; use letters, digits, '_' and '-'"};
+    }
 }
 
 } // namespace
 
-bool checkForm(const ZULXMLObject& element, ZULXMLError& error) {
+void checkForm(const ZULXMLObject& element) {
     const auto* form =
         std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),
                      [&element](const ElementForm& row) { return row.tag == element.tagName; });
     const std::string tag = "<" + std::string(element.tagName) + ">";
     if (form == std::end(ELEMENTS)) {
-        return error.set(element.line, tag + " has no place in a types section");
+        throw ZULXMLError{element.line, tag + " has no place in a types section"};
     }
     if (element.text != nullptr) {
-        return error.set(element.line, tag + " must not hold text");
+        throw ZULXMLError{element.line, tag + " must not hold text"};
     }
-    const bool hasRequired = eachWord(form->required, [&](std::string_view name) {
-        return ZULXMLObject_getAttribute(&element, name) != nullptr ||
-               error.set(element.line, tag + " needs the attribute '" + std::string(name) + "'");
-    });
-    if (!hasRequired) {
-        return false;
-    }
-    for (std::size_t i = 0; i < element.attributeCount; ++i) {
-        if (!checkAttribute(element, *form, element.attributes[i], error)) {
-            return false;
+    eachWord(form->required, [&](std::string_view name) {
+        if (!hasAttribute(element, name)) {
+            throw ZULXMLError{element.line, tag + " needs the attribute '" + std::string(name) + "'"};
         }
+        return true;
+    });
+    for (std::size_t i = 0; i < element.attributeCount; ++i) {
+        checkAttribute(element, *form, element.attributes[i]);
     }
     for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
         if (form->children != ANY && !contains(form->children, child->tagName)) {
-            return error.set(child->line, "<" + std::string(child->tagName) + "> cannot stand in " + tag);
+            throw ZULXMLError{child->line, "<" + std::string(child->tagName) + "> cannot stand in " + tag};
         }
     }
-    return true;
 }
 
-} // namespace xml_types
+} // namespace zul::xml

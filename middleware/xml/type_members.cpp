@@ -3,7 +3,7 @@
 #include "middleware/xml/text.h"
 #include "middleware/xml/type_reader.h"
 
-namespace xml_types {
+namespace zul::xml {
 
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type) {
     while (type != nullptr && type->kind == DDS_TK_ALIAS) {
@@ -30,46 +30,36 @@ std::optional<Integer> TypeReader::valueOf(const TypeWord& type, Scope scope, st
 }
 
 // A positive number or the name of a constant that is one.
-std::optional<std::uint64_t> TypeReader::countOf(Element element, Scope scope, std::string_view text) {
+std::uint64_t TypeReader::countOf(Element element, Scope scope, std::string_view text) {
     const std::optional<Integer> value = integerOf(scope, text);
     if (!value || value->negative || value->magnitude == 0 || value->magnitude > COUNT_MAX) {
         fail(element, "the bound '" + std::string(text) + "' must be a number from 1 to " +
                           std::to_string(COUNT_MAX) + " or a const defined before it");
-        return std::nullopt;
     }
     return value->magnitude;
 }
 
 // The value of an attribute that holds a bound; 0 for unbounded, which -1 or no attribute says.
-std::optional<std::uint32_t> TypeReader::boundOf(Element element, Scope scope,
-                                                 std::string_view attributeName) {
-    const std::string_view text = ZULXMLText_trim(attribute(element, attributeName));
-    if (ZULXMLObject_getAttribute(&element, attributeName) == nullptr || text == "-1") {
-        return 0;
-    }
-    const std::optional<std::uint64_t> count = countOf(element, scope, text);
-    return count ? std::optional(static_cast<std::uint32_t>(*count)) : std::nullopt;
+std::uint32_t TypeReader::boundOf(Element element, Scope scope, std::string_view attributeName) {
+    const std::string_view text = trimmed(attribute(element, attributeName));
+    const bool isUnbounded = !hasAttribute(element, attributeName) || text == "-1";
+    return isUnbounded ? 0 : static_cast<std::uint32_t>(countOf(element, scope, text));
 }
 
-bool TypeReader::addDimensions(Element element, Scope scope, DDS_TypeCode& array) {
+void TypeReader::addDimensions(Element element, Scope scope, DDS_TypeCode& array) {
     std::string_view list = attribute(element, "arrayDimensions");
     std::uint64_t elements = 1;
     for (bool isLast = false; !isLast;) {
         const std::size_t comma = list.find(',');
         isLast = comma == std::string_view::npos;
-        const std::optional<std::uint64_t> count =
-            countOf(element, scope, ZULXMLText_trim(list.substr(0, comma)));
-        if (!count) {
-            return false;
-        }
-        elements *= *count; // below 2^62: both are below 2^31
+        const std::uint64_t count = countOf(element, scope, trimmed(list.substr(0, comma)));
+        elements *= count; // below 2^62: both are below 2^31
         if (elements > COUNT_MAX) {
-            return fail(element, "the array has more than " + std::to_string(COUNT_MAX) + " elements");
+            fail(element, "the array has more than " + std::to_string(COUNT_MAX) + " elements");
         }
-        array.dimensions.push_back(static_cast<std::uint32_t>(*count));
+        array.dimensions.push_back(static_cast<std::uint32_t>(count));
         list.remove_prefix(isLast ? 0 : comma + 1);
     }
-    return true;
 }
 
 const DDS_TypeCode* TypeReader::namedType(Element element, Scope scope, std::string_view attributeName,
@@ -79,15 +69,12 @@ const DDS_TypeCode* TypeReader::namedType(Element element, Scope scope, std::str
     if (symbol == nullptr || symbol->kind != SymbolKind::TYPE) {
         fail(element,
              "unknown type '" + name + "'; define it, or announce it with forward_dcl, before it is used");
-        return nullptr;
     }
     if (symbol->isWrong) {
         fail(element, "the type '" + name + "' is wrong itself");
-        return nullptr;
     }
     if (mustBeDefined && !symbol->isDefined) {
         fail(element, "the type '" + name + "' must be defined before this use, not only announced");
-        return nullptr;
     }
     return symbol->type;
 }
@@ -100,44 +87,38 @@ const DDS_TypeCode* TypeReader::elementTypeOf(Element element, Scope scope) {
     if (!isNamed && basic == nullptr) {
         fail(element, "unknown type word '" + word +
                           "'; for a defined type, write type=\"nonBasic\" nonBasicTypeName=\"" + word + "\"");
-        return nullptr;
     }
-    if (isNamed != (ZULXMLObject_getAttribute(&element, "nonBasicTypeName") != nullptr)) {
+    if (isNamed != hasAttribute(element, "nonBasicTypeName")) {
         fail(element, "nonBasicTypeName goes with type=\"nonBasic\", and only with it");
-        return nullptr;
     }
     const bool isString = !isNamed && basic->isString();
-    if (!isString && ZULXMLObject_getAttribute(&element, "stringMaxLength") != nullptr) {
+    if (!isString && hasAttribute(element, "stringMaxLength")) {
         fail(element, "stringMaxLength goes with a string or wstring only");
-        return nullptr;
     }
     if (isNamed) {
         return namedType(element, scope, "nonBasicTypeName", false);
     }
-    if (!isString) {
-        return DDS_TypeCode_primitive(basic->kind);
-    }
-    const std::optional<std::uint32_t> bound = boundOf(element, scope, "stringMaxLength");
-    return bound ? newCode({.kind = basic->kind, .extensibility = DDS_FINAL_EXTENSIBILITY, .bound = *bound})
-                 : nullptr;
+    return isString ? newCode({.kind = basic->kind,
+                               .extensibility = DDS_FINAL_EXTENSIBILITY,
+                               .bound = boundOf(element, scope, "stringMaxLength")})
+                    : DDS_TypeCode_primitive(basic->kind);
 }
 
 const DDS_TypeCode* TypeReader::typeOf(Element element, Scope scope) {
     const DDS_TypeCode* type = elementTypeOf(element, scope);
-    if (type != nullptr && ZULXMLObject_getAttribute(&element, "sequenceMaxLength") != nullptr) {
-        const std::optional<std::uint32_t> bound = boundOf(element, scope, "sequenceMaxLength");
-        type = bound ? newCode({.kind = DDS_TK_SEQUENCE,
-                                .extensibility = DDS_FINAL_EXTENSIBILITY,
-                                .bound = *bound,
-                                .content = type})
-                     : nullptr;
+    if (hasAttribute(element, "sequenceMaxLength")) {
+        type = newCode({.kind = DDS_TK_SEQUENCE,
+                        .extensibility = DDS_FINAL_EXTENSIBILITY,
+                        .bound = boundOf(element, scope, "sequenceMaxLength"),
+                        .content = type});
     }
-    if (type != nullptr && ZULXMLObject_getAttribute(&element, "arrayDimensions") != nullptr) {
+    if (hasAttribute(element, "arrayDimensions")) {
         DDS_TypeCode* array =
             newCode({.kind = DDS_TK_ARRAY, .extensibility = DDS_FINAL_EXTENSIBILITY, .content = type});
-        type = addDimensions(element, scope, *array) ? array : nullptr;
+        addDimensions(element, scope, *array);
+        type = array;
     }
     return type;
 }
 
-} // namespace xml_types
+} // namespace zul::xml

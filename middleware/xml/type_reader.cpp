@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-namespace xml_types {
+namespace zul::xml {
 
 const TypeReader::Definition TypeReader::DEFINITIONS[] = {
     {"include", &TypeReader::readInclude, DDS_TK_NULL},
@@ -61,8 +61,10 @@ void TypeReader::readSections(const ZULXMLDocument& document, Scope scope) {
     for (const ZULXMLObject* section = document.root->children.first; section != nullptr;
          section = section->next) {
         if (std::strcmp(section->tagName, "types") == 0) {
-            if (!checkForm(*section, error_)) {
-                tell(*section, "", nullptr);
+            try {
+                checkForm(*section);
+            } catch (ZULXMLError& error) {
+                tell(*section, "", nullptr, std::move(error));
             }
             readDefinitions(*section, scope);
         }
@@ -75,19 +77,21 @@ void TypeReader::readDefinitions(Element parent, Scope scope) {
         const std::string_view ownName = attribute(*child, "name");
         const std::string name = ownName.empty() ? "" : scopedName(scope, ownName);
         ZULXMLTypeEntry* entry = name.empty() ? nullptr : beginEntry(*child, name);
-        if (!readDefinition(*child, parent, scope)) {
-            tell(*child, name, entry);
+        try {
+            readDefinition(*child, parent, scope);
+        } catch (ZULXMLError& error) {
+            tell(*child, name, entry, std::move(error));
         }
     }
 }
 
-bool TypeReader::readDefinition(Element element, Element parent, Scope scope) {
+void TypeReader::readDefinition(Element element, Element parent, Scope scope) {
     const Definition* definition = findDefinition(element.tagName);
     if (definition == nullptr) {
-        return fail(element,
-                    "<" + std::string(element.tagName) + "> cannot stand in <" + parent.tagName + ">");
+        fail(element, "<" + std::string(element.tagName) + "> cannot stand in <" + parent.tagName + ">");
     }
-    return checkForm(element, error_) && (this->*definition->read)(element, scope);
+    checkForm(element);
+    (this->*definition->read)(element, scope);
 }
 
 // The first of several counts, and any definition more than an announcement.
@@ -114,8 +118,7 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 
 // Keeps what is wrong with a definition where its name is looked up, and marks the name for those that use
 // it. A failed include has no name: it is what may be missing where a name is not found.
-void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry) {
-    ZULXMLError error = std::exchange(error_, {});
+void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error) {
     error.text = placeOf(error.line) + error.text;
     error.line = lineOf(error.line);
     first_.set(error.line, error.text);
@@ -130,7 +133,7 @@ void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry*
     const Definition* definition = findDefinition(element.tagName);
     Symbol* symbol = symbols_.find(name);
     if (symbol == nullptr && definition != nullptr && definition->kind != DDS_TK_NULL) {
-        symbol = symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line}, error_);
+        symbol = &symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line});
         symbol->type = newCode({.kind = definition->kind, .name = name});
     }
     if (symbol != nullptr && symbol->kind == SymbolKind::TYPE) {
@@ -139,69 +142,61 @@ void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry*
 }
 
 // Each file is taken in once, so that files which include each other come to an end.
-bool TypeReader::readInclude(Element element, Scope scope) {
+void TypeReader::readInclude(Element element, Scope scope) {
     const std::string file(attribute(element, "file"));
     if (document_->path.empty()) {
-        return fail(element, "include works only in a document that is read from a file");
+        fail(element, "include works only in a document that is read from a file");
     }
     const std::size_t slash = document_->path.rfind('/');
     const bool isRelative = !file.starts_with('/') && slash != std::string::npos;
     const std::string path = isRelative ? document_->path.substr(0, slash + 1) + file : file;
     const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
     if (real == nullptr) {
-        return fail(element, "cannot include '" + file + "': " + std::system_category().message(errno));
+        fail(element, "cannot include '" + file + "': " + std::system_category().message(errno));
     }
     if (included_.size() >= INCLUDES_MAX) {
-        return fail(element, "more than " + std::to_string(INCLUDES_MAX) + " files are included");
+        fail(element, "more than " + std::to_string(INCLUDES_MAX) + " files are included");
     }
     if (!included_.insert(real.get()).second) {
-        return true;
+        return;
     }
     const std::unique_ptr<ZULXMLDocument, void (*)(ZULXMLDocument*)> other(
         ZULXMLParser_readFile(nullptr, real.get()), ZULXMLDocument_delete);
     if (other == nullptr) {
-        return fail(element, "out of memory");
+        throw std::bad_alloc();
     }
     includes_.push_back({file, element.line});
     if (other->root != nullptr) {
         readSections(*other, scope);
     } else {
-        error_ = other->error;
-        tell(element, "", nullptr);
+        tell(element, "", nullptr, other->error);
     }
     includes_.pop_back();
-    return true;
 }
 
-bool TypeReader::readModule(Element element, Scope scope) {
+void TypeReader::readModule(Element element, Scope scope) {
     const std::string name = scopedName(scope, attribute(element, "name"));
     const Symbol* known = symbols_.find(name);
     const bool isReopened = known != nullptr && known->kind == SymbolKind::MODULE;
-    if (!isReopened &&
-        symbols_.add(name, {.kind = SymbolKind::MODULE, .line = element.line}, error_) == nullptr) {
-        return false;
+    if (!isReopened) {
+        symbols_.add(name, {.kind = SymbolKind::MODULE, .line = element.line});
     }
     readDefinitions(element, name);
-    return true;
 }
 
-bool TypeReader::readConstant(Element element, Scope scope) {
+void TypeReader::readConstant(Element element, Scope scope) {
     Symbol constant{.kind = SymbolKind::CONSTANT, .line = element.line, .isDiscrete = true};
     const std::string text(attribute(element, "value"));
     const Symbol* other = symbols_.resolve(scope, text);
     const bool namesConstant = other != nullptr && other->kind == SymbolKind::CONSTANT;
-    const DDS_TypeCode* type = elementTypeOf(element, scope);
-    if (type == nullptr) {
-        return false;
-    }
-    type = underlyingType(type);
+    const DDS_TypeCode* type = underlyingType(elementTypeOf(element, scope));
     bool isValid = false;
     if (type->kind == DDS_TK_ENUM) {
         isValid = namesConstant && other->enumeration == type;
         constant.value = isValid ? other->value : Integer{};
         constant.enumeration = type;
     } else if (const TypeWord* word = findTypeWord(attribute(element, "type")); word == nullptr) {
-        return fail(element, "a const is of a basic type or an enum");
+        fail(element, "a const is of a basic type or an enum");
     } else if (word->isDiscrete()) {
         const std::optional<Integer> value = valueOf(*word, scope, text);
         isValid = value.has_value();
@@ -211,24 +206,24 @@ bool TypeReader::readConstant(Element element, Scope scope) {
         constant.isDiscrete = false;
     }
     if (!isValid) {
-        return fail(element, "'" + text + "' is no value of the type of this const");
+        fail(element, "'" + text + "' is no value of the type of this const");
     }
-    return symbols_.add(scopedName(scope, attribute(element, "name")), constant, error_) != nullptr;
+    symbols_.add(scopedName(scope, attribute(element, "name")), constant);
 }
 
-bool TypeReader::readForward(Element element, Scope scope) {
+void TypeReader::readForward(Element element, Scope scope) {
     const std::string name = scopedName(scope, attribute(element, "name"));
     const DDS_TCKind kind = findDefinition(attribute(element, "kind"))->kind;
     const Symbol* known = symbols_.find(name);
     if (known != nullptr && known->kind == SymbolKind::TYPE && known->type->kind == kind) {
-        return true; // announced once more
+        return; // announced once more
     }
     const Symbol symbol{
         .kind = SymbolKind::TYPE, .line = element.line, .type = newCode({.kind = kind, .name = name})};
-    return symbols_.add(name, symbol, error_) != nullptr;
+    symbols_.add(name, symbol);
 }
 
-Symbol* TypeReader::beginType(Element element, Scope scope, DDS_TCKind kind) {
+Symbol& TypeReader::beginType(Element element, Scope scope, DDS_TCKind kind) {
     const std::string name = scopedName(scope, attribute(element, "name"));
     Symbol* symbol = symbols_.find(name);
     const bool isAnnounced = symbol != nullptr && symbol->kind == SymbolKind::TYPE && !symbol->isDefined &&
@@ -236,83 +231,54 @@ Symbol* TypeReader::beginType(Element element, Scope scope, DDS_TCKind kind) {
     if (isAnnounced) {
         symbol->line = element.line;
     } else {
-        symbol = symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line}, error_);
-        if (symbol == nullptr) {
-            return nullptr;
-        }
+        symbol = &symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line});
         symbol->type = newCode({.kind = kind, .name = name});
     }
     const std::string_view word = attribute(element, "extensibility");
     symbol->type->extensibility = word == "final"     ? DDS_FINAL_EXTENSIBILITY
                                   : word == "mutable" ? DDS_MUTABLE_EXTENSIBILITY
                                                       : DDS_EXTENSIBLE_EXTENSIBILITY;
-    return symbol;
+    return *symbol;
 }
 
-bool TypeReader::readTypedef(Element element, Scope scope) {
+void TypeReader::readTypedef(Element element, Scope scope) {
     const DDS_TypeCode* type = typeOf(element, scope);
-    Symbol* symbol = type != nullptr ? beginType(element, scope, DDS_TK_ALIAS) : nullptr;
-    if (symbol == nullptr) {
-        return false;
-    }
-    symbol->type->content = type;
-    symbol->isDefined = true;
-    return true;
+    Symbol& symbol = beginType(element, scope, DDS_TK_ALIAS);
+    symbol.type->content = type;
+    symbol.isDefined = true;
 }
 
 // Enumerators are names of the scope that their enum is in.
-bool TypeReader::readEnum(Element element, Scope scope) {
-    Symbol* symbol = beginType(element, scope, DDS_TK_ENUM);
-    if (symbol == nullptr) {
-        return false;
-    }
+void TypeReader::readEnum(Element element, Scope scope) {
+    Symbol& symbol = beginType(element, scope, DDS_TK_ENUM);
     std::set<std::int32_t> values;
     Integer next;
     for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        if (!checkForm(*child, error_)) {
-            return false;
-        }
-        const std::string_view text = attribute(*child, "value");
-        const bool isGiven = ZULXMLObject_getAttribute(child, "value") != nullptr;
-        const std::optional<Integer> value = isGiven ? integerOf(scope, text) : next;
+        checkForm(*child);
+        const std::optional<Integer> value =
+            hasAttribute(*child, "value") ? integerOf(scope, attribute(*child, "value")) : next;
         const std::optional<std::int32_t> number = value ? toInt32(*value) : std::nullopt;
         if (!number || !values.insert(*number).second) {
-            return fail(
-                *child,
-                "the value of this enumerator must be a 32-bit integer or a const, used once in the enum");
+            fail(*child,
+                 "the value of this enumerator must be a 32-bit integer or a const, used once in the enum");
         }
-        symbol->type->members.push_back({.name = std::string(attribute(*child, "name")),
-                                         .id = static_cast<std::int32_t>(symbol->type->members.size()),
-                                         .value = *number});
+        std::vector<DDS_TypeCodeMember>& members = symbol.type->members;
+        members.push_back({.name = std::string(attribute(*child, "name")),
+                           .id = static_cast<std::int32_t>(members.size()),
+                           .value = *number});
         const Symbol enumerator{.kind = SymbolKind::CONSTANT,
                                 .line = child->line,
                                 .isDiscrete = true,
                                 .value = *value,
-                                .enumeration = symbol->type};
-        if (symbols_.add(scopedName(scope, attribute(*child, "name")), enumerator, error_) == nullptr) {
-            return false;
-        }
+                                .enumeration = symbol.type};
+        symbols_.add(scopedName(scope, attribute(*child, "name")), enumerator);
         next = value->negative ? Integer{value->magnitude > 1, value->magnitude - 1}
                                : Integer{false, value->magnitude + 1};
     }
-    symbol->isDefined = true;
-    return !symbol->type->members.empty() || fail(element, "an enum needs an enumerator");
-}
-
-} // namespace xml_types
-
-bool ZULXMLTypeReader_read(const ZULXMLDocument* document, ZULXMLTypeSet* types, ZULXMLError* error) {
-    return xml_types::TypeReader(*types, *error).read(*document);
-}
-
-ZULXMLTypesStatus ZULXMLTypeReader_check(const void* data, std::size_t size, ZULXMLError* error) {
-    const std::unique_ptr<ZULXMLDocument, void (*)(ZULXMLDocument*)> document(
-        ZULXMLParser_readText(nullptr, {static_cast<const char*>(data), size}), ZULXMLDocument_delete);
-    if (document == nullptr || document->root == nullptr) {
-        *error = document != nullptr ? document->error : ZULXMLError{0, "out of memory"};
-        return ZUL_XML_TYPES_BAD_DOCUMENT;
+    if (symbol.type->members.empty()) {
+        fail(element, "an enum needs an enumerator");
     }
-    ZULXMLTypeSet types;
-    return ZULXMLTypeReader_read(document.get(), &types, error) ? ZUL_XML_TYPES_OK
-                                                                : ZUL_XML_TYPES_BAD_DEFINITION;
+    symbol.isDefined = true;
 }
+
+} // namespace zul::xml

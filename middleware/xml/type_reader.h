@@ -25,28 +25,22 @@ struct ZULXMLTypeSet {
     ZULXMLError missing{};                                      // the first include that failed
 };
 
-// Reads all types sections of the document, and what is sound of them when something is wrong. False then,
-// with the line and what to do about the first thing that is.
-bool ZULXMLTypeReader_read(const ZULXMLDocument* document, ZULXMLTypeSet* types, ZULXMLError* error);
-
-enum ZULXMLTypesStatus { ZUL_XML_TYPES_OK, ZUL_XML_TYPES_BAD_DOCUMENT, ZUL_XML_TYPES_BAD_DEFINITION };
-// Reads `size` bytes as a document and its types, and drops the result. Logs nothing and reads nothing else.
-ZULXMLTypesStatus ZULXMLTypeReader_check(const void* data, std::size_t size, ZULXMLError* error);
-
-namespace xml_types {
+namespace zul::xml {
 
 constexpr std::size_t INCLUDES_MAX = 64;        // documents taken in
 constexpr std::size_t BASES_MAX = 32;           // types above each other in a chain of bases
 constexpr std::uint64_t COUNT_MAX = 0x7FFFFFFF; // a bound, or all elements of an array
 constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 
-// One run over a document and what it includes. Functions that read one definition return false or null with
-// the error set; that becomes the definition's error, and reading goes on with the next. Each is given the
-// scope ("" is the outermost) that its element is in.
+// One run over a document and what it includes. Functions that read one definition, or a part of it, throw
+// what is wrong as a ZULXMLError; that becomes the definition's error, and reading goes on with the next.
+// Each is given the scope ("" is the outermost) that its element is in.
 class TypeReader {
 public:
-    // `first` gets the first thing that is wrong.
+    // `first` gets the first thing that is wrong, with the line and what to do about it.
     TypeReader(ZULXMLTypeSet& types, ZULXMLError& first) : types_(types), first_(first) {}
+    // Reads all types sections of the document, and what is sound of them when something is wrong: false
+    // then.
     bool read(const ZULXMLDocument& document);
 
 private:
@@ -54,7 +48,7 @@ private:
     using Scope = const std::string&;
     struct Definition {
         std::string_view tag;
-        bool (TypeReader::*read)(Element, Scope);
+        void (TypeReader::*read)(Element, Scope);
         DDS_TCKind kind; // of the type; DDS_TK_NULL for what defines none
     };
     static const Definition DEFINITIONS[];
@@ -75,27 +69,29 @@ private:
         bool hasDefault = false;
     };
 
-    bool fail(Element at, std::string message) { return error_.set(at.line, std::move(message)); }
+    [[noreturn]] static void fail(Element at, std::string message) {
+        throw ZULXMLError{at.line, std::move(message)};
+    }
 
     // type_reader.cpp: sections, modules and small definitions
     void readSections(const ZULXMLDocument& document, Scope scope);
     void readDefinitions(Element parent, Scope scope);
-    bool readDefinition(Element element, Element parent, Scope scope);
+    void readDefinition(Element element, Element parent, Scope scope);
     // The entry of the name that the element defines, if the element is the one that counts; otherwise null.
     ZULXMLTypeEntry* beginEntry(Element element, const std::string& name);
-    void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry);
+    void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error);
     // That line of the document being read, or of the outermost include that led to it.
     std::int32_t lineOf(std::int32_t line) const { return includes_.empty() ? line : includes_.front().line; }
     std::string placeOf(std::int32_t line) const;
-    bool readInclude(Element element, Scope scope);
-    bool readModule(Element element, Scope scope);
-    bool readConstant(Element element, Scope scope);
-    bool readForward(Element element, Scope scope);
-    bool readTypedef(Element element, Scope scope);
-    bool readEnum(Element element, Scope scope);
+    void readInclude(Element element, Scope scope);
+    void readModule(Element element, Scope scope);
+    void readConstant(Element element, Scope scope);
+    void readForward(Element element, Scope scope);
+    void readTypedef(Element element, Scope scope);
+    void readEnum(Element element, Scope scope);
     // Introduces the type that the element names: a new one, or the one announced. Its code has kind, name
     // and extensibility.
-    Symbol* beginType(Element element, Scope scope, DDS_TCKind kind);
+    Symbol& beginType(Element element, Scope scope, DDS_TCKind kind);
 
     // type_members.cpp: the types of members, bounds and values
     DDS_TypeCode* newCode(DDS_TypeCode code) { return &types_.codes.emplace_back(std::move(code)); }
@@ -103,21 +99,21 @@ private:
     const DDS_TypeCode* elementTypeOf(Element element, Scope scope);
     const DDS_TypeCode* namedType(Element element, Scope scope, std::string_view attributeName,
                                   bool mustBeDefined);
-    std::optional<std::uint32_t> boundOf(Element element, Scope scope, std::string_view attributeName);
-    std::optional<std::uint64_t> countOf(Element element, Scope scope, std::string_view text);
-    bool addDimensions(Element element, Scope scope, DDS_TypeCode& array);
+    std::uint32_t boundOf(Element element, Scope scope, std::string_view attributeName);
+    std::uint64_t countOf(Element element, Scope scope, std::string_view text);
+    void addDimensions(Element element, Scope scope, DDS_TypeCode& array);
     std::optional<Integer> integerOf(Scope scope, std::string_view text);
     std::optional<Integer> valueOf(const TypeWord& type, Scope scope, std::string_view text);
 
     // type_records.cpp: structs, value types and unions
-    bool readRecord(Element element, Scope scope);
-    bool readBase(Element element, Scope scope, DDS_TypeCode& code, Record& record);
-    bool readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record);
-    bool readUnion(Element element, Scope scope);
-    bool readDiscriminator(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator);
-    bool readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
+    void readRecord(Element element, Scope scope);
+    void readBase(Element element, Scope scope, DDS_TypeCode& code, Record& record);
+    void readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record);
+    void readUnion(Element element, Scope scope);
+    Discriminator readDiscriminator(Element element, Scope scope, DDS_TypeCode& code);
+    void readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
                   Record& record);
-    bool readLabel(Element element, Scope scope, Discriminator& discriminator, DDS_TypeCodeMember& branch);
+    void readLabel(Element element, Scope scope, Discriminator& discriminator, DDS_TypeCodeMember& branch);
 
     struct Include {
         std::string file;
@@ -126,7 +122,6 @@ private:
 
     ZULXMLTypeSet& types_;
     ZULXMLError& first_;
-    ZULXMLError error_; // of the definition being read
     Symbols symbols_;
     std::map<const DDS_TypeCode*, Record> records_;
     const ZULXMLDocument* document_ = nullptr; // the one being read
@@ -137,4 +132,4 @@ private:
 // The type that `type` names through its typedefs; null for null.
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type);
 
-} // namespace xml_types
+} // namespace zul::xml

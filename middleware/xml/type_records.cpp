@@ -6,85 +6,65 @@
 #include <cstring>
 #include <utility>
 
-namespace xml_types {
+namespace zul::xml {
 
 // Members of a sparse value type are recognised by their ids and need not be there, keys excepted.
-bool TypeReader::readRecord(Element element, Scope scope) {
-    Symbol* symbol = beginType(element, scope, findDefinition(element.tagName)->kind);
-    if (symbol == nullptr) {
-        return false;
-    }
-    DDS_TypeCode& code = *symbol->type;
+void TypeReader::readRecord(Element element, Scope scope) {
+    Symbol& symbol = beginType(element, scope, findDefinition(element.tagName)->kind);
+    DDS_TypeCode& code = *symbol.type;
     if (code.kind == DDS_TK_SPARSE) {
         code.extensibility = DDS_MUTABLE_EXTENSIBILITY;
     }
     const bool hasMembers = element.children.count > 0;
     if (hasMembers && attribute(element, "modifier") == "abstract") {
-        return fail(element, "an abstract value type has no members");
+        fail(element, "an abstract value type has no members");
     }
     Record record;
-    if (!readBase(element, scope, code, record)) {
-        return false;
-    }
-    if (code.kind == DDS_TK_STRUCT && !hasMembers && code.content == nullptr) {
-        return fail(element, "a struct without a baseType needs a member");
+    if (hasAttribute(element, "baseType")) {
+        readBase(element, scope, code, record);
+    } else if (code.kind == DDS_TK_STRUCT && !hasMembers) {
+        fail(element, "a struct without a baseType needs a member");
     }
     for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        if (!readMember(*child, scope, code, record)) {
-            return false;
-        }
+        readMember(*child, scope, code, record);
     }
     records_.emplace(&code, std::move(record));
-    symbol->isDefined = true;
-    return true;
+    symbol.isDefined = true;
 }
 
-bool TypeReader::readBase(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
-    if (ZULXMLObject_getAttribute(&element, "baseType") == nullptr) {
-        return true;
-    }
+void TypeReader::readBase(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
     const DDS_TypeCode* base = underlyingType(namedType(element, scope, "baseType", true));
-    if (base == nullptr) {
-        return false;
-    }
     if (base->kind != code.kind) {
-        return fail(element, "the baseType of a " + std::string(element.tagName) + " must be one itself");
+        fail(element, "the baseType of a " + std::string(element.tagName) + " must be one itself");
     }
     const auto found = records_.find(base);
     if (found == records_.end()) {
-        return fail(element, "the baseType must be defined before this use, not only announced");
+        fail(element, "the baseType must be defined before this use, not only announced");
     }
     record.base = &found->second;
     record.bases = found->second.bases + 1;
     record.nextId = found->second.nextId;
     code.content = base;
-    return record.bases <= BASES_MAX || fail(element, "more than " + std::to_string(BASES_MAX) +
-                                                          " types stand above each other as baseType");
+    if (record.bases > BASES_MAX) {
+        fail(element, "more than " + std::to_string(BASES_MAX) + " types stand above each other as baseType");
+    }
 }
 
 // A member of `code`, its key and optional marks left aside: those mean nothing inside a union.
-bool TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
-    if (!checkForm(element, error_)) {
-        return false;
-    }
+void TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
+    checkForm(element);
     DDS_TypeCodeMember member{.name = std::string(attribute(element, "name"))};
-    std::optional<Integer> id = Integer{false, record.nextId};
-    if (ZULXMLObject_getAttribute(&element, "id") != nullptr) {
-        id = integerOf(scope, attribute(element, "id"));
-    }
+    const std::optional<Integer> id = hasAttribute(element, "id") ? integerOf(scope, attribute(element, "id"))
+                                                                  : Integer{false, record.nextId};
     if (!id || id->negative || id->magnitude > MEMBER_ID_MAX) {
-        return fail(element,
-                    "the id of a member must be a number from 0 to " + std::to_string(MEMBER_ID_MAX));
+        fail(element, "the id of a member must be a number from 0 to " + std::to_string(MEMBER_ID_MAX));
     }
     for (const Record* each = &record; each != nullptr; each = each->base) {
         if (each->names.contains(member.name) || each->ids.contains(id->magnitude)) {
-            return fail(element, "the name or id of member '" + member.name + "' is used twice in its type");
+            fail(element, "the name or id of member '" + member.name + "' is used twice in its type");
         }
     }
     member.type = typeOf(element, scope);
-    if (member.type == nullptr) {
-        return false;
-    }
     member.id = static_cast<std::int32_t>(id->magnitude);
     record.names.insert(member.name);
     record.ids.insert(id->magnitude);
@@ -92,74 +72,61 @@ bool TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Re
     if (code.kind != DDS_TK_UNION) {
         member.isKey = isTrue(element, "key");
         if (member.isKey && isTrue(element, "optional")) {
-            return fail(element, "a key member cannot be optional");
+            fail(element, "a key member cannot be optional");
         }
         member.isRequired = member.isKey || (code.kind != DDS_TK_SPARSE && !isTrue(element, "optional"));
     }
     code.members.push_back(std::move(member));
-    return true;
 }
 
-bool TypeReader::readUnion(Element element, Scope scope) {
-    Symbol* symbol = beginType(element, scope, DDS_TK_UNION);
-    if (symbol == nullptr) {
-        return false;
-    }
+void TypeReader::readUnion(Element element, Scope scope) {
+    Symbol& symbol = beginType(element, scope, DDS_TK_UNION);
     const ZULXMLObject* child = element.children.first;
     if (child == nullptr || std::strcmp(child->tagName, "discriminator") != 0 || element.children.count < 2) {
-        return fail(element, "a union is a discriminator followed by at least one case");
+        fail(element, "a union is a discriminator followed by at least one case");
     }
-    Discriminator discriminator{};
+    Discriminator discriminator = readDiscriminator(*child, scope, *symbol.type);
     Record record;
-    if (!readDiscriminator(*child, scope, *symbol->type, discriminator)) {
-        return false;
-    }
     while ((child = child->next) != nullptr) {
-        if (!readCase(*child, scope, *symbol->type, discriminator, record)) {
-            return false;
-        }
+        readCase(*child, scope, *symbol.type, discriminator, record);
     }
-    symbol->isDefined = true;
-    return true;
+    symbol.isDefined = true;
 }
 
-bool TypeReader::readDiscriminator(Element element, Scope scope, DDS_TypeCode& code,
-                                   Discriminator& discriminator) {
-    code.content = checkForm(element, error_) ? elementTypeOf(element, scope) : nullptr;
-    if (code.content == nullptr) {
-        return false;
-    }
-    discriminator.underlying = underlyingType(code.content);
+TypeReader::Discriminator TypeReader::readDiscriminator(Element element, Scope scope, DDS_TypeCode& code) {
+    checkForm(element);
+    code.content = elementTypeOf(element, scope);
+    const DDS_TypeCode* underlying = underlyingType(code.content);
     const TypeWord* word = findTypeWord(attribute(element, "type"));
-    discriminator.word = word != nullptr ? word : discreteTypeWord(discriminator.underlying->kind);
-    const bool isEnum =
-        discriminator.underlying->kind == DDS_TK_ENUM && !discriminator.underlying->members.empty();
-    return isEnum || (discriminator.word != nullptr && discriminator.word->isDiscrete()) ||
-           fail(element,
-                "a discriminator is a boolean, a byte, a character, an integer or an enum defined before it");
+    if (word == nullptr) {
+        word = discreteTypeWord(underlying->kind);
+    }
+    const bool isEnum = underlying->kind == DDS_TK_ENUM && !underlying->members.empty();
+    if (!isEnum && (word == nullptr || !word->isDiscrete())) {
+        fail(element,
+             "a discriminator is a boolean, a byte, a character, an integer or an enum defined before it");
+    }
+    return {.underlying = underlying, .word = word};
 }
 
-bool TypeReader::readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
+void TypeReader::readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
                           Record& record) {
-    if (std::strcmp(element.tagName, "case") != 0 || !checkForm(element, error_)) {
-        return fail(element, "a union has one discriminator, which comes first");
+    if (std::strcmp(element.tagName, "case") != 0) {
+        fail(element, "a union has one discriminator, which comes first");
     }
+    checkForm(element);
     DDS_TypeCodeMember branch;
     const ZULXMLObject* child = element.children.first;
     for (; child != nullptr && std::strcmp(child->tagName, "caseDiscriminator") == 0; child = child->next) {
-        if (!checkForm(*child, error_) || !readLabel(*child, scope, discriminator, branch)) {
-            return false;
-        }
+        checkForm(*child);
+        readLabel(*child, scope, discriminator, branch);
     }
     if (child == nullptr || child == element.children.first || child->next != nullptr) {
-        return fail(element, "a case is one or more caseDiscriminator elements followed by one member");
+        fail(element, "a case is one or more caseDiscriminator elements followed by one member");
     }
-    if (!readMember(*child, scope, code, record)) {
-        return false;
-    }
+    readMember(*child, scope, code, record);
     code.members.back().labels = std::move(branch.labels);
     code.members.back().isDefault = branch.isDefault;
-    return true;
 }
 
 namespace {
@@ -180,13 +147,15 @@ std::optional<std::int32_t> enumeratorValue(const DDS_TypeCode& enumeration, con
 } // namespace
 
 // Labels are kept in 32 bits; those of an unsigned 32-bit discriminator with the same bits.
-bool TypeReader::readLabel(Element element, Scope scope, Discriminator& discriminator,
+void TypeReader::readLabel(Element element, Scope scope, Discriminator& discriminator,
                            DDS_TypeCodeMember& branch) {
     const std::string text(attribute(element, "value"));
     if (text == "default") {
         branch.isDefault = true;
-        return !std::exchange(discriminator.hasDefault, true) ||
-               fail(element, "a union has one default at most");
+        if (std::exchange(discriminator.hasDefault, true)) {
+            fail(element, "a union has one default at most");
+        }
+        return;
     }
     std::optional<std::int32_t> label;
     if (discriminator.word == nullptr) {
@@ -199,11 +168,12 @@ bool TypeReader::readLabel(Element element, Scope scope, Discriminator& discrimi
                     : toInt32(*value);
     }
     if (!label) {
-        return fail(element, "'" + text + "' is no value of the discriminator's type that fits in 32 bits");
+        fail(element, "'" + text + "' is no value of the discriminator's type that fits in 32 bits");
+    }
+    if (!discriminator.labels.insert(*label).second) {
+        fail(element, "the label '" + text + "' selects two cases");
     }
     branch.labels.push_back(*label);
-    return discriminator.labels.insert(*label).second ||
-           fail(element, "the label '" + text + "' selects two cases");
 }
 
-} // namespace xml_types
+} // namespace zul::xml

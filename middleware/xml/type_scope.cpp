@@ -1,6 +1,6 @@
 #include "middleware/xml/type_scope.h"
 
-namespace xml_types {
+namespace zul::xml {
 
 std::string scopedName(const std::string& scope, std::string_view name) {
     return scope.empty() ? std::string(name) : scope + "::" + std::string(name);
@@ -25,14 +25,13 @@ Symbol* Symbols::resolve(const std::string& scope, std::string_view name) {
     }
 }
 
-Symbol* Symbols::add(const std::string& scopedName, const Symbol& symbol, ZULXMLError& error) {
+Symbol& Symbols::add(const std::string& scopedName, const Symbol& symbol) {
     const auto [place, isNew] = symbols_.try_emplace(scopedName, symbol);
     if (!isNew) {
-        error.set(symbol.line, "'" + scopedName + "' is already defined in line " +
-                                   std::to_string(place->second.line) + "; give it another name");
-        return nullptr;
+        throw ZULXMLError{symbol.line, "'" + scopedName + "' is already defined in line " +
+                                           std::to_string(place->second.line) + "; give it another name"};
     }
-    return &place->second;
+    return place->second;
 }
 
-} // namespace xml_types
+} // namespace zul::xml

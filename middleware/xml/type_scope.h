@@ -6,7 +6,7 @@
 
 #include <map>
 
-namespace xml_types {
+namespace zul::xml {
 
 enum class SymbolKind { MODULE, TYPE, CONSTANT };
 
@@ -31,8 +31,8 @@ public:
     // Looks a name up as it is used in `scope`: there, then in the scopes around it; "::" in front starts
     // from the outermost. Null when nothing has that name.
     Symbol* resolve(const std::string& scope, std::string_view name);
-    // Adds a symbol; null, with the error set, when the scoped name is taken.
-    Symbol* add(const std::string& scopedName, const Symbol& symbol, ZULXMLError& error);
+    // Adds a symbol. Throws a ZULXMLError when the scoped name is taken.
+    Symbol& add(const std::string& scopedName, const Symbol& symbol);
 
     const std::map<std::string, Symbol>& all() const { return symbols_; }
 
@@ -40,4 +40,4 @@ private:
     std::map<std::string, Symbol> symbols_;
 };
 
-} // namespace xml_types
+} // namespace zul::xml

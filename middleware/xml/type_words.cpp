@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace xml_types {
+namespace zul::xml {
 
 namespace {
 
@@ -124,4 +124,4 @@ std::optional<std::int32_t> toInt32(const Integer& value) {
     return static_cast<std::int32_t>(value.negative ? -magnitude : magnitude);
 }
 
-} // namespace xml_types
+} // namespace zul::xml

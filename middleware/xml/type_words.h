@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace xml_types {
+namespace zul::xml {
 
 // An integer of up to 64 bits with its sign.
 struct Integer {
@@ -42,4 +42,4 @@ bool isOtherLiteral(const TypeWord& type, std::string_view text);
 // The value in 32 bits; none when it needs more.
 std::optional<std::int32_t> toInt32(const Integer& value);
 
-} // namespace xml_types
+} // namespace zul::xml

@@ -49,9 +49,10 @@ Answer Configuration::take(std::string_view xml, std::string_view configurationN
     if (service == nullptr) {
         return whenMissing;
     }
+    std::string done = "loaded " + nameOf(service);
     document_ = std::move(document);
     service_ = service;
-    return Answer::ok("loaded " + nameOf(service));
+    return Answer::ok(std::move(done));
 }
 
 Answer Configuration::load(std::string_view xml, std::string_view configurationName) {
@@ -67,10 +68,10 @@ Answer Configuration::loadFirst(std::string_view xml) {
 }
 
 Answer Configuration::unload() {
-    const std::string name = nameOf(service_);
+    std::string done = "unloaded " + nameOf(service_);
     service_ = nullptr;
     document_.reset();
-    return Answer::ok("unloaded " + name);
+    return Answer::ok(std::move(done));
 }
 
 Answer Configuration::update(std::string_view path, std::string_view snippet) {
@@ -80,12 +81,9 @@ Answer Configuration::update(std::string_view path, std::string_view snippet) {
     }
     std::string error;
     const XmlDocument change = draft.parseSnippet(snippet, error);
-    if (change == nullptr ||
-        !applySnippet(draft.entity(), xmlDocGetRootElement(change.get()), stop_, error) ||
-        !draft.activate(error)) {
-        return Answer::error(error);
-    }
-    return Answer::ok("updated " + pathInWords(draft.entity()));
+    return change != nullptr && applySnippet(draft.entity(), xmlDocGetRootElement(change.get()), stop_, error)
+               ? draft.activate("updated " + pathInWords(draft.entity()))
+               : Answer::error(error);
 }
 
 Answer Configuration::create(std::string_view parentPath, std::string_view snippet) {
@@ -104,10 +102,10 @@ Answer Configuration::create(std::string_view parentPath, std::string_view snipp
     if (!error.empty()) {
         return Answer::error(error);
     }
-    const ContentModel& content = *Definition::ofProduct()->contentOf(tagOf(parent));
+    const ContentModel& content = *Definition::ofProduct().contentOf(tagOf(parent));
     Layout layout(parent->doc);
-    return Children(parent, content, layout).insert(child, error) && draft.activate(error)
-               ? Answer::ok("created " + pathInWords(child))
+    return Children(parent, content, layout).insert(child, error)
+               ? draft.activate("created " + pathInWords(child))
                : Answer::error(error);
 }
 
@@ -121,8 +119,7 @@ Answer Configuration::remove(std::string_view path) {
         return Answer::error("the router itself cannot be deleted; name an entity, or use unload");
     }
     Layout::remove(draft.entity());
-    std::string error;
-    return draft.activate(error) ? Answer::ok("deleted " + removed) : Answer::error(error);
+    return draft.activate("deleted " + removed);
 }
 
 } // namespace zul::practice

@@ -9,9 +9,6 @@ namespace zul::practice {
 
 Draft::Draft(Configuration& configuration, std::string_view path)
     : configuration_(configuration), document_(copyXml(configuration.document_.get())) {
-    if (document_ == nullptr) {
-        return;
-    }
     const xmlNode* root = xmlDocGetRootElement(configuration.document_.get());
     xmlNode* copy = xmlDocGetRootElement(document_.get());
     carryMarks(root, copy);
@@ -26,18 +23,18 @@ XmlDocument Draft::parseSnippet(std::string_view text, std::string& error) const
     return parseXml(text, configuration_.stop_, error, document_->dict);
 }
 
-bool Draft::activate(std::string& error) {
+Answer Draft::activate(std::string done) {
     // As text it must be what can be loaded again. Only a refusal is worth a second tree: it has the lines.
     const std::string text = writeXml(document_.get());
+    std::string error;
     if (!isReadableXml(text, configuration_.stop_, error) ||
         !isAcceptable(document_.get(), configuration_.stop_, error)) {
         readDocument(text, configuration_.stop_, error);
-        error = "the configuration would become invalid: " + error;
-        return false;
+        return Answer::error("the configuration would become invalid: " + error);
     }
     configuration_.document_ = std::move(document_);
     configuration_.service_ = service_;
-    return true;
+    return Answer::ok(std::move(done));
 }
 
 Answer noEntity(std::string_view path, std::string_view what) {

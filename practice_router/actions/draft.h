@@ -14,8 +14,9 @@ public:
     xmlNode* entity() const { return entity_; } // null: there is none of that path
     // Parses a snippet whose nodes may be moved into the draft.
     XmlDocument parseSnippet(std::string_view text, std::string& error) const;
-    // Makes the draft the active document. False, with the reason, when it would not be accepted.
-    bool activate(std::string& error);
+    // Makes the draft the active document and answers `done`, or says why it would not be accepted. Nothing
+    // fails after the change.
+    Answer activate(std::string done);
 
 private:
     Configuration& configuration_;

@@ -56,12 +56,11 @@ XmlDocument peerSnippet(const std::vector<std::string>& peers) {
     xmlNode* node = reinterpret_cast<xmlNode*>(document.get());
     for (const char* tag : {"participant_qos", "discovery", "initial_peers"}) {
         xmlNode* child = node != nullptr ? xmlNewNode(nullptr, toXml(tag)) : nullptr;
-        node = child != nullptr ? xmlAddChild(node, child) : nullptr;
+        requireMemory(child != nullptr);
+        node = xmlAddChild(node, child);
     }
     for (const std::string& peer : peers) {
-        if (node == nullptr || xmlNewTextChild(node, nullptr, toXml("element"), toXml(peer)) == nullptr) {
-            return nullptr;
-        }
+        requireMemory(xmlNewTextChild(node, nullptr, toXml("element"), toXml(peer)) != nullptr);
     }
     return document;
 }
@@ -107,10 +106,8 @@ Answer Configuration::changeState(StateChange change, std::string_view path) {
     if (around != nullptr) {
         return Answer::error(pathInWords(around) + " is disabled; enable it first");
     }
-    std::string error = "out of memory";
-    return setState(entity, wanted.result) && draft.activate(error)
-               ? Answer::ok(std::string(wanted.done) + " " + pathInWords(entity))
-               : Answer::error(error);
+    setState(entity, wanted.result);
+    return draft.activate(std::string(wanted.done) + " " + pathInWords(entity));
 }
 
 Answer Configuration::addPeers(std::string_view domainRoutePath, bool isFirstParticipant,
@@ -134,8 +131,8 @@ Answer Configuration::addPeers(std::string_view domainRoutePath, bool isFirstPar
         return Answer::error(quoted(*bad) + " is no peer; give addresses without blanks");
     }
     const XmlDocument snippet = peerSnippet(peers);
-    std::string error = "out of memory";
-    if (snippet == nullptr || !mergeChild(participant, xmlDocGetRootElement(snippet.get()), error)) {
+    std::string error;
+    if (!mergeChild(participant, xmlDocGetRootElement(snippet.get()), error)) {
         return Answer::error(error);
     }
     std::size_t count = 0;
@@ -144,8 +141,7 @@ Answer Configuration::addPeers(std::string_view domainRoutePath, bool isFirstPar
         return Answer::error(pathInWords(entity) + " would have more than " + std::to_string(MAX_PEERS) +
                              " peers; give fewer");
     }
-    return draft.activate(error) ? Answer::ok("peers of " + pathInWords(entity) + " " + side + ": " + known)
-                                 : Answer::error(error);
+    return draft.activate("peers of " + pathInWords(entity) + " " + side + ": " + known);
 }
 
 } // namespace zul::practice

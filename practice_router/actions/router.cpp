@@ -5,6 +5,7 @@
 #include "practice_router/actions/xml_url.h"
 
 #include <algorithm>
+#include <new>
 
 namespace zul::practice {
 
@@ -85,7 +86,7 @@ Answer actOnUpload(const Action& action, Task task, const Upload& upload, bool c
 
 } // namespace
 
-std::optional<Answer> Router::handle(const Request& request) {
+std::optional<Answer> Router::act(const Request& request) {
     const auto* action = std::ranges::find(ACTIONS, request.kind, &Action::kind);
     const bool isKnown = action != std::end(ACTIONS);
     std::optional<Upload> upload;
@@ -105,6 +106,15 @@ std::optional<Answer> Router::handle(const Request& request) {
     }
     const Task task{*this, configuration_, request, upload ? upload->entity : request.entity, {}};
     return upload ? actOnUpload(*action, task, *upload, uploads_.countsOnly()) : action->act(task);
+}
+
+// What runs out of memory has changed a draft only.
+std::optional<Answer> Router::handle(const Request& request) {
+    try {
+        return act(request);
+    } catch (const std::bad_alloc&) {
+        return Answer::error("out of memory");
+    }
 }
 
 } // namespace zul::practice

@@ -34,6 +34,8 @@ public:
     const Uploads& uploads() const { return uploads_; }
 
 private:
+    std::optional<Answer> act(const Request& request);
+
     std::string name_;
     std::string saveDirectory_;
     Configuration configuration_;

@@ -98,12 +98,13 @@ std::string saveFileName(std::string_view routerName) {
 
 Answer writeSaveFile(const std::string& directory, std::string_view routerName, std::string_view text) {
     const std::string path = directory + "/" + saveFileName(routerName);
+    Answer done = Answer::ok("saved the configuration to " + path);
     const int reason = replace(directory, path, text);
     if (reason != 0) {
         return Answer::error("cannot write the file " + path + ": " + std::system_category().message(reason));
     }
     syncDirectory(directory);
-    return Answer::ok("saved the configuration to " + path);
+    return done;
 }
 
 } // namespace zul::practice

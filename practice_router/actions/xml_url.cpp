@@ -1,15 +1,13 @@
-// A file is opened without waiting and read up to the limit.
+// A file is read up to the limit.
 #include "practice_router/actions/xml_url.h"
 
-#include "practice_router/document/text.h"
+#include "middleware/xml/file.h"
+#include "middleware/xml/text.h"
 #include "practice_router/document/xml.h"
 #include "product/vocabulary.h"
 
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace zul::practice {
 
@@ -18,40 +16,21 @@ namespace {
 using product::FILE_SCHEME;
 using product::INLINE_SCHEME;
 
-struct File {
-    int descriptor;
-    explicit File(const char* path) : descriptor(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
-    ~File() {
-        if (descriptor >= 0) {
-            close(descriptor);
-        }
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-};
-
 // Why the file cannot be read; empty when `content` holds it.
 std::string readInto(const std::string& path, std::string& content) {
-    const auto systemError = [] {
-        return std::system_category().message(errno);
-    };
-    const File file(path.c_str());
-    struct stat status {};
-    if (file.descriptor < 0 || fstat(file.descriptor, &status) != 0) {
-        return systemError();
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return "it is no regular file";
+    const xml::File file(path.c_str());
+    if (!file.isReadable()) {
+        return file.failure() != 0 ? std::system_category().message(file.failure()) : "it is no regular file";
     }
     char block[65536];
-    ssize_t count = 0;
-    while ((count = read(file.descriptor, block, sizeof(block))) > 0) {
+    int count = 0;
+    while ((count = file.read(block, sizeof(block))) > 0) {
         content.append(block, static_cast<std::size_t>(count));
         if (content.size() > MAX_DOCUMENT_SIZE) {
             return "it has more than " + std::to_string(MAX_DOCUMENT_SIZE) + " bytes";
         }
     }
-    return count < 0 ? systemError() : "";
+    return count < 0 ? std::system_category().message(errno) : "";
 }
 
 } // namespace
@@ -68,13 +47,13 @@ std::optional<std::string> readFile(const std::string& path, std::string& error)
 
 std::optional<std::string> readXmlUrl(std::string_view url, std::string& error) {
     if (url.starts_with(FILE_SCHEME)) {
-        return readFile(std::string(trimmed(url.substr(FILE_SCHEME.size()))), error);
+        return readFile(std::string(xml::trimmed(url.substr(FILE_SCHEME.size()))), error);
     }
     if (!url.starts_with(INLINE_SCHEME)) {
         error = "the XML is not complete: it must begin with str:// or file://; send it again";
         return std::nullopt;
     }
-    std::string_view xml = trimmed(url.substr(INLINE_SCHEME.size()));
+    std::string_view xml = xml::trimmed(url.substr(INLINE_SCHEME.size()));
     if (xml.starts_with('"')) {
         if (xml.size() < 2 || !xml.ends_with('"')) {
             error = "the XML is not complete: its closing double quote is missing; send it again";

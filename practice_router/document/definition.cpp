@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <new>
 #include <ranges>
 
 namespace zul::practice {
@@ -54,9 +53,7 @@ ContentModel::ContentModel(const xmlElementContent* content) {
 }
 
 ContentModel::Part ContentModel::addPosition(std::string_view name) {
-    if (names_.size() == MAX_POSITIONS) {
-        throw std::bad_alloc(); // the definitions are part of the program and smaller
-    }
+    requireMemory(names_.size() < MAX_POSITIONS); // the definitions are part of the program and smaller
     const Positions bit = Positions{1} << names_.size();
     names_.emplace_back(name);
     follow_.push_back(0);
@@ -176,7 +173,7 @@ Definition::Definition(const xmlDtd& dtd) {
     }
 }
 
-const Definition* Definition::ofProduct() {
+const Definition& Definition::ofProduct() {
     static std::array<std::unique_ptr<const Definition>, std::size(ROUTER_g_productInfo)> definitions;
     auto& definition = definitions[static_cast<std::size_t>(ROUTER_getProductId())];
     if (definition == nullptr) {
@@ -189,11 +186,10 @@ const Definition* Definition::ofProduct() {
             xmlParserInputBufferCreateMem(text.data(), static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
         const std::unique_ptr<xmlDtd, XmlDeleter> dtd(
             input != nullptr ? xmlIOParseDTD(nullptr, input, XML_CHAR_ENCODING_NONE) : nullptr);
-        if (dtd != nullptr) {
-            definition = std::make_unique<const Definition>(*dtd);
-        }
+        requireMemory(dtd != nullptr);
+        definition = std::make_unique<const Definition>(*dtd);
     }
-    return definition.get();
+    return *definition;
 }
 
 const ContentModel* Definition::contentOf(std::string_view tag) const {

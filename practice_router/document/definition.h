@@ -66,8 +66,8 @@ public:
         std::string what;
     };
 
-    // The selected product's. Null when memory is exhausted.
-    static const Definition* ofProduct();
+    // The selected product's.
+    static const Definition& ofProduct();
     explicit Definition(const xmlDtd& dtd);
 
     // How the content of an element is made up; null when it is not declared.

@@ -103,13 +103,8 @@ bool isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::stri
                 "; it must be dds";
         return false;
     }
-    const Definition* definition = Definition::ofProduct();
-    if (definition == nullptr) {
-        error = "out of memory";
-        return false;
-    }
     std::set<std::string> none;
-    return Check(*definition, stop, error).passes(root, none);
+    return Check(Definition::ofProduct(), stop, error).passes(root, none);
 }
 
 XmlDocument readDocument(std::string_view xml, const std::stop_token& stop, std::string& error) {

@@ -99,21 +99,18 @@ EntityState stateOf(const xmlNode* entity) {
     return {.enabled = enabled, .paused = enabled && entity->_private == &PAUSED};
 }
 
-bool setState(xmlNode* entity, EntityState state) {
+void setState(xmlNode* entity, EntityState state) {
     entity->_private = state.paused ? const_cast<char*>(&PAUSED) : nullptr;
     if (levelOf(entity) == EntityLevel::SERVICE) {
         if (!state.enabled) {
             entity->_private = const_cast<char*>(&DISABLED);
         }
-        return true;
-    }
-    const xmlChar* name = toXml(ENABLED);
-    if (state.enabled) {
+    } else if (!state.enabled) {
+        requireMemory(xmlSetProp(entity, toXml(ENABLED), toXml("false")) != nullptr);
+    } else if (!stateOf(entity).enabled) {
         // Enabled is the default: an entity that was disabled and enabled again reads as it did.
-        xmlAttr* attribute = stateOf(entity).enabled ? nullptr : xmlHasProp(entity, name);
-        return attribute == nullptr || xmlRemoveProp(attribute) == 0;
+        xmlRemoveProp(xmlHasProp(entity, toXml(ENABLED)));
     }
-    return xmlSetProp(entity, name, toXml("false")) != nullptr;
 }
 
 void carryMarks(const xmlNode* from, xmlNode* to) {

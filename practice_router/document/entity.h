@@ -39,8 +39,7 @@ struct EntityState {
     bool paused; // only while enabled
 };
 EntityState stateOf(const xmlNode* entity);
-// False when memory is exhausted.
-bool setState(xmlNode* entity, EntityState state);
+void setState(xmlNode* entity, EntityState state);
 // Gives the marks of all entities in `from` to their counterparts in `to`, a copy of it.
 void carryMarks(const xmlNode* from, xmlNode* to);
 

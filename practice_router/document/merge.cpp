@@ -31,7 +31,6 @@ private:
         return false;
     }
     Children& childrenOf(xmlNode* target);
-    bool trimValues(xmlNode* node);
     bool merge(xmlNode* target, xmlNode* source);
     bool mergeLeaf(xmlNode* target, const xmlNode* source);
     bool mergeByNames(const Children& children, xmlNode* child);
@@ -54,21 +53,29 @@ Children& Merge::childrenOf(xmlNode* target) {
                      .first->second;
 }
 
-bool mergeAttributes(xmlNode* target, const xmlNode* source) {
+// Blanks and line ends around a value do not count; a typed line leaves some.
+void trimValues(xmlNode* node) {
+    if (firstChild(node) == nullptr) {
+        setText(node, textOf(node));
+    }
+    for (xmlNode* child : elementsIn(node)) {
+        trimValues(child);
+    }
+}
+
+void mergeAttributes(xmlNode* target, const xmlNode* source) {
     for (const xmlAttr* attribute = source->properties; attribute != nullptr; attribute = attribute->next) {
         const std::string value = attributeOf(source, reinterpret_cast<const char*>(attribute->name));
-        if (!isSchemaLocation(attribute) &&
-            xmlSetProp(target, attribute->name, reinterpret_cast<const xmlChar*>(value.c_str())) == nullptr) {
-            return false;
-        }
+        requireMemory(isSchemaLocation(attribute) ||
+                      xmlSetProp(target, attribute->name, toXml(value)) != nullptr);
     }
-    return true;
 }
 
 bool Merge::mergeLeaf(xmlNode* target, const xmlNode* source) {
     const std::string text = textOf(source);
     if (firstChild(target) == nullptr) {
-        return setText(target, text) || failed("out of memory");
+        setText(target, text);
+        return true;
     }
     return text.empty() ||
            failed(describe(target) + " holds elements and cannot be set to a text; name one of them");
@@ -96,9 +103,7 @@ bool Merge::merge(xmlNode* target, xmlNode* source) {
     if (definition_.contentOf(tagOf(target)) == nullptr) {
         return failed(describe(target) + " is not known");
     }
-    if (!mergeAttributes(target, source)) {
-        return failed("out of memory");
-    }
+    mergeAttributes(target, source);
     xmlNode* child = firstChild(source);
     if (child == nullptr) {
         return mergeLeaf(target, source);
@@ -163,22 +168,8 @@ bool Merge::mergeChild(xmlNode* target, xmlNode* child) {
     return found != nullptr ? merge(found, child) : mergeUnmatched(target, child);
 }
 
-// Blanks and line ends around a value do not count; a typed line leaves some.
-bool Merge::trimValues(xmlNode* node) {
-    xmlNode* child = firstChild(node);
-    if (child == nullptr) {
-        return setText(node, textOf(node)) || failed("out of memory");
-    }
-    while (child != nullptr && trimValues(child)) {
-        child = nextElement(child);
-    }
-    return child == nullptr;
-}
-
 bool Merge::apply(xmlNode* entity, xmlNode* snippet) {
-    if (!trimValues(snippet)) {
-        return false;
-    }
+    trimValues(snippet);
     const std::string_view tag = tagOf(snippet);
     const bool isService = levelOf(entity) == EntityLevel::SERVICE;
     if (isService && tag == tagOf(entity->parent)) {
@@ -198,13 +189,11 @@ bool Merge::apply(xmlNode* entity, xmlNode* snippet) {
 } // namespace
 
 bool applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop, std::string& error) {
-    const Definition* definition = Definition::ofProduct();
-    return definition != nullptr && Merge(*definition, entity->doc, stop, error).apply(entity, snippet);
+    return Merge(Definition::ofProduct(), entity->doc, stop, error).apply(entity, snippet);
 }
 
 bool mergeChild(xmlNode* target, xmlNode* child, std::string& error) {
-    const Definition* definition = Definition::ofProduct();
-    return definition != nullptr && Merge(*definition, target->doc, {}, error).mergeChild(target, child);
+    return Merge(Definition::ofProduct(), target->doc, {}, error).mergeChild(target, child);
 }
 
 } // namespace zul::practice

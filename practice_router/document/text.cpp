@@ -49,11 +49,4 @@ std::string quoted(std::string_view text) {
     return "\"" + shortened(text) + "\"";
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr const char* BLANKS = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
-}
-
 } // namespace zul::practice

@@ -20,7 +20,4 @@ std::string shortened(std::string_view text, std::size_t most = MAX_SHOWN);
 // The same in double quotes.
 std::string quoted(std::string_view text);
 
-// Without the blanks and line ends around it.
-std::string_view trimmed(std::string_view text);
-
 } // namespace zul::practice

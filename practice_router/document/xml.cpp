@@ -1,13 +1,9 @@
-// The parser pulls its input through a function of ours, piece by piece. There the limits are checked that
-// must hold before the library works on what they limit, and there it is stopped.
+// What is built is the library's own tree; the limits are checked before it grows.
 #include "practice_router/document/xml.h"
 
 #include "practice_router/document/text.h"
 
 #include <libxml/SAX2.h>
-#include <libxml/parser.h>
-#include <libxml/parserInternals.h>
-#include <libxml/xmlerror.h>
 #include <libxml/xmlsave.h>
 
 #include <cstdint>
@@ -18,160 +14,121 @@ namespace {
 
 constexpr std::string_view SCHEMA_INSTANCE = "http://www.w3.org/2001/XMLSchema-instance";
 
-// One document being parsed; the library hands it to every event.
-struct Reading {
-    std::string_view rest;
-    const std::stop_token& stop;
-    bool buildsTree = true;
-    std::string error{}; // the first; later ones mostly follow from it
-    xmlParserCtxt* parser = nullptr;
-    std::size_t nodes = 0;      // elements, comments and the like
-    std::size_t sinceEvent = 0; // bytes handed out since the library last told of something
+// clang-format off
+constexpr xml::Rules RULES{
+    .document               = {MAX_DOCUMENT_SIZE, ""}, // its size is known before
+    .markup                 = {MAX_TAG, "a tag has more than % bytes; shorten it"},
+    .limitsTagsOnly         = true,
+    .declarationRefusal     = "declarations inside <!DOCTYPE ...> are not accepted; take out the part in [ ]",
+    .refusesAllDeclarations = true,
+    .messageMax             = std::string::npos, // all of them are shortened later
+};
+constexpr xml::Limit NODES{MAX_NODES, "there are more than % elements, attributes and comments; shorten the document"};
+constexpr xml::Limit DEPTH{MAX_DEPTH, "elements stand more than % deep in each other; flatten the document"};
+constexpr xml::Limit ATTRIBUTES{MAX_ATTRIBUTES, "an element has more than % attributes; take some out"};
+// clang-format on
 
-    void note(int line, std::string_view what) {
-        if (error.empty()) {
-            const std::string whole = "line " + std::to_string(line) + ": " + std::string(what);
-            error = shortened(whole, MAX_FAILURE);
-            while (error.ends_with(' ')) {
-                error.pop_back();
-            }
-        }
-    }
-    int line() const { return parser->input != nullptr ? parser->input->line : 0; }
-    void refuse(const std::string& what) {
-        note(line(), what);
-        xmlStopParser(parser);
-    }
-    void noteNodes(int count) {
-        sinceEvent = 0;
-        nodes += static_cast<std::size_t>(count);
-        if (nodes > MAX_NODES) {
-            refuse("there are more than " + std::to_string(MAX_NODES) +
-                   " elements, attributes and comments; shorten the document");
-        }
-    }
+// Lets the library build its tree, or only counts what it would build.
+class Reader : public xml::Guard {
+public:
+    Reader(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names);
+    std::string errorInOneLine();
+
+private:
+    template <auto handler, int nodes, class... Arguments>
+    static void count(void* context, Arguments... arguments);
+    static void startElement(void* context, const xmlChar* localname, const xmlChar* prefix,
+                             const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
+                             int attributeCount, int defaultedCount, const xmlChar** attributes);
+    bool keepsNodes(int more);
+    bool refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces);
+
+    bool buildsTree_;
+    std::size_t nodes_ = 0; // elements, attributes, comments and the like
 };
 
-Reading& readingOf(void* context) {
-    return *static_cast<Reading*>(static_cast<xmlParserCtxt*>(context)->_private);
-}
-
-// The library's work on a tag grows with the square of its attributes, so a tag must not be long. A comment
-// and the like may be: their cost grows with their length alone.
-bool isInTag(const xmlParserCtxt* parser) {
-    return parser->instate != XML_PARSER_COMMENT && parser->instate != XML_PARSER_PI &&
-           parser->instate != XML_PARSER_CDATA_SECTION;
-}
-
-int handOut(void* context, char* buffer, int size) {
-    auto& reading = *static_cast<Reading*>(context);
-    if (reading.stop.stop_requested()) {
-        reading.error = STOPPED;
-        return -1;
+Reader::Reader(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names)
+    : Guard(RULES, xml::textSource(text), stop), buildsTree_(buildsTree) {
+    if (parser() == nullptr) {
+        return;
     }
-    if (reading.sinceEvent > MAX_TAG && isInTag(reading.parser)) {
-        reading.note(reading.line(), "a tag has more than " + std::to_string(MAX_TAG) + " bytes; shorten it");
-        return -1;
+    if (names != nullptr) {
+        xmlDictFree(parser()->dict);
+        parser()->dict = names;
+        xmlDictReference(names);
     }
-    const std::size_t count = reading.rest.copy(buffer, static_cast<std::size_t>(size));
-    reading.rest.remove_prefix(count);
-    reading.sinceEvent += count;
-    return static_cast<int>(count);
+    xmlSAXHandler& events = *parser()->sax;
+    events.startElementNs = startElement;
+    events.endElementNs = count<xmlSAX2EndElementNs, 0>;
+    events.characters = count<xmlSAX2Characters, 0>;
+    events.ignorableWhitespace = count<xmlSAX2Characters, 0>;
+    events.cdataBlock = count<xmlSAX2CDataBlock, 1>;
+    events.comment = count<xmlSAX2Comment, 1>;
+    events.processingInstruction = count<xmlSAX2ProcessingInstruction, 1>;
 }
 
-// Counts the nodes that an event stands for; the library's own handler then adds them to the tree.
+bool Reader::keepsNodes(int more) {
+    noteEvent();
+    nodes_ += static_cast<std::size_t>(more);
+    return keeps(NODES, nodes_);
+}
+
+// An event that stands for so many nodes; the library's own handler adds them to the tree.
 template <auto handler, int nodes, class... Arguments>
-void noting(void* context, Arguments... arguments) {
-    Reading& reading = readingOf(context);
-    reading.noteNodes(nodes);
-    if (reading.buildsTree) {
+void Reader::count(void* context, Arguments... arguments) {
+    auto& reader = of<Reader>(context);
+    if (reader.keepsNodes(nodes) && reader.buildsTree_) {
         handler(context, arguments...);
     }
 }
 
-// Why an element cannot be accepted; empty when it can. Attributes come as local name, prefix, URI, begin and
-// end of the value, declarations of namespaces as prefix and URI.
-std::string refuseElement(const Reading& reading, const xmlChar* uri, int namespaceCount,
-                          const xmlChar** namespaces, int attributeCount) {
-    const int depth = reading.parser->nameNr;
-    if (depth >= MAX_DEPTH) {
-        return "elements stand more than " + std::to_string(MAX_DEPTH) +
-               " deep in each other; flatten the document";
-    }
-    if (namespaceCount + attributeCount > MAX_ATTRIBUTES) {
-        return "an element has more than " + std::to_string(MAX_ATTRIBUTES) + " attributes; take some out";
-    }
-    bool declaresOthers = namespaceCount > 0 && depth > 0;
-    for (int i = 0; i < namespaceCount; ++i) {
+// Declarations come as prefix and URI.
+bool Reader::refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces) {
+    bool declaresOthers = count > 0 && parser()->nameNr > 0;
+    for (int i = 0; i < count; ++i) {
         declaresOthers = declaresOthers || toView(namespaces[2 * i + 1]) != SCHEMA_INSTANCE;
     }
-    return uri != nullptr || declaresOthers
-               ? "the elements of a configuration are in no namespace; take out the xmlns attribute"
-               : "";
+    const bool isInNamespace = uri != nullptr || declaresOthers;
+    if (isInNamespace) {
+        protect([this] {
+            refuse("the elements of a configuration are in no namespace; take out the xmlns attribute");
+        });
+    }
+    return isInNamespace;
 }
 
-void startElement(void* context, const xmlChar* localname, const xmlChar* prefix, const xmlChar* uri,
-                  int namespaceCount, const xmlChar** namespaces, int attributeCount, int defaultedCount,
-                  const xmlChar** attributes) {
-    Reading& reading = readingOf(context);
-    reading.noteNodes(1 + attributeCount);
-    const std::string refusal = refuseElement(reading, uri, namespaceCount, namespaces, attributeCount);
-    if (!refusal.empty()) {
-        reading.refuse(refusal);
-        return;
-    }
-    if (!reading.buildsTree) {
+void Reader::startElement(void* context, const xmlChar* localname, const xmlChar* prefix, const xmlChar* uri,
+                          int namespaceCount, const xmlChar** namespaces, int attributeCount,
+                          int defaultedCount, const xmlChar** attributes) {
+    auto& reader = of<Reader>(context);
+    const bool isAccepted =
+        reader.keepsNodes(1 + attributeCount) &&
+        reader.keeps(DEPTH, static_cast<std::size_t>(reader.parser()->nameNr) + 1) &&
+        reader.keeps(ATTRIBUTES, static_cast<std::size_t>(namespaceCount + attributeCount)) &&
+        !reader.refusesNamespace(uri, namespaceCount, namespaces);
+    if (!isAccepted || !reader.buildsTree_) {
         return;
     }
     xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
                           defaultedCount, attributes);
-    if (reading.parser->node != nullptr) {
+    if (xmlNode* element = reader.parser()->node) {
         // The library's own line numbers end at 65535.
-        reading.parser->node->psvi = reinterpret_cast<void*>(static_cast<std::intptr_t>(reading.line()));
+        element->psvi = reinterpret_cast<void*>(static_cast<std::intptr_t>(reader.line()));
     }
 }
 
-template <class... Arguments>
-void refuseDeclaration(void* context, Arguments...) {
-    readingOf(context).refuse(
-        "declarations inside <!DOCTYPE ...> are not accepted; take out the part in [ ]");
-}
-void refuseAttributeDeclaration(void* context, const xmlChar*, const xmlChar*, int, int, const xmlChar*,
-                                xmlEnumeration* words) {
-    xmlFreeEnumeration(words);
-    refuseDeclaration(context);
-}
-
-// An entity that only the definition, which nobody reads, could declare is no more than a warning to
-// the library.
-void noteError(void* context, xmlError* error) {
-    if (error->level == XML_ERR_WARNING && error->code != XML_WAR_UNDECLARED_ENTITY) {
-        return;
+std::string Reader::errorInOneLine() {
+    const ZULXMLError error = takeError();
+    if (error.text.empty()) {
+        return "the document cannot be read";
     }
-    readingOf(context).note(error->line, error->message != nullptr ? error->message : "unknown error");
+    const std::string place = error.line != 0 ? "line " + std::to_string(error.line) + ": " : "";
+    std::string words = shortened(place + error.text, MAX_FAILURE);
+    while (words.ends_with(' ')) {
+        words.pop_back();
+    }
+    return words;
 }
-
-void setHandlers(xmlSAXHandler& events) {
-    events.startElementNs = startElement;
-    events.endElementNs = noting<xmlSAX2EndElementNs, 0>;
-    events.characters = noting<xmlSAX2Characters, 0>;
-    events.ignorableWhitespace = noting<xmlSAX2Characters, 0>;
-    events.cdataBlock = noting<xmlSAX2CDataBlock, 1>;
-    events.comment = noting<xmlSAX2Comment, 1>;
-    events.processingInstruction = noting<xmlSAX2ProcessingInstruction, 1>;
-    events.externalSubset = nullptr;
-    events.resolveEntity = nullptr;
-    events.elementDecl = refuseDeclaration;
-    events.attributeDecl = refuseAttributeDeclaration;
-    events.entityDecl = refuseDeclaration;
-    events.unparsedEntityDecl = refuseDeclaration;
-    events.notationDecl = refuseDeclaration;
-    events.serror = noteError;
-}
-
-struct ParserDeleter {
-    void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
-};
 
 // The document, without its elements where no tree is wanted; null on failure.
 XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token& stop, std::string& error,
@@ -185,24 +142,10 @@ XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token&
                 std::to_string(MAX_DOCUMENT_SIZE) + " are accepted";
         return nullptr;
     }
-    const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
-    if (parser == nullptr) {
-        error = "out of memory";
-        return nullptr;
-    }
-    if (names != nullptr) {
-        xmlDictFree(parser->dict);
-        parser->dict = names;
-        xmlDictReference(names);
-    }
-    Reading reading{.rest = text, .stop = stop, .buildsTree = buildsTree, .parser = parser.get()};
-    parser->_private = &reading;
-    setHandlers(*parser->sax);
-    XmlDocument document(xmlCtxtReadIO(parser.get(), handOut, nullptr, &reading, nullptr, nullptr,
-                                       XML_PARSE_NONET | XML_PARSE_COMPACT));
-    if (document == nullptr || !reading.error.empty()) {
-        error = reading.error.empty() ? "the document cannot be read" : reading.error;
-        return nullptr;
+    Reader reader(text, buildsTree, stop, names);
+    XmlDocument document = reader.read();
+    if (document == nullptr) {
+        error = reader.errorInOneLine();
     }
     return document;
 }
@@ -220,15 +163,15 @@ bool isReadableXml(std::string_view text, const std::stop_token& stop, std::stri
 XmlDocument copyXml(xmlDoc* document) {
     XmlDocument copy(xmlCopyDoc(document, 0));
     // A dictionary of its own spares the copy an allocation for each name.
-    if (copy == nullptr || (copy->dict = xmlDictCreate()) == nullptr) {
-        return nullptr;
+    if (copy != nullptr && (copy->dict = xmlDictCreate()) != nullptr) {
+        copy->children = xmlDocCopyNodeList(copy.get(), document->children);
+        for (xmlNode* node = copy->children; node != nullptr; node = node->next) {
+            node->parent = reinterpret_cast<xmlNode*>(copy.get());
+            copy->last = node;
+        }
     }
-    copy->children = xmlDocCopyNodeList(copy.get(), document->children);
-    for (xmlNode* node = copy->children; node != nullptr; node = node->next) {
-        node->parent = reinterpret_cast<xmlNode*>(copy.get());
-        copy->last = node;
-    }
-    return xmlDocGetRootElement(copy.get()) != nullptr ? std::move(copy) : nullptr;
+    requireMemory(copy != nullptr && xmlDocGetRootElement(copy.get()) != nullptr);
+    return copy;
 }
 
 int lineOf(const xmlNode* element) {
@@ -242,18 +185,11 @@ bool isSchemaLocation(const xmlAttr* attribute) {
 }
 
 std::string writeXml(xmlDoc* document) {
-    std::string text;
-    const auto append = [](void* context, const char* bytes, int count) {
-        static_cast<std::string*>(context)->append(bytes, static_cast<std::size_t>(count));
-        return count;
-    };
+    const std::unique_ptr<xmlBuffer, XmlDeleter> text(xmlBufferCreate());
     const int options = document->encoding == nullptr ? XML_SAVE_NO_DECL : 0;
-    xmlSaveCtxt* writer = xmlSaveToIO(append, nullptr, &text, "UTF-8", options);
-    if (writer != nullptr) {
-        xmlSaveDoc(writer, document);
-        xmlSaveClose(writer);
-    }
-    return text;
+    xmlSaveCtxt* writer = text != nullptr ? xmlSaveToBuffer(text.get(), "UTF-8", options) : nullptr;
+    requireMemory(writer != nullptr && xmlSaveDoc(writer, document) >= 0 && xmlSaveClose(writer) >= 0);
+    return std::string(toView(xmlBufferContent(text.get())));
 }
 
 } // namespace zul::practice

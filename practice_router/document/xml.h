@@ -4,13 +4,7 @@
 // of one's own, are refused. The library's messages are captured, never printed. One thread at a time.
 #pragma once
 
-#include <libxml/tree.h>
-
-#include <cstddef>
-#include <memory>
-#include <stop_token>
-#include <string>
-#include <string_view>
+#include "middleware/xml/guard.h"
 
 namespace zul::practice {
 
@@ -19,7 +13,7 @@ constexpr std::size_t MAX_NODES = 512U << 10;       // elements, attributes, com
 constexpr int MAX_DEPTH = 64;                       // elements inside each other
 constexpr std::size_t MAX_TAG = 64U << 10;          // bytes of one tag
 constexpr int MAX_ATTRIBUTES = 64;                  // of one element
-constexpr const char* STOPPED = "the program ends"; // the error of what was asked to stop
+using xml::STOPPED;
 
 inline std::string_view toView(const xmlChar* text) {
     return text != nullptr ? reinterpret_cast<const char*>(text) : "";
@@ -32,11 +26,18 @@ inline const xmlChar* toXml(const std::string& text) {
 }
 
 struct XmlDeleter {
-    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
     void operator()(xmlDtd* dtd) const { xmlFreeDtd(dtd); }
     void operator()(xmlChar* text) const { xmlFree(text); }
+    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
 };
-using XmlDocument = std::unique_ptr<xmlDoc, XmlDeleter>;
+using XmlDocument = xml::DocumentPtr;
+
+// The library returns a failure when memory runs out; in the router it is thrown, and becomes the answer.
+inline void requireMemory(bool hasSufficed) {
+    if (!hasSufficed) {
+        throw std::bad_alloc();
+    }
+}
 
 // Null on failure; `error` then says what is wrong, with its line. Of a parsed document only whole nodes may
 // be changed, as the library keeps short texts inside theirs. Gives up soon when asked to stop. `names`, if
@@ -47,7 +48,7 @@ XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::st
 // Whether parseXml would succeed, at a fraction of its cost in time and memory.
 bool isReadableXml(std::string_view text, const std::stop_token& stop, std::string& error);
 
-// A copy of a whole document that may be changed. Null when memory is exhausted.
+// A copy of a whole document that may be changed.
 XmlDocument copyXml(xmlDoc* document);
 
 // The line of an element in the text that it was parsed from.

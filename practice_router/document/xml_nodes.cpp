@@ -1,6 +1,7 @@
 // Reading and setting what an element holds; libxml2 hands out copies that must be freed.
 #include "practice_router/document/xml_nodes.h"
 
+#include "middleware/xml/text.h"
 #include "practice_router/document/text.h"
 
 namespace zul::practice {
@@ -33,8 +34,8 @@ std::string describe(const xmlNode* node) {
 std::string textOf(const xmlNode* node) {
     const xmlNode* only = node->children;
     return only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE
-               ? std::string(trimmed(toView(only->content)))
-               : std::string(trimmed(toString(xmlNodeGetContent(node))));
+               ? std::string(xml::trimmed(toView(only->content)))
+               : std::string(xml::trimmed(toString(xmlNodeGetContent(node))));
 }
 
 xmlNode* firstChild(const xmlNode* node) {
@@ -49,22 +50,18 @@ bool isText(const xmlNode* node) {
     return node->type == XML_CDATA_SECTION_NODE || (node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 0);
 }
 
-bool setText(xmlNode* node, const std::string& text) {
+void setText(xmlNode* node, const std::string& text) {
     const xmlNode* only = node->children;
     if (only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE &&
         text == toView(only->content)) {
-        return true;
+        return;
     }
     xmlNodeSetContent(node, nullptr);
-    if (text.empty()) {
-        return true;
+    if (!text.empty()) {
+        xmlNode* content = xmlNewText(toXml(text));
+        requireMemory(content != nullptr);
+        xmlAddChild(node, content);
     }
-    xmlNode* content = xmlNewText(toXml(text));
-    if (content == nullptr || xmlAddChild(node, content) == nullptr) {
-        xmlFreeNode(content);
-        return false;
-    }
-    return true;
 }
 
 } // namespace zul::practice

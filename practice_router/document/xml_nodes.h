@@ -46,7 +46,7 @@ inline Elements elementsIn(const xmlNode* parent) {
 // Whether a node is text that counts: anything but blanks, or a CDATA section.
 bool isText(const xmlNode* node);
 
-// Puts `text`, taken literally, in place of everything inside `node`. False when memory is exhausted.
-bool setText(xmlNode* node, const std::string& text);
+// Puts `text`, taken literally, in place of everything inside `node`.
+void setText(xmlNode* node, const std::string& text);
 
 } // namespace zul::practice

@@ -4,6 +4,7 @@
 #include "admin_types/type_support.h"
 
 #include <algorithm>
+#include <new>
 
 namespace zul::practice {
 
@@ -53,9 +54,13 @@ void queueRequests(void* listenerData, DDS_DataReader* reader) {
     const DDS_Long count = ZUL_RoutingService_Administration_CommandRequestSeq_get_length(&samples);
     for (DDS_Long i = 0; i < count; ++i) {
         const DDS_SampleInfo& info = ZULSequence::at(infos, i);
-        if (info.valid_data != 0) {
-            queue.push(copyOf(*ZUL_RoutingService_Administration_CommandRequestSeq_get_reference(&samples, i),
-                              info));
+        const auto* sample = ZUL_RoutingService_Administration_CommandRequestSeq_get_reference(&samples, i);
+        try {
+            if (info.valid_data != 0) {
+                queue.push(copyOf(*sample, info));
+            }
+        } catch (const std::bad_alloc&) {
+            // The request is lost, as on a bad network; its client's wait ends by its time-out.
         }
     }
     ZUL_RoutingService_Administration_CommandRequestDataReader_return_loan(typed, &samples, &infos);

@@ -2,6 +2,7 @@
 #include "practice_router/endpoints/worker.h"
 
 #include <climits>
+#include <new>
 #include <poll.h>
 #include <unistd.h>
 
@@ -51,7 +52,14 @@ void Worker::log(const Request& request, const std::string& outcome) {
     [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
 }
 
-void Worker::handle(const Request& request) {
+void Worker::turn(const Request& request) {
+    if (!router_.isAddressed(request)) {
+        router_.overhear(request);
+        if (options_.isVerbose) {
+            log(request, "addressed to another router");
+        }
+        return;
+    }
     const std::optional<Answer> answer = router_.handle(request);
     if (!answer) {
         const Upload* upload = router_.uploads().find(request);
@@ -74,13 +82,10 @@ void Worker::handle(const Request& request) {
 
 void Worker::run() {
     while (const std::optional<Request> request = queue_.pop()) {
-        if (router_.isAddressed(*request)) {
-            handle(*request);
-        } else {
-            router_.overhear(*request);
-            if (options_.isVerbose) {
-                log(*request, "addressed to another router");
-            }
+        try {
+            turn(*request);
+        } catch (const std::bad_alloc&) {
+            // The router goes on without the line or the answer that there was no memory for.
         }
     }
 }

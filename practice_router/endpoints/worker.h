@@ -17,7 +17,7 @@ public:
     void run();
 
 private:
-    void handle(const Request& request);
+    void turn(const Request& request);
     void log(const Request& request, const std::string& outcome);
 
     Router& router_;

@@ -5,6 +5,7 @@
 #include "practice_router/document/merge.h"
 #include "product/product_info.h"
 #include "tests/practice_router/kinds.h"
+#include "tests/support/failing_new.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -143,6 +144,25 @@ TEST(Document, IsLeftAsItIsByWorkThatIsStopped) {
     EXPECT_EQ(configuration.loadFirst(BUILTIN).text, STOPPED);
     EXPECT_EQ(configuration.changeState(StateChange::DISABLE, "DefaultDomainRoute").kind, ERROR);
     EXPECT_EQ(configuration.text(), BUILTIN);
+}
+
+TEST(Document, IsLeftAsItIsByACommandThatRunsOutOfMemory) {
+    Router router("r1", "/");
+    ASSERT_EQ(router.configuration().loadFirst(BUILTIN).kind, OK);
+    Request request{};
+    request.kind = UPDATE;
+    request.entity = "DefaultDomainRoute";
+    request.content = "str://\"<domain_route enabled='false'><participant_1><domain_id>7</domain_id>"
+                      "</participant_1></domain_route>\"";
+    std::optional<Answer> answer;
+    for (long count = 0; !answer || answer->kind != OK; ++count) {
+        ASSERT_LT(count, 5000);
+        ASSERT_EQ(router.configuration().text(), BUILTIN);
+        const FailingAllocation failing(count);
+        answer = router.handle(request);
+        ASSERT_TRUE(answer->kind == OK || answer->text.ends_with("out of memory")) << answer->text;
+    }
+    EXPECT_NE(router.configuration().text(), BUILTIN);
 }
 
 TEST(Document, HoldsSeveralConfigurationsOfWhichOneIsInForce) {

@@ -1,8 +1,12 @@
 // Documents: what the tree holds, and hostile ones: refused with a line, in bounded memory and time.
-#include "middleware/base/heap.h"
 #include "tests/middleware/captured_log.h"
+#include "tests/support/failing_new.h"
 #include "tests/utils/documents.h"
+#include "utils/participant_qos.h"
+#include "utils/type_description.h"
+#include "utils/xml_tree.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -66,17 +70,45 @@ TEST(Documents, ElementsOfARegisteredClassAreMadeByIt) {
     ZULXMLParser_finalize(&parser);
 }
 
-TEST(Documents, EveryFailedAllocationLeavesADocumentWithoutRoot) {
+// Each operation again with its first, second, ... allocation failing, until none is left that can.
+TEST(Documents, EveryFailedAllocationIsTheFailureThatTheOperationPromises) {
     CapturedLog log;
-    bool isRead = false;
-    for (long count = 0; !isRead; ++count) {
-        ZULHeap_failAfter(count);
-        const DocumentPtr document = readText("<dds><a name='x' y='z'>text</a></dds>");
-        ZULHeap_failAfter(-1);
-        isRead = document->root != nullptr;
-        ASSERT_TRUE(isRead || document->error.text == "out of memory") << document->error.text;
-        ASSERT_LT(count, 100);
+    ZULXMLParser parser;
+    ASSERT_TRUE(ZULXMLParser_initialize(&parser));
+    const DocumentPtr document = readText(typesDocument(structOf(member(BYTE), "ANameThatNeedsMemory")));
+    DDS_DomainParticipantQos qos;
+    DDS_DomainParticipantQos_initialize(&qos);
+    const std::pair<const char*, std::function<bool()>> operations[] = {
+        {"parse",
+         [] {
+             const DocumentPtr read = readText("<dds><a name='x' y='z'>a text that needs memory</a></dds>");
+             return read != nullptr && read->root != nullptr;
+         }},
+        {"look up",
+         [&] {
+             return ROUTERUtils_getTypeCodeFromXMLDom(document.get(), "ANameThatNeedsMemory") != nullptr;
+         }},
+        {"name",
+         [&] {
+             return ROUTERUtils_setParticipantName(&qos, "a long name of a router", "route", "1");
+         }},
+        {"create",
+         [&] {
+             return ROUTERUtils_createChildQosObject(&parser.registry, document->root, "topic_qos") !=
+                    nullptr;
+         }},
+    };
+    for (const auto& [name, operation] : operations) {
+        bool isDone = false;
+        for (long count = 0; !isDone; ++count) {
+            ASSERT_LT(count, 200) << name;
+            const FailingAllocation failing(count);
+            isDone = operation();
+        }
     }
+    EXPECT_STREQ(qos.participant_name.name, "ZUL Routing Service: a long name of a router.route1");
+    DDS_DomainParticipantQos_finalize(&qos);
+    ZULXMLParser_finalize(&parser);
 }
 
 TEST(Documents, HostileOnesAreRefusedWithTheirLine) {

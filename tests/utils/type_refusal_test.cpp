@@ -85,10 +85,10 @@ TEST(TypeRefusals, EachNamesItsLineAndReason) {
         {"\n<include file='other.xml'/>", 3, "read from a file"},
     };
     for (const auto& row : rows) {
-        const std::string text = typesDocument(row.definitions);
+        const DocumentPtr document = readText(typesDocument(row.definitions));
+        ZULXMLTypeSet types;
         ZULXMLError error;
-        EXPECT_EQ(ZULXMLTypeReader_check(text.data(), text.size(), &error), ZUL_XML_TYPES_BAD_DEFINITION)
-            << row.definitions;
+        EXPECT_FALSE(zul::xml::TypeReader(types, error).read(*document)) << row.definitions;
         EXPECT_EQ(error.line, row.line) << row.definitions << "\n" << error.text;
         EXPECT_NE(error.text.find(row.text), std::string::npos) << row.definitions << "\n" << error.text;
     }

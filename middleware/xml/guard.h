@@ -1,0 +1,108 @@
+// The guard under the readers of XML from outside. libxml2 pulls its input through it, piece by piece, and
+// limits are checked before the library works on what they limit. Nothing is fetched, no definition is read,
+// declarations inside a document are refused, and the library prints nothing. The first thing that is wrong
+// ends the reading. A reader derives from it and says what it makes of the events. One thread at a time.
+#pragma once
+
+#include "middleware/xml/document.h"
+
+#include <libxml/parser.h>
+
+#include <functional>
+#include <new>
+#include <stop_token>
+
+namespace zul::xml {
+
+// A count, and what is said of more; "%" there is the count.
+struct Limit {
+    std::size_t most;
+    const char* refusal;
+};
+
+// What a reader accepts, and its words for the rest.
+struct Rules {
+    Limit document;      // bytes
+    Limit markup;        // bytes between two events
+    bool limitsTagsOnly; // comments and the like may be longer than `markup`
+    const char* declarationRefusal;
+    bool refusesAllDeclarations; // those of elements and notations, too
+    std::size_t messageMax;      // bytes taken over from a message of the library
+};
+
+constexpr const char* STOPPED = "the program ends"; // the error of a reading that was stopped
+
+// Puts at most `size` bytes into `buffer`: how many, 0 at the end, -1 on failure.
+using Source = std::function<int(char* buffer, std::size_t size)>;
+// The text is borrowed.
+Source textSource(std::string_view text);
+
+struct ParserDeleter {
+    void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
+};
+using DocumentPtr = std::unique_ptr<xmlDoc, ParserDeleter>;
+
+class Guard {
+public:
+    // `rules` must outlive this.
+    Guard(const Rules& rules, Source source, std::stop_token stop = {});
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+
+    // Reads the source to its end. Null when something is wrong; `takeError` says what, if anyone does.
+    DocumentPtr read();
+    ZULXMLError takeError() { return std::move(error_); }
+    std::int32_t line() const; // that the parser has come to
+
+protected:
+    ~Guard() = default;
+
+    // The parser, for the reader to set its events; null when memory is exhausted. Each event is given it.
+    xmlParserCtxt* parser() const { return parser_.get(); }
+    template <class Reader>
+    static Reader& of(void* context) {
+        return static_cast<Reader&>(*static_cast<Guard*>(static_cast<xmlParserCtxt*>(context)->_private));
+    }
+
+    // To be called at every event that ends a piece of markup.
+    void noteEvent() { sinceEvent_ = 0; }
+    // Ends the reading with what is wrong at this line.
+    void refuse(std::string what);
+    // False, and the end of the reading, when the count is beyond the limit.
+    bool keeps(const Limit& limit, std::size_t count) {
+        if (count <= limit.most) {
+            return true;
+        }
+        protect([&] { refuse(inWords(limit)); });
+        return false;
+    }
+    // For what may throw in an event: the library must not be unwound.
+    template <class Work>
+    void protect(const Work& work) {
+        try {
+            work();
+        } catch (const std::bad_alloc&) {
+            refuse(OUT_OF_MEMORY);
+        }
+    }
+
+private:
+    static constexpr const char* OUT_OF_MEMORY = "out of memory"; // short enough to need none
+    static std::string inWords(const Limit& limit);
+    template <class... Arguments>
+    static void refuseDeclaration(void* context, Arguments...);
+    static void noteError(void* context, xmlError* error);
+    static int onRead(void* guard, char* buffer, int size);
+    int handOut(char* buffer, std::size_t size);
+
+    const Rules& rules_;
+    Source source_;
+    std::stop_token stop_;
+    std::unique_ptr<xmlParserCtxt, ParserDeleter> parser_;
+    ZULXMLError error_;
+    std::size_t bytes_ = 0;      // handed out so far
+    std::size_t sinceEvent_ = 0; // and since the last event
+};
+
+} // namespace zul::xml

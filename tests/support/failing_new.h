@@ -1,0 +1,32 @@
+// The n-th allocation fails, those of the standard library counted too. For one source of a program.
+#pragma once
+
+#include "middleware/base/heap.h"
+
+#include <cstdlib>
+
+inline bool g_newCanFail = false;
+
+// Not inline, where the compiler would see memory of `new` given to `free`.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    void* memory = g_newCanFail ? ZULHeap_allocateArray(1, size) : std::malloc(size);
+    return memory != nullptr ? memory : throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+// While it lives, the allocation that follows after `allocations` further ones fails, once.
+struct FailingAllocation {
+    explicit FailingAllocation(long allocations) {
+        ZULHeap_failAfter(allocations);
+        g_newCanFail = true;
+    }
+    ~FailingAllocation() {
+        ZULHeap_failAfter(-1);
+        g_newCanFail = false;
+    }
+};
