@@ -14,12 +14,6 @@
 #include <utility>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/common_interface_defs.h>
-#elif defined(__SANITIZE_THREAD__)
-#include <sanitizer/tsan_interface.h>
-#endif
-
 namespace explorer {
 
 inline std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
@@ -27,61 +21,28 @@ inline std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
     return hash ^ (hash >> 29);
 }
 
-// A stack of its own to run on. The sanitizers must be told which one is in use.
+// A stack of its own to run on.
 class Fiber {
 public:
-    Fiber() { // the one that runs already
-#if defined(__SANITIZE_THREAD__)
-        sanitizer_ = __tsan_get_current_fiber();
-#endif
-    }
-    // `body` starts with the first switch to it, from `home`, and never returns.
-    Fiber(Fiber& home, std::function<void()> body)
-        : home_(&home), body_(std::move(body)), stack_(256 * 1024) {
+    Fiber() = default; // the one that runs already
+    // `body` starts with the first switch to it, and never returns.
+    explicit Fiber(std::function<void()> body) : body_(std::move(body)), stack_(256 * 1024) {
         getcontext(&context_);
-        bottom_ = context_.uc_stack.ss_sp = stack_.data();
-        size_ = context_.uc_stack.ss_size = stack_.size();
-        makecontext(&context_, reinterpret_cast<void (*)()>(enter), 1, this); // pointers pass on 64 bits
-#if defined(__SANITIZE_THREAD__)
-        sanitizer_ = __tsan_create_fiber(0);
-#endif
-    }
-    ~Fiber() {
-#if defined(__SANITIZE_THREAD__)
-        if (home_ != nullptr) {
-            __tsan_destroy_fiber(sanitizer_);
-        }
-#endif
+        context_.uc_stack.ss_sp = stack_.data();
+        context_.uc_stack.ss_size = stack_.size();
+        void (*const enter)(Fiber*) = [](Fiber* self) {
+            self->body_();
+        };
+        makecontext(&context_, reinterpret_cast<void (*)()>(enter), 1, this); // a pointer passes on 64 bits
     }
     Fiber(const Fiber&) = delete;
     Fiber& operator=(const Fiber&) = delete;
-
-    void switchTo(Fiber& next) {
-#if defined(__SANITIZE_ADDRESS__)
-        __sanitizer_start_switch_fiber(&sanitizer_, next.bottom_, next.size_);
-#elif defined(__SANITIZE_THREAD__)
-        __tsan_switch_to_fiber(next.sanitizer_, 0);
-#endif
-        swapcontext(&context_, &next.context_);
-#if defined(__SANITIZE_ADDRESS__)
-        __sanitizer_finish_switch_fiber(sanitizer_, nullptr, nullptr);
-#endif
-    }
+    void switchTo(Fiber& next) { swapcontext(&context_, &next.context_); }
 
 private:
-    static void enter(Fiber* self) {
-#if defined(__SANITIZE_ADDRESS__)
-        __sanitizer_finish_switch_fiber(nullptr, &self->home_->bottom_, &self->home_->size_);
-#endif
-        self->body_();
-    }
-    Fiber* home_ = nullptr;
     std::function<void()> body_{};
     std::vector<char> stack_{};
     ucontext_t context_{};
-    void* sanitizer_ = nullptr; // the sanitizer's own record of the stack
-    const void* bottom_ = nullptr;
-    std::size_t size_ = 0;
 };
 
 constexpr int SHELL = 0;    // the thread that signals interrupt; it goes on when the handler has ended
@@ -315,8 +276,8 @@ private:
     int signalsLeft_ = 0, preemptionsLeft_ = 0, lastRun_ = SHELL, current_ = HOME;
     bool isEnding_ = false;
     std::array<Thread, THREADS> threads_{};
-    std::array<Fiber, THREADS + 1> fibers_{Fiber(fibers_[HOME], [this] { runFiber(SHELL); }),
-                                           Fiber(fibers_[HOME], [this] { runFiber(DELIVERY); }), Fiber()};
+    std::array<Fiber, THREADS + 1> fibers_{Fiber([this] { runFiber(SHELL); }),
+                                           Fiber([this] { runFiber(DELIVERY); }), Fiber()};
     std::vector<Choice> path_{};
     std::size_t depth_ = 0;
     std::vector<Move> moves_{};
