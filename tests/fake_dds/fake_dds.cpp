@@ -1,7 +1,6 @@
 // One participant, one writer and one reader; every delivery is a thread, and they take turns.
 #include "tests/fake_dds/fake_dds.h"
 
-#include <cstring>
 #include <utility>
 
 using namespace fake_dds;
@@ -12,30 +11,14 @@ using Handles = DDS_InstanceHandleSeq;
 
 struct DDS_DomainParticipantFactory {};
 struct DDS_Entity {};
+struct DDS_DomainParticipant : DDS_Entity {};
 struct DDS_Publisher {};
 struct DDS_Subscriber {};
 struct DDS_Topic {};
 struct DDS_DataWriter {};
-struct DDS_DataReader {
-    DDS_DataReaderListener listener;
-    std::vector<std::pair<RequestId, Answer>> available{};
-    std::vector<void*> loan{};
-    std::vector<DDS_SampleInfo> loanInfos{};
-    std::mutex turn{};
-    std::vector<std::jthread> deliveries{};
-};
-struct DDS_DomainParticipant : DDS_Entity {
-    std::unique_ptr<DDS_DataReader> reader{};
-    bool isEmpty = true;
-};
+struct DDS_DataReader {};
 
 namespace {
-
-std::unique_ptr<DDS_DomainParticipant> theParticipant; // guarded by the world's mutex
-
-DDS_DataReader* theReader() {
-    return theParticipant != nullptr ? theParticipant->reader.get() : nullptr;
-}
 
 // Notes the call; an error when it is to fail.
 Code note(const std::string& name) {
@@ -45,41 +28,16 @@ Code note(const std::string& name) {
         world().callsUntilFailure > 0 && (world().failingCall.empty() || world().failingCall == name);
     return isCounted && --world().callsUntilFailure == 0 ? DDS_RETCODE_ERROR : DDS_RETCODE_OK;
 }
-
 // The one entity of its kind, unless the call that makes it is to fail.
 template <class Entity>
 Entity* make(const char* call) {
     static Entity entity;
-    if (note(call) != DDS_RETCODE_OK) {
-        return nullptr;
-    }
-    theParticipant->isEmpty = false;
-    return &entity;
+    return note(call) == DDS_RETCODE_OK ? &entity : nullptr;
 }
 
 Code fillHandles(Handles* handles, int count) {
     const bool isFilled = ZULSequence::ensure_length(handles, count, count, __func__);
     return isFilled ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
-}
-
-Response* makeResponse(const RequestId& request, const Answer& answer) {
-    using Kind = ZUL_RoutingService_Administration_CommandResponseKind;
-    Response* response = ZUL_RoutingService_Administration_CommandResponseTypeSupport_create_data();
-    response->id = {request.host + answer.strayBy.host, request.app + answer.strayBy.app,
-                    request.invocation + answer.strayBy.invocation};
-    response->kind = static_cast<Kind>(answer.kind);
-    response->is_final = answer.isFinal ? 1 : 0;
-    DDS_String_free(response->message); // whose bound the answer's message may exceed
-    response->message = DDS_String_dup(answer.message.c_str());
-    return response;
-}
-
-// Poisoned, so that whoever still reads it is found.
-void release(void* sample) {
-    auto* response = static_cast<Response*>(sample);
-    response->id = {0x5A5A5A5A, 0x5A5A5A5A, 0x5A5A5A5A};
-    std::memset(response->message, 0x5A, std::strlen(response->message));
-    ZUL_RoutingService_Administration_CommandResponseTypeSupport_delete_data(response);
 }
 
 } // namespace
@@ -93,16 +51,13 @@ World& world() {
 
 void reset() {
     awaitIdle();
-    theParticipant.reset();
     world().~World();
     new (&world()) World;
 }
-void setRouter(const Router& router) {
-    const std::lock_guard lock(world().mutex);
-    world().router = router;
-}
 void answerWith(const std::vector<Answer>& answers) {
-    setRouter([answers](const Request&) { return answers; });
+    world().router = [answers](const Request&) {
+        return answers;
+    };
 }
 void fail(const std::string& name, int n) {
     const std::lock_guard lock(world().mutex);
@@ -117,26 +72,21 @@ void forget() {
 
 void deliver(const std::vector<Answer>& answers) {
     const std::lock_guard lock(world().mutex);
-    DDS_DataReader* reader = theReader();
-    if (reader == nullptr) {
-        return;
-    }
     const RequestId request = world().written.empty() ? RequestId{} : world().written.back()->id;
     for (const Answer& answer : answers) {
-        reader->available.emplace_back(request, answer);
+        world().available.emplace_back(request, answer);
     }
-    reader->deliveries.emplace_back([reader] {
-        const std::lock_guard turn(reader->turn);
-        reader->listener.on_data_available(reader->listener.listener_data, reader);
+    world().deliveries.emplace_back([] {
+        static DDS_DataReader reader;
+        const std::lock_guard turn(world().turn);
+        world().listener.on_data_available(world().listener.listener_data, &reader);
     });
 }
 
 void awaitIdle() {
     std::vector<std::jthread> deliveries; // joined when the mutex is free again
     const std::lock_guard lock(world().mutex);
-    if (DDS_DataReader* reader = theReader()) {
-        deliveries.swap(reader->deliveries);
-    }
+    deliveries.swap(world().deliveries);
 }
 
 } // namespace fake_dds
@@ -154,30 +104,18 @@ Participant* DDS_DomainParticipantFactory_create_participant(Factory*, DDS_Domai
                                                              const DDS_DomainParticipantQos* qos,
                                                              const DDS_DomainParticipantListener*,
                                                              DDS_StatusMask) {
-    if (note("create_participant") != DDS_RETCODE_OK) {
-        return nullptr;
-    }
     world().cleanupPeriod = qos->database.shutdown_cleanup_period;
-    theParticipant = std::make_unique<DDS_DomainParticipant>();
-    world().isConnected = true;
-    return theParticipant.get();
+    auto* participant = make<DDS_DomainParticipant>("create_participant");
+    world().isConnected = participant != nullptr;
+    return participant;
 }
-Code DDS_DomainParticipantFactory_delete_participant(Factory*, Participant* participant) {
-    if (note("delete_participant") != DDS_RETCODE_OK || !participant->isEmpty) {
-        return DDS_RETCODE_ERROR;
-    }
-    theParticipant.reset();
+Code DDS_DomainParticipantFactory_delete_participant(Factory*, Participant*) {
     world().isConnected = false;
-    return DDS_RETCODE_OK;
+    return note("delete_participant");
 }
-Code DDS_DomainParticipant_delete_contained_entities(Participant* self) {
-    const Code code = note("delete_contained_entities");
+Code DDS_DomainParticipant_delete_contained_entities(Participant*) {
     awaitIdle(); // as any reader's end waits for its listener
-    if (code == DDS_RETCODE_OK) {
-        self->reader.reset();
-        self->isEmpty = true;
-    }
-    return code;
+    return note("delete_contained_entities");
 }
 
 DDS_Entity* DDS_DomainParticipant_as_entity(Participant* self) {
@@ -229,13 +167,10 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher*, DDS_Topic*, cons
 DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber*, DDS_Topic*, const DDS_DataReaderQos* qos,
                                                  const DDS_DataReaderListener* listener,
                                                  DDS_StatusMask mask) {
-    if (note("create_datareader") != DDS_RETCODE_OK) {
-        return nullptr;
-    }
     world().readerQos = *qos;
     world().readerMask = mask;
-    theParticipant->reader = std::make_unique<DDS_DataReader>(*listener);
-    return theReader();
+    world().listener = *listener;
+    return make<DDS_DataReader>("create_datareader");
 }
 
 // --- writing
@@ -251,8 +186,8 @@ Code DDS_DataWriter_write(DDS_DataWriter*, const void* sample, const DDS_Instanc
         return DDS_RETCODE_BAD_PARAMETER; // does not fit its bounds
     }
     world().written.push_back(std::move(copy));
-    if (const Router router = world().router) {
-        if (const auto answers = router(*world().written.back()); !answers.empty()) {
+    if (world().router) {
+        if (const auto answers = world().router(*world().written.back()); !answers.empty()) {
             deliver(answers);
         }
     }
@@ -271,38 +206,39 @@ Code DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter*, Handles* handles)
 
 // --- reading: takes of all there is, with a loan
 
-Code DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView&,
-                                         DDS_SampleInfoSeq* infos, const DDS_ReadOrTakeParams&,
-                                         DDS_ReceivedSamples* received) {
+Code DDS_DataReader_read_or_take_untyped(DDS_DataReader*, const DDS_DataSeqView&, DDS_SampleInfoSeq* infos,
+                                         const DDS_ReadOrTakeParams&, DDS_ReceivedSamples* received) {
     if (note("take") != DDS_RETCODE_OK) {
         return DDS_RETCODE_ERROR;
     }
     const std::lock_guard lock(world().mutex);
-    if (self->available.empty()) {
+    if (world().available.empty()) {
         return DDS_RETCODE_NO_DATA;
     }
-    self->loanInfos.clear();
-    for (const auto& [request, answer] : std::exchange(self->available, {})) {
-        self->loan.push_back(makeResponse(request, answer));
-        DDS_SampleInfo& info = self->loanInfos.emplace_back();
-        info.instance_handle = ZUL_HANDLE_KEYLESS_INSTANCE;
-        info.valid_data = answer.isValid;
+    Loan& loan = world().loan.emplace();
+    for (const auto& [request, answer] : std::exchange(world().available, {})) {
+        std::string& message = loan.messages.emplace_back(answer.message);
+        Response& response = loan.responses.emplace_back();
+        response.id = {request.host + answer.strayBy.host, request.app + answer.strayBy.app,
+                       request.invocation + answer.strayBy.invocation};
+        response.kind = static_cast<ZUL_RoutingService_Administration_CommandResponseKind>(answer.kind);
+        response.is_final = answer.isFinal ? 1 : 0;
+        response.message = message.data();
+        loan.samples.push_back(&response);
+        loan.infos.emplace_back().valid_data = answer.isValid;
     }
-    const auto count = static_cast<DDS_Long>(self->loan.size());
-    ZULSequence::loan_contiguous(infos, self->loanInfos.data(), count, count, __func__);
-    *received = {.is_loan = true, .samples = self->loan.data(), .count = count};
-    ++world().openLoans;
+    const auto count = static_cast<DDS_Long>(loan.samples.size());
+    ZULSequence::loan_contiguous(infos, loan.infos.data(), count, count, __func__);
+    *received = {.is_loan = true, .samples = loan.samples.data(), .count = count};
     return DDS_RETCODE_OK;
 }
-Code DDS_DataReader_return_loan_untyped(DDS_DataReader* self, void**, DDS_Long, DDS_SampleInfoSeq* infos) {
-    const Code code = note("return_loan");
-    const std::lock_guard lock(world().mutex);
-    for (void* sample : std::exchange(self->loan, {})) {
-        release(sample);
+Code DDS_DataReader_return_loan_untyped(DDS_DataReader*, void**, DDS_Long, DDS_SampleInfoSeq* infos) {
+    for (std::string& message : world().loan->messages) {
+        message.assign(message.size(), 'Z'); // whoever still reads it is found
     }
     ZULSequence::unloan(infos, __func__);
-    world().openLoans -= code == DDS_RETCODE_OK ? 1 : 0;
-    return code;
+    world().loan.reset();
+    return note("return_loan");
 }
 const char* DDS_DataReader_get_plugin_type_name(const DDS_DataReader*) {
     return ZUL_RoutingService_Administration_CommandResponseTypeSupport_get_type_name();

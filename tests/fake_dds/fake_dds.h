@@ -3,14 +3,17 @@
 // reader's listener from a thread of its own. A released loan is poisoned and freed, so that whoever still
 // reads it is found.
 //
-// Everything is in the one `world()`, emptied by `reset()`. The functions may be called from any thread.
+// Everything is in the one `world()`, emptied by `reset()`. `deliver` and `awaitIdle` may be called from any
+// thread.
 #pragma once
 
 #include "admin_types/type_support.h"
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -33,33 +36,44 @@ struct Answer {
 using Router = std::function<std::vector<Answer>(const Request&)>;
 using RequestCopy = std::unique_ptr<Request, DDS_ReturnCode_t (*)(Request*)>;
 
+// What the reader has lent, one entry a sample each.
+struct Loan {
+    std::deque<std::string> messages{};
+    std::deque<Response> responses{};
+    std::vector<void*> samples{};
+    std::vector<DDS_SampleInfo> infos{};
+};
+
 struct World {
     int publications = 0, subscriptions = 0; // matched endpoints
-    // What the entities were created with.
+    Router router{};
+    // What the entities were created with, and what was written.
     DDS_Duration_t cleanupPeriod{};
     DDS_DataWriterQos writerQos{};
     DDS_DataReaderQos readerQos{};
     DDS_StatusMask readerMask = 0;
+    DDS_DataReaderListener listener{};
     std::vector<RequestCopy> written{};
+    bool isConnected = false; // there is a participant
 
     std::mutex mutex{};               // guards what follows
     std::vector<std::string> calls{}; // in order, without "DDS_" and the entity's name
     std::string failingCall{};
     int callsUntilFailure = 0; // counted down to the call that fails; 0 for none
-    bool isConnected = false;  // there is a participant
-    int openLoans = 0;
-    Router router{};
+    std::vector<std::pair<RequestId, Answer>> available{};
+    std::vector<std::jthread> deliveries{};
+    std::mutex turn{}; // the listener's, which has the loan
+    std::optional<Loan> loan{};
 };
 World& world();
 
 void reset();
-void setRouter(const Router& router);
 void answerWith(const std::vector<Answer>& answers); // every request
 // The n-th call of that name from now on fails, or of any when it is empty; none for 0.
 void fail(const std::string& name, int n);
 void forget(); // calls and requests; the entities stay
 
-// Makes the answers available in one batch, and tells the listener, if there is one.
+// Makes the answers available in one batch, and tells the listener.
 void deliver(const std::vector<Answer>& answers);
 void awaitIdle(); // until the listener has returned
 

@@ -28,7 +28,7 @@ protected:
     void TearDown() override {
         fake_dds::awaitIdle();
         EXPECT_EQ(client.currentResponse.load(), nullptr);
-        EXPECT_EQ(fake_dds::world().openLoans, 0);
+        EXPECT_FALSE(fake_dds::world().loan.has_value());
         ROUTERRemoteConfigResult_finalize(&result);
         EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
         EXPECT_FALSE(fake_dds::world().isConnected);

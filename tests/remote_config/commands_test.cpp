@@ -29,14 +29,14 @@ protected:
     // Each request is answered, but for the first pieces of an upload.
     void SetUp() override {
         ConnectedClient::SetUp();
-        fake_dds::setRouter([](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
+        fake_dds::world().router = [](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
             const bool hasXml =
                 request.command._d == 1 || request.command._d == 4 || request.command._d == 10;
             if (hasXml && request.command._u.entity_desc.xml_url.is_final == 0) {
                 return {};
             }
             return {{.message = "done"}};
-        });
+        };
     }
     void TearDown() override {
         std::filesystem::remove(path);
@@ -145,10 +145,10 @@ TEST_F(Commands, AnUploadEndsAtAFailedWriteOrAnInterruptBetweenPieces) {
             EXPECT_EQ(fake_dds::world().written.size(), piece - 1);
         }
     }
-    fake_dds::setRouter([this](const fake_dds::Request&) -> std::vector<fake_dds::Answer> {
+    fake_dds::world().router = [this](const fake_dds::Request&) -> std::vector<fake_dds::Answer> {
         ROUTERRemoteConfigClient_abortResponseWait(&client);
         return {};
-    });
+    };
     EXPECT_EQ(load(inlineText, true), ROUTER_URL_COMMAND_OK);
     EXPECT_EQ(fake_dds::world().written.size(), 1U);
     EXPECT_STREQ(result.textBuffer, "Response not received");
@@ -158,7 +158,7 @@ TEST_F(Commands, AnUploadEndsAtAFailedWriteOrAnInterruptBetweenPieces) {
 TEST_F(Commands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
     std::size_t interrupted = 0;
     std::vector<int> kinds;
-    fake_dds::setRouter([&](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
+    fake_dds::world().router = [&](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
         kinds.push_back(request.command._d);
         if (kinds.size() == interrupted) {
             ROUTERRemoteConfigClient_abortResponseWait(&client);
@@ -168,7 +168,7 @@ TEST_F(Commands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
         }
         return {kinds.back() == 7 ? fake_dds::Answer{.message = "enabled"}
                                   : fake_dds::Answer{.message = "too early", .kind = 2}};
-    });
+    };
     const std::string twoPieces = "str://" + pattern(5000);
     const std::tuple<std::string, int, std::size_t, std::vector<int>> cases[] = {
         // What it updates with, the write that fails, the one that is interrupted, and the kinds that

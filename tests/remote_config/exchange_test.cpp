@@ -101,14 +101,14 @@ TEST_F(Exchange, AnInterruptEndsTheWaitAndKeepsTheGatheredPart) {
     };
     for (const auto& [messages, expected] : cases) {
         std::jthread interrupter;
-        fake_dds::setRouter([&, messages = messages](const Request&) -> std::vector<Answer> {
+        fake_dds::world().router = [&, messages = messages](const Request&) -> std::vector<Answer> {
             fake_dds::deliver(parts(messages, false));
             interrupter = std::jthread([this] {
                 fake_dds::awaitIdle(); // all parts are gathered, and the sending thread waits for the next
                 EXPECT_TRUE(ROUTERRemoteConfigClient_abortResponseWait(&client));
             });
             return {};
-        });
+        };
         EXPECT_TRUE(send());
         EXPECT_EQ(result.kind, 0);
         EXPECT_STREQ(result.textBuffer, "Response not received");
@@ -133,13 +133,13 @@ TEST_F(Exchange, AFailedWriteKeepsWaiting) {
 
 TEST_F(Exchange, AResponseWithdrawnByTheListenerIsNotReadAnyMore) {
     client.responseTimeout = {.sec = 0, .frac = 0};
-    fake_dds::setRouter([this](const Request&) -> std::vector<Answer> {
+    fake_dds::world().router = [this](const Request&) -> std::vector<Answer> {
         fake_dds::deliver({{.message = "withdrawn"}});
         fake_dds::awaitIdle(); // its hand-over times out, as this thread does not come
         EXPECT_EQ(client.currentResponse.load(), nullptr);
         EXPECT_EQ(log.take(), errorLine(LISTENER, "timeout"));
         return {};
-    });
+    };
     EXPECT_FALSE(send());
     EXPECT_EQ(text(), "(null)");
     log.take();
@@ -157,18 +157,17 @@ TEST_F(Exchange, TheListenerReportsAFailedTakeOrReturn) {
         fake_dds::awaitIdle();
         EXPECT_EQ(log.take(), errorLine(LISTENER, text));
     }
-    fake_dds::world().openLoans = 0; // the one that could not be returned
 }
 
 TEST_F(Exchange, ATextThatCannotGrowFailsTheSend) {
-    fake_dds::setRouter([this](const Request&) -> std::vector<Answer> {
+    fake_dds::world().router = [this](const Request&) -> std::vector<Answer> {
         fake_dds::deliver(parts({run(4000, 'a'), run(200, 'b')}, true));
         while (client.currentResponse.load() == nullptr) {
             std::this_thread::yield();
         }
         ZULHeap_failAfter(0);
         return {};
-    });
+    };
     EXPECT_FALSE(send());
     ZULHeap_failAfter(-1);
     EXPECT_EQ(log.take(), errorLine(SEND, "out of memory for a string of 4200 characters"));
