@@ -4,12 +4,10 @@ import gzip
 import os
 import re
 import subprocess
-import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-import processes  # noqa: E402
+import processes
 
 BUILD = os.environ["ZUL_BUILD"]
 SOURCE = os.environ["ZUL_SOURCE"]
@@ -126,7 +124,3 @@ class Install(unittest.TestCase):
                 "$(complete -p {program} | sed 's/.*-F \\([^ ]*\\).*/\\1/')" {program} {word} {program}
                 printf '%s\\n' "${{COMPREPLY[@]}}" """
             self.assertIn(expected, [line.strip() for line in run("bash", "-c", script).split("\n")], program)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,12 +2,10 @@
 
 import os
 import pathlib
-import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import SessionTest  # noqa: E402
+from processes import SessionTest
 
 EXAMPLES = pathlib.Path(os.environ.get("ZUL_SOURCE", ".")) / "examples"
 ROUTE = ('<domain_route name="Second"><participant_1><domain_id>3</domain_id></participant_1>'
@@ -101,7 +99,3 @@ class Configuration(SessionTest):
             if "<routing_service name=" in text:
                 name = text.split('<routing_service name="')[1].split('"')[0]
                 self.assertRegex(shell.run(f"load r1 {name} {example} local"), r"\AResult: ", example.name)
-
-
-if __name__ == "__main__":
-    unittest.main()

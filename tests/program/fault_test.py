@@ -4,12 +4,10 @@ signals at every moment."""
 import os
 import re
 import signal
-import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import Router, SessionTest, Shell  # noqa: E402
+from processes import Router, SessionTest, Shell
 
 
 class Faults(SessionTest):
@@ -107,7 +105,3 @@ class Faults(SessionTest):
             self.assertEqual((answer.count("Result: "), answer.count("</dds>")), (1, 1))
         shell.connect(self.router("late"))
         self.assertRegex(shell.run("get late"), r"\AResult: <dds>")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,16 +2,14 @@
 
 import os
 import pathlib
-import resource
 import pty
+import resource
 import subprocess
-import sys
 import tempfile
 import unittest
 from functools import partial
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import BIN, CLOCK_NANOSLEEP, Program, Router, Shell  # noqa: E402
+from processes import BIN, CLOCK_NANOSLEEP, Program, SessionTest, Shell
 
 NOBODY = 65534
 IS_READABLE_BY_ALL = all(folder.stat().st_mode & 0o1 for folder in pathlib.Path(BIN).resolve().parents)
@@ -29,32 +27,23 @@ Options:
 
 def run(program, *arguments, **how):
     with Program(program, *arguments, **how) as shell:
-        status, output = shell.wait()
-        return status, output, shell.log
+        return *shell.wait(), shell.log
 
 
-class Start(unittest.TestCase):
+class Start(SessionTest):
+    domain = 21
+
     def test_help_comes_before_everything_else(self):
         for arguments in (["-help"], ["-H"], ["-cmdFile", "-help"], ["nonsense", "-h"]):
             self.assertEqual(run("zulrssh", *arguments), (255, HELP.format("Routing", "zulrssh"), ""), arguments)
         self.assertEqual(run("zulfssh", "-h"), (255, HELP.format("Federation", "zulfssh"), ""))
 
     def test_bad_options_are_named(self):
-        cases = {
-            ("-x", "1"): "'x'",
-            ("7",): "'7'",
-            ("-domainId", "7", "8"): "'8'",
-            ("-he",): "'he'",
-            ("-domainIdX", "1"): "'domainIdX'",
-            ("-domainId",): "'domainId'",
-            ("-dom",): "'dom'",
-            ("-domainId", "abc"): "'domainId'",
-            ("-t", "-"): "'timeout'",
-        }
-        for arguments, named in cases.items():
-            status, output, log = run("zulrssh", *arguments)
-            self.assertEqual((status, output), (255, ""), arguments)
-            self.assertIn(f"bad command-line parameter {named}\n", log, arguments)
+        for line, named in (("-x 1", "x"), ("7", "7"), ("-domainId 7 8", "8"), ("-he", "he"), ("-domainIdX 1", "domainIdX"),
+                            ("-domainId", "domainId"), ("-domainId abc", "domainId"), ("-t -", "timeout")):
+            status, output, log = run("zulrssh", *line.split())
+            self.assertEqual((status, output), (255, ""), line)
+            self.assertIn(f"bad command-line parameter '{named}'\n", log, line)
             self.assertIn("ERROR [main] failure: get command-line parameters\n", log)
 
     def test_a_terminal_shows_control_characters_in_log_lines(self):
@@ -78,25 +67,23 @@ class Start(unittest.TestCase):
 
     def test_defaults_abbreviations_and_repetition(self):
         # The last value of a repeated option counts; what follows a number's digits does not.
-        for arguments, line in (
-            (["-d", "21", "-t", "7"], "Domain id 21, timeout 7\n"),
-            (["-", "21", "-DOM", "22x", "-timeout", "5", "-timeout", "-9"], "Domain id 22, timeout -9\n"),
-        ):
-            with Program("zulrssh", *arguments) as shell:
-                before, _ = shell.expect(r"ZUL Routing Service> ")
-                self.assertEqual(before, line)
-                shell.send("exit\n")
-                self.assertEqual(shell.wait(), (0, "Stopping...\n"))
+        for line, banner in (("-d 21 -t 7", "Domain id 21, timeout 7\n"),
+                             ("- 21 -DOM 22x -timeout 5 -timeout -9", "Domain id 22, timeout -9\n"),
+                             ("-d 21", "Domain id 21, timeout 15\n")):
+            shell = self.enterContext(Program("zulrssh", *line.split()))
+            self.assertEqual(shell.expect(Shell.PROMPT)[0], banner)
+            shell.send("exit\n")
+            self.assertEqual(shell.wait(), (0, "Stopping...\n"))
 
     def test_a_closed_standard_descriptor_does_not_become_a_socket(self):
         for number in range(3):
-            with Shell(21, preexec=lambda: os.close(number)) as shell:
-                if number > 0:
-                    shell.send("sleep 1000\n")
-                shell.wait_until_in(CLOCK_NANOSLEEP)  # also between the reads of an input that has ended
-                self.assertEqual(os.readlink(f"/proc/{shell.process.pid}/fd/{number}"), os.devnull)
-        with Router(21, preexec=lambda: os.close(0)) as router:
-            self.assertEqual(os.readlink(f"/proc/{router.process.pid}/fd/0"), os.devnull)
+            shell = self.enterContext(Shell(self.domain, preexec=lambda: os.close(number)))
+            if number > 0:
+                shell.send("sleep 1000\n")
+            shell.wait_until_in(CLOCK_NANOSLEEP)  # also between the reads of an input that has ended
+            self.assertEqual(os.readlink(f"/proc/{shell.process.pid}/fd/{number}"), os.devnull)
+        router = self.router(preexec=lambda: os.close(0))
+        self.assertEqual(os.readlink(f"/proc/{router.process.pid}/fd/0"), os.devnull)
 
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors and threads of its own")
     def test_too_few_descriptors_or_threads_end_in_a_message(self):
@@ -115,11 +102,6 @@ class Start(unittest.TestCase):
             self.assertIn("[ROUTERRemoteConfigClient_createConnection] failed to create participant\n", log)
 
     def test_federation_shell(self):
-        with Shell(21, program="zulfssh") as shell:
-            shell.prompt()
-            self.assertIn("load     - Load ZUL Federation Service XML configuration\n", shell.run("help"))
-            self.assertEqual(shell.exit(), (0, "Stopping...\n"))
-
-
-if __name__ == "__main__":
-    unittest.main()
+        shell = self.shell(program="zulfssh")
+        self.assertIn("load     - Load ZUL Federation Service XML configuration\n", shell.run("help"))
+        self.assertEqual(shell.exit(), (0, "Stopping...\n"))

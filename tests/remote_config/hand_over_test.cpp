@@ -9,12 +9,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <optional>
+#include <type_traits>
 
 namespace {
 
 using explorer::DELIVERY;
-using explorer::mix;
 using explorer::SHELL;
 using zul::remote_config::HandOver;
 using zul::remote_config::Response;
@@ -27,7 +26,6 @@ enum class Mistake {
     TAKEN_GIVEN_TWICE,
     READY_NOT_GIVEN_BY_LISTENER,
     READY_NOT_GIVEN_BY_HANDLER,
-    READY_GIVEN_BEFORE_PUBLISHING,
     CLAIM_BY_LOAD_AND_STORE,
     WITHDRAW_BY_STORE,
     WITHDRAW_BY_LOAD_AND_STORE,
@@ -35,7 +33,6 @@ enum class Mistake {
     NO_SECOND_LOOK_AT_THE_FLAG,
     NO_SECOND_LOOK_AT_THE_ID,
     FLAG_DOWN_WHILE_GATHERING,
-    FLAG_CLEARED_AFTER_TAKEN,
     FLAG_TESTED_THEN_CLEARED,
     FLAG_NOT_CLEARED_BY_HANDLER,
     LAST_RESPONSE_NOT_DISCARDED,
@@ -77,431 +74,327 @@ struct Scenario {
 };
 
 // One preemption finds every seeded mistake; two are searched within seconds. ZUL_EXPLORE=all lifts the
-// bound: the search is then complete, in about a minute. The sanitizers slow it up to tenfold and have little
-// to see here, where all runs on one thread.
+// bound: the search is then complete, in about a minute.
 int preemptions() {
     const char* wanted = std::getenv("ZUL_EXPLORE");
-    if (wanted != nullptr && std::string_view(wanted) == "all") {
-        return explorer::UNBOUNDED;
-    }
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-    return 1;
-#else
-    return 2;
-#endif
+    return wanted != nullptr && std::string_view(wanted) == "all" ? explorer::UNBOUNDED : 2;
 }
 
 constexpr int SIGNALS = 2;
 
-struct World {
-    World(const Scenario& scenarioToRun, Mistake mistakeToMake)
-        : scenario(scenarioToRun), mistake(mistakeToMake) {
-        explorer.emplace(explorer::Program{
-            .reset =
-                [this] {
-                    state = {};
-                    record = Record(*this);
-                },
-            .threads = {[this] { sendAll(); },
-                        [this] {
-                            deliverAll();
-                        }},
-            .handler = [this] { interrupt(); },
-            .signals = SIGNALS,
-            .preemptions = preemptions(),
-            .shared = [this] { return hash(); },
-            .stuck = [this] { return whatIsStuck(); },
-            .end = [this] { return whatIsLeft(); },
-        });
-    }
+// All that a run changes, without gaps: its bytes are what the explorer knows a state by.
+struct State {
+    // The record: its words, its request's id, its semaphores.
+    int flag = 0;
+    int published = 0; // a response, counted from 1, as below
+    ZUL_RoutingService_Administration_CommandId id{1, 1, 0};
+    int ready = 0, taken = 0;
+    // The delivery thread.
+    int sent = 0; // responses on their way or further
+    int hasWork = 0, isQuiet = 1, isClosing = 0, hasEnded = 0;
+    int loanBegin = 0, loanEnd = 0;
+    int waitsForTaken = 0, timedOut = 0, isOfferClaimed = 0;
+    // The sending thread.
+    int isWaiting = 0; // between the start of a request and the end of its wait
+    int waitsForReady = 0, mustBeInterrupted = 0, mayBeInterrupted = 0;
+    int claimed = 0, claimedTooLate = 0; // after an interrupt that should have ended the wait
+    int lastGathered = 0, partsGathered = 0, deadlines = 0;
+};
+static_assert(std::has_unique_object_representations_v<State>);
 
-    // The words and semaphores of the record. Each operation is one step.
+class World : explorer::Explorer {
+public:
+    World(const Scenario& scenario, Mistake mistake)
+        : Explorer(SIGNALS, preemptions()), scenario_(scenario), mistake_(mistake) {}
+    using Explorer::explore;
+
+private:
+    // --- the record and the operations on it, each of which is one step
     struct Flag {
-        World* world;
-        bool value = false;
-        bool load() { return world->loadFlag(); }
-        void store(bool next) { world->storeFlag(next); }
-        bool exchange(bool next) { return world->exchangeFlag(next); }
+        World& world;
+        bool load() {
+            world.step();
+            bool value = world.state_.flag != 0;
+            if (world.thread() == DELIVERY) {
+                value |= world.seeded(Mistake::NO_SECOND_LOOK_AT_THE_FLAG) && world.state_.published != 0;
+            } else if (world.seeded(Mistake::INTERRUPT_FORGOTTEN_BETWEEN_PIECES) &&
+                       world.state_.deadlines == 0) {
+                world.state_.flag = value = true;
+            }
+            world.observe(value);
+            return value;
+        }
+        void store(bool value) {
+            world.step();
+            world.setFlag(value);
+        }
+        bool exchange(bool value) {
+            world.step();
+            const bool before = world.state_.flag != 0;
+            if (world.seeded(Mistake::FLAG_TESTED_THEN_CLEARED) && world.isShell()) {
+                world.step();
+            }
+            if (!world.seeded(Mistake::FLAG_NOT_CLEARED_BY_HANDLER) || world.isShell()) {
+                world.setFlag(value);
+            }
+            world.observe(before);
+            return before;
+        }
     };
     struct Slot {
-        World* world;
-        const Response* value = nullptr;
-        void store(const Response* next) { world->publish(next); }
-        const Response* exchange(std::nullptr_t) { return world->claim(); }
-        bool compare_exchange_strong(const Response*& expected, std::nullptr_t) {
-            return world->withdraw(expected);
+        World& world;
+        void store(const Response* response) {
+            world.step();
+            world.state_.published = world.indexOf(response);
+        }
+        const Response* exchange(std::nullptr_t) { // claims
+            world.step();
+            State& state = world.state_;
+            const int found = state.published;
+            if (world.seeded(Mistake::LAST_RESPONSE_NOT_DISCARDED) && state.isWaiting == 0) {
+                return nullptr;
+            }
+            world.observe(static_cast<std::uint64_t>(found));
+            if (found != 0) {
+                state.claimed = found;
+                state.isOfferClaimed = 1;
+                state.claimedTooLate = state.mustBeInterrupted;
+                if (world.seeded(Mistake::CLAIM_BY_LOAD_AND_STORE)) {
+                    world.step();
+                }
+            }
+            state.published = 0;
+            return found == 0 ? nullptr : &world.response(found);
+        }
+        bool compare_exchange_strong(const Response*& expected, std::nullptr_t) { // withdraws
+            world.step();
+            bool isThere = world.state_.published == world.indexOf(expected);
+            world.observe(isThere);
+            if (world.seeded(Mistake::WITHDRAW_BY_LOAD_AND_STORE)) {
+                world.step();
+            }
+            isThere |= world.seeded(Mistake::WITHDRAW_BY_STORE);
+            world.state_.published = isThere ? 0 : world.state_.published;
+            return isThere;
         }
     };
     struct Request {
-        ZUL_RoutingService_Administration_CommandId id{1, 1, 0};
-    };
-    struct Semaphore {
-        int count = 0;
+        ZUL_RoutingService_Administration_CommandId& id;
     };
     struct Record {
         explicit Record(World& world)
-            : waitingForResponse{&world},
-              currentResponse{&world},
-              responseReadySemaphore(&world.state.ready),
-              responseTakenSemaphore(&world.state.taken),
-              commandSample(&world.state.request) {}
+            : waitingForResponse{world},
+              currentResponse{world},
+              responseReadySemaphore(&world.state_.ready),
+              responseTakenSemaphore(&world.state_.taken),
+              request{world.state_.id} {}
         Flag waitingForResponse;
         Slot currentResponse;
-        Semaphore* responseReadySemaphore;
-        Semaphore* responseTakenSemaphore;
-        Request* commandSample;
+        int* responseReadySemaphore;
+        int* responseTakenSemaphore;
+        Request request;
+        Request* commandSample = &request;
         ZULTime responseTimeout{1, 0};
     };
     struct Platform {
         using Record = World::Record;
-        World* world;
-        ZULDeadline deadlineAfter(const ZULTime& span) const { return world->deadlineAfter(span); }
-        ZULSemaphoreStatus take(Semaphore* semaphore, const ZULDeadline& deadline) const {
-            return world->take(*semaphore, deadline);
+        World& world;
+        ZULDeadline deadlineAfter(const ZULTime& span) {
+            world.state_.deadlines += world.thread() == SHELL ? 1 : 0;
+            return {.nanoseconds = world.state_.deadlines, .never = span.sec == ZUL_TIME_FOREVER_SEC};
         }
-        ZULSemaphoreStatus give(Semaphore* semaphore) const { return world->give(*semaphore); }
-        void pause() const {}
-        DDS_Long load(DDS_Long& word) const { return world->loadNumber(word); }
-        void store(DDS_Long& word, DDS_Long next) const { world->storeNumber(word, next); }
-    };
-    HandOver<Platform> room() { return HandOver<Platform>(record, Platform{this}); }
-
-    // All that a run changes, but for the two words.
-    struct State {
-        Request request{};
-        Semaphore ready{}, taken{};
-        int sent = 0;                               // responses on their way or further
-        int hasWork = 0, isQuiet = 1, hasEnded = 0; // of the delivery thread
-        bool isClosing = false;
-        int loanBegin = 0, loanEnd = 0;
-        bool waitsForReady = false, waitsForTaken = false, listenerTimedOut = false;
-        // What the sending thread is at.
-        bool isWaiting = false; // between the start of a request and the end of its wait
-        bool mustBeInterrupted = false, mayBeInterrupted = false;
-        int claimed = 0;             // the response that is claimed, counted from 1
-        bool claimedTooLate = false; // after an interrupt that should have ended the wait
-        bool isOfferClaimed = false; // the response that the delivery thread offers
-        int last = 0;                // gathered, counted from 1
-        int deadlines = 0, parts = 0;
-        int heldBack = 0; // a seeded mistake's
-    };
-
-    explorer::Explorer& at() { return *explorer; }
-    bool seeded(Mistake which) const { return mistake == which; }
-    bool isShell() { return at().thread() == SHELL && !at().isInHandler(); }
-    int indexOf(const Response* response) const {
-        return response == nullptr ? 0 : static_cast<int>(response - scenario.responses.data()) + 1;
-    }
-    bool isRight(const Response& response) const {
-        return response.id.host == 1 && response.id.invocation == state.request.id.invocation;
-    }
-    void require(bool condition, const char* violation) {
-        if (!condition) {
-            at().fail(violation);
-        }
-    }
-
-    // --- the operations
-    bool loadFlag() {
-        at().step();
-        bool value = record.waitingForResponse.value;
-        if (at().thread() == DELIVERY) {
-            const bool hasPublished = record.currentResponse.value != nullptr || state.heldBack != 0;
-            value |= seeded(Mistake::NO_SECOND_LOOK_AT_THE_FLAG) && hasPublished;
-        } else if (seeded(Mistake::INTERRUPT_FORGOTTEN_BETWEEN_PIECES) && state.deadlines == 0) {
-            value = record.waitingForResponse.value = true;
-        }
-        at().observe(value);
-        return value;
-    }
-    void setFlag(bool value) {
-        record.waitingForResponse.value = value;
-        if (isShell()) {
-            state.isWaiting = value;
-            state.mustBeInterrupted &= !value;
-            state.mayBeInterrupted &= !value;
-        }
-    }
-    void storeFlag(bool value) {
-        at().step();
-        if (seeded(Mistake::FLAG_CLEARED_AFTER_TAKEN) && state.claimed != 0) {
-            state.heldBack = 1;
-        } else {
-            setFlag(value);
-        }
-    }
-    bool exchangeFlag(bool value) {
-        at().step();
-        const bool before = record.waitingForResponse.value;
-        if (seeded(Mistake::FLAG_TESTED_THEN_CLEARED) && isShell()) {
-            at().step();
-        }
-        if (!seeded(Mistake::FLAG_NOT_CLEARED_BY_HANDLER) || isShell()) {
-            const bool must = state.mustBeInterrupted, may = state.mayBeInterrupted;
-            setFlag(value);
-            state.mustBeInterrupted = must;
-            state.mayBeInterrupted = may;
-        }
-        at().observe(before);
-        return before;
-    }
-    void publish(const Response* response) {
-        at().step();
-        if (seeded(Mistake::READY_GIVEN_BEFORE_PUBLISHING)) {
-            state.heldBack = indexOf(response);
-        } else {
-            record.currentResponse.value = response;
-        }
-    }
-    const Response* claim() {
-        at().step();
-        const Response* response = record.currentResponse.value;
-        if (seeded(Mistake::LAST_RESPONSE_NOT_DISCARDED) && !state.isWaiting) {
-            return nullptr;
-        }
-        at().observe(static_cast<std::uint64_t>(indexOf(response)));
-        if (response != nullptr) {
-            state.claimed = indexOf(response);
-            state.isOfferClaimed = true;
-            state.claimedTooLate = state.mustBeInterrupted;
-            if (seeded(Mistake::CLAIM_BY_LOAD_AND_STORE)) {
-                at().step();
+        ZULSemaphoreStatus take(int* semaphore, const ZULDeadline& deadline) {
+            State& state = world.state_;
+            const bool isDelivery = world.thread() == DELIVERY;
+            if (world.seeded(Mistake::LOAN_RETURNED_THOUGH_CLAIMED) && deadline.never) {
+                return ZUL_SEMAPHORE_OK;
             }
+            world.require(isDelivery || deadline.nanoseconds == state.deadlines, "an old time-out");
+            int& waits = isDelivery ? state.waitsForTaken : state.waitsForReady;
+            waits = 1;
+            const bool isTaken = world.step(semaphore, !deadline.never);
+            waits = 0;
+            *semaphore -= isTaken ? 1 : 0;
+            state.timedOut |= !isTaken && isDelivery ? 1 : 0;
+            return isTaken ? ZUL_SEMAPHORE_OK : ZUL_SEMAPHORE_TIMEOUT;
         }
-        record.currentResponse.value = nullptr;
-        return response;
-    }
-    bool withdraw(const Response* expected) {
-        at().step();
-        bool isThere = record.currentResponse.value == expected;
-        at().observe(isThere);
-        if (seeded(Mistake::WITHDRAW_BY_LOAD_AND_STORE)) {
-            at().step();
-        }
-        if (isThere || seeded(Mistake::WITHDRAW_BY_STORE)) {
-            record.currentResponse.value = nullptr;
-            isThere = true;
-        }
-        return isThere;
-    }
-    ZULDeadline deadlineAfter(const ZULTime& span) {
-        state.deadlines += at().thread() == SHELL ? 1 : 0;
-        return {.nanoseconds = state.deadlines, .never = span.sec == ZUL_TIME_FOREVER_SEC};
-    }
-    ZULSemaphoreStatus take(Semaphore& semaphore, const ZULDeadline& deadline) {
-        if (seeded(Mistake::LOAN_RETURNED_THOUGH_CLAIMED) && deadline.never) {
+        ZULSemaphoreStatus give(int* semaphore) {
+            world.step();
+            const bool isTaken = semaphore == &world.state_.taken;
+            const Mistake loss = isTaken                      ? Mistake::TAKEN_NOT_GIVEN
+                                 : world.thread() == DELIVERY ? Mistake::READY_NOT_GIVEN_BY_LISTENER
+                                                              : Mistake::READY_NOT_GIVEN_BY_HANDLER;
+            const bool isTwice = isTaken && world.seeded(Mistake::TAKEN_GIVEN_TWICE);
+            *semaphore += world.seeded(loss) ? 0 : isTwice ? 2 : 1;
+            world.state_.claimed = isTaken ? 0 : world.state_.claimed;
             return ZUL_SEMAPHORE_OK;
         }
-        require(at().thread() == DELIVERY || deadline.nanoseconds == state.deadlines, "an old time-out");
-        bool& waits = at().thread() == SHELL ? state.waitsForReady : state.waitsForTaken;
-        waits = true;
-        const bool isTaken = at().step(&semaphore.count, !deadline.never);
-        waits = false;
-        semaphore.count -= isTaken ? 1 : 0;
-        state.listenerTimedOut |= !isTaken && at().thread() == DELIVERY;
-        return isTaken ? ZUL_SEMAPHORE_OK : ZUL_SEMAPHORE_TIMEOUT;
-    }
-    ZULSemaphoreStatus give(Semaphore& semaphore) {
-        at().step();
-        const bool isTaken = &semaphore == &state.taken;
-        const bool isLost = isTaken                     ? seeded(Mistake::TAKEN_NOT_GIVEN)
-                            : at().thread() == DELIVERY ? seeded(Mistake::READY_NOT_GIVEN_BY_LISTENER)
-                                                        : seeded(Mistake::READY_NOT_GIVEN_BY_HANDLER);
-        semaphore.count += isLost ? 0 : isTaken && seeded(Mistake::TAKEN_GIVEN_TWICE) ? 2 : 1;
-        if (isTaken) {
-            state.claimed = 0;
-        }
-        if (state.heldBack != 0 && (isTaken || at().thread() == DELIVERY)) {
-            at().step();
-            if (isTaken) {
-                setFlag(false);
-            } else {
-                record.currentResponse.value =
-                    &scenario.responses[static_cast<std::size_t>(state.heldBack) - 1];
+        void pause() {}
+        DDS_Long load(DDS_Long& word) const {
+            if (world.isShell()) { // nobody else writes it
+                const bool isBlind =
+                    world.seeded(Mistake::NO_SECOND_LOOK_AT_THE_ID) && world.state_.claimed != 0;
+                return isBlind ? world.response(world.state_.claimed).id.invocation : word;
             }
-            state.heldBack = 0;
+            world.step();
+            world.observe(static_cast<std::uint64_t>(word));
+            return word;
         }
-        return ZUL_SEMAPHORE_OK;
-    }
-    DDS_Long loadNumber(const DDS_Long& word) {
-        if (isShell()) { // nobody else writes it
-            const bool isBlind = seeded(Mistake::NO_SECOND_LOOK_AT_THE_ID) && state.claimed != 0;
-            return isBlind ? scenario.responses[static_cast<std::size_t>(state.claimed) - 1].id.invocation
-                           : word;
+        void store(DDS_Long& word, DDS_Long next) {
+            world.step();
+            word = next;
         }
-        at().step();
-        at().observe(static_cast<std::uint64_t>(word));
-        return word;
+    };
+
+    bool seeded(Mistake which) const { return mistake_ == which; }
+    bool isShell() const { return thread() == SHELL && !isInHandler(); }
+    const Response& response(int index) const {
+        return scenario_.responses[static_cast<std::size_t>(index) - 1];
     }
-    void storeNumber(DDS_Long& word, DDS_Long next) {
-        at().step();
-        word = next;
+    int indexOf(const Response* response) const {
+        return response == nullptr ? 0 : static_cast<int>(response - scenario_.responses.data()) + 1;
+    }
+    bool isRight(const Response& response) const {
+        return response.id.host == state_.id.host && response.id.invocation == state_.id.invocation;
+    }
+    void setFlag(bool value) {
+        state_.flag = value ? 1 : 0;
+        if (isShell()) {
+            state_.isWaiting = state_.flag;
+            state_.mustBeInterrupted &= value ? 0 : 1;
+            state_.mayBeInterrupted &= value ? 0 : 1;
+        }
     }
 
-    // --- the signal handler
-    void interrupt() {
-        if (state.isWaiting) {
+    // --- the program
+    void reset() override { state_ = {}; }
+    void runThread(int thread) override { thread == SHELL ? sendAll() : deliverAll(); }
+    void handleSignal() override {
+        if (state_.isWaiting != 0) {
             // A final answer that is already claimed may still be reported.
-            const Response* claimed = state.claimed != 0
-                                          ? &scenario.responses[static_cast<std::size_t>(state.claimed) - 1]
-                                          : nullptr;
-            state.mayBeInterrupted = true;
-            state.mustBeInterrupted |= claimed == nullptr || !isRight(*claimed) || claimed->is_final == 0;
+            const bool isAnswered = state_.claimed != 0 && isRight(response(state_.claimed)) &&
+                                    response(state_.claimed).is_final != 0;
+            state_.mayBeInterrupted = 1;
+            state_.mustBeInterrupted |= isAnswered ? 0 : 1;
         }
-        room().abort();
+        room_.abort();
     }
 
-    // --- the sending thread
     void sendAll() {
         bool isDropped = false;
-        for (std::size_t i = 0; i < scenario.commands.size(); ++i) {
-            const Command& command = scenario.commands[i];
-            const char before = i == 0 ? 'N' : scenario.commands[i - 1].kind;
-            state.deadlines = state.parts = state.last = 0;
-            at().forget(i * 2 + (isDropped ? 1 : 0));
+        for (std::size_t i = 0; i < scenario_.commands.size(); ++i) {
+            const Command& command = scenario_.commands[i];
+            const char before = i == 0 ? 'N' : scenario_.commands[i - 1].kind;
+            state_.deadlines = state_.partsGathered = state_.lastGathered = 0;
+            forget(i * 2 + (isDropped ? 1 : 0));
             const bool goesOn = before == 'U' || before == 'D';
             if (goesOn && !isDropped) {
-                const bool must = state.mustBeInterrupted;
-                isDropped = room().isInterrupted();
-                require(isDropped || !must, "interrupt lost");
-                require(!isDropped || state.mayBeInterrupted, "interrupt out of nothing");
+                const bool mustBe = state_.mustBeInterrupted != 0;
+                isDropped = room_.isInterrupted();
+                require(isDropped || !mustBe, "interrupt lost");
+                require(!isDropped || state_.mayBeInterrupted != 0, "interrupt out of nothing");
             }
             if (goesOn && isDropped) {
                 continue;
             }
             isDropped = false;
             if (before != 'U') {
-                room().nextRequest();
+                room_.nextRequest();
             }
             if (!goesOn) {
-                room().begin();
+                room_.begin();
             }
-            at().step();
-            if (state.sent < command.responsesEnd) {
-                state.sent = command.responsesEnd;
-                state.hasWork = 1;
-                state.isQuiet = 0;
+            step();
+            if (state_.sent < command.responsesEnd) {
+                state_.sent = command.responsesEnd;
+                state_.hasWork = 1;
+                state_.isQuiet = 0;
             }
             if (command.kind == 'W') {
-                judge(room().await([this](const Response& response) { return gather(response); }));
+                judge(room_.await([this](const Response& response) { return gather(response); }));
             }
             if (command.isFollowedByQuiet) {
-                at().step(&state.isQuiet);
+                step(&state_.isQuiet);
             }
         }
-        room().close();
-        state.isClosing = true;
-        state.hasWork = 1;
-        at().step(&state.hasEnded);
+        room_.close();
+        state_.isClosing = state_.hasWork = 1;
+        step(&state_.hasEnded);
     }
     bool gather(const Response& response) {
-        require(state.claimed == indexOf(&response), "read without a claim");
+        require(state_.claimed == indexOf(&response), "read without a claim");
         require(isRight(response), "credited to another request");
-        require(state.last < state.claimed, "gathered twice, or out of order");
-        require(!state.claimedTooLate, "interrupt lost: another response was gathered");
-        state.last = state.claimed;
-        state.parts += response.is_final == 0 ? 1 : 0;
+        require(state_.lastGathered < state_.claimed, "gathered twice, or out of order");
+        require(state_.claimedTooLate == 0, "interrupt lost: another response was gathered");
+        state_.lastGathered = state_.claimed;
+        state_.partsGathered += response.is_final == 0 ? 1 : 0;
         if (seeded(Mistake::FLAG_DOWN_WHILE_GATHERING)) {
-            at().step();
-            record.waitingForResponse.value = false;
-            at().step();
-            record.waitingForResponse.value = response.is_final == 0;
+            step();
+            state_.flag = 0;
+            step();
+            state_.flag = response.is_final == 0 ? 1 : 0;
         }
-        at().step(); // reading takes its time
+        step(); // reading takes its time
         return true;
     }
     void judge(WaitEnd end) {
-        const bool isLastFinal =
-            state.last != 0 && scenario.responses[static_cast<std::size_t>(state.last) - 1].is_final != 0;
-        require(isLastFinal == (end == WaitEnd::ANSWERED),
-                "answered without a final response, or the reverse");
-        require(end != WaitEnd::INTERRUPTED || state.mayBeInterrupted, "interrupt out of nothing");
-        require(end != WaitEnd::TIMED_OUT || !state.mustBeInterrupted, "interrupt lost: timed out");
+        const bool isFinal = state_.lastGathered != 0 && response(state_.lastGathered).is_final != 0;
+        require(isFinal == (end == WaitEnd::ANSWERED), "answered without a final response, or the reverse");
+        require(end != WaitEnd::INTERRUPTED || state_.mayBeInterrupted != 0, "interrupt out of nothing");
+        require(end != WaitEnd::TIMED_OUT || state_.mustBeInterrupted == 0, "interrupt lost: timed out");
         require(end <= WaitEnd::TIMED_OUT, "a semaphore failed");
-        require(state.deadlines == state.parts + 1,
+        require(state_.deadlines == state_.partsGathered + 1,
                 "the time-out did not start afresh for each response, or did for a stray token");
-        require(!record.waitingForResponse.value, "still waiting");
-        require(state.claimed == 0, "a claimed response was kept");
+        require(state_.flag == 0, "still waiting");
+        require(state_.claimed == 0, "a claimed response was kept");
     }
 
-    // --- the delivery thread
     void deliverAll() {
         for (;;) {
-            at().forget(static_cast<std::uint64_t>(state.loanEnd));
-            state.isQuiet = state.hasWork == 0 ? 1 : 0;
-            at().step(&state.hasWork);
-            state.loanBegin = state.loanEnd;
-            state.loanEnd = state.sent;
-            state.hasWork = state.isClosing ? 1 : 0;
-            if (state.loanBegin == state.loanEnd) {
+            forget(static_cast<std::uint64_t>(state_.loanEnd));
+            state_.isQuiet = state_.hasWork == 0 ? 1 : 0;
+            step(&state_.hasWork);
+            state_.loanBegin = state_.loanEnd;
+            state_.loanEnd = state_.sent;
+            state_.hasWork = state_.isClosing;
+            if (state_.loanBegin == state_.loanEnd) {
                 break; // there was nothing but the end
             }
-            for (int i = state.loanBegin; i < state.loanEnd; ++i) {
-                const Response& response = scenario.responses[static_cast<std::size_t>(i)];
-                at().forget(static_cast<std::uint64_t>(100 + i * 10 + state.loanEnd));
-                state.listenerTimedOut = state.isOfferClaimed = false;
-                room().publish(response);
-                require(state.isOfferClaimed || !state.isWaiting || state.mayBeInterrupted ||
-                            !isRight(response) || state.listenerTimedOut,
+            for (int i = state_.loanBegin + 1; i <= state_.loanEnd; ++i) {
+                forget(static_cast<std::uint64_t>(100 + i * 10 + state_.loanEnd));
+                state_.timedOut = state_.isOfferClaimed = 0;
+                room_.publish(response(i));
+                require(state_.isOfferClaimed != 0 || state_.isWaiting == 0 || state_.mayBeInterrupted != 0 ||
+                            !isRight(response(i)) || state_.timedOut != 0,
                         "response lost");
             }
-            at().step();
-            require(state.claimed <= state.loanBegin || state.claimed > state.loanEnd,
+            step();
+            require(state_.claimed <= state_.loanBegin || state_.claimed > state_.loanEnd,
                     "loan returned while read");
-            state.loanBegin = state.loanEnd;
+            state_.loanBegin = state_.loanEnd;
         }
-        state.hasEnded = 1;
+        state_.hasEnded = 1;
     }
 
-    // --- verdicts
-    std::string whatIsStuck() const {
-        if (state.waitsForTaken) {
+    std::string whatIsStuck() const override {
+        if (state_.waitsForTaken != 0) {
             return "the listener waits for a taken that nobody will give";
         }
-        return state.waitsForReady && state.mustBeInterrupted ? "interrupt lost: the wait goes on" : "";
+        const bool isLost = state_.waitsForReady != 0 && state_.mustBeInterrupted != 0;
+        return isLost ? "interrupt lost: the wait goes on" : "";
     }
-    std::string whatIsLeft() const {
-        if (state.taken.count != 0 || record.currentResponse.value != nullptr) {
-            return "a token or a response is left";
-        }
-        return "";
+    std::string whatIsLeft() const override {
+        return state_.taken != 0 || state_.published != 0 ? "a token or a response is left" : "";
     }
-    std::uint64_t hash() const {
-        std::uint64_t hash = 0;
-        for (const int value : {int{record.waitingForResponse.value},
-                                indexOf(record.currentResponse.value),
-                                int{state.request.id.invocation},
-                                state.ready.count,
-                                state.taken.count,
-                                state.sent,
-                                state.hasWork,
-                                state.hasEnded,
-                                int{state.isClosing},
-                                state.loanBegin,
-                                state.loanEnd,
-                                int{state.waitsForReady},
-                                int{state.waitsForTaken},
-                                int{state.listenerTimedOut},
-                                int{state.isWaiting},
-                                int{state.mustBeInterrupted},
-                                int{state.mayBeInterrupted},
-                                state.claimed,
-                                int{state.claimedTooLate},
-                                int{state.isOfferClaimed},
-                                state.last,
-                                state.deadlines,
-                                state.parts,
-                                state.heldBack}) {
-            hash = mix(hash, static_cast<std::uint64_t>(value));
-        }
-        return hash;
+    std::uint64_t shared() const override {
+        return std::hash<std::string_view>{}({reinterpret_cast<const char*>(&state_), sizeof(state_)});
     }
 
-    const Scenario& scenario;
-    const Mistake mistake;
-    State state{};
-    Record record{*this};
-    std::optional<explorer::Explorer> explorer;
+    const Scenario& scenario_;
+    const Mistake mistake_;
+    State state_{};
+    Record record_{*this};
+    HandOver<Platform> room_{record_, Platform{*this}};
 };
 
 // clang-format off
@@ -512,17 +405,12 @@ const char* const SCENARIOS[] = {
 };
 // clang-format on
 
-class HandOverTest : public testing::Test {
-protected:
-    HandOverTest() { ROUTERLog_setBitmaps(0, 0); }
-    ~HandOverTest() override { ROUTERLog_setBitmaps(0xFFFF, ZUL_LOG_LEVEL_ERROR); }
-};
-
-TEST_F(HandOverTest, HoldsInEveryInterleaving) {
+TEST(HandOver, HoldsInEveryInterleaving) {
+    ROUTERLog_setBitmaps(0, 0);
     long runs = 0, states = 0;
     for (const char* text : SCENARIOS) {
         const Scenario scenario(text);
-        const explorer::Report report = World(scenario, Mistake::NONE).explorer->explore();
+        const explorer::Report report = World(scenario, Mistake::NONE).explore();
         EXPECT_EQ(report.violation, "") << text;
         runs += report.runs;
         states += report.states;
@@ -533,12 +421,12 @@ TEST_F(HandOverTest, HoldsInEveryInterleaving) {
     EXPECT_GT(states, 10000);
 }
 
-TEST_F(HandOverTest, SeesEverySeededMistake) {
+TEST(HandOver, SeesEverySeededMistake) {
+    ROUTERLog_setBitmaps(0, 0);
     for (int mistake = 1; mistake < static_cast<int>(Mistake::LAST); ++mistake) {
         const bool isSeen = std::ranges::any_of(SCENARIOS, [mistake](const char* text) {
             const Scenario scenario(text);
-            const std::string seen =
-                World(scenario, static_cast<Mistake>(mistake)).explorer->explore().violation;
+            const std::string seen = World(scenario, static_cast<Mistake>(mistake)).explore().violation;
             if (!seen.empty()) {
                 std::printf("mistake %2d in %-12s: %s\n", mistake, text, seen.c_str());
             }

@@ -1,4 +1,5 @@
 // Commands, the requests they send, and what they print.
+#include "admin_types/commands.h"
 #include "shell/dispatcher.h"
 #include "shell/splitter.h"
 #include "tests/remote_config/client_fixture.h"
@@ -9,18 +10,16 @@ constexpr const char* SILENCE = "No response received\n";
 
 class Dispatcher : public testing::Test {
 protected:
-    void SetUp() override {
+    Dispatcher() {
         fake_dds::reset();
-        ASSERT_TRUE(ROUTERRemoteConfigClient_initialize(&shell.client, 7, ZUL_TIME_FOREVER_SEC));
+        EXPECT_TRUE(ROUTERRemoteConfigClient_initialize(&shell.client, 7, ZUL_TIME_FOREVER_SEC));
     }
-    void TearDown() override { EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&shell.client)); }
+    ~Dispatcher() override { EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&shell.client)); }
 
     // Runs a line whose requests are answered with the kind and the message.
     std::string run(std::string line, DDS_Long kind = 0, const std::string& message = "done") {
         fake_dds::forget();
-        fake_dds::setHooks({.onWrite = [kind, message](const fake_dds::Request& request) {
-            fake_dds::deliver({{.id = request.id, .kind = kind, .message = message}});
-        }});
+        fake_dds::answerWith({{.message = message, .kind = kind}});
         char* words[ROUTER_SHELL_MAX_WORDS];
         int count = 0;
         ROUTERShell_createArgv(line.data(), words, &count);
@@ -32,24 +31,23 @@ protected:
     static Lines requests() {
         Lines all;
         for (const auto& request : fake_dds::world().written) {
-            const auto& [kind, branch] = request->command;
-            std::string text = std::to_string(kind) + " " + request->target_router;
-            if (kind == 1 || kind == 4 || kind == 10) {
-                text +=
-                    " '" + std::string(branch.entity_desc.name) + "' " + branch.entity_desc.xml_url.content;
-            } else if (kind == 14) {
-                text += " '" + std::string(branch.peer_desc.domain_route_name) + "' p" +
-                        (branch.peer_desc.is_first_participant != 0 ? "1 " : "2 ") +
-                        ZULSequence::at(branch.peer_desc.peer_list, 0);
-            } else if (kind == 11 || (kind >= 5 && kind <= 8)) {
-                text += " '" + std::string(branch.entity_name) + "'";
+            const auto& [kind, branches] = request->command;
+            const auto branch = admin::findCommand(kind)->branch;
+            std::string& text = all.emplace_back(std::to_string(kind) + " " + request->target_router);
+            if (const char* name = admin::findName(branches, branch)) {
+                text += " '" + std::string(name) + "'";
             }
-            all.push_back(text);
+            if (branch == admin::CommandBranch::ENTITY_DESC) {
+                text += std::string(" ") + branches.entity_desc.xml_url.content;
+            } else if (branch == admin::CommandBranch::PEER_DESC) {
+                text += branches.peer_desc.is_first_participant != 0 ? " p1 " : " p2 ";
+                text += ZULSequence::at(branches.peer_desc.peer_list, 0);
+            }
         }
         return all;
     }
     ROUTERShellInstance shell{};
-    LogCapture log;
+    CapturedLog log;
 };
 
 TEST_F(Dispatcher, SendsOneRequestAndPrintsItsAnswer) {
@@ -86,53 +84,36 @@ TEST_F(Dispatcher, SendsOneRequestAndPrintsItsAnswer) {
 }
 
 TEST_F(Dispatcher, PrintsWhyItSendsNothing) {
-    const std::string update =
-        "Command syntax: update <target_router> [<entity_name>] <xml_url> [remote|local]\n";
-    const std::string load = "Command syntax: load <target_router> <cfg_name> <xml_url> [remote|local]\n";
-    const std::string create =
-        "Command syntax: create <target_router> domain_route|session|topic_route|auto_route "
-        "[<parent_entity_name>] <xml_url> [remote|local]\n";
-    const std::string peer =
-        "Command syntax: add_peer <target_router> <domain_route_name> p1|p2 <peer_list>\n";
-    const std::string missing = "Can't open local file /no/file\n" + std::string(SILENCE);
-    const std::string unreadable = "Error reading local file\n" + std::string(SILENCE);
-    std::vector<std::pair<std::string, std::string>> cases = {
-        {"unload r1 extra", "Command syntax: unload <target_router>\n"},
-        {"update r1", update},
-        {"dupdate r1", update},
-        {"update r1 x.xml remote here", update},
-        {"dupdate r1 . x.xml here", update},
-        {"load r1 cfg", load},
-        {"load r1 cfg file.xml elsewhere", load},
-        {"create r1", create},
-        {"create r1 session dr1", create},
-        {"create r1 domain_route", create},
-        {"create r1 domain_route x.xml here", create},
-        {"create r1 participant dr1 x.xml", create},
-        {"add_peer r1 dr1 p1", peer},
-        {"add_peer r1 dr1 p3 list", peer},
-        {"load r1 cfg /no/file LOCAL", missing},
-        {"update r1 . file:///no/file local",
-         "Can't open local file file:///no/file\n" + std::string(SILENCE)},
-        {"load r1 cfg /tmp local", unreadable},
-        {"update r1 dr1 /tmp local", unreadable},
-        {"create r1 domain_route /no/file local", SILENCE},
-        {"load r1 " + std::string(256, 'c') + " f", "Error: cfgName too long\n"},
-        {"enable " + std::string(255, 'r'), SILENCE},
-        {"foo bar", "Unknown command: foo\n"},
-        {"history", ""},
-        {"CLEAR r1", ""},
-        {"sleep x", ""},
+    const std::string silence = SILENCE, syntax = "Command syntax: ";
+    std::vector<std::pair<std::string, Lines>> cases = {
+        {syntax + "update <target_router> [<entity_name>] <xml_url> [remote|local]\n",
+         {"update r1", "dupdate r1", "update r1 x.xml remote here", "dupdate r1 . x.xml here"}},
+        {syntax + "load <target_router> <cfg_name> <xml_url> [remote|local]\n",
+         {"load r1 cfg", "load r1 cfg file.xml elsewhere"}},
+        {syntax + "create <target_router> domain_route|session|topic_route|auto_route "
+                  "[<parent_entity_name>] <xml_url> [remote|local]\n",
+         {"create r1", "create r1 session dr1", "create r1 domain_route", "create r1 domain_route x.xml here",
+          "create r1 participant dr1 x.xml", "create r1 polling_session dr1 x.xml"}},
+        {syntax + "add_peer <target_router> <domain_route_name> p1|p2 <peer_list>\n",
+         {"add_peer r1 dr1 p1", "add_peer r1 dr1 p3 list"}},
+        {syntax + "unload <target_router>\n", {"unload", "unload r1 extra"}},
+        {"Can't open local file /no/file\n" + silence, {"load r1 cfg /no/file LOCAL"}},
+        {"Error reading local file\n" + silence, {"load r1 cfg /tmp local", "update r1 dr1 /tmp local"}},
+        {"Error: cfgName too long\n", {"load r1 " + std::string(256, 'c') + " f"}},
+        {silence, {"create r1 domain_route /no/file local", "enable " + std::string(255, 'r')}},
+        {"Unknown command: foo\n", {"foo bar"}},
+        {"", {"history", "CLEAR r1", "sleep x"}},
     };
-    for (const std::string name :
-         {"enable", "disable", "pause", "resume", "delete", "save", "get", "unload"}) {
-        const bool hasEntity = name != "save" && name != "get" && name != "unload";
-        cases.emplace_back(name, "Command syntax: " + name + " <target_router>" +
-                                     (hasEntity ? " [<entity_name>]\n" : "\n"));
+    for (const std::string name : {"enable", "disable", "pause", "resume", "delete", "save", "get"}) {
+        const bool hasEntity = name != "save" && name != "get";
+        cases.push_back(
+            {syntax + name + " <target_router>" + (hasEntity ? " [<entity_name>]\n" : "\n"), {name}});
     }
-    for (const auto& [line, expected] : cases) {
-        EXPECT_EQ(run(line), expected) << line;
-        EXPECT_EQ(requests(), Lines{}) << line;
+    for (const auto& [expected, lines] : cases) {
+        for (const std::string& line : lines) {
+            EXPECT_EQ(run(line), expected) << line;
+            EXPECT_EQ(requests(), Lines{}) << line;
+        }
     }
 }
 

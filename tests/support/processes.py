@@ -24,139 +24,112 @@ class Program:
     """A running program. `expect` consumes its output up to a match. `preexec` runs in the new process."""
 
     def __init__(self, *arguments, terminal=False, env=None, stdout=None, preexec=lambda: None):
-        environment = dict(os.environ, **(env or {}))
-        arguments = [os.path.join(BIN, arguments[0]), *map(str, arguments[1:])]
         self.output = ""  # not yet consumed
         self.log = ""  # standard error, all of it
         self.terminal = terminal
-        error_read, error_write = os.pipe()
         if terminal:
-            self.read_end, slave = pty.openpty()
-            self.write_end = self.read_end
-            self.process = subprocess.Popen(
-                arguments, stdin=slave, stdout=slave, stderr=error_write, env=environment,
-                start_new_session=True, preexec_fn=lambda: (fcntl.ioctl(0, termios.TIOCSCTTY, 0), preexec()))
-            os.close(slave)
+            self.write_end, stdin = pty.openpty()
+            self.read_end, stdout = self.write_end, stdin
         else:
-            self.process = subprocess.Popen(
-                arguments, stdin=subprocess.PIPE, stdout=stdout or subprocess.PIPE, stderr=error_write,
-                env=environment, preexec_fn=preexec)
-            self.write_end = self.process.stdin.fileno()
-            self.read_end = self.process.stdout.fileno() if stdout is None else None
-        os.close(error_write)
-        self.error_end = error_read
+            stdin, self.write_end = os.pipe()
+            self.read_end, out = (None, stdout) if stdout else os.pipe()
+            stdout = os.dup(out) if stdout else out
+        self.error_end, stderr = os.pipe()
+        self.process = subprocess.Popen(
+            [os.path.join(BIN, arguments[0]), *map(str, arguments[1:])], stdin=stdin, stdout=stdout, stderr=stderr,
+            env=dict(os.environ, **(env or {})), start_new_session=terminal,
+            preexec_fn=lambda: (terminal and fcntl.ioctl(0, termios.TIOCSCTTY, 0), preexec()))
+        for end in {stdin, stdout, stderr}:
+            os.close(end)
+        self.open_ends = {self.read_end, self.error_end} - {None}
 
     def __enter__(self):
         return self
 
     def __exit__(self, *_):
-        if self.process.poll() is None:
-            self.process.kill()
+        self.process.kill()
         self.process.wait()
-        for stream in (self.process.stdin, self.process.stdout):
-            if stream is not None:
-                try:
-                    stream.close()
-                except OSError:
-                    pass
-        if self.terminal:
-            os.close(self.read_end)
-        os.close(self.error_end)
+        for end in {self.read_end, self.write_end, self.error_end} - {None}:
+            os.close(end)
 
     def send(self, text):
         data = text if isinstance(text, bytes) else text.encode()
         while data:
-            written = os.write(self.write_end, data[:1024])
-            data = data[written:]
+            data = data[os.write(self.write_end, data[:1024]):]
+
+    def close_input(self):
+        os.close(self.write_end)
+        self.write_end = None
 
     def signal(self, number):
         os.kill(self.process.pid, number)
 
+    def read(self, timeout):
+        """Reads what is there; False when all output has ended."""
+        for end in select.select(self.open_ends, [], [], timeout)[0]:
+            try:
+                data = os.read(end, 65536).decode("utf-8", "replace")
+            except OSError:  # the terminal is gone
+                data = ""
+            if not data:
+                self.open_ends.remove(end)
+            elif end == self.error_end:
+                self.log += data
+            else:
+                self.output += data.replace("\r\n", "\n")
+        return bool(self.open_ends)
+
+    def until(self, condition, what, seconds=DEADLINE_SECONDS):
+        """Reads until the condition holds; returns its value."""
+        end = time.monotonic() + seconds
+        while not (value := condition()):
+            if time.monotonic() > end or not self.read(0.05):
+                raise AssertionError(f"{what}. Output: {self.output[-2000:]!r}\nLog: {self.log[-2000:]!r}")
+        return value
+
+    def expect(self, pattern, seconds=DEADLINE_SECONDS):
+        """Waits for a match of the regular expression; returns the text before it and the match."""
+        match = self.until(lambda: re.search(pattern, self.output, re.DOTALL), f"{pattern!r} was not printed", seconds)
+        before, self.output = self.output[: match.start()], self.output[match.end():]
+        return before, match
+
     def signal_until(self, number, pattern):
         """Sends the signal again and again until the pattern is printed; returns the text before it."""
-        return self._repeat_until(lambda: self.signal(number), pattern)
+        return self.repeat_until(lambda: self.signal(number), pattern)
 
-    def interrupt_until(self, pattern):
-        """Types Ctrl-C until the pattern is printed; returns the text before it."""
-        return self._repeat_until(lambda: self.send(b"\x03"), pattern)
-
-    def _repeat_until(self, action, pattern):
-        end = time.monotonic() + DEADLINE_SECONDS
-        while time.monotonic() < end:
+    def repeat_until(self, action, pattern):
+        for _ in range(2 * DEADLINE_SECONDS):
             action()
             try:
                 return self.expect(pattern, 0.5)[0]
             except AssertionError:
                 pass
-        return self.expect(pattern, 0)[0]
+        return self.expect(pattern)[0]
 
-    def read(self, timeout):
-        """Reads what is there; False when all output has ended."""
-        ends = [end for end in (self.read_end, self.error_end) if end is not None]
-        ready, _, _ = select.select(ends, [], [], timeout)
-        alive = True
-        for end in ready:
-            try:
-                data = os.read(end, 65536).decode("utf-8", "replace")
-            except OSError:  # the terminal is gone
-                data = ""
-            if end == self.error_end:
-                self.log += data
-            elif not data:
-                alive = False
-            else:
-                self.output += data.replace("\r\n", "\n")
-        return alive
+    def _state(self, file):
+        with open(f"/proc/{self.process.pid}/{file}", encoding="ascii") as state:
+            return state.read().rsplit(")", 1)[-1].split()
 
     def wait_until_in(self, system_call):
         """Waits until the program's main thread is in that system call."""
-        end = time.monotonic() + DEADLINE_SECONDS
-        while time.monotonic() < end:
-            with open(f"/proc/{self.process.pid}/syscall", encoding="ascii") as state:
-                if state.read().split()[0] == system_call:
-                    return
-        raise AssertionError(f"it was never seen in system call {system_call}")
+        self.until(lambda: self._state("syscall")[0] == system_call, f"it was never seen in system call {system_call}")
 
     def wait_until_idle(self):
         """Waits until the program prints nothing and uses no processor time for half a second."""
-        now, end = None, time.monotonic() + DEADLINE_SECONDS
-        while time.monotonic() < end:
-            with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as state:
-                before, now = now, (self.output, state.read().rsplit(")", 1)[1].split()[11:13])
-            if now == before:
-                return
+        def rests():
+            before = self.output, self._state("stat")[11:13]
             self.read(0.5)
-        raise AssertionError("it never rested")
-
-    def expect(self, pattern, seconds=DEADLINE_SECONDS):
-        """Waits for a match of the regular expression; returns the text before it and the match."""
-        end = time.monotonic() + seconds
-        while True:
-            match = re.search(pattern, self.output, re.DOTALL)
-            if match:
-                before = self.output[: match.start()]
-                self.output = self.output[match.end():]
-                return before, match
-            if time.monotonic() > end or not self.read(0.1):
-                raise AssertionError(
-                    f"{pattern!r} was not printed. Output: {self.output[-2000:]!r}\nLog: {self.log[-2000:]!r}")
+            return before == (self.output, self._state("stat")[11:13])
+        self.until(rests, "it never rested")
 
     def wait(self, seconds=DEADLINE_SECONDS):
         """Waits for the end; returns exit status and the rest of the output."""
         end = time.monotonic() + seconds
-        while self.read(0.05) and time.monotonic() < end:
-            if self.process.poll() is not None:
-                while select.select([e for e in (self.read_end, self.error_end) if e is not None], [], [], 0)[0]:
-                    before = (self.output, self.log)
-                    if not self.read(0) or before == (self.output, self.log):
-                        break
-                break
-        status = self.process.wait(max(0.1, end - time.monotonic()))
-        while select.select([self.error_end], [], [], 0)[0]:
-            before = self.log
+        while self.process.poll() is None and time.monotonic() < end:
+            self.read(0.05)
+        status = self.process.wait(0.1)
+        while select.select(self.open_ends, [], [], 0)[0]:
             self.read(0)
-            if self.log == before:
-                break
         return status, self.output
 
 
@@ -219,8 +192,8 @@ class SessionTest(unittest.TestCase):
 
     domain = 0
 
-    def router(self, name="r1", *options):
-        return self.enterContext(Router(self.domain, name, *options))
+    def router(self, name="r1", *options, **keywords):
+        return self.enterContext(Router(self.domain, name, *options, **keywords))
 
     def shell(self, *options, router=None, **keywords):
         """A shell at its prompt, which the router has discovered."""

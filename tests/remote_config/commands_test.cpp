@@ -1,15 +1,20 @@
-// Configuration XML on its way out: pieces, snippets, local files and dupdate's three requests.
+// What the senders write: names up to their limits, peers, XML in pieces, snippets, local files, and
+// dupdate's three requests.
 #include "remote_config/assignment.h"
+#include "remote_config/command_request.h"
+#include "remote_config/entity_commands.h"
 #include "remote_config/local_file.h"
 #include "remote_config/url_commands.h"
 #include "tests/remote_config/client_fixture.h"
 
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
 
 namespace {
 
+std::string name(std::size_t length) {
+    return std::string(length, 'n');
+}
 // Text whose pieces differ from each other.
 std::string pattern(std::size_t length) {
     std::string text;
@@ -19,24 +24,25 @@ std::string pattern(std::size_t length) {
     return text.substr(0, length);
 }
 
-class UrlCommands : public ConnectedClient {
+class Commands : public ConnectedClient {
 protected:
+    // Each request is answered, but for the first pieces of an upload.
     void SetUp() override {
         ConnectedClient::SetUp();
-        answerWith([this] {
-            const bool isFinal =
-                fake_dds::world().written.back()->command._u.entity_desc.xml_url.is_final != 0;
-            return isFinal ? std::vector{answer("done")} : std::vector<fake_dds::Answer>{};
-        });
-        char name[] = "/tmp/url_commands_test.XXXXXX";
-        directory = mkdtemp(name);
+        fake_dds::world().router = [](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
+            const bool hasXml =
+                request.command._d == 1 || request.command._d == 4 || request.command._d == 10;
+            if (hasXml && request.command._u.entity_desc.xml_url.is_final == 0) {
+                return {};
+            }
+            return {{.message = "done"}};
+        };
     }
     void TearDown() override {
-        std::filesystem::remove_all(directory);
+        std::filesystem::remove(path);
         ConnectedClient::TearDown();
     }
     std::string write(const std::string& bytes) {
-        const std::string path = directory + "/config.xml";
         std::ofstream(path, std::ios::binary) << bytes;
         return path;
     }
@@ -56,18 +62,58 @@ protected:
         }
         return contents;
     }
-    std::string directory;
+    const std::string path = testing::TempDir() + "commands_test." + std::to_string(getpid()) + ".xml";
 };
 
-TEST_F(UrlCommands, SendTextInPieces) {
-    const std::string text = "str://" + pattern(5000);
+TEST_F(Commands, SendNamesUpToTheirLimitAndRefuseLongerOnes) {
+    for (const admin::Command& command : admin::COMMANDS) {
+        SCOPED_TRACE(command.name);
+        const auto prepare = [&](std::size_t target, std::size_t entity) {
+            return zul::remote_config::prepareRequest(client, {"sender", command.kind}, name(target).c_str(),
+                                                      name(entity).c_str(), &result);
+        };
+        const bool isShorter = command.kind == 10 || command.kind == 11 || command.kind == 14;
+        const std::size_t longest = isShorter ? 254 : 255;
+        EXPECT_TRUE(prepare(254, longest));
+        // Refused: told to the operator and the log, and no number used.
+        const DDS_Long invocation = client.commandSample->id.invocation;
+        for (const auto& [target, entity] : {std::pair(255UL, 1UL), {1UL, longest + 1}}) {
+            EXPECT_FALSE(prepare(target, entity));
+            EXPECT_TRUE(std::string(result.textBuffer).ends_with(" too long")) << result.textBuffer;
+            EXPECT_NE(log.take().find("[sender] failure: "), std::string::npos);
+            EXPECT_EQ(client.commandSample->id.invocation, invocation);
+        }
+    }
+}
+
+TEST_F(Commands, TakeUpToSixteenPeersAndKeepTheLastOnesWithoutAny) {
+    const auto sendPeers = [this](const std::string& list) {
+        return ROUTERRemoteConfigClient_sendCommandAddPeer(&client, "r1", "d1", true, list.c_str(), &result);
+    };
+    const std::string sixteen = "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16";
+    const auto& peers = client.commandSample->command._u.peer_desc.peer_list;
+    EXPECT_TRUE(sendPeers(name(254) + ",,b"));
+    EXPECT_TRUE(sendPeers(",,"));
+    EXPECT_EQ(peers.length, 2);
+    EXPECT_EQ(ZULSequence::at(peers, 0), name(254));
+    EXPECT_TRUE(sendPeers(sixteen));
+    EXPECT_EQ(peers.length, 16);
+    // A comma after the 16th is one too many.
+    for (const std::string& list : {sixteen + ",", "a," + name(255), name(255) + ",a"}) {
+        EXPECT_FALSE(sendPeers(list));
+        EXPECT_EQ(text(), "peerList too long");
+    }
+}
+
+TEST_F(Commands, SendTextInPieces) {
+    const std::string inlineText = "str://" + pattern(5000);
     const std::pair<std::string, Lines> cases[] = {
         {pattern(4089), {"file://" + pattern(4089)}},
         {pattern(4090), {}},                  // refused: too long with the scheme
         {pattern(4096), {pattern(4096), ""}}, // a bare path this long goes without the scheme
-        {text.substr(0, 4095), {text.substr(0, 4095)}},
-        {text.substr(0, 4096), {text.substr(0, 4096), ""}},
-        {text.substr(0, 4097), {text.substr(0, 4096), text.substr(4096, 1)}},
+        {inlineText.substr(0, 4095), {inlineText.substr(0, 4095)}},
+        {inlineText.substr(0, 4096), {inlineText.substr(0, 4096), ""}},
+        {inlineText.substr(0, 4097), {inlineText.substr(0, 4096), inlineText.substr(4096, 1)}},
     };
     for (const auto& [url, expected] : cases) {
         SCOPED_TRACE(url.size());
@@ -77,7 +123,7 @@ TEST_F(UrlCommands, SendTextInPieces) {
     }
 }
 
-TEST_F(UrlCommands, SendALocalFileInPieces) {
+TEST_F(Commands, SendALocalFileInPieces) {
     const std::string bytes = pattern(200000); // longer than what is read ahead
     EXPECT_EQ(load(write(bytes), false), ROUTER_URL_COMMAND_OK);
     std::string joined;
@@ -90,65 +136,60 @@ TEST_F(UrlCommands, SendALocalFileInPieces) {
     EXPECT_EQ(pieces(), (Lines{"str://\"a", "rest\""}));
 }
 
-TEST_F(UrlCommands, EndAtAFailedWriteOrAnInterruptBetweenPieces) {
+TEST_F(Commands, AnUploadEndsAtAFailedWriteOrAnInterruptBetweenPieces) {
     const std::string inlineText = "str://" + pattern(12000);
     for (const std::string& url : {inlineText, write(pattern(12000))}) {
         for (const std::size_t piece : {1U, 2U, 3U}) { // the third is the last
-            SCOPED_TRACE(url.substr(0, 20) + " " + std::to_string(piece));
             fake_dds::fail("write", static_cast<int>(piece));
             EXPECT_EQ(load(url, url == inlineText), ROUTER_URL_COMMAND_SEND_ERROR);
             EXPECT_EQ(fake_dds::world().written.size(), piece - 1);
         }
     }
-    fake_dds::setHooks({.onWrite = [this](const fake_dds::Request&) {
+    fake_dds::world().router = [this](const fake_dds::Request&) -> std::vector<fake_dds::Answer> {
         ROUTERRemoteConfigClient_abortResponseWait(&client);
-    }});
+        return {};
+    };
     EXPECT_EQ(load(inlineText, true), ROUTER_URL_COMMAND_OK);
     EXPECT_EQ(fake_dds::world().written.size(), 1U);
     EXPECT_STREQ(result.textBuffer, "Response not received");
     EXPECT_EQ(result.kind, 0);
 }
 
-TEST_F(UrlCommands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
+TEST_F(Commands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
     std::size_t interrupted = 0;
-    fake_dds::setHooks({.onWrite = [&](const fake_dds::Request& request) {
-        if (fake_dds::world().written.size() == interrupted) {
+    std::vector<int> kinds;
+    fake_dds::world().router = [&](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
+        kinds.push_back(request.command._d);
+        if (kinds.size() == interrupted) {
             ROUTERRemoteConfigClient_abortResponseWait(&client);
         }
-        const bool isEnable = request.command._d == 7;
-        if (isEnable || request.command._d == 8) { // nobody answers the update: it is not waited for
-            fake_dds::deliver({answer(isEnable ? "enabled" : "too early", true, isEnable ? 0 : 2)});
+        if (kinds.back() == 4) {
+            return {}; // nobody answers the update: it is not waited for
         }
-    }});
-    const std::string missing = directory + "/missing";
+        return {kinds.back() == 7 ? fake_dds::Answer{.message = "enabled"}
+                                  : fake_dds::Answer{.message = "too early", .kind = 2}};
+    };
     const std::string twoPieces = "str://" + pattern(5000);
     const std::tuple<std::string, int, std::size_t, std::vector<int>> cases[] = {
         // What it updates with, the write that fails, the one that is interrupted, and the kinds that
         // are sent.
-        {twoPieces, 0, 0, {8, 4, 4, 7}},
-        {missing, 0, 0, {8, 7}},
-        {"str://x", 1, 0, {4, 7}},
-        {twoPieces, 0, 1, {8, 7}},
-        {write(pattern(9000)), 0, 2, {8, 4, 7}},
+        {twoPieces, 0, 0, {8, 4, 4, 7}}, {path + "!", 0, 0, {8, 7}}, // is not there
+        {"str://x", 1, 0, {4, 7}},       {twoPieces, 0, 1, {8, 7}},  {write(pattern(9000)), 0, 2, {8, 4, 7}},
         {twoPieces, 0, 3, {8, 4, 4, 7}},
     };
     for (const auto& [url, failing, interruptedWrite, expected] : cases) {
+        kinds.clear();
         interrupted = interruptedWrite;
-        fake_dds::forget();
         fake_dds::fail("write", failing);
         EXPECT_TRUE(
             ROUTERRemoteConfigClient_sendCommandsDUE(&client, "r1", "dr1", url.c_str(), false, &result));
         EXPECT_EQ(text(), "enabled");
-        std::vector<int> kinds;
-        for (const auto& request : fake_dds::world().written) {
-            kinds.push_back(request->command._d);
-        }
         EXPECT_EQ(kinds, expected);
     }
 }
 
-TEST_F(UrlCommands, ReadsAWholeFile) {
-    const std::string path = write(pattern(100000));
+TEST_F(Commands, ReadsAWholeFile) {
+    write(pattern(100000));
     EXPECT_EQ(ZULStringPtr(ROUTERRemoteConfig_readFile(path.c_str())).get(), pattern(100000));
     ZULHeap_failAfter(0);
     EXPECT_EQ(ROUTERRemoteConfig_readFile(path.c_str()), nullptr);
