@@ -14,10 +14,8 @@ static_assert(sizeof(Request) == sizeof(FederationRequest));
 
 constexpr auto copyRequest = ZUL_RoutingService_Administration_CommandRequest_copy;
 
-TEST(Record, IsCopiedAndWrittenByItsSelectedBranchOrRefused) {
-    std::string longest(255, 'n');
-    std::string overlong(256, 'n');
-    std::string overlongContent(4097, 'n');
+TEST(Record, ATextBeyondItsBoundThatIsCopiedOrWritten) {
+    std::string longest(255, 'n'), overlong(256, 'n'), overlongContent(4097, 'n');
     using Buffer = char*& (*)(Request&);
     const Buffer target = [](Request& r) -> char*& {
         return r.target_router;
@@ -36,17 +34,17 @@ TEST(Record, IsCopiedAndWrittenByItsSelectedBranchOrRefused) {
         int kind;
         Buffer buffer;
         char* replacement; // of that buffer of the source
-        const char* copied;
+        std::string copied;
     } rows[] = {
-        {"longest target", 9, target, longest.data(), "9 dummy=5"},
-        {"target too long", 9, target, overlong.data(), nullptr},
-        {"no target", 9, target, nullptr, nullptr},
-        {"name too long", 7, name, overlong.data(), nullptr},
-        {"name of another branch too long", 9, name, overlong.data(), "9 dummy=5"},
-        {"content too long", 1, content, overlongContent.data(), nullptr},
-        {"longest peer", 14, peer, longest.data(), "14 peer{,0,,"},
-        {"peer too long", 14, peer, overlong.data(), nullptr},
-        {"kind without a branch", 15, name, nullptr, "15"},
+        {"longest target", 9, target, longest.data(), "0.0.0 " + longest + " 9 dummy=5"},
+        {"target too long", 9, target, overlong.data(), ""},
+        {"no target", 9, target, nullptr, ""},
+        {"name too long", 7, name, overlong.data(), ""},
+        {"name of another branch too long", 9, name, overlong.data(), "0.0.0  9 dummy=5"},
+        {"content too long", 1, content, overlongContent.data(), ""},
+        {"longest peer", 14, peer, longest.data(), "0.0.0  14 peer{,0,," + longest + "}"},
+        {"peer too long", 14, peer, overlong.data(), ""},
+        {"kind without a branch", 15, name, nullptr, "0.0.0  15"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -56,13 +54,9 @@ TEST(Record, IsCopiedAndWrittenByItsSelectedBranchOrRefused) {
         source->command._u.dummy = 5;
         source->command._u.peer_desc.peer_list.length = 2;
         char* const own = std::exchange(row.buffer(*source), row.replacement);
-        EXPECT_EQ(encode(*source, 1, 8192).has_value(), row.copied != nullptr);
-        ASSERT_EQ(copyRequest(destination.get(), source.get()), row.copied != nullptr);
-        if (row.copied != nullptr) {
-            EXPECT_STREQ(destination->target_router, source->target_router);
-            const std::string copied = text(*destination).substr(6 + std::strlen(source->target_router) + 1);
-            EXPECT_TRUE(row.kind == 14 ? copied.starts_with(row.copied) : copied == row.copied) << copied;
-        }
+        EXPECT_EQ(encode(*source, 1, 8192).has_value(), !row.copied.empty());
+        ASSERT_EQ(copyRequest(destination.get(), source.get()), !row.copied.empty());
+        EXPECT_TRUE(row.copied.empty() || text(*destination) == row.copied) << text(*destination);
         row.buffer(*source) = own;
     }
 }
@@ -81,7 +75,7 @@ long failEachAllocation(Action succeeds) {
     }
 }
 
-TEST(Memory, ExhaustedAnywhere) {
+TEST(Record, ExhaustedMemoryThatIsNotReported) {
     EXPECT_EQ(failEachAllocation([] { return newSample<Response>() != nullptr; }), 2); // record, message
     // Record; target; name, content, entity name, route name; peer list and its 16 elements.
     EXPECT_EQ(failEachAllocation([] { return newSample<Request>() != nullptr; }), 23);
@@ -114,7 +108,7 @@ TEST(Memory, ExhaustedAnywhere) {
 }
 
 // Whatever has replaced the elements of a list, decoding stays inside them.
-TEST(PeerList, KeepsTheRoomThatDecodingNeeds) {
+TEST(Record, APeerListThatLosesTheRoomThatDecodingNeeds) {
     const auto source = newSample<Request>();
     source->command._d = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER;
     auto& sent = source->command._u.peer_desc.peer_list;
@@ -133,24 +127,7 @@ TEST(PeerList, KeepsTheRoomThatDecodingNeeds) {
     EXPECT_FALSE(decode(*destination, wire).accepted);
 }
 
-TEST(Record, RefusedArrayLeavesTheSequenceAsItWas) {
-    using Seq = ZUL_RoutingService_Administration_CommandResponseSeq;
-    const auto good = newSample<Response>();
-    set(good->message, "new");
-    for (const DDS_Long maximum : {1, 2}) { // it would have to grow, or not
-        Seq sequence{};
-        ASSERT_TRUE(ZULSequence::ensure_length(&sequence, 1, maximum, __func__));
-        set(sequence.contiguous->message, "old");
-        const Response* elements = sequence.contiguous;
-        const Response array[] = {*good, {}}; // the second one has no message
-        EXPECT_FALSE(ZUL_RoutingService_Administration_CommandResponseSeq_from_array(&sequence, array, 2));
-        EXPECT_STREQ(sequence.contiguous->message, "old");
-        EXPECT_TRUE(sequence.contiguous == elements && sequence.length == 1 && sequence.maximum == maximum);
-        EXPECT_TRUE(ZULSequence::finalize(&sequence, __func__));
-    }
-}
-
-TEST(Plugin, DescribesItsTypeAndPoolsSamples) {
+TEST(Plugin, ABufferOrSampleThatIsLentTwiceOrTooSmall) {
     const ZULTypePlugin& record = plugin<Request>();
     EXPECT_STREQ(record.typeName, "ZUL::RoutingService::Administration::CommandRequest");
     EXPECT_EQ(record.getKeyKind(), 0);
@@ -179,7 +156,7 @@ TEST(Plugin, DescribesItsTypeAndPoolsSamples) {
     record.onParticipantDetached(participant);
 }
 
-TEST(Print, EachMemberUnderItsName) {
+TEST(Record, AMemberThatIsPrintedOtherwise) {
     const auto request = newSample<Request>();
     request->id = {1, -2, 3};
     set(request->target_router, "r1");
