@@ -1,11 +1,12 @@
 """Every command of the shell as exact bytes on another maker's DDS stack, and answers in both byte orders among samples that
-are none."""
+are none; a protocol analyser watches."""
 
 import os
 import tempfile
 import unittest
 
 import wire
+from capture import Capture
 from cyclone import CycloneRouter, PeerShell
 
 ROUTER = "r 1"  # with a blank: names travel whole
@@ -98,7 +99,7 @@ class InteropTest(unittest.TestCase):
                 self.answer(f"done {number}", "<>"[number % 2])
                 self.assertEqual(f"Result: {LONGEST_ANSWER_PART}done {number}\n", shell.prompt())
 
-        # Only the last of a dupdate's requests is waited for, and its success is deliberately reported so.
+        # Only the last of a dupdate's requests is waited for (oddities 3 and 4).
         shell.send(f'dupdate "{ROUTER}" d1 session.s1=<\n')
         self.expect_requests(entity(DISABLE, "d1"))
         self.expect_requests(upload(UPDATE, "d1", 'str://"<session><s1>&lt;\n</s1></session>"'))
@@ -126,21 +127,37 @@ class InteropTest(unittest.TestCase):
         self.assertEqual([], [line for line in trace if " dq.builtin: " in line and "invalid" in line])
 
     def exchange(self, domain, product):
+        """Returns the first eight bytes of the shell's GUID."""
         with (tempfile.TemporaryDirectory() as self.folder, CycloneRouter(domain, product) as self.router,
               PeerShell(domain, product) as shell):
             sender, self.identity = shell.meet(self.router, f'"{ROUTER}"')
             self.run_commands(shell)
-            shell.send("exit\n")
-            self.assertEqual((0, "Stopping...\n"), shell.wait())
+            self.assertEqual((0, "Stopping...\n"), shell.exit())
             self.assertEqual("", shell.log)
             self.check_discovery(sender, product)
             self.assertEqual("", self.router.log)
-
-    def test_routing(self):
-        self.exchange(50, "Routing")
+        return sender
 
     def test_federation(self):
         self.exchange(51, "Federation")
+
+    def test_routing_without_a_malformed_frame(self):
+        with Capture(50) as capture:
+            refusal = capture.start(self)
+            prefix = self.exchange(50, "Routing")
+            if refusal:
+                self.skipTest(refusal)
+            self.assertIsNotNone(capture.wait_for(lambda frame: b"other".hex() in frame["data"]), "not all was captured")
+        self.assertEqual([], [frame for frame in capture.frames if frame["malformed"]])
+        of_shell = [frame for frame in capture.frames if frame["prefix"].startswith(prefix.hex())]
+        self.assertNotEqual(of_shell, capture.frames, "the router was not captured")
+        named = [frame for frame in of_shell if frame["name"]]
+        self.assertEqual({"ZUL Routing Service: Shell"}, {frame["name"] for frame in named})
+        for frame in named:
+            properties = dict(zip(frame["properties"].split("|"), frame["values"].split("|"), strict=True))
+            self.assertEqual("5.1.0", properties.get("zul.service.version"))
+        # A peer of another maker drops an endpoint that comes with TypeInformation.
+        self.assertEqual([], [frame for frame in of_shell if "0x0075" in frame["parameters"].split("|")])
 
 
 if __name__ == "__main__":
