@@ -31,7 +31,7 @@ std::string manyAttributes(int count) {
 
 const std::string BUILTIN = *ROUTER_g_productInfo[0].builtinDefaultConfiguration;
 
-TEST(Document, OfTheProductThatIsRefusedOrChanged) {
+TEST(Document, OfTheProductLoadsAndReadsBackAsItIs) {
     for (const std::int32_t product : {ROUTER_PRODUCT_ROUTING_SERVICE, ROUTER_PRODUCT_FEDERATION_SERVICE}) {
         ROUTER_setProductId(product);
         const std::string document = *ROUTER_getProductInfo()->builtinDefaultConfiguration;
@@ -73,6 +73,7 @@ TEST(Document, AFaultThatPassesOrIsToldOfAnotherLine) {
         {"<domain_id>0", "<domain_id>x", "line 5: ", "from 0 to 232"},
         {"<domain_id>1", "<domain_id>233", "line 8: ", "from 0 to 232"},
         {"<dds>", "<!DOCTYPE dds SYSTEM \"http://127.0.0.1/x.dtd\"><dds>&x;", "line 1: ", "'x' not defined"},
+        {"<dds>", "<!DOCTYPE dds SYSTEM \"x.dtd\" [%x;]><dds>", "line 1: ", "%x; not found"},
         {"<dds>", "<!DOCTYPE dds [<!ATTLIST dds a CDATA 'b'>]><dds>", "line 1: ", "take out the part in [ ]"},
         {"<dds>", "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;\">]><dds>&b;", "line 1: ", "DOCTYPE"},
         {"<dds>", "<dds xmlns=\"urn:x\">", "line 1: ", "in no namespace"},
@@ -107,7 +108,7 @@ TEST(Document, AFaultThatPassesOrIsToldOfAnotherLine) {
 
 // clang-format on
 
-TEST(Document, OfAnEditorThatIsChangedOrFollowed) {
+TEST(Document, KeepsWhatEditorsWriteInItAndFollowsNoneOfIt) {
     const std::string head = "<!DOCTYPE dds PUBLIC \"-//x\" \"http://127.0.0.1/x.dtd\">\n"
                              "<?xml-model href=\"file:///x.dtd\"?>\n<dds xmlns:xsi=\"http://www.w3.org/2001/"
                              "XMLSchema-instance\" xsi:noNamespaceSchemaLocation=\"http://127.0.0.1/x.xsd\">";
@@ -120,7 +121,7 @@ TEST(Document, OfAnEditorThatIsChangedOrFollowed) {
     EXPECT_EQ(configuration.text(), document);
 }
 
-TEST(Document, ThatStoppedWorkChanges) {
+TEST(Document, IsLeftAsItIsByWorkThatIsStopped) {
     std::stop_source ending;
     Configuration configuration(ending.get_token());
     ASSERT_EQ(configuration.loadFirst(BUILTIN).kind, OK);
@@ -136,7 +137,7 @@ TEST(Document, ThatStoppedWorkChanges) {
     EXPECT_EQ(configuration.text(), BUILTIN);
 }
 
-TEST(Document, WhoseOtherConfigurationIsInForce) {
+TEST(Document, HoldsSeveralConfigurationsOfWhichOneIsInForce) {
     const std::string two = "<dds><routing_service name=\"North\"><domain_route name=\"N\">"
                             "<participant_1><domain_id>0x10</domain_id></participant_1>"
                             "<participant_2><domain_id> +1\n</domain_id></participant_2></domain_route>"

@@ -128,6 +128,7 @@ TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
         {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", "invalid: line 2"},
         {UPDATE, "D", nested("session s1", "<x/>" + std::string(1 << 20, 'y')), "x matches nothing"},
         {UPDATE, "D", "<" + std::string(40000, 'z') + "/>", "zzz... matches nothing"},
+        {UPDATE, "D", "<connection_1 plugin_name=\"A::B\"/>", "connection_1 has no place in domain_route"},
         {UPDATE, "D", "<domain_route", "line 1"},
         {CREATE, "", "<session name=\"n\"/>", "its parent is a domain_route"},
         {CREATE, "D", "<domain_route name=\"n\"/>", "its parent is the service"},

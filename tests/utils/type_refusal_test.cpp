@@ -81,7 +81,8 @@ TEST(TypeRefusals, AFaultThatPassesOrIsToldOfAnotherLine) {
     for (const auto& row : rows) {
         const std::string text = typesDocument(row.definitions);
         ZULXMLError error;
-        EXPECT_EQ(ZULXMLTypeReader_check(text.data(), text.size(), &error), ZUL_XML_TYPES_BAD_DEFINITION) << row.definitions;
+        EXPECT_EQ(ZULXMLTypeReader_check(text.data(), text.size(), &error), ZUL_XML_TYPES_BAD_DEFINITION)
+            << row.definitions;
         EXPECT_EQ(error.line, row.line) << row.definitions << "\n" << error.text;
         EXPECT_NE(error.text.find(row.text), std::string::npos) << row.definitions << "\n" << error.text;
     }
