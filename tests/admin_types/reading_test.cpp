@@ -11,8 +11,7 @@ const std::string TARGET = "0001 0007 | 00000003 'r1' 00 00 |";
 const std::string END = "7F02 0000 |";
 
 struct Reading {
-    const char* name;
-    std::string wire;
+    std::string name, wire;
     std::optional<std::string> expected; // nothing: refused
 };
 constexpr std::nullopt_t REFUSED = std::nullopt;
@@ -22,18 +21,18 @@ template <class T>
 void expectReadings(const std::vector<Reading>& readings, void (*fillBefore)(T& sample)) {
     for (const Reading& reading : readings) {
         for (const int id : {isRequest<T> ? 2 : 0, isRequest<T> ? 3 : 1}) {
-            SCOPED_TRACE(std::string(reading.name) + (id % 2 == 0 ? ", big-endian" : ", little-endian"));
+            SCOPED_TRACE(reading.name + (id % 2 == 0 ? ", big-endian" : ", little-endian"));
             const Bytes bytes = assemble(reading.wire, id).bytes;
             const auto sample = newSample<T>();
             fillBefore(*sample);
             const Decoded result = decode(*sample, bytes);
             ASSERT_EQ(result.accepted, reading.expected.has_value());
-            if (result.accepted) {
-                EXPECT_EQ(text(*sample), reading.expected);
-                ZULCdrInput stream{.data = bytes.data(), .size = bytes.size()};
-                EXPECT_TRUE(zul::idl::PluginOperations<zul::idl::Struct<T>>::skipSample(stream, true, true));
-                EXPECT_EQ(stream.position, result.consumed) << "skipped";
-            }
+            EXPECT_EQ(result.accepted ? text(*sample) : "", reading.expected.value_or(""));
+            // Skipping refuses the same, but for what it does not look at.
+            ZULCdrInput stream{.data = bytes.data(), .size = bytes.size()};
+            EXPECT_EQ(zul::idl::PluginOperations<zul::idl::Struct<T>>::skipSample(stream, true, true),
+                      result.accepted || reading.name.starts_with("unknown kind"));
+            EXPECT_TRUE(!result.accepted || stream.position == result.consumed);
         }
     }
 }
@@ -54,8 +53,7 @@ std::string peers(const std::string& count, const std::string& elements) {
 }
 const std::string KIND_9 = "0000 0004 00000009 |";
 
-TEST(Reading, Requests) {
-    const std::string longest(255, 'n');
+TEST(Reading, ARequestThatIsReadOtherwise) {
     const std::vector<Reading> readings{
         {"nothing at all", "", "0.0.0  1"},
         {"an empty list", END, "0.0.0  1"},
@@ -80,10 +78,12 @@ TEST(Reading, Requests) {
         {"member with unread bytes", "0000 0010 | 00000001 00000002 00000003 FFFFFFFF |" + TARGET + END,
          "1.2.3 r1 1"},
         {"member that is too short", "0000 0008 | 00000001 00000002 |" + END, REFUSED},
+        {"final member that ends early", "0000 000B | 00000001 00000002 00 00 00 00 |" + END, REFUSED},
         {"string beyond its parameter", "0001 0004 | 00000003 'r1' 00 00 |" + END, REFUSED},
         {"string length 0", "0001 0004 | 00000000 |" + END, REFUSED},
         {"string without its end", "0001 0007 | 00000003 'r1x' 00 |" + END, REFUSED},
-        {"longest string", "0001 0104 | 00000100" + chars(255) + "00 |" + END, "0.0.0 " + longest + " 1"},
+        {"longest string", "0001 0104 | 00000100" + chars(255) + "00 |" + END,
+         "0.0.0 " + std::string(255, 'n') + " 1"},
         {"string one longer", "0001 0105 | 00000101" + chars(256) + "00 00 00 00 |" + END, REFUSED},
         // Inside the command any unknown member fails, to be understood or not.
         {"unknown member of the command", command(KIND_9 + "0005 0000 |"), REFUSED},
@@ -114,9 +114,8 @@ TEST(Reading, Requests) {
     });
 }
 
-TEST(Reading, Responses) {
+TEST(Reading, AResponseThatIsReadOtherwise) {
     const std::string head = "00000001 00000002 00000003 |";
-    const std::string longest(4096, 'n');
     const std::vector<Reading> readings{
         {"nothing at all", "", "0.0.0 0 "},
         {"a sender without is_final", head + "00000001 00000003 'ok' 00", "1.2.3 1 ok"},
@@ -126,7 +125,7 @@ TEST(Reading, Responses) {
         {"unknown kind", head + "00000004 00000003 'ok' 00 01", REFUSED},
         {"unknown kind as the last member", head + "00000004", REFUSED},
         {"longest message", head + "00000000 00001001" + chars(4096) + "00 01",
-         "1.2.3 0 " + longest + " final"},
+         "1.2.3 0 " + std::string(4096, 'n') + " final"},
         {"message one longer", head + "00000000 00001002" + chars(4097) + "00 01", REFUSED},
     };
     expectReadings<Response>(readings, [](Response& response) {
@@ -135,26 +134,6 @@ TEST(Reading, Responses) {
         set(response.message, "before");
         response.is_final = 1;
     });
-}
-
-template <class IdlType>
-bool skips(const std::string& wire) {
-    const Bytes bytes = assemble(wire, -1).bytes;
-    ZULCdrInput stream{.data = bytes.data(), .size = bytes.size()};
-    return zul::idl::PluginOperations<IdlType>::skipSample(stream, false, true);
-}
-
-TEST(Reading, SkippingRefusesTheSame) {
-    using Command = zul::idl::Union<ZUL_RoutingService_Administration_Command>;
-    using Url = zul::idl::Struct<ZUL_RoutingService_Administration_XmlUrl>;
-    using Id = zul::idl::Struct<ZUL_RoutingService_Administration_CommandId>;
-    EXPECT_FALSE(skips<Command>(KIND_9 + "0005 0000 | 3F02 0000"));
-    EXPECT_FALSE(skips<zul::idl::Struct<Request>>("4005 0000 | 7F02 0000"));
-    EXPECT_FALSE(skips<zul::idl::Struct<Request>>(command(KIND_9 + "0005 0000 |")));
-    EXPECT_FALSE(skips<admin::PeerList>("00000011 |" + repeated(17, "00000004 'abc' 00 |")));
-    EXPECT_FALSE(skips<Url>("01 00 00 00 00000005 'ok' 00"));
-    EXPECT_TRUE(skips<Url>("01 00 00 00"));
-    EXPECT_FALSE(skips<Id>("00000001 00000002 00 00 00")); // a final type forgives nothing
 }
 
 } // namespace

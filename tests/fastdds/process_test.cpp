@@ -4,10 +4,10 @@
 #include "remote_config/exchange.h"
 #include "tests/middleware/captured_log.h"
 
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <fastdds/dds/domain/DomainParticipantFactory.hpp>
 #include <fastdds/dds/log/Log.hpp>
 #include <filesystem>
@@ -15,11 +15,8 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <set>
-#include <spawn.h>
 #include <sstream>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -53,13 +50,42 @@ using Client = std::unique_ptr<ROUTERRemoteConfigClient, DeleteClient>;
 Client connect() {
     return Client(ROUTERRemoteConfigClient_new(DOMAIN, 1));
 }
-using RequestSource = std::pair<DDS_Long, DDS_Long>;
-RequestSource sourceOf(const Client& client) {
-    return {client->commandSample->id.host, client->commandSample->id.app};
+
+std::set<std::filesystem::path> filesOf(const char* folder, const char* part = "") {
+    std::set<std::filesystem::path> paths;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().filename().string().find(part) != std::string::npos) {
+            paths.insert(entry.path());
+        }
+    }
+    return paths;
+}
+std::set<std::filesystem::path> threadsOfProcess() {
+    return filesOf("/proc/self/task");
+}
+
+TEST(Participants, ThatLeaveThreadsOrFilesBehind) {
+    connect(); // a sanitizer may start a thread of its own beside the first one
+    const std::size_t threads = threadsOfProcess().size();
+    EXPECT_LE(threads, 2U);
+    const auto files = filesOf("/dev/shm", "fastrtps");
+    for (int round = 0; round < 3; ++round) {
+        const Client client = connect();
+        ASSERT_NE(client, nullptr);
+        EXPECT_GT(threadsOfProcess().size(), threads);
+        EXPECT_TRUE(ROUTERRemoteConfigClient_sendCommandAnnounce(client.get()));
+        EXPECT_FALSE(ROUTERRemoteConfigClient_hasMatchingServer(client.get()));
+    }
+    CapturedLog log;
+    EXPECT_EQ(ROUTERRemoteConfigClient_new(233, 0), nullptr);
+    EXPECT_EQ(ROUTERRemoteConfigClient_new(-1, 0), nullptr);
+    EXPECT_NE(log.take().find("domain id -1 is outside 0..232"), std::string::npos);
+    EXPECT_EQ(threadsOfProcess().size(), threads);
+    EXPECT_EQ(filesOf("/dev/shm", "fastrtps"), files);
 }
 
 // The library may wake a write early, as if its time were over: trying again must not start the time afresh.
-TEST(Writers, WaitNoLongerThanTheirBlockingTimeHoweverOftenTheyAreWoken) {
+TEST(Writers, ThatWaitLongerTheOftenerTheyAreWoken) {
     using std::chrono::milliseconds;
     const zul::BoundedWait wait = zul::boundedWait({.sec = 60, .nanosec = 0});
     for (const milliseconds early : {milliseconds(0), milliseconds(30), milliseconds(99)}) {
@@ -74,37 +100,31 @@ TEST(Writers, WaitNoLongerThanTheirBlockingTimeHoweverOftenTheyAreWoken) {
     }
 }
 
-TEST(Participants, NoTwoShareARequestSourceAliveOrJustGone) {
-    std::set<RequestSource> sources;
+TEST(Participants, ThatShareARequestSourceOrAPrefix) {
+    std::set<std::pair<DDS_Long, DDS_Long>> sources;
+    const auto noteSource = [&sources](const Client& client) {
+        EXPECT_TRUE(sources.emplace(client->commandSample->id.host, client->commandSample->id.app).second);
+    };
     const Client first = connect();
-    sources.insert(sourceOf(first));
-    sources.insert(sourceOf(connect()));
-    sources.insert(sourceOf(connect()));
-    EXPECT_EQ(sources.size(), 3U);
+    noteSource(first);
+    noteSource(connect());
+    noteSource(connect());
 
-    // The same GUID each time, and the source is taken from that one.
-    const FixedPrefix fixed;
-    sources.clear();
+    const FixedPrefix fixed; // the same GUID each time, and the source is taken from that one
     for (int i = 0; i < 3; ++i) {
         const Client client = connect();
-        sources.insert(sourceOf(client));
+        ASSERT_NE(client, nullptr);
+        noteSource(client);
         EXPECT_EQ(client->commandSample->id.host, 0x0A0B0C0D);
+        CapturedLog log;
+        EXPECT_EQ(connect(), nullptr); // a second one with this prefix
+        const std::string lines = log.take();
+        EXPECT_NE(lines.find("fixes GUID prefix 0a.0b.0c.0d.01.02.03.04.05.06.07.08, which another"),
+                  std::string::npos)
+            << lines;
+        EXPECT_NE(lines.find("createConnection] failed to create participant\n"), std::string::npos) << lines;
+        EXPECT_TRUE(ROUTERRemoteConfigClient_sendCommandAnnounce(client.get()));
     }
-    EXPECT_EQ(sources.size(), 3U);
-}
-
-TEST(Participants, ASecondOneWithTheSamePrefixFailsAndHarmsNobody) {
-    const FixedPrefix fixed;
-    const Client first = connect();
-    ASSERT_NE(first, nullptr);
-    CapturedLog log;
-    EXPECT_EQ(connect(), nullptr);
-    const std::string lines = log.take();
-    EXPECT_NE(lines.find("fixes GUID prefix 0a.0b.0c.0d.01.02.03.04.05.06.07.08, which another"),
-              std::string::npos)
-        << lines;
-    EXPECT_NE(lines.find("createConnection] failed to create participant\n"), std::string::npos) << lines;
-    EXPECT_TRUE(ROUTERRemoteConfigClient_sendCommandAnnounce(first.get()));
 }
 
 // The signals that a thread of this process blocks, a bit each. Those that nobody can block, or that the C
@@ -129,27 +149,20 @@ private:
     std::atomic<int>& lines_;
 };
 
-TEST(Participants, LeaveTheProcessAsTheyFoundIt) {
+TEST(Participants, ThatChangeSignalsQosOrLogOfTheProcess) {
     auto* factory = fast::DomainParticipantFactory::get_instance();
     fast::DomainParticipantFactoryQos before;
     factory->get_qos(before);
     std::atomic<int> lines{0};
     fast::Log::RegisterConsumer(std::make_unique<CountingConsumer>(lines));
-    std::set<std::filesystem::path> threads;
-    const auto tasks = [] {
-        return std::filesystem::directory_iterator("/proc/self/task");
-    };
-    for (const auto& task : tasks()) {
-        threads.insert(task.path());
-    }
-
+    const auto threads = threadsOfProcess();
     Client client = connect();
     ASSERT_NE(client, nullptr);
     int started = 0;
-    for (const auto& task : tasks()) {
-        if (!threads.contains(task.path())) {
+    for (const auto& thread : threadsOfProcess()) {
+        if (!threads.contains(thread)) {
             ++started;
-            EXPECT_EQ(blockedSignals(task.path()), UINT64_MAX) << task.path();
+            EXPECT_EQ(blockedSignals(thread), UINT64_MAX) << thread;
         }
     }
     EXPECT_GT(started, 3);
@@ -169,37 +182,29 @@ TEST(Participants, LeaveTheProcessAsTheyFoundIt) {
 // the network.
 class RouterProcess {
 public:
-    RouterProcess() {
-        const std::string program = std::string(std::getenv("ZUL_BIN")) + "/zul-practice-router";
-        const std::string domain = std::to_string(DOMAIN);
-        const char* arguments[] = {program.c_str(), "--domain", domain.c_str(), "--name", "r1", nullptr};
-        std::array<int, 2> output{};
-        EXPECT_EQ(pipe(output.data()), 0);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-        EXPECT_EQ(
-            posix_spawn(&id_, program.c_str(), &actions, nullptr, const_cast<char**>(arguments), environ), 0);
-        posix_spawn_file_actions_destroy(&actions);
-        close(output[1]);
-        char ready = 0;
-        EXPECT_EQ(read(output[0], &ready, 1), 1); // its first line says so
-        close(output[0]);
+    RouterProcess()
+        : output_(popen(
+              ("echo $$; exec $ZUL_BIN/zul-practice-router --name r1 --domain " + std::to_string(DOMAIN))
+                  .c_str(),
+              "r")) {
+        char ready[8] = {};
+        EXPECT_EQ(std::fscanf(output_, "%d %7s", &id_, ready), 2); // its first word says so
     }
     ~RouterProcess() {
         kill(id_, SIGTERM);
-        waitpid(id_, nullptr, 0);
+        pclose(output_);
     }
     RouterProcess(const RouterProcess&) = delete;
     RouterProcess& operator=(const RouterProcess&) = delete;
 
 private:
+    std::FILE* output_;
     pid_t id_ = 0;
 };
 
 // An answer that is lost comes again with the peer's next announcement, after three seconds: that happened to
 // every tenth start.
-TEST(Participants, FindAPeerBeforeItsNextAnnouncement) {
+TEST(Participants, ThatFindAPeerOnlyAtItsNextAnnouncement) {
     constexpr int STARTS = 40;
     constexpr std::chrono::milliseconds BOUND{2000};
     const RouterProcess router;

@@ -4,7 +4,8 @@ Facts found with Cyclone DDS 0.10.2 and Fast DDS 2.9.1:
 - The loopback interface does not claim to be capable of multicast, so Cyclone DDS would announce itself to nobody. With
   `multicast="true"` it uses it all the same, and both sides discover each other within 0.3 s: no peer lists are needed.
 - With `ParticipantIndex` "auto" it receives on the standard's ports (7400 + 250 * domain and up) instead of random ones; Fast DDS
-  takes the next free index by itself. A capture can then select a whole domain by its ports.
+  takes the next free index by itself.
+- Its trace tells what it was announced, and complains of what is malformed.
 - Cyclone DDS delivers nothing of a reliable writer before that writer's first heartbeat, which Fast DDS does not repeat on
   request when it was lost in discovery: the first answer may come as late as the writer's next periodic heartbeat.
 """

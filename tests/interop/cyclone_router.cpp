@@ -1,18 +1,104 @@
 // The DDS side of a router for tests, on Cyclone DDS: prints each request as a line, the first eight bytes of
 // its sender's GUID and its payload, and writes each line that it reads as a response. All in hexadecimal.
+// Samples go through the library as whole payloads, from the encapsulation header to the padding, which it
+// neither interprets nor converts.
 //
 //   zul_cyclone_router <domain> <head of the topic names> <head of the type names>
 //
 // Prints "ready" once it may be discovered. Ends with its input.
-#include "raw_samples.h"
-
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dds/dds.h>
+#include <dds/ddsi/ddsi_serdata.h>
+#include <dds/ddsi/q_radmin.h>
 #include <iostream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct RawSample : ddsi_serdata {
+    RawSample(const ddsi_sertype* ofType, ddsi_serdata_kind ofKind, Bytes payload)
+        : ddsi_serdata{}, bytes(std::move(payload)) {
+        ddsi_serdata_init(this, ofType, ofKind);
+    }
+    const Bytes bytes;
+};
+
+const Bytes& bytesOf(const ddsi_serdata* sample) {
+    return static_cast<const RawSample*>(sample)->bytes;
+}
+
+// The fragments of a received sample, in order; they may overlap.
+ddsi_serdata* fromNetwork(const ddsi_sertype* type, ddsi_serdata_kind kind, const nn_rdata* fragment,
+                          std::size_t size) {
+    Bytes bytes;
+    bytes.reserve(size);
+    for (; fragment != nullptr; fragment = fragment->nextfrag) {
+        const unsigned char* payload =
+            NN_RMSG_PAYLOADOFF(fragment->rmsg, NN_RDATA_PAYLOAD_OFF(fragment)) - fragment->min;
+        if (fragment->maxp1 > bytes.size()) {
+            bytes.insert(bytes.end(), payload + bytes.size(), payload + fragment->maxp1);
+        }
+    }
+    bytes.resize(size);
+    return new RawSample(type, kind, std::move(bytes));
+}
+
+ddsi_serdata* toNetwork(const ddsi_serdata* sample, std::size_t offset, std::size_t size,
+                        ddsrt_iovec_t* part) {
+    part->iov_base = const_cast<std::uint8_t*>(bytesOf(sample).data() + offset); // only read from
+    part->iov_len = size;
+    return ddsi_serdata_ref(sample);
+}
+
+// What the library asks of samples from either side; all have the one key of a keyless type.
+ddsi_serdata_ops sampleOperations() {
+    ddsi_serdata_ops operations{};
+    operations.eqkey = [](const ddsi_serdata*, const ddsi_serdata*) {
+        return true;
+    };
+    operations.get_size = [](const ddsi_serdata* sample) {
+        return static_cast<std::uint32_t>(bytesOf(sample).size());
+    };
+    operations.from_ser = fromNetwork;
+    operations.from_keyhash = [](const ddsi_sertype* type, const ddsi_keyhash*) -> ddsi_serdata* {
+        return new RawSample(type, SDK_KEY, {});
+    };
+    operations.to_ser_ref = toNetwork;
+    operations.to_ser_unref = [](ddsi_serdata* sample, const ddsrt_iovec_t*) {
+        ddsi_serdata_unref(sample);
+    };
+    operations.to_untyped = [](const ddsi_serdata* sample) -> ddsi_serdata* {
+        return new RawSample(sample->type, SDK_KEY, {});
+    };
+    operations.free = [](ddsi_serdata* sample) {
+        delete static_cast<RawSample*>(sample);
+    };
+    return operations;
+}
+
+// Name and operations of types are compared before `equal`; there is nothing more to a raw type.
+ddsi_sertype_ops typeOperations() {
+    ddsi_sertype_ops operations{};
+    operations.version = ddsi_sertype_v0;
+    operations.free = [](ddsi_sertype* type) {
+        ddsi_sertype_fini(type);
+        delete type;
+    };
+    operations.equal = [](const ddsi_sertype*, const ddsi_sertype*) {
+        return true;
+    };
+    operations.hash = [](const ddsi_sertype*) {
+        return std::uint32_t{0};
+    };
+    return operations;
+}
 
 dds_entity_t checked(const char* what, dds_return_t code) {
     if (code < 0) {
@@ -29,9 +115,10 @@ void printHexadecimal(const std::uint8_t* bytes, std::size_t size, const char* e
     std::printf("%s", end);
 }
 
-interop::Bytes parseHexadecimal(const std::string& text) {
-    interop::Bytes bytes(text.size() / 2);
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
+// Padded to a multiple of 4 bytes.
+Bytes parseHexadecimal(const std::string& text) {
+    Bytes bytes((text.size() / 2 + 3) / 4 * 4);
+    for (std::size_t i = 0; i < text.size() / 2; ++i) {
         std::from_chars(&text[2 * i], &text[2 * i] + 2, bytes[i], 16);
     }
     return bytes;
@@ -44,7 +131,7 @@ void printRequests(dds_entity_t reader, void*) {
         auto* sender = dds_get_matched_publication_data(reader, info.publication_handle);
         if (info.valid_data && sender != nullptr) {
             printHexadecimal(sender->participant_key.v, 8, " ");
-            printHexadecimal(interop::rawBytes(sample).data(), interop::rawBytes(sample).size(), "\n");
+            printHexadecimal(bytesOf(sample).data(), bytesOf(sample).size(), "\n");
             std::fflush(stdout);
         }
         if (sender != nullptr) {
@@ -59,10 +146,16 @@ void printRequests(dds_entity_t reader, void*) {
 int main(int, char** arguments) {
     const auto domain = static_cast<dds_domainid_t>(std::atoi(arguments[1]));
     const dds_entity_t participant = checked("participant", dds_create_participant(domain, nullptr, nullptr));
-    const ddsi_sertype* type = nullptr;
+    static const ddsi_serdata_ops sampleCalls = sampleOperations();
+    static const ddsi_sertype_ops typeCalls = typeOperations();
+    ddsi_sertype* type = nullptr; // the topic's
     const auto createTopic = [&](const std::string& topic, const std::string& ofType) {
-        return checked("topic", interop::createRawTopic(participant, (arguments[2] + topic).c_str(),
-                                                        (arguments[3] + ofType).c_str(), type));
+        type = new ddsi_sertype{};
+        ddsi_sertype_init_flags(type, (arguments[3] + ofType).c_str(), &typeCalls, &sampleCalls,
+                                DDSI_SERTYPE_FLAG_TOPICKIND_NO_KEY);
+        type->allowed_data_representation = DDS_DATA_REPRESENTATION_FLAG_XCDR1;
+        return checked("topic", dds_create_topic_sertype(participant, (arguments[2] + topic).c_str(), &type,
+                                                         nullptr, nullptr, nullptr));
     };
     const dds_entity_t requests = createTopic("request", "Request");
     const dds_entity_t responses = createTopic("response", "Response");
@@ -78,7 +171,7 @@ int main(int, char** arguments) {
 
     std::cout << "ready" << std::endl;
     for (std::string line; std::getline(std::cin, line);) {
-        checked("write", dds_writecdr(writer, interop::newRawSample(type, parseHexadecimal(line))));
+        checked("write", dds_writecdr(writer, new RawSample(type, SDK_DATA, parseHexadecimal(line))));
     }
     return checked("end", dds_delete(participant));
 }

@@ -45,39 +45,30 @@ TEST(Document, OfTheProductLoadsAndReadsBackAsItIs) {
     ROUTER_setProductId(ROUTER_PRODUCT_ROUTING_SERVICE);
 }
 
-TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
-    std::string bomb;
-    for (char name = 'b'; name <= 'z'; ++name) {
-        const std::string before = {'&', static_cast<char>(name - 1), ';'};
-        bomb += std::string("<!ENTITY ") + name + " \"" + repeated(before, 10) + "\">";
-    }
+// clang-format off
+TEST(Document, AFaultThatPassesOrIsToldOfAnotherLine) {
     const struct {
         std::string text; // of the builtin document; empty for all of it
         std::string replacement;
-        const char* line; // how the message begins
-        const char* fault;
+        std::string begin; // of the message
+        const char* fault = "";
     } rows[] = {
-        {"", "", "the document is empty", ""},
+        {"", "", "the document is empty"},
         {"", "hello", "line 1: ", "Start tag expected"},
-        {"", BUILTIN.substr(0, BUILTIN.size() / 2), "line ", ""},
-        {"<session", std::string("\0<session", 9), "line 10: ", ""},
+        {"", BUILTIN.substr(0, BUILTIN.size() / 2), "line "},
+        {"<session", std::string("\0<session", 9), "line 10: "},
         {"DefaultSession", "Default\xC3(Session", "line 10: ", "UTF-8"},
-        {"<domain_id>0", "<domain_id>&zero;", "line 5: ", "zero"},
         {"", "<routing_service name=\"A\"/>", "line 1: ", "it must be dds"},
-        {"<output/>", "<outlet/>",
-         "line 13: ", "outlet cannot stand here in auto_topic_route \"All\"; expected"},
+        {"<output/>", "<outlet/>", "line 13: ", "outlet cannot stand here in auto_topic_route \"All\"; expected"},
         {"<output/>", "", "line 11: ", "not complete; expected publish_with_original_info, "},
         {"<domain_id>1", "<domain_id>1</domain_id><domain_id>1", "line 8: ", "expected participant_qos, "},
         {"<session", "text<session", "line 3: ", "domain_route \"DefaultDomainRoute\" holds text; expected "},
-        {"<output/>", "<output><topic_name/><topic_name x=\"\"/></output>",
-         "line 13: ", "expected no attribute"},
-        {"participant=\"1\"", "side=\"1\"",
-         "line 12: ", "no attribute side; expected participant or connection"},
+        {"<output/>", "<output><topic_name/><topic_name x=\"\"/></output>", "line 13: ", "expected no attribute"},
+        {"participant=\"1\"", "side=\"1\"", "line 12: ", "no attribute side; expected participant or connection"},
         {"participant=\"1\"", "participant=\"3\"", "line 12: ", "is \"3\"; expected 1 or 2"},
         {" name=\"DefaultSession\"", "", "line 10: ", "session lacks an attribute; expected name"},
         {"DefaultSession", std::string(60000, 'n'), "line 10: ", "n...\" of this session is not allowed; "},
-        {"<output/>", repeated("\n", 70000) + "<outlet/>",
-         "line 70013: ", "outlet"}, // beyond the library's numbers
+        {"<output/>", repeated("\n", 70000) + "<outlet/>", "line 70013: ", "outlet"}, // beyond the library's numbers
         {"DefaultSession", "A::B", "line 10: ", "letters, digits"},
         {"</session>", "</session><session name=\"DefaultSession\"/>", "line 15: ", "taken"},
         {"<domain_id>0", "<domain_id>x", "line 5: ", "from 0 to 232"},
@@ -85,13 +76,12 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
         {"<dds>", "<!DOCTYPE dds SYSTEM \"http://127.0.0.1/x.dtd\"><dds>&x;", "line 1: ", "'x' not defined"},
         {"<dds>", "<!DOCTYPE dds SYSTEM \"x.dtd\" [%x;]><dds>", "line 1: ", "%x; not found"},
         {"<dds>", "<!DOCTYPE dds [<!ATTLIST dds a CDATA 'b'>]><dds>", "line 1: ", "take out the part in [ ]"},
+        {"<dds>", "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;\">]><dds>&b;", "line 1: ", "DOCTYPE"},
         {"<dds>", "<dds xmlns=\"urn:x\">", "line 1: ", "in no namespace"},
-        {"<routing", "<routing_service xmlns:x=\"http://www.w3.org/2001/XMLSchema-instance\"/><routing",
-         "line 2: ", "xmlns"},
+        {"<routing", "<routing_service xmlns:x=\"http://www.w3.org/2001/XMLSchema-instance\"/><routing", "line 2: ", "xmlns"},
         {"<dds>", "<dds" + manyAttributes(65) + ">", "line 1: ", "more than 64 attributes"},
         {"<dds>", "<dds" + manyAttributes(500000) + ">", "line 1: ", "a tag has more than 65536 bytes"},
         {"<dds>", "<dds>" + repeated("<?a?>", MAX_NODES), "line 1: ", "shorten the document"},
-        {"", "<!DOCTYPE dds [<!ENTITY a \"aaaaaaaaaa\">" + bomb + "]><dds>&z;</dds>", "line 1: ", "DOCTYPE"},
         {"", repeated("<dds>\n", 10000) + repeated("</dds>", 10000), "line 65: ", "64 deep"},
         {"</dds>", "</dds>" + std::string(MAX_DOCUMENT_SIZE, ' '), "the document has ", "at most"},
     };
@@ -109,13 +99,15 @@ TEST(Document, IsRefusedForItsFirstFaultWithTheLine) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << what;
         EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << what;
         EXPECT_EQ(answer.kind, ERROR) << what;
-        EXPECT_TRUE(answer.text.starts_with(row.line)) << what << ": " << answer.text;
+        EXPECT_TRUE(answer.text.starts_with(row.begin)) << what << ": " << answer.text;
         EXPECT_NE(answer.text.find(row.fault), std::string::npos) << what << ": " << answer.text;
         EXPECT_LE(answer.text.size(), MAX_FAILURE + 3) << what;
         EXPECT_EQ(answer.text.find('\n'), std::string::npos) << what;
         EXPECT_EQ(configuration.text(), BUILTIN) << what;
     }
 }
+
+// clang-format on
 
 TEST(Document, KeepsWhatEditorsWriteInItAndFollowsNoneOfIt) {
     const std::string head = "<!DOCTYPE dds PUBLIC \"-//x\" \"http://127.0.0.1/x.dtd\">\n"

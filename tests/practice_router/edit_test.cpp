@@ -66,7 +66,7 @@ std::string property(const std::string& name, const std::string& value) {
     return nested("property value element", nested("name", name) + nested("value", value));
 }
 
-TEST_F(Edit, UpdatesWhatASnippetNames) {
+TEST_F(Edit, AnUpdateThatChangesSomethingElse) {
     const struct {
         const char* entity;
         std::string snippet;
@@ -103,55 +103,49 @@ TEST_F(Edit, UpdatesWhatASnippetNames) {
     }
 }
 
-TEST_F(Edit, RefusesWhatMakesNoSenseAndChangesNothing) {
+// clang-format off
+TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
     const struct {
         Kind kind;
         const char* entity;
         std::string xml;
-        int answer;
         const char* reason;
+        int answer = ERROR;
     } rows[] = {
-        {UPDATE, "X", "<domain_route/>", NOT_FOUND, "X"},
-        {UPDATE, "D", nested("domain_route participant_1 domain_id", "500"), ERROR, "from 0 to 232"},
-        {UPDATE, "D", nested("domain_route participant_1 domain_id", ""), ERROR, "line 4"},
-        {UPDATE, "D", nested("domain_route x", "1"), ERROR, "x matches nothing in domain_route \"D\""},
-        {UPDATE, "D", nested("session s9 x", "1"), ERROR, "session"},
-        {UPDATE, "D::s1", nested("session s2 documentation", "1"), ERROR, "s2 matches nothing"},
-        {UPDATE, "D", "<session name=\"s9\"/>", ERROR, "session \"s9\" matches nothing"},
-        {UPDATE, "D", nested("routing_service administration", ""), ERROR, "routing_service matches"},
-        {UPDATE, "", nested("domain_route documentation", "1"), ERROR, "several"},
-        {UPDATE, "D", nested("domain_route", "5"), ERROR, "holds elements"},
-        {UPDATE, "D", nested("domain_route polling_period", ""), ERROR,
-         "polling_period has no place in domain_route \"D\""},
-        {UPDATE, "D",
-         nested("domain_route participant_1", "<domain_id>1</domain_id><domain_id>2</domain_id>"), ERROR,
+        {UPDATE, "X", "<domain_route/>", "X", NOT_FOUND},
+        {UPDATE, "D", nested("domain_route participant_1 domain_id", "500"), "from 0 to 232"},
+        {UPDATE, "D", nested("domain_route participant_1 domain_id", ""), "line 4"},
+        {UPDATE, "D", nested("domain_route x", "1"), "x matches nothing in domain_route \"D\""},
+        {UPDATE, "D::s1", nested("session s2 documentation", "1"), "s2 matches nothing"},
+        {UPDATE, "D", "<session name=\"s9\"/>", "session \"s9\" matches nothing"},
+        {UPDATE, "D", nested("routing_service administration", ""), "routing_service matches"},
+        {UPDATE, "", nested("domain_route documentation", "1"), "several"},
+        {UPDATE, "D", nested("domain_route", "5"), "holds elements"},
+        {UPDATE, "D", nested("domain_route polling_period", ""), "polling_period has no place in domain_route \"D\""},
+        {UPDATE, "D", nested("domain_route participant_1", "<domain_id>1</domain_id><domain_id>2</domain_id>"),
          "a second domain_id in participant_1; expected one"},
-        {UPDATE, "D",
-         "<domain_route><property><x/></property><property><x><y/></x></property></domain_route>", ERROR,
-         "x is not known"},
-        {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", ERROR, "invalid: line 2"},
-        {UPDATE, "D", nested("session s1", "<x/>" + std::string(1 << 20, 'y')), ERROR, "x matches nothing"},
-        {UPDATE, "D", "<" + std::string(40000, 'z') + "/>", ERROR, "zzz... matches nothing"},
-        {UPDATE, "D", "<connection_1 plugin_name=\"A::B\"/>", ERROR,
-         "connection_1 has no place in domain_route"},
-        {UPDATE, "D", "<domain_route", ERROR, "line 1"},
-        {CREATE, "", "<session name=\"n\"/>", ERROR, "its parent is a domain_route"},
-        {CREATE, "D", "<domain_route name=\"n\"/>", ERROR, "its parent is the service"},
-        {CREATE, "", "<domain_route name=\"n\"/>", ERROR, "invalid: line"},
-        {CREATE, "D", "<session/>", ERROR, "no name"},
-        {CREATE, "D", "<session name=\"s1\"/>", ERROR, "exists already"},
-        {CREATE, "X", "<session name=\"n\"/>", NOT_FOUND, "X"},
-        {CREATE, "D", "<participant_1/>", ERROR, "cannot be created"},
-        {DELETE, "", "", ERROR, "unload"},
-        {DELETE, "D::s3", "", NOT_FOUND, "D::s3"},
-        {DELETE, "D::participant_1", "", NOT_FOUND, "D::participant_1"},
-        {ZUL_ROUTING_SERVICE_COMMAND_INSERT, "D", "<session name=\"n\"/>", ERROR, "not supported"},
-        {ENABLE, "D", "", ERROR, "D is enabled already"},
-        {RESUME, "D::s1", "", ERROR, "not paused"},
-        {PAUSE, "E", "", ERROR, "disabled; enable it first"},
-        {ADD_PEER, "D::s1", "", NOT_FOUND, "D::s1"},
-        {ADD_PEER, "E", "", ERROR, "no participant_1"},
-        {ADD_PEER, "D", "", ERROR, "name at least one"},
+        {UPDATE, "D", "<domain_route><property><x/></property><property><x><y/></x></property></domain_route>", "x is not known"},
+        {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", "invalid: line 2"},
+        {UPDATE, "D", nested("session s1", "<x/>" + std::string(1 << 20, 'y')), "x matches nothing"},
+        {UPDATE, "D", "<" + std::string(40000, 'z') + "/>", "zzz... matches nothing"},
+        {UPDATE, "D", "<connection_1 plugin_name=\"A::B\"/>", "connection_1 has no place in domain_route"},
+        {UPDATE, "D", "<domain_route", "line 1"},
+        {CREATE, "", "<session name=\"n\"/>", "its parent is a domain_route"},
+        {CREATE, "D", "<domain_route name=\"n\"/>", "its parent is the service"},
+        {CREATE, "", "<domain_route name=\"n\"/>", "invalid: line"},
+        {CREATE, "D", "<session/>", "no name"},
+        {CREATE, "D", "<session name=\"s1\"/>", "exists already"},
+        {CREATE, "X", "<session name=\"n\"/>", "X", NOT_FOUND},
+        {CREATE, "D", "<participant_1/>", "cannot be created"},
+        {DELETE, "", "", "unload"},
+        {DELETE, "D::participant_1", "", "D::participant_1", NOT_FOUND},
+        {ZUL_ROUTING_SERVICE_COMMAND_INSERT, "D", "<session name=\"n\"/>", "not supported"},
+        {ENABLE, "D", "", "D is enabled already"},
+        {RESUME, "D::s1", "", "not paused"},
+        {PAUSE, "E", "", "disabled; enable it first"},
+        {ADD_PEER, "D::s1", "", "D::s1", NOT_FOUND},
+        {ADD_PEER, "E", "", "no participant_1"},
+        {ADD_PEER, "D", "", "name at least one"},
     };
     for (const auto& row : rows) {
         const Answer answer = send(row.kind, row.entity, row.xml);
@@ -160,8 +154,9 @@ TEST_F(Edit, RefusesWhatMakesNoSenseAndChangesNothing) {
         EXPECT_EQ(text(), DOCUMENT) << row.xml;
     }
 }
+// clang-format on
 
-TEST_F(Edit, CreatesAndDeletesEntitiesOfEveryKind) {
+TEST_F(Edit, AnEntityThatCannotBeCreatedOrLeavesTraces) {
     const auto route = [](const std::string& tag) {
         return "<" + tag + " name=\"" + tag + "\"><input/><output/></" + tag + ">";
     };
@@ -182,7 +177,7 @@ TEST_F(Edit, CreatesAndDeletesEntitiesOfEveryKind) {
     EXPECT_EQ(text(), DOCUMENT);
 }
 
-TEST_F(Edit, KeepsTheStateOfEntities) {
+TEST_F(Edit, AStateThatIsLostOrIgnored) {
     EXPECT_EQ(send(PAUSE, "D::s1").text, "paused D::s1");
     EXPECT_EQ(send(PAUSE, "D::s1").kind, ERROR);
     EXPECT_EQ(send(UPDATE, "D::s1", nested("session documentation", "x")).kind, OK);
@@ -195,7 +190,7 @@ TEST_F(Edit, KeepsTheStateOfEntities) {
     EXPECT_NE(send(PAUSE, "D::s1").text.find("D is disabled"), std::string::npos);
 }
 
-TEST_F(Edit, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
+TEST_F(Edit, AStateOrAPeerThatTheDocumentDoesNotShow) {
     EXPECT_EQ(send(DISABLE, "D::s1::T").kind, OK);
     EXPECT_NE(text().find("<topic_route name=\"T\" enabled=\"false\">"), std::string::npos) << text();
     EXPECT_EQ(send(ENABLE, "D::s1::T").kind, OK);
@@ -231,7 +226,7 @@ TEST_F(Edit, ShowsInItsDocumentWhatIsEnabledAndWhichPeersThereAre) {
     EXPECT_NE(text().find(list), std::string::npos);
 }
 
-TEST_F(Edit, RenamesEntitiesWithTheirState) {
+TEST_F(Edit, ARenamedEntityThatLosesItsState) {
     EXPECT_EQ(send(PAUSE, "D::s1").kind, OK);
     EXPECT_EQ(send(DISABLE, "D::s2").kind, OK);
     EXPECT_EQ(send(UPDATE, "D", "<session><s1 name=\"s3\"/><s2 name=\"s1\"/></session>").kind, OK);
@@ -249,7 +244,7 @@ TEST_F(Edit, RenamesEntitiesWithTheirState) {
     EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_UNLOAD).text, "unloaded New");
 }
 
-TEST_F(Edit, SavesToAFileOfItsOwnAndNotThroughALink) {
+TEST_F(Edit, ASavedFileThatHarmsAnother) {
     EXPECT_EQ(saveFileName("..a/b"), "%2E.a%2Fb.xml");
     EXPECT_EQ(saveFileName("a_b%\xC3"), "a_b%25%C3.xml");
     EXPECT_EQ(saveFileName(std::string(251, 'n')).size(), 255U);
@@ -270,7 +265,7 @@ TEST_F(Edit, SavesToAFileOfItsOwnAndNotThroughALink) {
     EXPECT_EQ(send(ZUL_ROUTING_SERVICE_COMMAND_SAVE).kind, ERROR);
 }
 
-TEST_F(Edit, WithoutAConfigurationOnlyLoadsAndAnnounces) {
+TEST_F(Edit, ACommandThatWorksWithoutAConfiguration) {
     const Answer saved = send(ZUL_ROUTING_SERVICE_COMMAND_SAVE);
     ASSERT_EQ(saved.kind, OK) << saved.text;
     const std::string path = saved.text.substr(saved.text.find('/'));

@@ -16,7 +16,7 @@ std::string parse(std::vector<const char*> arguments, Options& options) {
     return error;
 }
 
-TEST(Options, AreTakenInBothForms) {
+TEST(Options, OneThatIsNotTaken) {
     Options options;
     EXPECT_EQ(parse({"--domain", "232", "--name=a=b", "--silent", "--parts=100"}, options), "");
     EXPECT_EQ(options.domain, 232);
@@ -26,14 +26,13 @@ TEST(Options, AreTakenInBothForms) {
     EXPECT_NE(Options::help().find("--wrong-invocation"), std::string::npos);
 }
 
-TEST(Options, AreRefusedWithWhatToDo) {
+TEST(Options, ABadOneThatIsTaken) {
     const std::string longName(255, 'n');
     const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{"--bogus"}, "unknown option --bogus; --help"},
         {{"--domain"}, "needs a value: --domain N"},
         {{"--domain", "233"}, "give an integer from 0 to 232"},
         {{"--domain", "5x"}, "give an integer"},
-        {{"--domain", "99999999999"}, "give an integer"},
         {{"--domain="}, "give an integer"},
         {{"--name", ""}, "1 to 254 characters"},
         {{"--name", longName.c_str()}, "1 to 254 characters"},

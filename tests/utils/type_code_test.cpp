@@ -1,7 +1,5 @@
-// Type codes from types sections: the administration types written in XML against their own codes, and every
-// construct against a written form of its code.
-#include "admin_types/data_types.h"
-#include "tests/middleware/captured_log.h"
+// Type codes from types sections: every construct against its code as text.
+#include "tests/middleware/type_code_text.h"
 #include "tests/utils/documents.h"
 #include "utils/type_description.h"
 
@@ -9,115 +7,7 @@
 
 namespace {
 
-// Names and labels in every form, over two openings of the module.
-DocumentPtr readAdministrationTypes(bool isFederation) {
-    const std::string service = isFederation ? "FederationService" : "RoutingService";
-    const std::string prefix =
-        isFederation ? "ZUL_FEDERATION_SERVICE_COMMAND_" : "ZUL_ROUTING_SERVICE_COMMAND_";
-    const std::string scope = "ZUL::" + service + "::Administration::";
-    const std::string open =
-        "<module name='ZUL'><module name='" + service + "'><module name='Administration'>";
-    const std::string close = "</module></module></module>";
-    const std::string isMutable = isFederation ? "" : "extensibility='mutable'";
-    const std::string alias =
-        isFederation ? "" : "<typedef name='EntityName' type='string' stringMaxLength='NAME_BOUND'/>";
-    const std::string name = isFederation ? "type='string' stringMaxLength='255'" : named("EntityName");
-    const std::string text = "type='string' stringMaxLength='4096'", boolean = "type='boolean'";
-    const auto enumOf = [&prefix](const std::string& typeName, const std::string& first,
-                                  const std::string& words) {
-        std::string list = forEach(words, "<enumerator name='" + prefix + "*'/>");
-        list.insert(list.find('/'), " value='" + first + "'"); // the others follow it
-        return "<enum name='" + typeName + "'>" + list + "</enum>";
-    };
-    return readText(typesDocument(
-        open + "<const name='NAME_BOUND' type='uint32' value='0xFF'/>" + alias +
-        structOf(member(boolean, "is_final") + member(text, "content"), "XmlUrl") +
-        structOf(member(name, "name") + member(named("XmlUrl"), "xml_url"), "EntityDescription") +
-        structOf(member(name, "domain_route_name") + member(boolean, "is_first_participant") +
-                     member("type='string' stringMaxLength='NAME_BOUND' sequenceMaxLength='16'", "peer_list"),
-                 "PeerUpdateDescription") +
-        enumOf("CommandKind", "1",
-               "LOAD UNLOAD INSERT UPDATE PAUSE RESUME ENABLE DISABLE ANNOUNCE CREATE "
-               "DELETE SAVE GET ADD_PEER") +
-        enumOf("CommandResponseKind", "0",
-               "RESPONSE_OK RESPONSE_ANNOUNCEMENT RESPONSE_ERROR RESPONSE_ENTITY_NOT_FOUND") +
-        unionOf(named("CommandKind"),
-                caseOf(prefix + "LOAD 3 " + scope + prefix + "UPDATE 10",
-                       member(named("EntityDescription") + " id='1'", "entity_desc")) +
-                    caseOf(prefix + "ANNOUNCE " + prefix + "UNLOAD 12 13", member("type='int32'", "dummy")) +
-                    caseOf("5 6 7 8 11", member(name, "entity_name")) +
-                    caseOf("14", member(named("::" + scope + "PeerUpdateDescription"), "peer_desc")),
-                "name='Command' " + isMutable) +
-        close + open +
-        structOf(forEach("host app invocation", "<member name='*' type='int32'/>"), "CommandId",
-                 isFederation ? "extensibility='appendable'" : "extensibility='final'") +
-        structOf(member(named("CommandId"), "id") +
-                     member(name, isFederation ? "target_service" : "target_router") +
-                     member(named("Administration::Command"), "command"),
-                 "CommandRequest", isMutable) +
-        structOf(member(named("CommandId"), "id") + member(named("CommandResponseKind"), "kind") +
-                     member(text, "message") + member(boolean, "is_final"),
-                 "CommandResponse") +
-        close));
-}
-
-TEST(TypeCodes, AdministrationTypesFromXmlAreTheirOwn) {
-    DocumentPtr document = readAdministrationTypes(false);
-    int compared = 0;
-    const auto compare = [&](const DDS_TypeCode* own) {
-        const DDS_TypeCode* read = ROUTERUtils_getTypeCodeFromXMLDom(document.get(), own->name.c_str());
-        ASSERT_NE(read, nullptr) << own->name << ": " << document->error.line << " " << document->error.text;
-        EXPECT_TRUE(DDS_TypeCode_equals(read, own)) << own->name;
-        ++compared;
-    };
-#define ZUL_TEMPLATE "tests/utils/compare_type_code.inc"
-#include "admin_types/family/routing_types.inc"
-    EXPECT_FALSE(DDS_TypeCode_equals(
-        ROUTERUtils_getTypeCodeFromXMLDom(document.get(), "::ZUL::RoutingService::Administration::Command"),
-        ZUL_FederationService_Administration_Command_get_typecode()));
-    document = readAdministrationTypes(true);
-#include "admin_types/family/federation_types.inc"
-#undef ZUL_TEMPLATE
-    EXPECT_EQ(compared, 18);
-}
-
-// The code in one line: named types inside by their name only.
-std::string describe(const DDS_TypeCode* code, bool isOuter = false) {
-    static const char* const KINDS[] = {"null",      "short", "long",   "ushort",     "ulong",   "longlong",
-                                        "ulonglong", "float", "double", "longdouble", "boolean", "char",
-                                        "wchar",     "octet", "string", "wstring",    "seq",     "array",
-                                        "alias",     "enum",  "struct", "union",      "value",   "sparse"};
-    if (code == nullptr) {
-        return "-";
-    }
-    if (!code->name.empty() && !isOuter) {
-        return code->name;
-    }
-    std::string text = KINDS[code->kind];
-    text += code->bound != 0 ? "(" + std::to_string(code->bound) + ")" : "";
-    for (const std::uint32_t dimension : code->dimensions) {
-        text += "[" + std::to_string(dimension) + "]";
-    }
-    text += code->content != nullptr ? "<" + describe(code->content) + ">" : "";
-    if (code->name.empty()) {
-        return text;
-    }
-    text += code->extensibility == DDS_FINAL_EXTENSIBILITY     ? " final"
-            : code->extensibility == DDS_MUTABLE_EXTENSIBILITY ? " mutable"
-                                                               : "";
-    for (const DDS_TypeCodeMember& member : code->members) {
-        text += " " + member.name + ":" + std::to_string(member.id);
-        text += code->kind == DDS_TK_ENUM ? "=" + std::to_string(member.value) : ":" + describe(member.type);
-        for (const std::int32_t label : member.labels) {
-            text += "," + std::to_string(label);
-        }
-        text += std::string(member.isDefault ? ",default" : "") + (member.isKey ? "!" : "") +
-                (member.isRequired ? "" : "?");
-    }
-    return text;
-}
-
-TEST(TypeCodes, EveryConstruct) {
+TEST(TypeCodes, AConstructThatIsReadOtherwise) {
     const std::string basics = "boolean byte int8 uint8 int16 uint16 int32 uint32 int64 uint64 float32 "
                                "float64 float128 char8 char16 string wstring";
     const std::string base = structOf("<member name='b' type='byte' id='6'/>", "B");
@@ -136,6 +26,8 @@ TEST(TypeCodes, EveryConstruct) {
          "struct m:0:array[2][3][4]<seq(3)<wstring(3)>>"},
         {structOf(member("type='string' stringMaxLength='-1' sequenceMaxLength='-1'")),
          "struct m:0:seq<string>"},
+        {structOf(member("type='string' stringMaxLength='-1' sequenceMaxLength='9'")),
+         "struct m:0:seq(9)<string>"},
         {base + structOf(member(BYTE + " key='true'") + member(BYTE + " optional='true' id='70'", "o") +
                              member(BYTE, "p"),
                          "T", "baseType='B' extensibility='mutable' nested='true'"),
@@ -157,6 +49,7 @@ TEST(TypeCodes, EveryConstruct) {
          "union<longlong> m:0:octet,-2147483648,2147483647?"},
         {unionOf("type='boolean'", caseOf("true false")), "union<boolean> m:0:octet,1,0?"},
         {unionOf("type='int8'", caseOf("-128 127")), "union<octet> m:0:octet,-128,127?"},
+        {unionOf("type='int8'", caseOf("-128 126")), "union<octet> m:0:octet,-128,126?"},
         {unionOf("type='char8'", caseOf("a 'b' \xC3\xBF ' 5")), "union<char> m:0:octet,97,98,255,39,53?"},
         {unionOf("type='char16'", caseOf("'\xE2\x82\xAC'")), "union<wchar> m:0:octet,8364?"},
         {"<forward_dcl name='T' kind='struct'/><forward_dcl name='T' kind='struct'/>"
@@ -168,22 +61,29 @@ TEST(TypeCodes, EveryConstruct) {
              named("B::X") + "/></module>" + structOf(member(named("A::Y")) + member(named("::A::X"), "n")),
          "struct m:0:A::Y n:1:A::X"},
     };
+    std::vector<std::pair<DocumentPtr, const DDS_TypeCode*>> codes;
     for (const auto& [definitions, expected] : rows) {
-        const DocumentPtr document = readText(typesDocument(definitions));
+        DocumentPtr document = readText(typesDocument(definitions));
         const DDS_TypeCode* code = ROUTERUtils_getTypeCodeFromXML(document.get(), "T", 0);
         ASSERT_NE(code, nullptr) << definitions << "\n" << document->error.text;
         EXPECT_EQ(describe(code, true), expected) << definitions;
+        for (const auto& [others, other] : codes) {
+            EXPECT_FALSE(DDS_TypeCode_equals(code, other)) << expected << "\n" << describe(other, true);
+        }
+        codes.emplace_back(std::move(document), code);
     }
 }
 
-TEST(TypeCodes, RecursionEndsAndTheExampleDocumentReads) {
-    const DocumentPtr document = readFile(ZUL_EXAMPLES "/federation_types.xml");
-    const DDS_TypeCode* vessel = ROUTERUtils_getTypeCodeFromXMLDom(document.get(), "Traffic::Vessel");
-    ASSERT_NE(vessel, nullptr) << document->error.text;
-    EXPECT_EQ(vessel->members.back().type->content->content, vessel);
-    const DocumentPtr again = readFile(ZUL_EXAMPLES "/federation_types.xml");
-    EXPECT_TRUE(
-        DDS_TypeCode_equals(vessel, ROUTERUtils_getTypeCodeFromXMLDom(again.get(), "Traffic::Vessel")));
+TEST(TypeCodes, RecursionThatDoesNotEnd) {
+    const DDS_TypeCode* vessels[2];
+    const DocumentPtr documents[] = {readFile(ZUL_EXAMPLES "/federation_types.xml"),
+                                     readFile(ZUL_EXAMPLES "/federation_types.xml")};
+    for (const int i : {0, 1}) {
+        vessels[i] = ROUTERUtils_getTypeCodeFromXMLDom(documents[i].get(), "::Traffic::Vessel");
+        ASSERT_NE(vessels[i], nullptr) << documents[i]->error.text;
+        EXPECT_EQ(vessels[i]->members.back().type->content->content, vessels[i]);
+    }
+    EXPECT_TRUE(DDS_TypeCode_equals(vessels[0], vessels[1]));
 }
 
 } // namespace

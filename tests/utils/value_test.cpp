@@ -15,56 +15,44 @@ std::string textOf(const char* text) {
     return text != nullptr ? text : "(none)";
 }
 
-TEST(Naming, ComponentsOfQualifiedNames) {
-    const struct {
-        const char* qualified;
-        const char* route;
-        const char* session;
-    } rows[] = {
-        {"::svc::dr1::s1::", "::S::dr1", "::S::dr1::s1"},
-        {"::svc::dr1::s1::route::", "::S::dr1", "::S::dr1::s1"},
-        {"x:svc::dr1::", "::S::dr1", "(none)"}, // the first character is not looked at
-        {"::svc::dr1::s1", "::S::dr1", "(none)"},
-        {"::svc::::", "::S::", "(none)"},
-        {"::svc::dr1", "(none)", "(none)"},
-        {"", "(none)", "(none)"},
-    };
-    for (const auto& row : rows) {
-        const ZULStringPtr route(ROUTERUtils_makeDomainRouteName("S", row.qualified));
-        const ZULStringPtr session(ROUTERUtils_makeSessionName("S", row.qualified));
-        EXPECT_EQ(textOf(route.get()), row.route) << row.qualified;
-        EXPECT_EQ(textOf(session.get()), row.session) << row.qualified;
+TEST(Naming, AQualifiedNameThatIsCutElsewhere) {
+    using Row = std::tuple<const char*, const char*, const char*>;
+    for (const auto& [qualified, expectedRoute, expectedSession] : {
+             Row{"::svc::dr1::s1::route::", "::S::dr1", "::S::dr1::s1"},
+             {"x:svc::dr1::s1", "::S::dr1", "(none)"}, // the first character is not looked at
+             {"::svc::::", "::S::", "(none)"},
+             {"::svc::dr1", "(none)", "(none)"},
+             {"", "(none)", "(none)"},
+         }) {
+        const ZULStringPtr route(ROUTERUtils_makeDomainRouteName("S", qualified));
+        const ZULStringPtr session(ROUTERUtils_makeSessionName("S", qualified));
+        EXPECT_EQ(textOf(route.get()), expectedRoute) << qualified;
+        EXPECT_EQ(textOf(session.get()), expectedSession) << qualified;
     }
-    const std::pair<const char*, const char*> scoped[] = {{"::a", "a"},     {"a", "a"}, {":a", ":a"},
-                                                          {"::::a", "::a"}, {"", ""},   {nullptr, "(none)"}};
-    for (const auto& [name, expected] : scoped) {
+    for (const auto& [name, expected] : {std::pair{"::::a", "::a"},
+                                         {"a", "a"},
+                                         {":a", ":a"},
+                                         {static_cast<const char*>(nullptr), "(none)"}}) {
         EXPECT_EQ(textOf(ROUTERUtils_removeScopeChars(name)), expected);
     }
 }
 
-TEST(Strings, SequencesAreEqualTextByText) {
+TEST(Strings, SequencesThatDifferAndCountAsEqual) {
     char a[] = "a", otherA[] = "a", b[] = "b";
-    const struct {
-        std::vector<char*> left, right;
-        bool equal;
-    } rows[] = {
-        {{}, {}, true},    {{a, b}, {otherA, b}, true}, {{a, nullptr}, {a, nullptr}, true},
-        {{a}, {b}, false}, {{nullptr}, {a}, false},     {{a}, {a, b}, false},
+    const auto areEqual = [](std::vector<char*> left, std::vector<char*> right) {
+        DDS_StringSeq sequences[2]{};
+        for (std::vector<char*>* texts : {&left, &right}) {
+            const auto length = static_cast<DDS_Long>(texts->size());
+            EXPECT_TRUE(ZULSequence::loan_contiguous(&sequences[texts == &right], texts->data(), length,
+                                                     length, "test"));
+        }
+        return ROUTERUtils_StringSeq_equals(&sequences[0], &sequences[1]);
     };
-    const auto loaned = [](const std::vector<char*>& texts) {
-        DDS_StringSeq sequence{};
-        const auto length = static_cast<DDS_Long>(texts.size());
-        EXPECT_TRUE(ZULSequence::loan_contiguous(&sequence, const_cast<char**>(texts.data()), length, length,
-                                                 "test"));
-        return sequence;
-    };
-    for (const auto& row : rows) {
-        const DDS_StringSeq left = loaned(row.left), right = loaned(row.right);
-        EXPECT_EQ(ROUTERUtils_StringSeq_equals(&left, &right), row.equal) << "row " << &row - rows;
-    }
+    EXPECT_TRUE(areEqual({}, {}) && areEqual({a, b, nullptr}, {otherA, b, nullptr}));
+    EXPECT_FALSE(areEqual({a}, {b}) || areEqual({nullptr}, {a}) || areEqual({a}, {a, b}));
 }
 
-TEST(Strings, ReplaceKeepsGrowsAndReportsExhaustion) {
+TEST(Strings, AReplacementThatIsLostOrNotReported) {
     CapturedLog log;
     char* text = nullptr;
     EXPECT_STREQ(ROUTERUtils_String_replace(&text, "first"), "first");
@@ -84,7 +72,7 @@ TEST(Strings, ReplaceKeepsGrowsAndReportsExhaustion) {
     EXPECT_EQ(text, nullptr);
 }
 
-TEST(Guid, WordsAreInNetworkOrderAndTurnedOnceMoreInTheKey) {
+TEST(Guid, AWordInAnotherByteOrder) {
     ROUTERUtilsGuid guid;
     ROUTERUtils_calculateGUID(&guid, 0x01020304, 0x05060708, 0x090A0B0C, 0x0D0E0F10);
     const unsigned char expected[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
@@ -95,7 +83,7 @@ TEST(Guid, WordsAreInNetworkOrderAndTurnedOnceMoreInTheKey) {
     EXPECT_EQ(key.value[3], htonl(guid.object));
 }
 
-TEST(ThreadSettings, MasksAndTheirErrors) {
+TEST(ThreadSettings, AMaskThatIsReadOtherwise) {
     const std::string context = "ERROR [ROUTERUtils_getThreadSettingsKindMaskElement] XML";
     const std::string illegal = context + " line 7: illegal value\n";
     const std::string tooLong(ROUTER_THREAD_SETTINGS_TEXT_MAX + 1, 'x');
