@@ -173,9 +173,10 @@ TEST_F(Commands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
     const std::tuple<std::string, int, std::size_t, std::vector<int>> cases[] = {
         // What it updates with, the write that fails, the one that is interrupted, and the kinds that
         // are sent.
-        {twoPieces, 0, 0, {8, 4, 4, 7}}, {path + "!", 0, 0, {8, 7}}, // is not there
-        {"str://x", 1, 0, {4, 7}},       {twoPieces, 0, 1, {8, 7}},  {write(pattern(9000)), 0, 2, {8, 4, 7}},
-        {twoPieces, 0, 3, {8, 4, 4, 7}},
+        {twoPieces, 0, 0, {8, 4, 4, 7}}, // nothing goes wrong
+        {path + "!", 0, 0, {8, 7}},      // is not there
+        {"str://x", 1, 0, {4, 7}},       {twoPieces, 0, 1, {8, 7}}, {write(pattern(9000)), 0, 2, {8, 4, 7}},
+        {twoPieces, 0, 3, {8, 4, 4, 7}}, // after the update
     };
     for (const auto& [url, failing, interruptedWrite, expected] : cases) {
         kinds.clear();
