@@ -220,6 +220,7 @@ TEST(Assignment, BecomesASnippet) {
         {"auto_topic_route.x=<\"&=\">'\xE4",
          "<auto_topic_route><x>&lt;&quot;&amp;=&quot;&gt;&apos;\xE4</x></auto_topic_route>"},
         {"auto_route.b[]=a.b[c]", "<auto_route><b>a.b[c]</b></auto_route>"},
+        {"routing_service.x=1", "<routing_service><x>1</x></routing_service>"},
         {"routes.x=1", "<routes><x>1</x></routes>"},                          // a plain prefix test
         {names + "=v", "<session>" + opening + "v" + closing + "</session>"}, // 31 components
     };
