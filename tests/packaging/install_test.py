@@ -1,18 +1,15 @@
 """What is installed: a program built against it, the programs from the Debian package, manual pages, completion."""
 
-import gzip
 import os
 import re
 import subprocess
 import tempfile
-import unittest
 
 import processes
+from processes import SessionTest
 
 BUILD = os.environ["ZUL_BUILD"]
 SOURCE = os.environ["ZUL_SOURCE"]
-DOMAIN = 62
-PROGRAMS = ("zulrssh", "zulfssh", "zul-practice-router")
 
 
 def run(*command, **keywords):
@@ -23,7 +20,9 @@ def run(*command, **keywords):
     return done.stdout
 
 
-class Install(unittest.TestCase):
+class Install(SessionTest):
+    domain = 62
+
     @classmethod
     def setUpClass(cls):
         cls.directory = tempfile.TemporaryDirectory()
@@ -31,24 +30,25 @@ class Install(unittest.TestCase):
         cls.prefix = os.path.join(cls.directory.name, "prefix")
         run("cmake", "--install", BUILD, "--prefix", cls.prefix)
 
-    def test_a_program_builds_against_the_installed_library_and_steers_a_router(self):
-        build = os.path.join(self.directory.name, "example")
-        source = os.path.join(self.prefix, "share/doc/zul-remote-config/examples/enable_entity")
+    def build(self, source):
+        """Builds a program against what is installed; returns where."""
+        build = os.path.join(self.directory.name, "build-" + os.path.basename(source))
         run("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={self.prefix}", "-DCMAKE_BUILD_TYPE=Debug")
         run("cmake", "--build", build)
-        example = os.path.join(build, "enable_entity")
-        with processes.Router(DOMAIN, "other", "--verbose") as other:
-            early = subprocess.Popen([example, str(DOMAIN), "r1", "DefaultDomainRoute"], stderr=subprocess.PIPE, text=True)
-            self.addCleanup(early.kill)
-            other.expect("GET [^\n]* target r1 ")  # a router is there, the addressed one is not
-            with processes.Router(DOMAIN) as router:
-                self.assertIn("DefaultDomainRoute is enabled already", early.communicate(timeout=60)[1])
-                self.assertEqual(early.returncode, 1)
-                with processes.Shell(DOMAIN) as shell:
-                    shell.prompt()
-                    shell.connect(router)
-                    self.assertIn("Result: ", shell.run("disable r1 DefaultDomainRoute"))
-                self.assertIn("enabled", run(example, str(DOMAIN), "r1", "DefaultDomainRoute"))
+        return build
+
+    def test_a_program_builds_against_the_installed_library_and_steers_a_router(self):
+        source = os.path.join(self.prefix, "share/doc/zul-remote-config/examples/enable_entity")
+        arguments = [os.path.join(self.build(source), "enable_entity"), str(self.domain), "r1", "DefaultDomainRoute"]
+        other = self.router("other", "--verbose")
+        early = subprocess.Popen(arguments, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(early.kill)
+        other.expect("GET [^\n]* target r1 ")  # a router is there, the addressed one is not
+        router = self.router()
+        self.assertIn("DefaultDomainRoute is enabled already", early.communicate(timeout=60)[1])
+        self.assertEqual(early.returncode, 1)
+        self.assertIn("Result: ", self.shell(router=router).run("disable r1 DefaultDomainRoute"))
+        self.assertIn("enabled", run(*arguments))
 
     def test_the_installed_readme_names_only_what_is_installed(self):
         share = os.path.join(self.prefix, "share")
@@ -84,10 +84,7 @@ class Install(unittest.TestCase):
                     ZUL_RoutingService_Administration_CommandRequestTypeSupport_print_data(sample, "request", 0);
                     return ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data(sample);
                 }""")
-        build = os.path.join(source, "build")
-        run("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={self.prefix}", "-DCMAKE_BUILD_TYPE=Debug")
-        run("cmake", "--build", build)
-        self.assertIn("target_router", run(os.path.join(build, "types")))
+        self.assertIn("target_router", run(os.path.join(self.build(source), "types")))
 
     def test_the_debian_packages_hold_programs_that_run(self):
         packages = os.path.join(self.directory.name, "packages")
@@ -102,17 +99,13 @@ class Install(unittest.TestCase):
             self.assertIn(library, depends)
         processes.BIN, before = os.path.join(root, "usr/bin"), processes.BIN
         self.addCleanup(setattr, processes, "BIN", before)
-        with processes.Router(DOMAIN + 1) as router, processes.Shell(DOMAIN + 1) as shell:
-            shell.prompt()
-            shell.connect(router)
-            self.assertIn("Result: ", shell.run("get r1"))
+        self.assertIn("Result: ", self.shell(router=self.router()).run("get r1"))
         share = os.path.join(root, "usr/share")
         for variant in ("routing", "federation"):
             run("xmllint", "--noout", "--dtdvalid", f"{share}/zul_remote_config/dtd/{variant}_service.dtd",
                 f"{share}/zul_remote_config/xml/ZUL_{variant.upper()}_SERVICE.xml")
-        for program in PROGRAMS:
-            with gzip.open(f"{share}/man/man1/{program}.1.gz", "rt", encoding="utf-8") as page:
-                self.assertIn(f".TH {program.upper()} 1", page.read().replace("\\-", "-"))
+        self.assertEqual(sorted(os.listdir(f"{share}/man/man1")),
+                         ["zul-practice-router.1.gz", "zulfssh.1.gz", "zulrssh.1.gz"])
 
     def test_options_are_completed(self):
         folder = os.path.join(self.prefix, "share/bash-completion/completions")

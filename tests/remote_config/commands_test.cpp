@@ -171,11 +171,13 @@ TEST_F(Commands, DupdateEnablesAgainWhateverBecameOfTheUpdate) {
     };
     const std::string twoPieces = "str://" + pattern(5000);
     const std::tuple<std::string, int, std::size_t, std::vector<int>> cases[] = {
-        // What it updates with, the write that fails, the one that is interrupted, and the kinds that
-        // are sent.
-        {twoPieces, 0, 0, {8, 4, 4, 7}}, {path + "!", 0, 0, {8, 7}}, // is not there
-        {"str://x", 1, 0, {4, 7}},       {twoPieces, 0, 1, {8, 7}},  {write(pattern(9000)), 0, 2, {8, 4, 7}},
-        {twoPieces, 0, 3, {8, 4, 4, 7}},
+        // What it updates with, the write that fails, the one that is interrupted, the kinds that are sent.
+        {twoPieces, 0, 0, {8, 4, 4, 7}},         // nothing goes wrong
+        {path + "!", 0, 0, {8, 7}},              // there is no such file
+        {"str://x", 1, 0, {4, 7}},               // the disable is not written
+        {twoPieces, 0, 1, {8, 7}},               // interrupted before the update,
+        {write(pattern(9000)), 0, 2, {8, 4, 7}}, // in the middle of it,
+        {twoPieces, 0, 3, {8, 4, 4, 7}},         // and at its end
     };
     for (const auto& [url, failing, interruptedWrite, expected] : cases) {
         kinds.clear();
@@ -218,6 +220,7 @@ TEST(Assignment, BecomesASnippet) {
         {"auto_topic_route.x=<\"&=\">'\xE4",
          "<auto_topic_route><x>&lt;&quot;&amp;=&quot;&gt;&apos;\xE4</x></auto_topic_route>"},
         {"auto_route.b[]=a.b[c]", "<auto_route><b>a.b[c]</b></auto_route>"},
+        {"routing_service.x=1", "<routing_service><x>1</x></routing_service>"},
         {"routes.x=1", "<routes><x>1</x></routes>"},                          // a plain prefix test
         {names + "=v", "<session>" + opening + "v" + closing + "</session>"}, // 31 components
     };

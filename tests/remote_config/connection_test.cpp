@@ -43,6 +43,8 @@ TEST_F(Connection, HasTheQosAndTypeDescriptionsOfItsVariant) {
         const std::string types = std::string("ZUL::") + module + "::Administration::Command";
         EXPECT_EQ(client.commandTypePlugin->typeCode->name, types + "Request");
         EXPECT_EQ(client.responseTypePlugin->typeCode->name, types + "Response");
+        EXPECT_EQ(client.commandSample->id.host, static_cast<DDS_Long>(0xF0000001U));
+        EXPECT_EQ(client.commandSample->id.app, static_cast<DDS_Long>(0xA0000001U));
         expectCleanFinalize();
     }
     const DDS_DataWriterQos& writer = fake_dds::world().writerQos;

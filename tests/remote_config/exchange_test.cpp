@@ -131,32 +131,22 @@ TEST_F(Exchange, AFailedWriteKeepsWaiting) {
     EXPECT_EQ(text(), "(null)");
 }
 
-TEST_F(Exchange, AResponseWithdrawnByTheListenerIsNotReadAnyMore) {
-    client.responseTimeout = {.sec = 0, .frac = 0};
-    fake_dds::world().router = [this](const Request&) -> std::vector<Answer> {
-        fake_dds::deliver({{.message = "withdrawn"}});
-        fake_dds::awaitIdle(); // its hand-over times out, as this thread does not come
-        EXPECT_EQ(client.currentResponse.load(), nullptr);
-        EXPECT_EQ(log.take(), errorLine(LISTENER, "timeout"));
-        return {};
-    };
-    EXPECT_FALSE(send());
-    EXPECT_EQ(text(), "(null)");
-    log.take();
-    client.responseTimeout = {.sec = ZUL_TIME_FOREVER_SEC, .frac = 0};
-}
-
-TEST_F(Exchange, TheListenerReportsAFailedTakeOrReturn) {
-    fake_dds::deliver({}); // notice of data that is not there
-    fake_dds::awaitIdle();
-    EXPECT_EQ(log.take(), "");
-    for (const auto& [call, text] :
-         {std::pair("take", "failure: take"), {"return_loan", "failure: return loan"}}) {
-        fake_dds::fail(call, 1);
-        fake_dds::deliver({{.message = "of nobody"}});
+TEST_F(Exchange, TheListenerReportsAFailureAndAResponseThatNobodyTook) {
+    const auto logOf = [this](const std::vector<Answer>& answers) {
+        fake_dds::deliver(answers);
         fake_dds::awaitIdle();
-        EXPECT_EQ(log.take(), errorLine(LISTENER, text));
-    }
+        return log.take();
+    };
+    EXPECT_EQ(logOf({}), ""); // notice of data that is not there
+    fake_dds::fail("take", 1);
+    EXPECT_EQ(logOf({{.message = "of nobody"}}), errorLine(LISTENER, "failure: take"));
+    fake_dds::fail("return_loan", 1);
+    EXPECT_EQ(logOf({{.message = "of nobody"}}), errorLine(LISTENER, "failure: return loan"));
+    EXPECT_TRUE(send(false));
+    client.responseTimeout = {.sec = 0, .frac = 0};
+    EXPECT_EQ(logOf({{.message = "withdrawn"}}), errorLine(LISTENER, "timeout"));
+    EXPECT_EQ(client.currentResponse.load(), nullptr);
+    client.responseTimeout = {.sec = ZUL_TIME_FOREVER_SEC, .frac = 0};
 }
 
 TEST_F(Exchange, ATextThatCannotGrowFailsTheSend) {
@@ -195,6 +185,17 @@ TEST_F(Exchange, KnownRoutersAreARing) {
         DDS_String_free(name);
         name = nullptr;
     }
+}
+
+using Closing = ConnectedClient;
+
+TEST_F(Closing, DoesNotWaitUntilAnUnreadResponseTimesOut) {
+    fake_dds::answerWith({{.message = "unread"}});
+    EXPECT_TRUE(ROUTERRemoteConfigClient_sendCommandRequest(&client, &result, false));
+    while (client.currentResponse.load() == nullptr) {
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
 }
 
 } // namespace

@@ -86,12 +86,12 @@ protected:
     virtual std::string whatIsLeft() const = 0;  // all threads have ended
 
     // A scheduling point. Goes on when `*count` is above 0 (null: at any time) or, with a timer, when the
-    // time is up, which the explorer decides; false then.
+    // time is up, which the explorer decides; false then. A signal's handler has scheduling points inside
+    // this one.
     bool step(const int* count = nullptr, bool hasTimer = false) {
         Thread& self = threads_[at(current_)];
-        self.count = count;
-        self.hasTimer = hasTimer;
-        self.isTimeUp = false;
+        Wait wait{count, hasTimer};
+        Wait* const outer = std::exchange(self.wait, &wait);
         for (;;) {
             schedule();
             if (isEnding_) {
@@ -100,18 +100,14 @@ protected:
             if (!std::exchange(self.isSignalled, false)) {
                 break;
             }
-            const bool isTimeUp = self.isTimeUp;
             self.isInHandler = true;
-            observe(isTimeUp ? 2 : 3);
+            observe(wait.isTimeUp ? 2 : 3);
             handleSignal();
             self.isInHandler = false;
-            self.count = count;
-            self.hasTimer = hasTimer;
-            self.isTimeUp = isTimeUp;
         }
-        self.count = nullptr;
-        observe(self.isTimeUp ? 1 : 0);
-        return !self.isTimeUp;
+        self.wait = outer;
+        observe(wait.isTimeUp ? 1 : 0);
+        return !wait.isTimeUp;
     }
     // What the thread has seen, which its next steps depend on; or that they depend on this alone.
     void observe(std::uint64_t value) {
@@ -130,10 +126,14 @@ protected:
 
 private:
     struct RunEnded {}; // thrown at a scheduling point to end a run early
-    struct Thread {     // in this run
+    struct Wait {
+        const int* count; // null: for nothing
+        bool hasTimer;
+        bool isTimeUp = false;
+    };
+    struct Thread { // in this run
         bool isStarted = false, isFinished = false, isInHandler = false, isSignalled = false;
-        bool hasTimer = false, isTimeUp = false;
-        const int* count = nullptr; // waits for this, if not null
+        Wait* wait = nullptr;
         std::uint64_t history = 0;
     };
     struct Choice {
@@ -189,7 +189,7 @@ private:
             preemptionsLeft_ -= move.isPreemption ? 1 : 0;
             Thread& moved = threads_[at(move.thread)];
             if (move.kind == Move::TIME_OUT) {
-                moved.isTimeUp = true; // and who goes on is still open
+                moved.wait->isTimeUp = true; // and who goes on is still open
             } else {
                 signalsLeft_ -= move.kind == Move::SIGNAL ? 1 : 0;
                 moved.isSignalled = move.kind == Move::SIGNAL;
@@ -227,7 +227,8 @@ private:
     }
     bool canRun(int thread) const {
         const Thread& self = threads_[at(thread)];
-        return !self.isFinished && (self.count == nullptr || *self.count > 0 || self.isTimeUp);
+        const bool isReady = self.wait == nullptr || self.wait->count == nullptr || *self.wait->count > 0;
+        return !self.isFinished && (isReady || self.wait->isTimeUp);
     }
     // What may come next, without a preemption first.
     void findMoves() {
@@ -247,7 +248,8 @@ private:
             add(Move::SIGNAL, SHELL, false);
         }
         for (const int thread : {SHELL, DELIVERY}) {
-            if (!canRun(thread) && !threads_[at(thread)].isFinished && threads_[at(thread)].hasTimer) {
+            if (const Thread& self = threads_[at(thread)];
+                !self.isFinished && !canRun(thread) && self.wait->hasTimer) {
                 add(Move::TIME_OUT, thread, canRun(SHELL) || canRun(DELIVERY));
             }
         }
@@ -259,7 +261,8 @@ private:
         }
         for (const Thread& self : threads_) {
             const unsigned flags = (self.isStarted ? 1U : 0U) | (self.isFinished ? 2U : 0U) |
-                                   (self.isTimeUp ? 4U : 0U) | (self.isInHandler ? 8U : 0U);
+                                   (self.wait != nullptr && self.wait->isTimeUp ? 4U : 0U) |
+                                   (self.isInHandler ? 8U : 0U);
             hash = mix(mix(hash, self.history), flags);
         }
         return hash;
