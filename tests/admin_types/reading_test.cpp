@@ -53,37 +53,31 @@ std::string peers(const std::string& count, const std::string& elements) {
 }
 const std::string KIND_9 = "0000 0004 00000009 |";
 
+// clang-format off
 TEST(Reading, ARequestThatIsReadOtherwise) {
     const std::vector<Reading> readings{
         {"nothing at all", "", "0.0.0  1"},
         {"an empty list", END, "0.0.0  1"},
         {"list end without its flag", "3F02 0000 |" + ID, "0.0.0  1"},
-        {"list end under an extended header is an unknown member", "7F01 0008 00003F02 00000000 |" + ID + END,
-         "1.2.3  1"},
+        {"list end under an extended header is an unknown member", "7F01 0008 00003F02 00000000 |" + ID + END, "1.2.3  1"},
         {"no list end", ID, "1.2.3  1"},
-        {"another order", "0002 0014 |" + KIND_9 + "0002 0004 00000000 | 7F02 0000 |" + TARGET + ID + END,
-         "1.2.3 r1 9"},
+        {"another order", "0002 0014 |" + KIND_9 + "0002 0004 00000000 | 7F02 0000 |" + TARGET + ID + END, "1.2.3 r1 9"},
         {"unknown member", "0007 0005 'hello' 00 00 00 |" + ID + END, "1.2.3  1"},
         {"unknown member to understand", "4007 0005 'hello' 00 00 00 |" + ID + END, REFUSED},
         {"unknown member, extended", "7F01 0008 00010000 00000004 'abcd' |" + ID + END, "1.2.3  1"},
-        {"unknown member to understand, extended", "7F01 0008 40010000 00000004 'abcd' |" + ID + END,
-         REFUSED},
+        {"unknown member to understand, extended", "7F01 0008 40010000 00000004 'abcd' |" + ID + END, REFUSED},
         {"known member to understand", "4000 000C | 00000001 00000002 00000003 |" + END, "1.2.3  1"},
         {"entry to ignore", "7F03 0004 'abcd' |" + ID + END, "1.2.3  1"},
         {"extended header", "3F01 0008 00000000 0000000C | 00000001 00000002 00000003 |" + END, "1.2.3  1"},
-        {"longer extended header",
-         "3F01 000C 00000000 0000000C EEEEEEEE | 00000001 00000002 00000003 |" + END, "1.2.3  1"},
-        {"extended header beyond the end", "3F01 0020 00000000 0000000C | 00000001 00000002 00000003 |",
-         REFUSED},
-        {"member with unread bytes", "0000 0010 | 00000001 00000002 00000003 FFFFFFFF |" + TARGET + END,
-         "1.2.3 r1 1"},
+        {"longer extended header", "3F01 000C 00000000 0000000C EEEEEEEE | 00000001 00000002 00000003 |" + END, "1.2.3  1"},
+        {"extended header beyond the end", "3F01 0020 00000000 0000000C | 00000001 00000002 00000003 |", REFUSED},
+        {"member with unread bytes", "0000 0010 | 00000001 00000002 00000003 FFFFFFFF |" + TARGET + END, "1.2.3 r1 1"},
         {"member that is too short", "0000 0008 | 00000001 00000002 |" + END, REFUSED},
         {"final member that ends early", "0000 000B | 00000001 00000002 00 00 00 00 |" + END, REFUSED},
         {"string beyond its parameter", "0001 0004 | 00000003 'r1' 00 00 |" + END, REFUSED},
         {"string length 0", "0001 0004 | 00000000 |" + END, REFUSED},
         {"string without its end", "0001 0007 | 00000003 'r1x' 00 |" + END, REFUSED},
-        {"longest string", "0001 0104 | 00000100" + chars(255) + "00 |" + END,
-         "0.0.0 " + std::string(255, 'n') + " 1"},
+        {"longest string", "0001 0104 | 00000100" + chars(255) + "00 |" + END, "0.0.0 " + std::string(255, 'n') + " 1"},
         {"string one longer", "0001 0105 | 00000101" + chars(256) + "00 00 00 00 |" + END, REFUSED},
         // Inside the command any unknown member fails, to be understood or not.
         {"unknown member of the command", command(KIND_9 + "0005 0000 |"), REFUSED},
@@ -92,11 +86,9 @@ TEST(Reading, ARequestThatIsReadOtherwise) {
         {"command without a kind", command("0003 000A 00000006 'other' 00 00 00 |"), "0.0.0  1 name=other"},
         {"branch of another kind", command(KIND_9 + "0003 0006 00000002 'x' 00 00 00 |"), "0.0.0  9 name=x"},
         {"unknown kind", command("0000 0004 0000000F |"), REFUSED},
-        {"description of a sender without xml_url",
-         command("0000 0004 00000001 | 0001 0006 00000002 'e' 00 00 00 |"), "0.0.0  1 desc{e,0,}"},
+        {"description of a sender without xml_url", command("0000 0004 00000001 | 0001 0006 00000002 'e' 00 00 00 |"), "0.0.0  1 desc{e,0,}"},
         {"no peers", peers("00000000", ""), "0.0.0  14 peer{dr,1}"},
-        {"sixteen peers", peers("00000010", repeated(16, "00000004 'abc' 00 |")),
-         "0.0.0  14 peer{dr,1" + repeated(16, ",abc") + "}"},
+        {"sixteen peers", peers("00000010", repeated(16, "00000004 'abc' 00 |")), "0.0.0  14 peer{dr,1" + repeated(16, ",abc") + "}"},
         {"seventeen peers", peers("00000011", repeated(17, "00000004 'abc' 00 |")), REFUSED},
         {"peer too long", peers("00000001", "00000101" + chars(256) + "00 00 00 00"), REFUSED},
         {"number of peers that overflows", peers("FFFFFFFF", "00000004 'abc' 00 |"), REFUSED},
@@ -120,12 +112,10 @@ TEST(Reading, AResponseThatIsReadOtherwise) {
         {"nothing at all", "", "0.0.0 0 "},
         {"a sender without is_final", head + "00000001 00000003 'ok' 00", "1.2.3 1 ok"},
         {"the same, padded by three", head + "00000001 00000006 'okok!' 00 00 00", "1.2.3 1 okok!"},
-        {"a sender with further members", head + "00000002 00000002 'e' 00 01 'more and more'",
-         "1.2.3 2 e final"},
+        {"a sender with further members", head + "00000002 00000002 'e' 00 01 'more and more'", "1.2.3 2 e final"},
         {"unknown kind", head + "00000004 00000003 'ok' 00 01", REFUSED},
         {"unknown kind as the last member", head + "00000004", REFUSED},
-        {"longest message", head + "00000000 00001001" + chars(4096) + "00 01",
-         "1.2.3 0 " + std::string(4096, 'n') + " final"},
+        {"longest message", head + "00000000 00001001" + chars(4096) + "00 01", "1.2.3 0 " + std::string(4096, 'n') + " final"},
         {"message one longer", head + "00000000 00001002" + chars(4097) + "00 01", REFUSED},
     };
     expectReadings<Response>(readings, [](Response& response) {
@@ -135,5 +125,6 @@ TEST(Reading, AResponseThatIsReadOtherwise) {
         response.is_final = 1;
     });
 }
+// clang-format on
 
 } // namespace

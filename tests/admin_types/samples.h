@@ -21,26 +21,18 @@ template <class T>
 constexpr bool isRequest = std::is_same_v<T, Request>;
 
 template <class T>
-struct Named;
-#define ZUL_NAMED(Type)                                                                                      \
-    template <>                                                                                              \
-    struct Named<ZUL_RoutingService_Administration_##Type> {                                                 \
-        static constexpr auto create = ZUL_RoutingService_Administration_##Type##TypeSupport_create_data;    \
-        static constexpr auto destroy = ZUL_RoutingService_Administration_##Type##TypeSupport_delete_data;   \
-        static constexpr auto newPlugin = ZUL_RoutingService_Administration_##Type##Plugin_new;              \
-        static constexpr auto deletePlugin = ZUL_RoutingService_Administration_##Type##Plugin_delete;        \
-    };
-ZUL_NAMED(CommandRequest)
-ZUL_NAMED(CommandResponse)
-
-template <class T>
-std::unique_ptr<T, decltype(Named<T>::destroy)> newSample() {
-    return {Named<T>::create(), Named<T>::destroy};
+auto newSample() {
+    using Plugin = zul::idl::PluginOperations<zul::idl::Struct<T>>;
+    return std::unique_ptr<T, void (*)(T*)>(Plugin::createData(DDS_TYPE_ALLOCATION_PARAMS_DEFAULT),
+                                            Plugin::destroyData);
 }
 template <class T>
 const ZULTypePlugin& plugin() {
-    static const std::unique_ptr<ZULTypePlugin, decltype(Named<T>::deletePlugin)> instance(
-        Named<T>::newPlugin(), Named<T>::deletePlugin);
+    static const std::unique_ptr<ZULTypePlugin, void (*)(ZULTypePlugin*)> instance(
+        isRequest<T> ? ZUL_RoutingService_Administration_CommandRequestPlugin_new()
+                     : ZUL_RoutingService_Administration_CommandResponsePlugin_new(),
+        isRequest<T> ? ZUL_RoutingService_Administration_CommandRequestPlugin_delete
+                     : ZUL_RoutingService_Administration_CommandResponsePlugin_delete);
     return *instance;
 }
 

@@ -43,12 +43,9 @@ private:
     fast::DomainParticipantQos previous_;
 };
 
-struct DeleteClient {
-    void operator()(ROUTERRemoteConfigClient* client) const { ROUTERRemoteConfigClient_delete(client); }
-};
-using Client = std::unique_ptr<ROUTERRemoteConfigClient, DeleteClient>;
+using Client = std::unique_ptr<ROUTERRemoteConfigClient, decltype(&ROUTERRemoteConfigClient_delete)>;
 Client connect() {
-    return Client(ROUTERRemoteConfigClient_new(DOMAIN, 1));
+    return {ROUTERRemoteConfigClient_new(DOMAIN, 1), ROUTERRemoteConfigClient_delete};
 }
 
 std::set<std::filesystem::path> filesOf(const char* folder, const char* part = "") {
@@ -140,13 +137,10 @@ std::uint64_t blockedSignals(const std::filesystem::path& task) {
     return 0;
 }
 
-class CountingConsumer final : public fast::LogConsumer {
-public:
-    explicit CountingConsumer(std::atomic<int>& lines) : lines_(lines) {}
-    void Consume(const fast::Log::Entry& /*entry*/) override { ++lines_; }
-
-private:
-    std::atomic<int>& lines_;
+struct CountingConsumer final : fast::LogConsumer {
+    explicit CountingConsumer(std::atomic<int>& ofLines) : lines(ofLines) {}
+    void Consume(const fast::Log::Entry& /*entry*/) override { ++lines; }
+    std::atomic<int>& lines;
 };
 
 TEST(Participants, ThatChangeSignalsQosOrLogOfTheProcess) {

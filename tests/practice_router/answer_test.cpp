@@ -11,15 +11,12 @@ namespace {
 
 using namespace zul::practice;
 
-TEST(AnswerParts, AreTheWholeTextInBounds) {
+TEST(AnswerParts, ThatAreNotTheTextOrCutACharacter) {
     std::string mixed; // characters of one to four bytes
     while (mixed.size() < 3 * 4096) {
         mixed += "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x9A\x80";
     }
-    const struct {
-        std::string text;
-        std::size_t atLeast, expected;
-    } rows[] = {
+    const std::tuple<std::string, std::size_t, std::size_t> rows[] = {
         {"", 3, 3},
         {"abc", 10, 10},
         {std::string(4096, 'x'), 1, 1},
@@ -42,7 +39,7 @@ TEST(AnswerParts, AreTheWholeTextInBounds) {
     }
 }
 
-TEST(Garbage, IsNeverAnAnswerToTheRequestAndAlwaysTheSame) {
+TEST(Garbage, ThatIsAnAnswerOrNotAlwaysTheSame) {
     using Response = ZUL_RoutingService_Administration_CommandResponse;
     const RequestId id{0x01020304, 5, 6};
     ZULTypePlugin* plugin = ZUL_RoutingService_Administration_CommandResponsePlugin_new();

@@ -10,17 +10,17 @@ using namespace zul::practice;
 
 Request piece(std::int32_t app, std::int32_t invocation, Kind kind, const std::string& content,
               bool isFinal) {
-    Request request{};
-    request.id = {7, app, invocation};
-    request.writer[0] = 1;
-    request.kind = kind;
-    request.entity = "E";
-    request.isFinal = isFinal;
-    request.content = content;
-    return request;
+    return {.id = {7, app, invocation},
+            .target = "r1",
+            .kind = kind,
+            .entity = "E",
+            .isFinal = isFinal,
+            .content = content,
+            .peers = {},
+            .writer = {1}};
 }
 
-TEST(Upload, IsTheSumOfItsOwnPieces) {
+TEST(Upload, OfPiecesThatDoNotBelongTogether) {
     const struct {
         Request request;
         const char* finished; // null: nothing yet
@@ -62,7 +62,7 @@ TEST(Upload, IsTheSumOfItsOwnPieces) {
     EXPECT_EQ(uploads.pending(), 0U);
 }
 
-TEST(Upload, IsBoundedInSizeAndNumber) {
+TEST(Upload, WithoutBoundInSizeOrNumber) {
     const std::string block(4096, 'x');
     Uploads uploads;
     std::size_t sent = 0;
@@ -91,7 +91,7 @@ TEST(Upload, IsBoundedInSizeAndNumber) {
     EXPECT_EQ(counted->text, "");
 }
 
-TEST(XmlUrl, LosesItsSchemeAndQuotesOrIsRefused) {
+TEST(XmlUrl, ThatIsReadOtherwise) {
     const std::pair<const char*, std::optional<std::string>> rows[] = {
         {"str://\"<a b=\"c\"/>\"", "<a b=\"c\"/>"},
         {"str://<a/>", "<a/>"},
