@@ -3,6 +3,7 @@
 
 #include "middleware/xml/file.h"
 #include "middleware/xml/text.h"
+#include "practice_router/document/text.h"
 #include "practice_router/document/xml.h"
 #include "product/vocabulary.h"
 
@@ -35,33 +36,27 @@ std::string readInto(const std::string& path, std::string& content) {
 
 } // namespace
 
-std::optional<std::string> readFile(const std::string& path, std::string& error) {
+std::string readFile(const std::string& path) {
     std::string content;
     const std::string reason = readInto(path, content);
-    if (!reason.empty()) {
-        error = "cannot read the file " + path + ": " + reason;
-        return std::nullopt;
-    }
-    return content;
+    return reason.empty() ? content : throw Refusal{"cannot read the file " + path + ": " + reason};
 }
 
-std::optional<std::string> readXmlUrl(std::string_view url, std::string& error) {
+std::string readXmlUrl(std::string_view url) {
     if (url.starts_with(FILE_SCHEME)) {
-        return readFile(std::string(xml::trimmed(url.substr(FILE_SCHEME.size()))), error);
+        return readFile(std::string(xml::trimmed(url.substr(FILE_SCHEME.size()))));
     }
     if (!url.starts_with(INLINE_SCHEME)) {
-        error = "the XML is not complete: it must begin with str:// or file://; send it again";
-        return std::nullopt;
+        throw Refusal{"the XML is not complete: it must begin with str:// or file://; send it again"};
     }
-    std::string_view xml = xml::trimmed(url.substr(INLINE_SCHEME.size()));
-    if (xml.starts_with('"')) {
-        if (xml.size() < 2 || !xml.ends_with('"')) {
-            error = "the XML is not complete: its closing double quote is missing; send it again";
-            return std::nullopt;
+    std::string_view text = xml::trimmed(url.substr(INLINE_SCHEME.size()));
+    if (text.starts_with('"')) {
+        if (text.size() < 2 || !text.ends_with('"')) {
+            throw Refusal{"the XML is not complete: its closing double quote is missing; send it again"};
         }
-        xml = xml.substr(1, xml.size() - 2);
+        text = text.substr(1, text.size() - 2);
     }
-    return std::string(xml);
+    return std::string(text);
 }
 
 } // namespace zul::practice
