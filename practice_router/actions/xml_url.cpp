@@ -12,34 +12,31 @@
 
 namespace zul::practice {
 
-namespace {
-
 using product::FILE_SCHEME;
 using product::INLINE_SCHEME;
 
-// Why the file cannot be read; empty when `content` holds it.
-std::string readInto(const std::string& path, std::string& content) {
+std::string readFile(const std::string& path) {
+    const auto refuse = [&path](const std::string& reason) {
+        throw Refusal{"cannot read the file " + path + ": " + reason};
+    };
     const xml::File file(path.c_str());
     if (!file.isReadable()) {
-        return file.failure() != 0 ? std::system_category().message(file.failure()) : "it is no regular file";
+        refuse(file.failure() != 0 ? std::system_category().message(file.failure())
+                                   : "it is no regular file");
     }
+    std::string content;
     char block[65536];
     int count = 0;
     while ((count = file.read(block, sizeof(block))) > 0) {
         content.append(block, static_cast<std::size_t>(count));
         if (content.size() > MAX_DOCUMENT_SIZE) {
-            return "it has more than " + std::to_string(MAX_DOCUMENT_SIZE) + " bytes";
+            refuse("it has more than " + std::to_string(MAX_DOCUMENT_SIZE) + " bytes");
         }
     }
-    return count < 0 ? std::system_category().message(errno) : "";
-}
-
-} // namespace
-
-std::string readFile(const std::string& path) {
-    std::string content;
-    const std::string reason = readInto(path, content);
-    return reason.empty() ? content : throw Refusal{"cannot read the file " + path + ": " + reason};
+    if (count < 0) {
+        refuse(std::system_category().message(errno));
+    }
+    return content;
 }
 
 std::string readXmlUrl(std::string_view url) {

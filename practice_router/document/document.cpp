@@ -41,18 +41,14 @@ bool isDomainId(std::string_view text) {
            value <= DDS_DOMAIN_ID_MAX;
 }
 
-[[noreturn]] void refuse(const xmlNode* node, const std::string& what) {
-    throw Refusal{"line " + std::to_string(lineOf(node)) + ": " + what};
-}
-
 void checkName(const xmlNode* node, std::set<std::string>& siblings) {
     const std::string name = nameOf(node);
     const std::string what = "the name " + quoted(name) + " of this " + std::string(tagOf(node));
     if (!isName(name)) {
-        refuse(node, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
+        refuseAt(node, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
     }
     if (!siblings.insert(name).second) {
-        refuse(node, what + " is taken by an element beside it; choose another");
+        refuseAt(node, what + " is taken by an element beside it; choose another");
     }
 }
 
@@ -63,15 +59,13 @@ void checkElement(const xmlNode* node, const Definition& definition, const std::
     if (stop.stop_requested()) {
         throw Refusal{STOPPED};
     }
-    if (const auto fault = definition.faultIn(node)) {
-        refuse(fault->element, fault->what);
-    }
+    definition.check(node);
     if (levelOf(node)) {
         checkName(node, siblings);
     }
     if (tagOf(node) == "domain_id" && !isDomainId(textOf(node))) {
-        refuse(node, quoted(textOf(node)) + " is no domain id; expected an integer from 0 to " +
-                         std::to_string(DDS_DOMAIN_ID_MAX));
+        refuseAt(node, quoted(textOf(node)) + " is no domain id; expected an integer from 0 to " +
+                           std::to_string(DDS_DOMAIN_ID_MAX));
     }
     std::set<std::string> names;
     for (const xmlNode* child : elementsIn(node)) {
@@ -84,7 +78,7 @@ void checkElement(const xmlNode* node, const Definition& definition, const std::
 void checkDocument(const xmlDoc* document, const std::stop_token& stop) {
     const xmlNode* root = xmlDocGetRootElement(document);
     if (tagOf(root) != ROOT_TAG) {
-        refuse(root, "the root element is " + describe(root) + "; it must be dds");
+        refuseAt(root, "the root element is " + describe(root) + "; it must be dds");
     }
     std::set<std::string> none;
     checkElement(root, Definition::ofProduct(), stop, none);
