@@ -2,6 +2,7 @@
 // whole or not at all. What it finds wrong by the definition, the library finds wrong too, and the reverse.
 #include "practice_router/actions/configuration.h"
 #include "practice_router/document/definition.h"
+#include "practice_router/document/text.h"
 #include "practice_router/document/xml_nodes.h"
 #include "product/product_info.h"
 
@@ -28,20 +29,31 @@ xmlDtd* parseDtd() {
         XML_CHAR_ENCODING_NONE);
 }
 
-bool followsRules(const xmlNode* element) {
-    bool follows = !Definition::ofProduct().faultIn(element);
-    for (const xmlNode* child = firstChild(element); child != nullptr && follows;
-         child = nextElement(child)) {
-        follows = followsRules(child);
+void checkRules(const xmlNode* element) {
+    Definition::ofProduct().check(element);
+    for (const xmlNode* child : elementsIn(element)) {
+        checkRules(child);
     }
-    return follows;
+}
+
+bool followsRules(const xmlNode* root) {
+    try {
+        checkRules(root);
+    } catch (const Refusal&) {
+        return false;
+    }
+    return true;
 }
 
 void compareWithLibrary(std::string_view bytes) {
     static xmlDtd* const dtd = parseDtd();
-    std::string error;
-    const XmlDocument document = parseXml(bytes, {}, error);
-    if (document == nullptr || xmlDocGetRootElement(document.get())->nsDef != nullptr) {
+    XmlDocument document;
+    try {
+        document = parseXml(bytes, {});
+    } catch (const Refusal&) {
+        return;
+    }
+    if (xmlDocGetRootElement(document.get())->nsDef != nullptr) {
         return; // the library knows nothing of schema locations
     }
     xmlValidCtxt* validator = xmlNewValidCtxt();

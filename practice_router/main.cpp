@@ -29,19 +29,12 @@ int fail(int status, const std::string& what) {
     return status;
 }
 
-// False with `error` filled when the start document cannot be used.
-bool loadStartDocument(Router& router, const std::string& file, std::string& error) {
-    std::string xml = *ROUTER_getProductInfo()->builtinDefaultConfiguration;
-    if (!file.empty()) {
-        std::optional<std::string> content = readFile(file, error);
-        if (!content) {
-            return false;
-        }
-        xml = std::move(*content);
+void loadStartDocument(Router& router, const std::string& file) {
+    const Answer answer = router.configuration().loadFirst(
+        file.empty() ? *ROUTER_getProductInfo()->builtinDefaultConfiguration : readFile(file));
+    if (answer.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK) {
+        throw Refusal{(file.empty() ? "the builtin default configuration" : file) + ": " + answer.text};
     }
-    const Answer answer = router.configuration().loadFirst(xml);
-    error = (file.empty() ? "the builtin default configuration" : file) + ": " + answer.text;
-    return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
 }
 
 // The whole path of an existing directory; empty when it is none.
@@ -110,9 +103,7 @@ int start(int argc, char** argv) {
                                              : ROUTER_PRODUCT_ROUTING_SERVICE);
     RequestQueue queue;
     Router router(options.name, saveDirectory, options.countsOnly, queue.ending());
-    if (!loadStartDocument(router, options.configurationFile, error)) {
-        return fail(EXIT_CANNOT_START, error);
-    }
+    loadStartDocument(router, options.configurationFile);
     return run(options, router, queue);
 }
 
@@ -123,6 +114,8 @@ int main(int argc, char** argv) {
     int status = EXIT_CANNOT_START;
     try {
         status = start(argc, argv);
+    } catch (const Refusal& refusal) {
+        fail(status, refusal.why);
     } catch (const std::bad_alloc&) {
         fail(status, "out of memory");
     }

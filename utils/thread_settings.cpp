@@ -1,5 +1,4 @@
-// The text is copied into a buffer of fixed size and cut at each "|" there. A keyword's three spellings
-// differ only in what comes before it.
+// The text is copied into a buffer of fixed size and cut at each "|" there.
 #include "utils/thread_settings.h"
 
 #include "middleware/base/strings.h"
@@ -11,41 +10,31 @@
 
 namespace {
 
-// The bare spelling of a keyword; the full ones have "THREAD_SETTINGS_" and the infix before it.
+// clang-format off
 struct Keyword {
-    std::string_view bare;
-    std::string_view infix;
+    std::string_view spellings[3];
     std::uint32_t bits;
 };
 constexpr Keyword KEYWORDS[] = {
-    {"MASK_DEFAULT", "KIND_", DDS_THREAD_SETTINGS_KIND_MASK_DEFAULT},
-    {"FLOATING_POINT", "", DDS_THREAD_SETTINGS_FLOATING_POINT},
-    {"STDIO", "", DDS_THREAD_SETTINGS_STDIO},
-    {"REALTIME_PRIORITY", "", DDS_THREAD_SETTINGS_REALTIME_PRIORITY},
-    {"PRIORITY_ENFORCE", "", DDS_THREAD_SETTINGS_PRIORITY_ENFORCE},
+    {{"MASK_DEFAULT", "DDS_THREAD_SETTINGS_KIND_MASK_DEFAULT", "THREAD_SETTINGS_KIND_MASK_DEFAULT"},
+     DDS_THREAD_SETTINGS_KIND_MASK_DEFAULT},
+    {{"FLOATING_POINT", "DDS_THREAD_SETTINGS_FLOATING_POINT", "THREAD_SETTINGS_FLOATING_POINT"},
+     DDS_THREAD_SETTINGS_FLOATING_POINT},
+    {{"STDIO", "DDS_THREAD_SETTINGS_STDIO", "THREAD_SETTINGS_STDIO"},
+     DDS_THREAD_SETTINGS_STDIO},
+    {{"REALTIME_PRIORITY", "DDS_THREAD_SETTINGS_REALTIME_PRIORITY", "THREAD_SETTINGS_REALTIME_PRIORITY"},
+     DDS_THREAD_SETTINGS_REALTIME_PRIORITY},
+    {{"PRIORITY_ENFORCE", "DDS_THREAD_SETTINGS_PRIORITY_ENFORCE", "THREAD_SETTINGS_PRIORITY_ENFORCE"},
+     DDS_THREAD_SETTINGS_PRIORITY_ENFORCE},
 };
-constexpr std::string_view FULL_PREFIXES[] = {"DDS_THREAD_SETTINGS_", "THREAD_SETTINGS_"};
-
-bool isSpellingOf(const Keyword& keyword, std::string_view word) {
-    if (ZULString_equalsIgnoreCase(word, keyword.bare)) {
-        return true;
-    }
-    for (const std::string_view prefix : FULL_PREFIXES) {
-        const std::size_t start = prefix.size() + keyword.infix.size();
-        if (word.size() == start + keyword.bare.size() &&
-            ZULString_equalsIgnoreCase(word.substr(0, prefix.size()), prefix) &&
-            ZULString_equalsIgnoreCase(word.substr(prefix.size(), keyword.infix.size()), keyword.infix) &&
-            ZULString_equalsIgnoreCase(word.substr(start), keyword.bare)) {
-            return true;
-        }
-    }
-    return false;
-}
+// clang-format on
 
 std::optional<std::uint32_t> bitsOf(std::string_view word) {
     for (const Keyword& keyword : KEYWORDS) {
-        if (isSpellingOf(keyword, word)) {
-            return keyword.bits;
+        for (const std::string_view spelling : keyword.spellings) {
+            if (ZULString_equalsIgnoreCase(word, spelling)) {
+                return keyword.bits;
+            }
         }
     }
     return std::nullopt;

@@ -29,15 +29,12 @@ struct ZULXMLError {
 };
 
 struct ZULXMLTypeSet;
-struct ZULXMLTypeSetDeleter {
-    void operator()(ZULXMLTypeSet* types) const;
-};
 
 struct ZULXMLDocument {
-    ZULXMLObject* root = nullptr; // null when the document could not be read
-    std::string path{};           // of the file; empty when it came as text
-    ZULXMLError error{};          // why there is no root, or not the type last asked for
-    std::unique_ptr<ZULXMLTypeSet, ZULXMLTypeSetDeleter> types{}; // once they were asked for
+    ZULXMLObject* root = nullptr;                 // null when the document could not be read
+    std::string path{};                           // of the file; empty when it came as text
+    ZULXMLError error{};                          // why there is no root, or not the type last asked for
+    std::shared_ptr<const ZULXMLTypeSet> types{}; // once they were asked for
 };
 
 void ZULXMLDocument_delete(ZULXMLDocument* self); // null is ignored

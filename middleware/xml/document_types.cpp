@@ -5,10 +5,6 @@
 
 #include <new>
 
-void ZULXMLTypeSetDeleter::operator()(ZULXMLTypeSet* types) const {
-    delete types;
-}
-
 namespace {
 
 ZULXMLTypeDefinition definitionOf(ZULXMLDocument* self, std::string_view name) {
@@ -35,10 +31,10 @@ ZULXMLTypeDefinition ZULXMLDocument_findType(ZULXMLDocument* self, std::string_v
     self->error = {};
     try {
         if (self->types == nullptr) {
-            std::unique_ptr<ZULXMLTypeSet, ZULXMLTypeSetDeleter> types(new ZULXMLTypeSet);
+            const auto types = std::make_shared<ZULXMLTypeSet>();
             ZULXMLError first; // of whatever type
             zul::xml::TypeReader(*types, first).read(*self);
-            self->types = std::move(types);
+            self->types = types;
         }
         return definitionOf(self, name);
     } catch (const std::bad_alloc&) {

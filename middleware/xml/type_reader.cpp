@@ -78,20 +78,17 @@ void TypeReader::readDefinitions(Element parent, Scope scope) {
         const std::string name = ownName.empty() ? "" : scopedName(scope, ownName);
         ZULXMLTypeEntry* entry = name.empty() ? nullptr : beginEntry(*child, name);
         try {
-            readDefinition(*child, parent, scope);
+            const Definition* definition = findDefinition(child->tagName);
+            if (definition == nullptr) {
+                fail(*child,
+                     "<" + std::string(child->tagName) + "> cannot stand in <" + parent.tagName + ">");
+            }
+            checkForm(*child);
+            (this->*definition->read)(*child, scope);
         } catch (ZULXMLError& error) {
             tell(*child, name, entry, std::move(error));
         }
     }
-}
-
-void TypeReader::readDefinition(Element element, Element parent, Scope scope) {
-    const Definition* definition = findDefinition(element.tagName);
-    if (definition == nullptr) {
-        fail(element, "<" + std::string(element.tagName) + "> cannot stand in <" + parent.tagName + ">");
-    }
-    checkForm(element);
-    (this->*definition->read)(element, scope);
 }
 
 // The first of several counts, and any definition more than an announcement.

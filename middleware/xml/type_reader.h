@@ -76,7 +76,6 @@ private:
     // type_reader.cpp: sections, modules and small definitions
     void readSections(const ZULXMLDocument& document, Scope scope);
     void readDefinitions(Element parent, Scope scope);
-    void readDefinition(Element element, Element parent, Scope scope);
     // The entry of the name that the element defines, if the element is the one that counts; otherwise null.
     ZULXMLTypeEntry* beginEntry(Element element, const std::string& name);
     void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error);

@@ -6,6 +6,7 @@
 #include "admin_types/modules.h"
 #include "practice_router/document/text.h"
 
+#include <new>
 #include <string>
 
 namespace zul::practice {
@@ -22,5 +23,17 @@ struct Answer {
         return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND, shortened(text, MAX_FAILURE)};
     }
 };
+
+// What an operation answers. What it throws has left everything as it was.
+template <class Operation>
+auto answered(const Operation& operation) -> decltype(operation()) {
+    try {
+        return operation();
+    } catch (const Refusal& refusal) {
+        return refusal.isMissing ? Answer::notFound(refusal.why) : Answer::error(refusal.why);
+    } catch (const std::bad_alloc&) {
+        return Answer::error("out of memory");
+    }
+}
 
 } // namespace zul::practice

@@ -47,7 +47,7 @@ public:
 
 private:
     friend class Draft;
-    Answer take(std::string_view xml, std::string_view configurationName, const Answer& whenMissing);
+    Answer take(std::string_view xml, std::string_view configurationName, const Refusal& whenMissing);
 
     XmlDocument document_;       // null while none is loaded
     xmlNode* service_ = nullptr; // in the document

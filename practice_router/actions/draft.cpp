@@ -7,7 +7,23 @@
 
 namespace zul::practice {
 
-Draft::Draft(Configuration& configuration, std::string_view path)
+namespace {
+
+// As text it must be what can be loaded again. Only a refusal is worth a second tree: it has the lines.
+void checkAsText(xmlDoc* document, const std::stop_token& stop) {
+    const std::string text = writeXml(document);
+    try {
+        checkXml(text, stop);
+        checkDocument(document, stop);
+    } catch (const Refusal&) {
+        readDocument(text, stop);
+        throw;
+    }
+}
+
+} // namespace
+
+Draft::Draft(Configuration& configuration, std::string_view path, const char* what)
     : configuration_(configuration), document_(copyXml(configuration.document_.get())) {
     const xmlNode* root = xmlDocGetRootElement(configuration.document_.get());
     xmlNode* copy = xmlDocGetRootElement(document_.get());
@@ -17,28 +33,28 @@ Draft::Draft(Configuration& configuration, std::string_view path)
         service_ = nextElement(service_);
     }
     entity_ = findEntity(service_, path);
+    if (entity_ == nullptr) {
+        refuseMissing(path, what);
+    }
 }
 
-XmlDocument Draft::parseSnippet(std::string_view text, std::string& error) const {
-    return parseXml(text, configuration_.stop_, error, document_->dict);
+XmlDocument Draft::parseSnippet(std::string_view text) const {
+    return parseXml(text, configuration_.stop_, document_->dict);
 }
 
 Answer Draft::activate(std::string done) {
-    // As text it must be what can be loaded again. Only a refusal is worth a second tree: it has the lines.
-    const std::string text = writeXml(document_.get());
-    std::string error;
-    if (!isReadableXml(text, configuration_.stop_, error) ||
-        !isAcceptable(document_.get(), configuration_.stop_, error)) {
-        readDocument(text, configuration_.stop_, error);
-        return Answer::error("the configuration would become invalid: " + error);
+    try {
+        checkAsText(document_.get(), configuration_.stop_);
+    } catch (const Refusal& refusal) {
+        throw Refusal{"the configuration would become invalid: " + refusal.why};
     }
     configuration_.document_ = std::move(document_);
     configuration_.service_ = service_;
     return Answer::ok(std::move(done));
 }
 
-Answer noEntity(std::string_view path, std::string_view what) {
-    return Answer::notFound("no " + std::string(what) + " named " + std::string(path));
+void refuseMissing(std::string_view path, const char* what) {
+    throw Refusal{.why = "no " + std::string(what) + " named " + std::string(path), .isMissing = true};
 }
 
 std::string pathInWords(const xmlNode* entity) {

@@ -8,14 +8,14 @@ namespace zul::practice {
 
 class Draft {
 public:
-    // A copy of the active document, and the entity at a path in it.
-    Draft(Configuration& configuration, std::string_view path);
+    // A copy of the active document, and the entity at a path in it. Refuses a path that leads nowhere.
+    Draft(Configuration& configuration, std::string_view path, const char* what = "entity");
 
-    xmlNode* entity() const { return entity_; } // null: there is none of that path
+    xmlNode* entity() const { return entity_; }
     // Parses a snippet whose nodes may be moved into the draft.
-    XmlDocument parseSnippet(std::string_view text, std::string& error) const;
-    // Makes the draft the active document and answers `done`, or says why it would not be accepted. Nothing
-    // fails after the change.
+    XmlDocument parseSnippet(std::string_view text) const;
+    // Makes the draft the active document and answers `done`; nothing fails after that. Refuses what would
+    // not be accepted.
     Answer activate(std::string done);
 
 private:
@@ -25,8 +25,8 @@ private:
     xmlNode* entity_ = nullptr;
 };
 
-// That an operation named an entity that is not there.
-Answer noEntity(std::string_view path, std::string_view what = "entity");
+// Refuses the name of an entity that is not there.
+[[noreturn]] void refuseMissing(std::string_view path, const char* what);
 // "the router", or the path of an entity.
 std::string pathInWords(const xmlNode* entity);
 

@@ -89,59 +89,57 @@ std::string peersOf(const xmlNode* participant, std::size_t& count) {
 } // namespace
 
 Answer Configuration::changeState(StateChange change, std::string_view path) {
-    Draft draft(*this, path);
-    xmlNode* entity = draft.entity();
-    if (entity == nullptr) {
-        return noEntity(path);
-    }
-    const Transition& wanted = TRANSITIONS[static_cast<std::size_t>(change)];
-    const EntityState state = stateOf(entity);
-    const char* refusal = !state.enabled ? wanted.ofDisabled
-                          : state.paused ? wanted.ofPaused
-                                         : wanted.ofRunning;
-    if (refusal != nullptr) {
-        return Answer::error(pathInWords(entity) + " " + refusal);
-    }
-    const xmlNode* around = wanted.needsEnabledAncestors ? disabledAncestor(entity) : nullptr;
-    if (around != nullptr) {
-        return Answer::error(pathInWords(around) + " is disabled; enable it first");
-    }
-    setState(entity, wanted.result);
-    return draft.activate(std::string(wanted.done) + " " + pathInWords(entity));
+    return answered([&] {
+        Draft draft(*this, path);
+        xmlNode* entity = draft.entity();
+        const Transition& wanted = TRANSITIONS[static_cast<std::size_t>(change)];
+        const EntityState state = stateOf(entity);
+        const char* refusal = !state.enabled ? wanted.ofDisabled
+                              : state.paused ? wanted.ofPaused
+                                             : wanted.ofRunning;
+        if (refusal != nullptr) {
+            throw Refusal{pathInWords(entity) + " " + refusal};
+        }
+        const xmlNode* around = wanted.needsEnabledAncestors ? disabledAncestor(entity) : nullptr;
+        if (around != nullptr) {
+            throw Refusal{pathInWords(around) + " is disabled; enable it first"};
+        }
+        setState(entity, wanted.result);
+        return draft.activate(std::string(wanted.done) + " " + pathInWords(entity));
+    });
 }
 
 Answer Configuration::addPeers(std::string_view domainRoutePath, bool isFirstParticipant,
                                const std::vector<std::string>& peers) {
-    Draft draft(*this, domainRoutePath);
-    const xmlNode* entity = draft.entity();
-    if (entity == nullptr || levelOf(entity) != EntityLevel::DOMAIN_ROUTE) {
-        return noEntity(domainRoutePath, "domain route");
-    }
-    const std::string side = isFirstParticipant ? "participant_1" : "participant_2";
-    xmlNode* participant = lastChildNamed(entity, side);
-    if (participant == nullptr) {
-        return Answer::error(pathInWords(entity) + " has no " + side +
-                             "; that side is the connection of an adapter");
-    }
-    if (peers.empty()) {
-        return Answer::error("no peers are given; name at least one");
-    }
-    const auto bad = std::ranges::find_if_not(peers, isPeer);
-    if (bad != peers.end()) {
-        return Answer::error(quoted(*bad) + " is no peer; give addresses without blanks");
-    }
-    const XmlDocument snippet = peerSnippet(peers);
-    std::string error;
-    if (!mergeChild(participant, xmlDocGetRootElement(snippet.get()), error)) {
-        return Answer::error(error);
-    }
-    std::size_t count = 0;
-    const std::string known = peersOf(participant, count);
-    if (count > MAX_PEERS) {
-        return Answer::error(pathInWords(entity) + " would have more than " + std::to_string(MAX_PEERS) +
-                             " peers; give fewer");
-    }
-    return draft.activate("peers of " + pathInWords(entity) + " " + side + ": " + known);
+    return answered([&] {
+        Draft draft(*this, domainRoutePath, "domain route");
+        const xmlNode* entity = draft.entity();
+        if (levelOf(entity) != EntityLevel::DOMAIN_ROUTE) {
+            refuseMissing(domainRoutePath, "domain route");
+        }
+        const std::string side = isFirstParticipant ? "participant_1" : "participant_2";
+        xmlNode* participant = lastChildNamed(entity, side);
+        if (participant == nullptr) {
+            throw Refusal{pathInWords(entity) + " has no " + side +
+                          "; that side is the connection of an adapter"};
+        }
+        if (peers.empty()) {
+            throw Refusal{"no peers are given; name at least one"};
+        }
+        const auto bad = std::ranges::find_if_not(peers, isPeer);
+        if (bad != peers.end()) {
+            throw Refusal{quoted(*bad) + " is no peer; give addresses without blanks"};
+        }
+        const XmlDocument snippet = peerSnippet(peers);
+        mergeChild(participant, xmlDocGetRootElement(snippet.get()));
+        std::size_t count = 0;
+        const std::string known = peersOf(participant, count);
+        if (count > MAX_PEERS) {
+            throw Refusal{pathInWords(entity) + " would have more than " + std::to_string(MAX_PEERS) +
+                          " peers; give fewer"};
+        }
+        return draft.activate("peers of " + pathInWords(entity) + " " + side + ": " + known);
+    });
 }
 
 } // namespace zul::practice

@@ -5,7 +5,6 @@
 #include "practice_router/actions/xml_url.h"
 
 #include <algorithm>
-#include <new>
 
 namespace zul::practice {
 
@@ -72,19 +71,19 @@ Answer actOnUpload(const Action& action, Task task, const Upload& upload, bool c
                           std::to_string(upload.pieces) + " pieces");
     }
     if (upload.isTooLarge) {
-        return Answer::error("the XML has " + std::to_string(upload.bytes) + " bytes; at most " +
-                             std::to_string(MAX_UPLOAD_SIZE) + " are accepted");
+        throw Refusal{"the XML has " + std::to_string(upload.bytes) + " bytes; at most " +
+                      std::to_string(MAX_UPLOAD_SIZE) + " are accepted"};
     }
-    std::string error;
-    const std::optional<std::string> xml = readXmlUrl(upload.text, error);
-    if (!xml) {
-        return Answer::error(error);
-    }
-    task.xml = *xml;
+    const std::string xml = readXmlUrl(upload.text);
+    task.xml = xml;
     return action.act(task);
 }
 
 } // namespace
+
+std::optional<Answer> Router::handle(const Request& request) {
+    return answered([&] { return act(request); });
+}
 
 std::optional<Answer> Router::act(const Request& request) {
     const auto* action = std::ranges::find(ACTIONS, request.kind, &Action::kind);
@@ -99,22 +98,13 @@ std::optional<Answer> Router::act(const Request& request) {
         uploads_.interrupt(request);
     }
     if (!isKnown) {
-        return Answer::error("unknown command " + std::to_string(request.kind));
+        throw Refusal{"unknown command " + std::to_string(request.kind)};
     }
     if (action->needsConfiguration && !configuration_.isLoaded()) {
-        return Answer::error("no configuration is loaded; load one first");
+        throw Refusal{"no configuration is loaded; load one first"};
     }
     const Task task{*this, configuration_, request, upload ? upload->entity : request.entity, {}};
     return upload ? actOnUpload(*action, task, *upload, uploads_.countsOnly()) : action->act(task);
-}
-
-// What runs out of memory has changed a draft only.
-std::optional<Answer> Router::handle(const Request& request) {
-    try {
-        return act(request);
-    } catch (const std::bad_alloc&) {
-        return Answer::error("out of memory");
-    }
 }
 
 } // namespace zul::practice

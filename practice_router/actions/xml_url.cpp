@@ -3,6 +3,7 @@
 
 #include "middleware/xml/file.h"
 #include "middleware/xml/text.h"
+#include "practice_router/document/text.h"
 #include "practice_router/document/xml.h"
 #include "product/vocabulary.h"
 
@@ -11,57 +12,48 @@
 
 namespace zul::practice {
 
-namespace {
-
 using product::FILE_SCHEME;
 using product::INLINE_SCHEME;
 
-// Why the file cannot be read; empty when `content` holds it.
-std::string readInto(const std::string& path, std::string& content) {
+std::string readFile(const std::string& path) {
+    const auto refuse = [&path](const std::string& reason) {
+        throw Refusal{"cannot read the file " + path + ": " + reason};
+    };
     const xml::File file(path.c_str());
     if (!file.isReadable()) {
-        return file.failure() != 0 ? std::system_category().message(file.failure()) : "it is no regular file";
+        refuse(file.failure() != 0 ? std::system_category().message(file.failure())
+                                   : "it is no regular file");
     }
+    std::string content;
     char block[65536];
     int count = 0;
     while ((count = file.read(block, sizeof(block))) > 0) {
         content.append(block, static_cast<std::size_t>(count));
         if (content.size() > MAX_DOCUMENT_SIZE) {
-            return "it has more than " + std::to_string(MAX_DOCUMENT_SIZE) + " bytes";
+            refuse("it has more than " + std::to_string(MAX_DOCUMENT_SIZE) + " bytes");
         }
     }
-    return count < 0 ? std::system_category().message(errno) : "";
-}
-
-} // namespace
-
-std::optional<std::string> readFile(const std::string& path, std::string& error) {
-    std::string content;
-    const std::string reason = readInto(path, content);
-    if (!reason.empty()) {
-        error = "cannot read the file " + path + ": " + reason;
-        return std::nullopt;
+    if (count < 0) {
+        refuse(std::system_category().message(errno));
     }
     return content;
 }
 
-std::optional<std::string> readXmlUrl(std::string_view url, std::string& error) {
+std::string readXmlUrl(std::string_view url) {
     if (url.starts_with(FILE_SCHEME)) {
-        return readFile(std::string(xml::trimmed(url.substr(FILE_SCHEME.size()))), error);
+        return readFile(std::string(xml::trimmed(url.substr(FILE_SCHEME.size()))));
     }
     if (!url.starts_with(INLINE_SCHEME)) {
-        error = "the XML is not complete: it must begin with str:// or file://; send it again";
-        return std::nullopt;
+        throw Refusal{"the XML is not complete: it must begin with str:// or file://; send it again"};
     }
-    std::string_view xml = xml::trimmed(url.substr(INLINE_SCHEME.size()));
-    if (xml.starts_with('"')) {
-        if (xml.size() < 2 || !xml.ends_with('"')) {
-            error = "the XML is not complete: its closing double quote is missing; send it again";
-            return std::nullopt;
+    std::string_view text = xml::trimmed(url.substr(INLINE_SCHEME.size()));
+    if (text.starts_with('"')) {
+        if (text.size() < 2 || !text.ends_with('"')) {
+            throw Refusal{"the XML is not complete: its closing double quote is missing; send it again"};
         }
-        xml = xml.substr(1, xml.size() - 2);
+        text = text.substr(1, text.size() - 2);
     }
-    return std::string(xml);
+    return std::string(text);
 }
 
 } // namespace zul::practice

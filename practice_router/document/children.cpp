@@ -80,16 +80,15 @@ bool Children::hasSeveral(std::string_view tag) const {
     return lookUp(byTag_, std::string(tag)).count > 1;
 }
 
-bool Children::insert(xmlNode* child, std::string& error) {
+void Children::insert(xmlNode* child) {
     const std::string_view tag = tagOf(child);
     const auto atEnd = content_.after(end_, tag);
     const bool fitsAtEnd = atEnd && atEnd->isComplete;
     const std::optional<xmlNode*> place =
         fitsAtEnd ? std::optional<xmlNode*>(nullptr) : content_.placeFor(tag, parent_);
     if (!place) {
-        error = shortened(tag) + " has no place in " + describe(parent_) +
-                "; after its other elements may come " + content_.expected(end_);
-        return false;
+        throw Refusal{shortened(tag) + " has no place in " + describe(parent_) +
+                      "; after its other elements may come " + content_.expected(end_)};
     }
     xmlUnlinkNode(child);
     xmlSetTreeDoc(child, parent_->doc);
@@ -100,7 +99,6 @@ bool Children::insert(xmlNode* child, std::string& error) {
     } else {
         findEnd();
     }
-    return true;
 }
 
 } // namespace zul::practice

@@ -29,8 +29,8 @@ public:
     bool hasSeveral(std::string_view tag) const;
 
     // Moves `child` here, out of a document that shares the dictionary, to the last place where the
-    // definition allows it. False, with `error` saying so, when that is nowhere.
-    bool insert(xmlNode* child, std::string& error);
+    // definition allows it. Refuses what that leaves no place for.
+    void insert(xmlNode* child);
 
 private:
     void note(xmlNode* child);

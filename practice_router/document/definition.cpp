@@ -197,16 +197,16 @@ const ContentModel* Definition::contentOf(std::string_view tag) const {
     return rule != rules_.end() ? &rule->second.content : nullptr;
 }
 
-std::optional<Definition::Fault> Definition::faultIn(const xmlNode* element) const {
+void Definition::check(const xmlNode* element) const {
     const auto rule = rules_.find(tagOf(element));
     if (rule == rules_.end()) {
-        return Fault{element, describe(element) + " is not known"};
+        refuseAt(element, describe(element) + " is not known");
     }
-    std::optional<Fault> fault = faultInAttributes(rule->second, element);
-    return fault ? fault : faultInContent(rule->second, element);
+    checkAttributes(rule->second, element);
+    checkContent(rule->second, element);
 }
 
-std::optional<Definition::Fault> Definition::faultInAttributes(const Rule& rule, const xmlNode* element) {
+void Definition::checkAttributes(const Rule& rule, const xmlNode* element) {
     for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
         if (isSchemaLocation(attribute)) {
             continue;
@@ -219,46 +219,44 @@ std::optional<Definition::Fault> Definition::faultInAttributes(const Rule& rule,
             for (const Attribute& each : rule.attributes) {
                 names.push_back(each.name);
             }
-            return Fault{element, describe(element) + " has no attribute " + shortened(name) + "; expected " +
-                                      (names.empty() ? "no attribute" : listed(names))};
+            refuseAt(element, describe(element) + " has no attribute " + shortened(name) + "; expected " +
+                                  (names.empty() ? "no attribute" : listed(names)));
         }
         const std::string value = attributeOf(element, declared->name.c_str());
         if (!declared->words.empty() && std::ranges::find(declared->words, value) == declared->words.end()) {
-            return Fault{element, "the attribute " + declared->name + " of " + describe(element) + " is " +
-                                      quoted(value) + "; expected " + listed(declared->words)};
+            refuseAt(element, "the attribute " + declared->name + " of " + describe(element) + " is " +
+                                  quoted(value) + "; expected " + listed(declared->words));
         }
     }
     for (const Attribute& each : rule.attributes) {
         if (each.isRequired && xmlHasProp(element, toXml(each.name)) == nullptr) {
-            return Fault{element, describe(element) + " lacks an attribute; expected " + each.name};
+            refuseAt(element, describe(element) + " lacks an attribute; expected " + each.name);
         }
     }
-    return std::nullopt;
 }
 
-std::optional<Definition::Fault> Definition::faultInContent(const Rule& rule, const xmlNode* element) {
+void Definition::checkContent(const Rule& rule, const xmlNode* element) {
     if (rule.isEmpty && element->children != nullptr) {
-        return Fault{element, describe(element) + " has content; expected none"};
+        refuseAt(element, describe(element) + " has content; expected none");
     }
     ContentModel::State state = rule.content.begin();
     for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
         if (isText(child) && !rule.allowsText) {
-            return Fault{element,
-                         describe(element) + " holds text; expected " + rule.content.expected(state)};
+            refuseAt(element, describe(element) + " holds text; expected " + rule.content.expected(state));
         }
         if (child->type != XML_ELEMENT_NODE) {
             continue;
         }
         const auto next = rule.content.after(state, tagOf(child));
         if (!next) {
-            return Fault{child, describe(child) + " cannot stand here in " + describe(element) +
-                                    "; expected " + rule.content.expected(state)};
+            refuseAt(child, describe(child) + " cannot stand here in " + describe(element) + "; expected " +
+                                rule.content.expected(state));
         }
         state = *next;
     }
-    return state.isComplete ? std::nullopt
-                            : std::optional(Fault{element, describe(element) + " is not complete; expected " +
-                                                               rule.content.expected(state)});
+    if (!state.isComplete) {
+        refuseAt(element, describe(element) + " is not complete; expected " + rule.content.expected(state));
+    }
 }
 
 } // namespace zul::practice

@@ -61,20 +61,15 @@ private:
 
 class Definition {
 public:
-    struct Fault {
-        const xmlNode* element; // the one to blame
-        std::string what;
-    };
-
     // The selected product's.
     static const Definition& ofProduct();
     explicit Definition(const xmlDtd& dtd);
 
     // How the content of an element is made up; null when it is not declared.
     const ContentModel* contentOf(std::string_view tag) const;
-    // What is wrong with the attributes of an element or the list of its children. What is inside the
+    // Refuses what is wrong with the attributes of an element or the list of its children. What is inside the
     // children is not looked at.
-    std::optional<Fault> faultIn(const xmlNode* element) const;
+    void check(const xmlNode* element) const;
 
 private:
     struct Attribute {
@@ -89,8 +84,8 @@ private:
         std::vector<Attribute> attributes;
     };
 
-    static std::optional<Fault> faultInAttributes(const Rule& rule, const xmlNode* element);
-    static std::optional<Fault> faultInContent(const Rule& rule, const xmlNode* element);
+    static void checkAttributes(const Rule& rule, const xmlNode* element);
+    static void checkContent(const Rule& rule, const xmlNode* element);
 
     std::map<std::string, Rule, std::less<>> rules_; // by tag
 };

@@ -41,75 +41,53 @@ bool isDomainId(std::string_view text) {
            value <= DDS_DOMAIN_ID_MAX;
 }
 
-// What is wrong with the name of an entity; empty when nothing is.
-std::string faultInName(const xmlNode* node, std::set<std::string>& siblings) {
+void checkName(const xmlNode* node, std::set<std::string>& siblings) {
     const std::string name = nameOf(node);
     const std::string what = "the name " + quoted(name) + " of this " + std::string(tagOf(node));
     if (!isName(name)) {
-        return what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"";
+        refuseAt(node, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
     }
-    return siblings.insert(name).second ? "" : what + " is taken by an element beside it; choose another";
+    if (!siblings.insert(name).second) {
+        refuseAt(node, what + " is taken by an element beside it; choose another");
+    }
 }
 
-class Check {
-public:
-    Check(const Definition& definition, const std::stop_token& stop, std::string& error)
-        : definition_(definition), stop_(stop), error_(error) {}
-
-    // An element and everything inside. As deep as documents may be. `siblings` are the names of the entities
-    // in front of it.
-    bool passes(const xmlNode* node, std::set<std::string>& siblings) {
-        if (stop_.stop_requested()) {
-            error_ = STOPPED;
-            return false;
-        }
-        if (const auto fault = definition_.faultIn(node)) {
-            return failed(fault->element, fault->what);
-        }
-        const std::string wrong = levelOf(node) ? faultInName(node, siblings) : "";
-        if (!wrong.empty()) {
-            return failed(node, wrong);
-        }
-        if (tagOf(node) == "domain_id" && !isDomainId(textOf(node))) {
-            return failed(node, quoted(textOf(node)) + " is no domain id; expected an integer from 0 to " +
-                                    std::to_string(DDS_DOMAIN_ID_MAX));
-        }
-        std::set<std::string> names;
-        for (const xmlNode* child : elementsIn(node)) {
-            if (!passes(child, names)) {
-                return false;
-            }
-        }
-        return true;
+// An element and everything inside. As deep as documents may be. `siblings` are the names of the entities in
+// front of it.
+void checkElement(const xmlNode* node, const Definition& definition, const std::stop_token& stop,
+                  std::set<std::string>& siblings) {
+    if (stop.stop_requested()) {
+        throw Refusal{STOPPED};
     }
-
-private:
-    bool failed(const xmlNode* node, const std::string& what) {
-        error_ = "line " + std::to_string(lineOf(node)) + ": " + what;
-        return false;
+    definition.check(node);
+    if (levelOf(node)) {
+        checkName(node, siblings);
     }
-
-    const Definition& definition_;
-    const std::stop_token& stop_;
-    std::string& error_;
-};
+    if (tagOf(node) == "domain_id" && !isDomainId(textOf(node))) {
+        refuseAt(node, quoted(textOf(node)) + " is no domain id; expected an integer from 0 to " +
+                           std::to_string(DDS_DOMAIN_ID_MAX));
+    }
+    std::set<std::string> names;
+    for (const xmlNode* child : elementsIn(node)) {
+        checkElement(child, definition, stop, names);
+    }
+}
 
 } // namespace
 
-bool isAcceptable(const xmlDoc* document, const std::stop_token& stop, std::string& error) {
+void checkDocument(const xmlDoc* document, const std::stop_token& stop) {
     const xmlNode* root = xmlDocGetRootElement(document);
     if (tagOf(root) != ROOT_TAG) {
-        error = "line " + std::to_string(lineOf(root)) + ": the root element is " + describe(root) +
-                "; it must be dds";
-        return false;
+        refuseAt(root, "the root element is " + describe(root) + "; it must be dds");
     }
     std::set<std::string> none;
-    return Check(Definition::ofProduct(), stop, error).passes(root, none);
+    checkElement(root, Definition::ofProduct(), stop, none);
 }
 
-XmlDocument readDocument(std::string_view xml, const std::stop_token& stop, std::string& error) {
-    XmlDocument document = parseXml(xml, stop, error);
-    return document != nullptr && isAcceptable(document.get(), stop, error) ? std::move(document) : nullptr;
+XmlDocument readDocument(std::string_view xml, const std::stop_token& stop) {
+    XmlDocument document = parseXml(xml, stop);
+    checkDocument(document.get(), stop);
+    return document;
 }
 
 } // namespace zul::practice

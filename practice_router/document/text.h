@@ -1,4 +1,4 @@
-// Texts for people: what comes from outside is shown in one line and within bounds.
+// Texts for people: what comes from outside is shown in one line and within bounds; why something is refused.
 #pragma once
 
 #include <cstddef>
@@ -19,5 +19,12 @@ std::size_t wholeCharacters(std::string_view text, std::size_t length);
 std::string shortened(std::string_view text, std::size_t most = MAX_SHOWN);
 // The same in double quotes.
 std::string quoted(std::string_view text);
+
+// Why something is refused: a line that says what to do about it. Thrown where that is found, and made an
+// answer by the operation of the configuration or router that it ends.
+struct Refusal {
+    std::string why;
+    bool isMissing = false; // what was named is not there
+};
 
 } // namespace zul::practice

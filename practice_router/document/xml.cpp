@@ -130,34 +130,28 @@ std::string Reader::errorInOneLine() {
     return words;
 }
 
-// The document, without its elements where no tree is wanted; null on failure.
-XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token& stop, std::string& error,
-                  xmlDict* names) {
+// The document, without its elements where no tree is wanted.
+XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names) {
     if (text.empty()) {
-        error = "the document is empty";
-        return nullptr;
+        throw Refusal{"the document is empty"};
     }
     if (text.size() > MAX_DOCUMENT_SIZE) {
-        error = "the document has " + std::to_string(text.size()) + " bytes; at most " +
-                std::to_string(MAX_DOCUMENT_SIZE) + " are accepted";
-        return nullptr;
+        throw Refusal{"the document has " + std::to_string(text.size()) + " bytes; at most " +
+                      std::to_string(MAX_DOCUMENT_SIZE) + " are accepted"};
     }
     Reader reader(text, buildsTree, stop, names);
     XmlDocument document = reader.read();
-    if (document == nullptr) {
-        error = reader.errorInOneLine();
-    }
-    return document;
+    return document != nullptr ? std::move(document) : throw Refusal{reader.errorInOneLine()};
 }
 
 } // namespace
 
-XmlDocument parseXml(std::string_view text, const std::stop_token& stop, std::string& error, xmlDict* names) {
-    return parse(text, true, stop, error, names);
+XmlDocument parseXml(std::string_view text, const std::stop_token& stop, xmlDict* names) {
+    return parse(text, true, stop, names);
 }
 
-bool isReadableXml(std::string_view text, const std::stop_token& stop, std::string& error) {
-    return parse(text, false, stop, error, nullptr) != nullptr;
+void checkXml(std::string_view text, const std::stop_token& stop) {
+    parse(text, false, stop, nullptr);
 }
 
 XmlDocument copyXml(xmlDoc* document) {

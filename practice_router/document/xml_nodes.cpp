@@ -31,6 +31,10 @@ std::string describe(const xmlNode* node) {
     return shortened(tagOf(node)) + (name.empty() ? "" : " " + quoted(name));
 }
 
+void refuseAt(const xmlNode* element, const std::string& what) {
+    throw Refusal{"line " + std::to_string(lineOf(element)) + ": " + what};
+}
+
 std::string textOf(const xmlNode* node) {
     const xmlNode* only = node->children;
     return only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE

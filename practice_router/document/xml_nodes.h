@@ -17,6 +17,8 @@ inline std::string nameOf(const xmlNode* node) {
 }
 // Its tag and, in quotes, its name attribute, for messages.
 std::string describe(const xmlNode* node);
+// Refuses a document for what is wrong with one of its elements.
+[[noreturn]] void refuseAt(const xmlNode* element, const std::string& what);
 // All text inside, without the blanks around it.
 std::string textOf(const xmlNode* node);
 

@@ -126,13 +126,12 @@ TEST(Document, IsLeftAsItIsByWorkThatIsStopped) {
     std::stop_source ending;
     Configuration configuration(ending.get_token());
     ASSERT_EQ(configuration.loadFirst(BUILTIN).kind, OK);
-    std::string error;
-    const XmlDocument document = parseXml(BUILTIN, ending.get_token(), error);
-    const XmlDocument snippet = parseXml(BUILTIN, ending.get_token(), error, document->dict);
+    const XmlDocument document = parseXml(BUILTIN, ending.get_token());
+    const XmlDocument snippet = parseXml(BUILTIN, ending.get_token(), document->dict);
     ending.request_stop();
-    EXPECT_FALSE(applySnippet(findService(document.get()), xmlDocGetRootElement(snippet.get()),
-                              ending.get_token(), error));
-    EXPECT_EQ(error, STOPPED);
+    EXPECT_THROW(
+        applySnippet(findService(document.get()), xmlDocGetRootElement(snippet.get()), ending.get_token()),
+        Refusal);
     EXPECT_EQ(configuration.loadFirst(BUILTIN).text, STOPPED);
     EXPECT_EQ(configuration.changeState(StateChange::DISABLE, "DefaultDomainRoute").kind, ERROR);
     EXPECT_EQ(configuration.text(), BUILTIN);
