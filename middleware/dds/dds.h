@@ -7,6 +7,7 @@
 #pragma once
 
 #include "middleware/base/basic_types.h"
+#include "middleware/dds/builtin_topics.h"
 #include "middleware/dds/qos.h"
 #include "middleware/idl/sequence.h"
 #include "middleware/idl/type_plugin.h"
@@ -28,8 +29,7 @@ struct DDS_Topic;
 struct DDS_DataWriter;
 struct DDS_DataReader;
 struct DDS_ReadCondition;
-struct DDS_DomainParticipantListener; // never used: the system installs none
-struct DDS_PublisherListener;
+struct DDS_PublisherListener; // never used: the system installs none of these
 struct DDS_SubscriberListener;
 struct DDS_TopicListener;
 struct DDS_DataWriterListener;
@@ -77,7 +77,8 @@ DDS_DomainParticipantFactory* DDS_DomainParticipantFactory_get_instance();
 // `qos` is an initialised record.
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(DDS_DomainParticipantFactory* self,
                                                                           DDS_DomainParticipantQos* qos);
-// Null on failure, among them a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range.
+// Null on failure, among them a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range. The
+// listener, which may be null, is copied; `mask` concerns statuses that it has no callbacks for.
 DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
     DDS_DomainParticipantFactory* self, DDS_DomainId_t domainId, const DDS_DomainParticipantQos* qos,
     const DDS_DomainParticipantListener* listener, DDS_StatusMask mask);

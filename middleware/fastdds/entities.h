@@ -5,6 +5,7 @@
 #include "middleware/dds/dds.h"
 #include "middleware/fastdds/bounded_wait.h"
 #include "middleware/fastdds/delivery_thread.h"
+#include "middleware/fastdds/discovery.h"
 #include "middleware/fastdds/type_adapter.h"
 
 #include <algorithm>
@@ -125,6 +126,7 @@ struct DDS_DomainParticipant final : DDS_Entity {
     DDS_DomainParticipant(const DDS_DomainParticipant&) = delete;
     DDS_DomainParticipant& operator=(const DDS_DomainParticipant&) = delete;
 
+    zul::DiscoveryBridge discovery; // called by the library until the participant is deleted
     eprosima::fastdds::dds::DomainParticipant* participant = nullptr;
     bool enabled = false; // its entities are; the library's participant is from the start
     DDS_DomainParticipantQos qos;

@@ -68,7 +68,7 @@ TEST(Announcement, ListsNamesMembersAndBounds) {
     ASSERT_NE(observer, nullptr);
     observer->enable();
 
-    Participant announcing(DOMAIN, true);
+    Participant announcing(DOMAIN, {.announcesTypes = true});
     auto* subscriber = DDS_DomainParticipant_create_subscriber(announcing.participant,
                                                                &DDS_SUBSCRIBER_QOS_DEFAULT, nullptr, 0);
     EXPECT_EQ(ZUL_RoutingService_Administration_CommandRequestTypeSupport_register_type(
