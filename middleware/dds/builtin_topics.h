@@ -47,9 +47,10 @@ constexpr DDS_UnsignedLong DDS_ALIVE_INSTANCE_STATE = 1U << 0;
 constexpr DDS_UnsignedLong DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE = 1U << 1;
 constexpr DDS_UnsignedLong DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE = 1U << 2;
 
-// Listener of a participant. Its callbacks stand for on_data_available of the three builtin readers. They run
-// on threads of the library, several at a time, and must not block: nothing is received meanwhile. None runs
-// before the participant is created or after it is deleted. A null callback is skipped.
+// Listener of a participant: told of others, not of itself. Its callbacks stand for on_data_available of the
+// three builtin readers. They run on threads of the library, several at a time, and must not block: nothing
+// is received meanwhile. None runs before the participant is created or after it is deleted. A null callback
+// is skipped.
 struct DDS_DomainParticipantListener {
     void* listener_data;
     void (*on_participant)(void* listenerData, const DDS_ParticipantBuiltinTopicData* data,

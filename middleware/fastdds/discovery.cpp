@@ -4,6 +4,7 @@
 #include "middleware/fastdds/library_call.h"
 
 #include <algorithm>
+#include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/rtps/participant/ParticipantDiscoveryInfo.h>
 #include <fastdds/rtps/reader/ReaderDiscoveryInfo.h>
 #include <fastdds/rtps/writer/WriterDiscoveryInfo.h>
@@ -71,22 +72,26 @@ Data toData(const auto& endpoint) {
     return data;
 }
 
+// Runs what a discovery of another participant leads to; the library tells of a participant's own endpoints,
+// too.
 template <class Call>
-void guarded(const char* context, Call call) {
-    callLibrary(context, false, [&call] {
-        call();
+void forward(const char* context, const fast::DomainParticipant& self, const rtps::GUID_t& found, Call call) {
+    callLibrary(context, false, [&] {
+        if (found.guidPrefix != self.guid().guidPrefix) {
+            call();
+        }
         return true;
     });
 }
 
 } // namespace
 
-void DiscoveryBridge::on_participant_discovery(fast::DomainParticipant* /*participant*/,
+void DiscoveryBridge::on_participant_discovery(fast::DomainParticipant* participant,
                                                rtps::ParticipantDiscoveryInfo&& info) {
     if (listener_.on_participant == nullptr) {
         return;
     }
-    guarded(__func__, [&] {
+    forward(__func__, *participant, info.info.m_guid, [&] {
         const std::string address = addressOf(info.info);
         DDS_ParticipantBuiltinTopicData data{};
         data.key = toKey(info.info.m_guid);
@@ -106,10 +111,10 @@ void DiscoveryBridge::on_participant_discovery(fast::DomainParticipant* /*partic
     });
 }
 
-void DiscoveryBridge::on_subscriber_discovery(fast::DomainParticipant* /*participant*/,
+void DiscoveryBridge::on_subscriber_discovery(fast::DomainParticipant* participant,
                                               rtps::ReaderDiscoveryInfo&& info) {
     if (listener_.on_subscription != nullptr) {
-        guarded(__func__, [&] {
+        forward(__func__, *participant, info.info.guid(), [&] {
             const auto data = toData<DDS_SubscriptionBuiltinTopicData>(info.info);
             listener_.on_subscription(listener_.listener_data, &data,
                                       info.status == rtps::ReaderDiscoveryInfo::REMOVED_READER
@@ -119,10 +124,10 @@ void DiscoveryBridge::on_subscriber_discovery(fast::DomainParticipant* /*partici
     }
 }
 
-void DiscoveryBridge::on_publisher_discovery(fast::DomainParticipant* /*participant*/,
+void DiscoveryBridge::on_publisher_discovery(fast::DomainParticipant* participant,
                                              rtps::WriterDiscoveryInfo&& info) {
     if (listener_.on_publication != nullptr) {
-        guarded(__func__, [&] {
+        forward(__func__, *participant, info.info.guid(), [&] {
             const auto data = toData<DDS_PublicationBuiltinTopicData>(info.info);
             listener_.on_publication(listener_.listener_data, &data,
                                      info.status == rtps::WriterDiscoveryInfo::REMOVED_WRITER
