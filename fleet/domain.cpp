@@ -147,14 +147,21 @@ Domain::Link* Domain::open(Product product, std::string& error) {
         return nullptr;
     }
     const DDS_DataWriterQos writerQos = requestWriterQos();
-    link->writer =
-        DDS_Publisher_create_datawriter(publisher, requests, &writerQos, nullptr, DDS_STATUS_MASK_NONE);
+    const DDS_DataWriterListener writerListener{this, [](void* self, DDS_DataWriter*) {
+                                                    static_cast<Domain*>(self)->wakeup_.notify();
+                                                }};
+    link->writer = DDS_Publisher_create_datawriter(publisher, requests, &writerQos, &writerListener,
+                                                   DDS_PUBLICATION_MATCHED_STATUS);
     const DDS_DataReaderQos readerQos = responseReaderQos();
     DDS_DataReaderListener listener{};
     listener.listener_data = this;
     listener.on_data_available = onData;
-    link->reader = DDS_Subscriber_create_datareader(subscriber, responses, &readerQos, &listener,
-                                                    DDS_DATA_AVAILABLE_STATUS);
+    listener.on_subscription_matched = [](void* self, DDS_DataReader*) {
+        static_cast<Domain*>(self)->wakeup_.notify();
+    };
+    link->reader =
+        DDS_Subscriber_create_datareader(subscriber, responses, &readerQos, &listener,
+                                         DDS_DATA_AVAILABLE_STATUS | DDS_SUBSCRIPTION_MATCHED_STATUS);
     if (link->writer == nullptr || link->reader == nullptr) {
         error = "cannot create the endpoints";
         return nullptr;

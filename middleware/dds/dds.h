@@ -16,6 +16,8 @@ using DDS_DomainId_t = DDS_Long;
 using DDS_StatusMask = DDS_UnsignedLong;
 constexpr DDS_StatusMask DDS_STATUS_MASK_NONE = 0;
 constexpr DDS_StatusMask DDS_DATA_AVAILABLE_STATUS = 1U << 10;
+constexpr DDS_StatusMask DDS_PUBLICATION_MATCHED_STATUS = 1U << 13;
+constexpr DDS_StatusMask DDS_SUBSCRIPTION_MATCHED_STATUS = 1U << 14;
 
 // Domain ids beyond this have no ports of their own (OMG DDS-RTPS 2.3, 9.6.1.1).
 constexpr DDS_DomainId_t DDS_DOMAIN_ID_MAX = 232;
@@ -32,7 +34,6 @@ struct DDS_ReadCondition;
 struct DDS_PublisherListener; // never used: the system installs none of these
 struct DDS_SubscriberListener;
 struct DDS_TopicListener;
-struct DDS_DataWriterListener;
 
 // Sample, view and instance states (OMG DDS 1.4, 2.2.2.5.1).
 using DDS_SampleStateMask = DDS_UnsignedLong;
@@ -70,6 +71,12 @@ struct DDS_DataReaderListener {
     void (*on_data_available)(void* listenerData, DDS_DataReader* reader);
     void (*on_subscription_matched)(void* listenerData, DDS_DataReader* reader);
     void (*on_sample_lost)(void* listenerData, DDS_DataReader* reader);
+};
+
+// Writer listener. The callback runs on a thread of the library and must not block. A null one is skipped.
+struct DDS_DataWriterListener {
+    void* listener_data;
+    void (*on_publication_matched)(void* listenerData, DDS_DataWriter* writer);
 };
 
 // ---- factory ----

@@ -61,6 +61,7 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     zul::AdapterPtr adapter;
     zul::BoundedWait wait; // for room, in a write
     zul::MatchedEndpoints matched;
+    DDS_DataWriterListener listener{};
 
     bool isEnabled() const { return writer->is_enabled(); }
     void on_publication_matched(eprosima::fastdds::dds::DataWriter* writer,
