@@ -14,7 +14,7 @@ import processes  # noqa: E402
 BUILD = os.environ["ZUL_BUILD"]
 SOURCE = os.environ["ZUL_SOURCE"]
 DOMAIN = 62
-PROGRAMS = ("zulrssh", "zulfssh", "zul-practice-router")
+PROGRAMS = ("zulrssh", "zulfssh", "zulctl", "zul-practice-router")
 
 
 def run(*command, **keywords):
@@ -118,7 +118,7 @@ class Install(unittest.TestCase):
 
     def test_options_are_completed(self):
         folder = os.path.join(self.prefix, "share/bash-completion/completions")
-        for program, word, expected in (("zulrssh", "-d", "-domainId"), ("zulfssh", "-cm", "-cmdFile"),
+        for program, word, expected in (("zulrssh", "-d", "-domainId"), ("zulfssh", "-cm", "-cmdFile"), ("zulctl", "du", "dupdate"),
                                         ("zul-practice-router", "--dom", "--domain")):
             # What bash does: it loads the file of the program's name and calls the function registered there.
             script = f"""source '{folder}/{program}'
