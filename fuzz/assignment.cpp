@@ -1,5 +1,5 @@
 // An assignment becomes nothing, or an inline XML URL in which no character of the value stands unescaped.
-#include "remote_config/assignment.h"
+#include "product/assignment.h"
 #include "middleware/base/strings.h"
 
 #include <cstdint>

@@ -5,6 +5,7 @@
 #include "middleware/dds/process.h"
 #include "practice_router/actions/save_file.h"
 #include "practice_router/actions/xml_url.h"
+#include "practice_router/document/entity.h"
 #include "practice_router/endpoints/options.h"
 #include "practice_router/endpoints/worker.h"
 #include "product/product_info.h"
@@ -13,8 +14,10 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -57,22 +60,50 @@ sigset_t blockSignals() {
     return ending;
 }
 
-int run(const Options& options, Router& router, RequestQueue& queue) {
-    const sigset_t ending = blockSignals();
+// One router with all that is its own. The parts end in reverse order; the thread first, when its queue is
+// closed.
+struct Instance {
+    RequestQueue queue;
+    Router router;
     Endpoints endpoints;
-    std::string error;
-    if (!endpoints.open(options.domain, options.name, queue, error)) {
+    Worker worker;
+    std::thread thread;
+
+    Instance(const std::string& name, const std::string& saveDirectory, const Options& options)
+        : router(name, saveDirectory, options.countsOnly, queue.ending()),
+          worker(router, queue, endpoints, options) {}
+    ~Instance() {
         queue.close();
-        return fail(EXIT_CANNOT_START, error);
+        if (thread.joinable()) {
+            thread.join();
+        }
     }
-    std::printf("ready: %s in domain %d\n", options.name.c_str(), static_cast<int>(options.domain));
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+};
+using Instances = std::vector<std::unique_ptr<Instance>>;
+
+int run(const Options& options, const Instances& instances) {
+    const sigset_t ending = blockSignals();
+    for (const auto& instance : instances) {
+        std::string error;
+        if (!instance->endpoints.open(options.domain, instance->router.name(), options.faults,
+                                      instance->queue, error)) {
+            return fail(EXIT_CANNOT_START, error);
+        }
+    }
+    const std::string& first = instances.front()->router.name();
+    const std::string last = instances.size() > 1 ? " to " + instances.back()->router.name() : "";
+    std::printf("ready: %s%s in domain %d\n", first.c_str(), last.c_str(), static_cast<int>(options.domain));
     std::fflush(stdout);
-    Worker worker(router, queue, endpoints, options);
-    std::thread thread([&] { worker.run(); });
+    for (const auto& instance : instances) {
+        instance->thread = std::thread([&instance] { instance->worker.run(); });
+    }
     int signalNumber = 0;
     sigwait(&ending, &signalNumber);
-    queue.close();
-    thread.join();
+    for (const auto& instance : instances) {
+        instance->queue.close(); // all at once, before the first is waited for
+    }
     return 0;
 }
 
@@ -96,15 +127,19 @@ int start(int argc, char** argv) {
         return fail(EXIT_BAD_USAGE,
                     "--save-dir " + options.saveDirectory + " is no directory; name an existing one");
     }
-    if (saveFileName(options.name).empty()) {
+    const std::vector<std::string> names = options.names();
+    if (names.back().size() > MAX_ENTITY_NAME || saveFileName(names.back()).empty()) {
         return fail(EXIT_BAD_USAGE, "--name is too long for the file that save writes; choose a shorter one");
     }
     ROUTER_setProductId(options.isFederation ? ROUTER_PRODUCT_FEDERATION_SERVICE
                                              : ROUTER_PRODUCT_ROUTING_SERVICE);
-    RequestQueue queue;
-    Router router(options.name, saveDirectory, options.countsOnly, queue.ending());
-    loadStartDocument(router, options.configurationFile);
-    return run(options, router, queue);
+    Instances instances;
+    for (const std::string& name : names) {
+        const auto& instance =
+            instances.emplace_back(std::make_unique<Instance>(name, saveDirectory, options));
+        loadStartDocument(instance->router, options.configurationFile);
+    }
+    return run(options, instances);
 }
 
 } // namespace

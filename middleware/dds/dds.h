@@ -7,6 +7,7 @@
 #pragma once
 
 #include "middleware/base/basic_types.h"
+#include "middleware/dds/builtin_topics.h"
 #include "middleware/dds/qos.h"
 #include "middleware/idl/sequence.h"
 #include "middleware/idl/type_plugin.h"
@@ -15,6 +16,8 @@ using DDS_DomainId_t = DDS_Long;
 using DDS_StatusMask = DDS_UnsignedLong;
 constexpr DDS_StatusMask DDS_STATUS_MASK_NONE = 0;
 constexpr DDS_StatusMask DDS_DATA_AVAILABLE_STATUS = 1U << 10;
+constexpr DDS_StatusMask DDS_PUBLICATION_MATCHED_STATUS = 1U << 13;
+constexpr DDS_StatusMask DDS_SUBSCRIPTION_MATCHED_STATUS = 1U << 14;
 
 // Domain ids beyond this have no ports of their own (OMG DDS-RTPS 2.3, 9.6.1.1).
 constexpr DDS_DomainId_t DDS_DOMAIN_ID_MAX = 232;
@@ -28,11 +31,9 @@ struct DDS_Topic;
 struct DDS_DataWriter;
 struct DDS_DataReader;
 struct DDS_ReadCondition;
-struct DDS_DomainParticipantListener; // never used: the system installs none
-struct DDS_PublisherListener;
+struct DDS_PublisherListener; // never used: the system installs none of these
 struct DDS_SubscriberListener;
 struct DDS_TopicListener;
-struct DDS_DataWriterListener;
 
 // Sample, view and instance states (OMG DDS 1.4, 2.2.2.5.1).
 using DDS_SampleStateMask = DDS_UnsignedLong;
@@ -72,12 +73,19 @@ struct DDS_DataReaderListener {
     void (*on_sample_lost)(void* listenerData, DDS_DataReader* reader);
 };
 
+// Writer listener. The callback runs on a thread of the library and must not block. A null one is skipped.
+struct DDS_DataWriterListener {
+    void* listener_data;
+    void (*on_publication_matched)(void* listenerData, DDS_DataWriter* writer);
+};
+
 // ---- factory ----
 DDS_DomainParticipantFactory* DDS_DomainParticipantFactory_get_instance();
 // `qos` is an initialised record.
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(DDS_DomainParticipantFactory* self,
                                                                           DDS_DomainParticipantQos* qos);
-// Null on failure, among them a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range.
+// Null on failure, among them a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range. The
+// listener, which may be null, is copied; `mask` concerns statuses that it has no callbacks for.
 DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
     DDS_DomainParticipantFactory* self, DDS_DomainId_t domainId, const DDS_DomainParticipantQos* qos,
     const DDS_DomainParticipantListener* listener, DDS_StatusMask mask);

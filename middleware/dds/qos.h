@@ -17,6 +17,24 @@ struct DDS_DurabilityQosPolicy {
     DDS_DurabilityQosPolicyKind kind;
 };
 
+// The following are never set, only read of others.
+struct DDS_DeadlineQosPolicy {
+    DDS_Duration_t period;
+};
+enum DDS_LivelinessQosPolicyKind {
+    DDS_AUTOMATIC_LIVELINESS_QOS,
+    DDS_MANUAL_BY_PARTICIPANT_LIVELINESS_QOS,
+    DDS_MANUAL_BY_TOPIC_LIVELINESS_QOS
+};
+struct DDS_LivelinessQosPolicy {
+    DDS_LivelinessQosPolicyKind kind;
+    DDS_Duration_t lease_duration;
+};
+enum DDS_OwnershipQosPolicyKind { DDS_SHARED_OWNERSHIP_QOS, DDS_EXCLUSIVE_OWNERSHIP_QOS };
+struct DDS_OwnershipQosPolicy {
+    DDS_OwnershipQosPolicyKind kind;
+};
+
 enum DDS_HistoryQosPolicyKind { DDS_KEEP_LAST_HISTORY_QOS, DDS_KEEP_ALL_HISTORY_QOS };
 struct DDS_HistoryQosPolicy {
     DDS_HistoryQosPolicyKind kind;

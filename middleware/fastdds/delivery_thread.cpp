@@ -16,7 +16,7 @@ struct Delivery {
 };
 // Data comes last: a match is known before its first sample is delivered.
 constexpr Delivery DELIVERIES[] = {
-    {STATUS_SUBSCRIPTION_MATCHED, &DDS_DataReaderListener::on_subscription_matched},
+    {DDS_SUBSCRIPTION_MATCHED_STATUS, &DDS_DataReaderListener::on_subscription_matched},
     {STATUS_REQUESTED_INCOMPATIBLE_QOS, &DDS_DataReaderListener::on_requested_incompatible_qos},
     {STATUS_REQUESTED_DEADLINE_MISSED, &DDS_DataReaderListener::on_requested_deadline_missed},
     {STATUS_LIVELINESS_CHANGED, &DDS_DataReaderListener::on_liveliness_changed},

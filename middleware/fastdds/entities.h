@@ -5,6 +5,7 @@
 #include "middleware/dds/dds.h"
 #include "middleware/fastdds/bounded_wait.h"
 #include "middleware/fastdds/delivery_thread.h"
+#include "middleware/fastdds/discovery.h"
 #include "middleware/fastdds/loans.h"
 #include "middleware/fastdds/matched_endpoints.h"
 #include "middleware/fastdds/read_conditions.h"
@@ -44,6 +45,7 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     zul::AdapterPtr adapter;
     zul::BoundedWait wait; // for room, in a write
     zul::MatchedEndpoints matched;
+    DDS_DataWriterListener listener{};
 
     bool isEnabled() const { return writer->is_enabled(); }
     void on_publication_matched(eprosima::fastdds::dds::DataWriter* writer,
@@ -97,6 +99,7 @@ struct DDS_DomainParticipant final : DDS_Entity {
     DDS_DomainParticipant(const DDS_DomainParticipant&) = delete;
     DDS_DomainParticipant& operator=(const DDS_DomainParticipant&) = delete;
 
+    zul::DiscoveryBridge discovery; // called by the library until the participant is deleted
     eprosima::fastdds::dds::DomainParticipant* participant = nullptr;
     bool enabled = false; // its entities are; the library's participant is from the start
     DDS_DomainParticipantQos qos;

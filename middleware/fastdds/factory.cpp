@@ -70,7 +70,7 @@ bool isPrefixFree(DDS_DomainParticipantFactory& self, const rtps::GuidPrefix_t& 
 
 // A participant that has started; its entities are created disabled.
 LibraryParticipant startParticipant(DDS_DomainParticipantFactory& self, DDS_DomainId_t domainId,
-                                    const DDS_DomainParticipantQos& qos) {
+                                    const DDS_DomainParticipantQos& qos, zul::DiscoveryBridge& discovery) {
     auto* factory = fast::DomainParticipantFactory::get_instance();
     factory->load_profiles();
     fast::DomainParticipantQos libraryQos;
@@ -84,7 +84,9 @@ LibraryParticipant startParticipant(DDS_DomainParticipantFactory& self, DDS_Doma
     LibraryParticipant participant;
     {
         const DisabledCreation disabled;
-        participant.reset(factory->create_participant(static_cast<fast::DomainId_t>(domainId), libraryQos));
+        participant.reset(factory->create_participant(static_cast<fast::DomainId_t>(domainId), libraryQos,
+                                                      discovery.isWanted() ? &discovery : nullptr,
+                                                      fast::StatusMask::none()));
     }
     if (participant != nullptr &&
         participant->enable() != eprosima::fastrtps::types::ReturnCode_t::RETCODE_OK) {
@@ -113,7 +115,7 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(DDS_Do
 
 DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
     DDS_DomainParticipantFactory* self, DDS_DomainId_t domainId, const DDS_DomainParticipantQos* qos,
-    const DDS_DomainParticipantListener* /*listener*/, DDS_StatusMask /*mask*/) {
+    const DDS_DomainParticipantListener* listener, DDS_StatusMask /*mask*/) {
     // The library ends the process for a domain id that is too large and wraps a negative one.
     if (domainId < 0 || domainId > DDS_DOMAIN_ID_MAX) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, __func__, DOMAIN_ID_OUT_OF_RANGE_dd, domainId,
@@ -125,7 +127,10 @@ DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
             return nullptr;
         }
         auto participant = std::make_unique<DDS_DomainParticipant>();
-        LibraryParticipant started = startParticipant(*self, domainId, *qos);
+        if (listener != nullptr) {
+            participant->discovery.forwardTo(*listener);
+        }
+        LibraryParticipant started = startParticipant(*self, domainId, *qos, participant->discovery);
         if (started == nullptr || !DDS_DomainParticipantQos_copy(&participant->qos, qos)) {
             return nullptr;
         }

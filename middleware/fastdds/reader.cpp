@@ -52,7 +52,7 @@ void DDS_DataReader::on_subscription_matched(fast::DataReader* /*reader*/,
     zul::inCallback(__func__, [&] {
         matched.update(zul::toHandle(status.last_publication_handle), status.current_count_change);
     });
-    note(zul::STATUS_SUBSCRIPTION_MATCHED);
+    note(DDS_SUBSCRIPTION_MATCHED_STATUS);
 }
 void DDS_DataReader::on_requested_deadline_missed(fast::DataReader* /*reader*/,
                                                   const eprosima::fastrtps::RequestedDeadlineMissedStatus&) {

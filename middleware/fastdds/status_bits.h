@@ -9,5 +9,4 @@ constexpr DDS_StatusMask STATUS_REQUESTED_INCOMPATIBLE_QOS = 1U << 6;
 constexpr DDS_StatusMask STATUS_SAMPLE_LOST = 1U << 7;
 constexpr DDS_StatusMask STATUS_SAMPLE_REJECTED = 1U << 8;
 constexpr DDS_StatusMask STATUS_LIVELINESS_CHANGED = 1U << 12;
-constexpr DDS_StatusMask STATUS_SUBSCRIPTION_MATCHED = 1U << 14;
 } // namespace zul

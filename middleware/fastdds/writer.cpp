@@ -14,15 +14,20 @@ void DDS_DataWriter::on_publication_matched(fast::DataWriter* /*writer*/,
     zul::inCallback(__func__, [&] {
         matched.update(zul::toHandle(status.last_subscription_handle), status.current_count_change);
     });
+    if (listener.on_publication_matched != nullptr) {
+        listener.on_publication_matched(listener.listener_data, this);
+    }
 }
 
 DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* topic,
                                                 const DDS_DataWriterQos* qos,
-                                                const DDS_DataWriterListener* /*listener*/,
-                                                DDS_StatusMask /*mask*/) {
+                                                const DDS_DataWriterListener* listener, DDS_StatusMask mask) {
     return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DataWriter* {
         auto writer = std::make_unique<DDS_DataWriter>();
         writer->adapter = topic->adapter;
+        if (listener != nullptr && (mask & DDS_PUBLICATION_MATCHED_STATUS) != 0) {
+            writer->listener = *listener;
+        }
         writer->wait = zul::boundedWait(qos->reliability.max_blocking_time);
         auto libraryQos = zul::toLibrary(*qos);
         libraryQos.reliability().max_blocking_time =

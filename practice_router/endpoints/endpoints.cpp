@@ -21,6 +21,8 @@ constexpr DDS_Duration_t WRITE_BLOCKING_TIME{0, 100'000'000};
 // A shell that holds 32 responses turns the rest of a burst away, and gets it again with the next heartbeat.
 constexpr DDS_Duration_t HEARTBEAT_PERIOD{0, 20'000'000};
 
+constexpr const char* OTHER_TYPE = "Other"; // after the name of a type that is not to match
+
 bool failed(std::string& error, const char* step) {
     error = std::string("cannot create the ") + step;
     return false;
@@ -89,11 +91,12 @@ DDS_Topic* Endpoints::createTopic(ZULTypePlugin* plugin, const DDS_TypeCode* fed
                : nullptr;
 }
 
-bool Endpoints::createReader(DDS_Topic* topic, RequestQueue& queue) {
+bool Endpoints::createReader(DDS_Topic* topic, RequestQueue& queue,
+                             DDS_ReliabilityQosPolicyKind reliability) {
     DDS_Subscriber* subscriber = DDS_DomainParticipant_create_subscriber(
         participant_, &DDS_SUBSCRIBER_QOS_DEFAULT, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataReaderQos qos = DDS_DATAREADER_QOS_DEFAULT;
-    qos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
+    qos.reliability.kind = reliability;
     qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
     qos.resource_limits.max_samples = MAX_REQUESTS;
     qos.rtps_reliable_reader.max_heartbeat_response_delay = DDS_DURATION_ZERO;
@@ -102,11 +105,11 @@ bool Endpoints::createReader(DDS_Topic* topic, RequestQueue& queue) {
                                                                      DDS_DATA_AVAILABLE_STATUS) != nullptr;
 }
 
-bool Endpoints::createWriter(DDS_Topic* topic) {
+bool Endpoints::createWriter(DDS_Topic* topic, DDS_ReliabilityQosPolicyKind reliability) {
     DDS_Publisher* publisher = DDS_DomainParticipant_create_publisher(
         participant_, &DDS_PUBLISHER_QOS_DEFAULT, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataWriterQos qos = DDS_DATAWRITER_QOS_DEFAULT;
-    qos.reliability = {DDS_RELIABLE_RELIABILITY_QOS, WRITE_BLOCKING_TIME};
+    qos.reliability = {reliability, WRITE_BLOCKING_TIME};
     qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
     qos.resource_limits.max_samples = MAX_RESPONSES;
     qos.rtps_reliable_writer.heartbeat_period = HEARTBEAT_PERIOD;
@@ -117,27 +120,32 @@ bool Endpoints::createWriter(DDS_Topic* topic) {
     return responseWriter_ != nullptr;
 }
 
-bool Endpoints::open(std::int32_t domain, const std::string& routerName, RequestQueue& queue,
-                     std::string& error) {
+bool Endpoints::open(std::int32_t domain, const std::string& routerName, const Faults& faults,
+                     RequestQueue& queue, std::string& error) {
     const ROUTERProductInfo& product = *ROUTER_getProductInfo();
     if (!createParticipant(domain, routerName)) {
         return failed(error, "participant");
     }
+    const std::string suffix = faults.hasOtherTypes ? OTHER_TYPE : "";
+    const std::string requestType = product.administrationRequestTypeName + suffix;
+    const std::string responseType = product.administrationResponseTypeName + suffix;
+    const auto reliability =
+        faults.isBestEffort ? DDS_BEST_EFFORT_RELIABILITY_QOS : DDS_RELIABLE_RELIABILITY_QOS;
     requestPlugin_ = ZUL_RoutingService_Administration_CommandRequestPlugin_new();
     DDS_Topic* requests =
         createTopic(requestPlugin_, ZUL_FederationService_Administration_CommandRequest_get_typecode(),
-                    product.administrationRequestTypeName, product.administrationRequestTopicName);
+                    requestType.c_str(), product.administrationRequestTopicName);
     responsePlugin_ = newResponsePlugin();
     DDS_Topic* responses =
         createTopic(responsePlugin_, ZUL_FederationService_Administration_CommandResponse_get_typecode(),
-                    product.administrationResponseTypeName, product.administrationResponseTopicName);
+                    responseType.c_str(), product.administrationResponseTopicName);
     if (requests == nullptr || responses == nullptr) {
         return failed(error, "topics");
     }
-    if (!createWriter(responses)) {
+    if (!faults.hasNoResponseWriter && !createWriter(responses, reliability)) {
         return failed(error, "writer of responses");
     }
-    if (!createReader(requests, queue)) {
+    if (!createReader(requests, queue, reliability)) {
         return failed(error, "reader of requests");
     }
     if (!ZUL_RoutingService_Administration_CommandResponse_initialize(&outgoing_.response)) {

@@ -5,6 +5,7 @@
 
 #include "admin_types/type_support.h"
 #include "middleware/dds/dds.h"
+#include "practice_router/endpoints/options.h"
 #include "practice_router/endpoints/request_queue.h"
 
 #include <cstdint>
@@ -29,9 +30,11 @@ public:
     // The queue must have been closed and the writing thread ended before.
     ~Endpoints();
 
-    // Creates everything and enables it: from then on requests arrive. False with `error` naming the step
-    // that failed. The queue must outlive the endpoints.
-    bool open(std::int32_t domain, const std::string& routerName, RequestQueue& queue, std::string& error);
+    // Creates everything and enables it, with the faults that concern endpoints: from then on requests
+    // arrive. False with `error` naming the step that failed. The queue must outlive the endpoints. Without a
+    // writer of responses nothing may be written.
+    bool open(std::int32_t domain, const std::string& routerName, const Faults& faults, RequestQueue& queue,
+              std::string& error);
 
     // Whether a reader of responses in that writer's participant is known.
     bool knowsReader(const WriterGuid& writer) const;
@@ -47,8 +50,8 @@ private:
     bool createParticipant(std::int32_t domain, const std::string& routerName);
     DDS_Topic* createTopic(ZULTypePlugin* plugin, const DDS_TypeCode* federationType, const char* typeName,
                            const char* topicName);
-    bool createReader(DDS_Topic* topic, RequestQueue& queue);
-    bool createWriter(DDS_Topic* topic);
+    bool createReader(DDS_Topic* topic, RequestQueue& queue, DDS_ReliabilityQosPolicyKind reliability);
+    bool createWriter(DDS_Topic* topic, DDS_ReliabilityQosPolicyKind reliability);
     DDS_ReturnCode_t writeOutgoing();
 
     DDS_DomainParticipant* participant_ = nullptr;

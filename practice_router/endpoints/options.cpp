@@ -16,6 +16,7 @@ namespace {
 constexpr std::int32_t MAX_DELAY_MILLISECONDS = 3'600'000;
 constexpr std::int32_t MAX_PARTS = 100'000;
 constexpr std::int32_t MAX_GARBAGE = 1'000'000;
+constexpr std::int32_t MAX_ROUTERS = 100;
 
 // Where the value of an option goes: a member of the options, or of the faults in them.
 template <class Value>
@@ -56,6 +57,8 @@ const Option OPTIONS[] = {
      Number{option<&Options::domain>, 0, DDS_DOMAIN_ID_MAX}},
     {"--name", "NAME", "name of this router, which requests are addressed to (default practice)",
      Text{option<&Options::name>, MAX_ENTITY_NAME}},
+    {"--count", "N", "be N routers, called NAME1 to NAMEN (default 1, called NAME)",
+     Number{option<&Options::count>, 1, MAX_ROUTERS}},
     {"--federation", "", "be a federation service instead of a routing service",
      Flag{option<&Options::isFederation>}},
     {"--config", "FILE", "start with this document instead of the builtin default configuration",
@@ -73,6 +76,12 @@ const Option OPTIONS[] = {
      Flag{fault<&Faults::wrongInvocation>}},
     {"--garbage", "N", "fault: send N undecodable samples in front of each answer",
      Number{fault<&Faults::garbage>, 0, MAX_GARBAGE}},
+    {"--type-mismatch", "", "fault: have other types than those of clients, so that they are never matched",
+     Flag{fault<&Faults::hasOtherTypes>}},
+    {"--best-effort", "", "fault: offer less than the reliability that clients request",
+     Flag{fault<&Faults::isBestEffort>}},
+    {"--no-response-writer", "", "fault: hear requests and have nothing to answer with",
+     Flag{fault<&Faults::hasNoResponseWriter>}},
     {"--verbose", "", "log the requests to other routers too", Flag{option<&Options::isVerbose>}},
     {"--help", "", "show this text and end", Flag{option<&Options::showsHelp>}},
     {"--version", "", "show the version and end", Flag{option<&Options::showsVersion>}},
@@ -135,6 +144,17 @@ bool Options::parse(std::span<const char* const> arguments, std::string& error) 
         error = parseOne(*this, arguments);
     }
     return error.empty();
+}
+
+std::vector<std::string> Options::names() const {
+    if (count == 1) {
+        return {name};
+    }
+    std::vector<std::string> all;
+    for (std::int32_t i = 1; i <= count; ++i) {
+        all.push_back(name + std::to_string(i));
+    }
+    return all;
 }
 
 std::string Options::help() {

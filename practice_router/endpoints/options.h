@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace zul::practice {
 
@@ -15,11 +16,15 @@ struct Faults {
     bool duplicates = false;            // each response goes out twice
     bool wrongInvocation = false;       // before each answer one to the request before it
     std::int32_t garbage = 0;           // undecodable samples before each answer
+    bool hasOtherTypes = false;         // its topics have other types than those of clients
+    bool isBestEffort = false;          // its endpoints are
+    bool hasNoResponseWriter = false;   // requests are acted on, and nothing could answer them
 };
 
 struct Options {
     std::int32_t domain = 0;
     std::string name = "practice";
+    std::int32_t count = 1; // of routers; several have numbers after the name
     bool isFederation = false;
     std::string saveDirectory = ".";
     std::string configurationFile; // empty: the builtin default configuration
@@ -33,6 +38,9 @@ struct Options {
     // argument is unknown, lacks its value or has a bad one. A value follows its option as the next argument
     // or after "=".
     bool parse(std::span<const char* const> arguments, std::string& error);
+
+    // One name for each router.
+    std::vector<std::string> names() const;
 
     // The help text: usage and one line for each option.
     static std::string help();

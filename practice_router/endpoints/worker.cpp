@@ -71,8 +71,9 @@ void Worker::turn(const Request& request) {
     }
     // Before the answer goes out: whoever waits for this line may act between request and answer.
     const Faults& faults = options_.faults;
-    log(request, (faults.isSilent ? "kept back: " : "") + describe(*answer));
-    if (faults.isSilent || !queue_.pause(std::chrono::milliseconds(faults.delayMilliseconds))) {
+    const bool isKeptBack = faults.isSilent || faults.hasNoResponseWriter;
+    log(request, (isKeptBack ? "kept back: " : "") + describe(*answer));
+    if (isKeptBack || !queue_.pause(std::chrono::milliseconds(faults.delayMilliseconds))) {
         return;
     }
     if (!responder_.send(request, *answer) && !queue_.isClosed()) {

@@ -69,7 +69,7 @@ TEST(Announcement, ATypeThatIsNotOrOtherwiseAnnounced) {
     ASSERT_NE(observer, nullptr);
     observer->enable();
 
-    Participant announcing(DOMAIN, true);
+    Participant announcing(DOMAIN, {.announcesTypes = true});
     auto* subscriber = DDS_DomainParticipant_create_subscriber(announcing.participant,
                                                                &DDS_SUBSCRIBER_QOS_DEFAULT, nullptr, 0);
     // The federation variant replaces the description; a type that contains itself has none.

@@ -5,12 +5,20 @@
 
 #include <gtest/gtest.h>
 
+struct ParticipantWishes {
+    bool announcesTypes = false;
+    const char* name = nullptr;
+    const DDS_DomainParticipantListener* listener = nullptr;
+};
+
 struct Participant {
-    explicit Participant(int domain, bool announcesTypes = false) {
+    explicit Participant(int domain, const ParticipantWishes& wishes = {}) {
         DDS_DomainParticipantQos qos;
         DDS_DomainParticipantQos_initialize(&qos);
-        qos.types.announce_descriptions = announcesTypes ? 1 : 0;
-        participant = DDS_DomainParticipantFactory_create_participant(factory, domain, &qos, nullptr, 0);
+        qos.types.announce_descriptions = wishes.announcesTypes ? 1 : 0;
+        qos.participant_name.name = DDS_String_dup(wishes.name);
+        participant =
+            DDS_DomainParticipantFactory_create_participant(factory, domain, &qos, wishes.listener, 0);
         DDS_DomainParticipantQos_finalize(&qos);
     }
     ~Participant() {

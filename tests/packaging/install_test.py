@@ -109,7 +109,7 @@ class Install(SessionTest):
 
     def test_options_are_completed(self):
         folder = os.path.join(self.prefix, "share/bash-completion/completions")
-        for program, word, expected in (("zulrssh", "-d", "-domainId"), ("zulfssh", "-cm", "-cmdFile"),
+        for program, word, expected in (("zulrssh", "-d", "-domainId"), ("zulfssh", "-cm", "-cmdFile"), ("zulctl", "du", "dupdate"),
                                         ("zul-practice-router", "--dom", "--domain")):
             # What bash does: it loads the file of the program's name and calls the function registered there.
             script = f"""source '{folder}/{program}'

@@ -1,10 +1,10 @@
 // The text is parsed once into its parts, then rendered twice: to measure the snippet, and to write it.
-#include "remote_config/assignment.h"
+#include "product/assignment.h"
 
 #include "middleware/base/strings.h"
+#include "product/log_masks.h"
 #include "product/product_info.h"
 #include "product/vocabulary.h"
-#include "remote_config/log.h"
 
 #include <algorithm>
 #include <array>
@@ -125,8 +125,8 @@ void render(const Assignment& assignment, Put put) {
 }
 
 char* outOfMemory(std::size_t length) {
-    remoteConfigError("ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet", ZUL_LOG_OUT_OF_HEAP_STRING_d,
-                      length);
+    ROUTERLog_error(ROUTER_SUBMODULE_REMOTE_CONFIG, "ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet",
+                    ZUL_LOG_OUT_OF_HEAP_STRING_d, length);
     return nullptr;
 }
 

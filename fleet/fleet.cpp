@@ -1,0 +1,256 @@
+// Requests go out one router after another, because an upload is not to be mixed with another request of its
+// sender; answers are awaited from all at once.
+#include "fleet/fleet.h"
+
+#include "fleet/asking.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace zul::fleet {
+
+namespace {
+
+std::chrono::milliseconds toMilliseconds(Clock::duration span) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(span);
+}
+
+} // namespace
+
+bool isPattern(const std::string& word) {
+    return word.find_first_of("*?") != std::string::npos;
+}
+
+bool matches(const std::string& pattern, const std::string& name) {
+    std::size_t at = 0;
+    std::size_t star = std::string::npos; // of the last * that was passed, and where the name was then
+    std::size_t retry = 0;
+    for (std::size_t i = 0; i < name.size() || at < pattern.size();) {
+        if (at < pattern.size() && pattern[at] == '*') {
+            star = at++;
+            retry = i;
+        } else if (i < name.size() && at < pattern.size() && (pattern[at] == '?' || pattern[at] == name[i])) {
+            ++at, ++i;
+        } else if (star != std::string::npos && retry < name.size()) {
+            at = star + 1;
+            i = ++retry;
+        } else {
+            return false;
+        }
+    }
+    return true;
+}
+
+Picture Fleet::picture() const {
+    return pictureOf(domain_, settings_.product);
+}
+
+Fleet::Reach Fleet::reach(const Picture& picture, const std::string& name) const {
+    Reach reach;
+    bool areAllMatched = true;
+    for (const Participant& participant : picture.participants) {
+        if (!participant.isHere() || !participant.mayBeRouter()) {
+            continue;
+        }
+        const bool matched = picture.isMatched(participant);
+        const std::string itsName = participant.routerName();
+        if (itsName == name) {
+            areAllMatched = areAllMatched && matched;
+            if (matched) {
+                reach.routers.push_back(participant.prefix);
+            }
+        }
+        reach.isNameless = reach.isNameless || (matched && itsName.empty());
+    }
+    reach.isWhole = areAllMatched && !reach.routers.empty();
+    return reach;
+}
+
+// A router that does not tell its name answers to it: a greeting to the name that is looked for does no harm.
+void Fleet::greetNameless(const Picture& picture, const std::vector<std::string>& names) {
+    bool isNew = false;
+    for (const Participant& participant : picture.participants) {
+        if (participant.routerName().empty() && picture.isMatched(participant)) {
+            isNew = greeted_.insert(participant.prefix).second || isNew;
+        }
+    }
+    for (const std::string& name : names) {
+        std::int32_t invocation = 0;
+        if (isNew && !isPattern(name) && reach(picture, name).routers.empty() &&
+            domain_.send(settings_.product, GREETING, name, Clock::now(), invocation) == Sent::YES) {
+            greetings_[invocation] = name;
+        }
+    }
+}
+
+void Fleet::noteGreetings() {
+    for (const Response& response : domain_.takeResponses()) {
+        if (const auto greeting = greetings_.find(response.invocation); greeting != greetings_.end()) {
+            domain_.discovery().noteName(response.writer, greeting->second, &Participant::answersTo);
+        }
+    }
+}
+
+std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
+    const auto deadline = Clock::now() + settings_.discovery;
+    const bool hasPatterns = std::ranges::any_of(words, isPattern);
+    for (;;) {
+        noteGreetings();
+        const Picture now = picture();
+        const bool isDone = !hasPatterns && std::ranges::all_of(words, [&](const std::string& name) {
+            return reach(now, name).isWhole;
+        });
+        if (isDone || wakeup_.isInterrupted() || now.now >= deadline) {
+            break;
+        }
+        greetNameless(now, words);
+        wakeup_.waitUntil(deadline);
+    }
+    std::set<std::string> names;
+    for (const std::string& word : words) {
+        if (!isPattern(word)) {
+            names.insert(word);
+            continue;
+        }
+        for (const Participant& participant : picture().participants) {
+            const std::string name = participant.routerName();
+            const bool isOfProduct = participant.isRouter(settings_.product) ||
+                                     (participant.mayBeRouter() && participant.endpoints.empty());
+            if (participant.isHere() && isOfProduct && !name.empty() && matches(word, name)) {
+                names.insert(name);
+            }
+        }
+    }
+    return {names.begin(), names.end()};
+}
+
+Result Fleet::toResult(Answer&& answer, const Command& command) const {
+    Result result{.router = std::move(answer.router),
+                  .command = command.kind,
+                  .entity = command.name,
+                  .status = answer.status,
+                  .message = std::move(answer.message),
+                  .parts = answer.parts,
+                  .took = answer.took,
+                  .guid = answer.writer ? textOf(*answer.writer) : ""};
+    if (result.status == Status::NO_ANSWER) {
+        Picture now = picture();
+        // Of two routers with one name, only the one that is silent says why.
+        std::erase_if(now.participants, [&](const Participant& participant) {
+            return answer.writer && participant.prefix != *answer.writer;
+        });
+        now.reply = Picture::Reply::NONE;
+        now.waited = toMilliseconds(settings_.timeout);
+        const Cause cause = findCause(now, result.router);
+        const std::string parts =
+            result.parts == 0 ? "" : " (after " + std::to_string(result.parts) + " parts)";
+        result.message = std::string(nameOf(cause.kind)) + ": " + cause.text + parts;
+    } else if (result.status == Status::INTERRUPTED) {
+        result.message = "interrupted; what became of it is not known";
+    }
+    return result;
+}
+
+Result Fleet::unsent(const std::string& name, const Command& command) const {
+    const Cause cause = findCause(picture(), name);
+    return {.router = name,
+            .command = command.kind,
+            .entity = command.name,
+            .status = Status::NO_ANSWER,
+            .message = std::string(nameOf(cause.kind)) + ": " + cause.text + " (not sent)"};
+}
+
+void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& onResult) {
+    for (const Response& response : domain_.takeResponses()) {
+        // What only announces a router is no answer, except to a greeting.
+        if (response.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT ||
+            command.kind == GREETING.kind) {
+            gathering.add(response);
+        }
+    }
+    for (Answer& answer : gathering.takeEnded()) {
+        onResult(toResult(std::move(answer), command));
+    }
+}
+
+void Fleet::gather(Gathering& gathering, const Command& command, const OnResult& onResult) {
+    for (;;) {
+        drain(gathering, command, onResult);
+        if (gathering.isComplete()) {
+            return;
+        }
+        loseWhoLeft(domain_, gathering);
+        if (wakeup_.isInterrupted()) {
+            gathering.interrupt();
+        }
+        gathering.expire(Clock::now());
+        if (!gathering.isComplete()) {
+            wakeup_.waitUntil(gathering.deadline());
+        }
+    }
+}
+
+void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult) {
+    Gathering gathering(settings_.timeout);
+    const auto endsWith = [&](const std::string& name, Status status, const char* message) {
+        onResult({.router = name,
+                  .command = command.kind,
+                  .entity = command.name,
+                  .status = status,
+                  .message = message});
+    };
+    for (const std::string& name : names) {
+        if (wakeup_.isInterrupted()) {
+            endsWith(name, Status::INTERRUPTED, "interrupted; nothing was sent");
+            continue;
+        }
+        const Reach reached = reach(picture(), name);
+        if (reached.routers.empty() && !reached.isNameless) {
+            onResult(unsent(name, command));
+            continue;
+        }
+        std::int32_t invocation = 0;
+        switch (
+            domain_.send(settings_.product, command, name, Clock::now() + settings_.timeout, invocation)) {
+        case Sent::YES:
+            gathering.expect(invocation, name, reached.routers, Clock::now());
+            break;
+        case Sent::INTERRUPTED:
+            endsWith(name, Status::INTERRUPTED, "interrupted while it was sent");
+            break;
+        case Sent::NO_ROOM:
+            endsWith(name, Status::NO_ANSWER,
+                     "unknown: it could not be sent, because some router acknowledges nothing");
+            break;
+        case Sent::FAILED:
+            endsWith(name, Status::NO_ANSWER, "unknown: it could not be sent");
+            break;
+        }
+        drain(gathering, command, onResult);
+    }
+    gather(gathering, command, onResult);
+}
+
+Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
+    find({name});
+    const Reach reached = reach(picture(), name);
+    std::optional<std::chrono::milliseconds> took;
+    const bool isAsked = !reached.routers.empty() || reached.isNameless;
+    if (isAsked) {
+        ask({name}, GREETING, [&took](const Result& result) {
+            if (result.status == Status::OK) {
+                took = result.took;
+            }
+        });
+    }
+    Picture now = picture();
+    // Who answered to the name has it, whatever its participant is called.
+    now.reply = took ? Picture::Reply::ANSWERED : isAsked ? Picture::Reply::NONE : Picture::Reply::NOT_ASKED;
+    now.waited = took.value_or(toMilliseconds(settings_.timeout));
+    for (Domain* other : others) {
+        now.others.push_back(pictureOf(*other, settings_.product));
+    }
+    return findCause(now, name);
+}
+
+} // namespace zul::fleet

@@ -1,0 +1,96 @@
+// Many routers at once: who is there, one request each, what they answered, and why the others did not.
+// Prints nothing.
+//
+// One thread. Every wait ends when what it waits for is there, when its time is up, or with an interrupt of
+// the wakeup; nothing sleeps.
+#pragma once
+
+#include "fleet/cause.h"
+#include "fleet/domain.h"
+
+#include <functional>
+#include <map>
+
+namespace zul::fleet {
+
+struct Settings {
+    Product product = Product::ROUTING;
+    Clock::duration timeout = std::chrono::seconds(15);  // for an answer, from its request or its last part
+    Clock::duration discovery = std::chrono::seconds(3); // longest look for routers
+};
+
+// What became of a command at one router.
+struct Result {
+    std::string router{};
+    CommandKind command{};
+    std::string entity{};
+    Status status = Status::NO_ANSWER;
+    std::string message{}; // the router's, or the cause of its silence
+    std::size_t parts = 0;
+    std::chrono::milliseconds took{};
+    std::string guid{}; // prefix of the router's participant; empty when it is not known
+};
+using OnResult = std::function<void(Result&&)>;
+
+// A router that is there.
+struct RouterRow {
+    std::string name{}; // empty when it tells none
+    std::int32_t domain = 0;
+    Product product{};
+    std::string participant{};
+    std::string host{};
+    std::string guid{};
+    bool answers = false;
+    bool isDuplicate = false; // another one of its domain and product has its name
+};
+
+// Whether a name matches a pattern, in which * stands for any text and ? for any one byte.
+bool matches(const std::string& pattern, const std::string& name);
+bool isPattern(const std::string& word);
+
+class Fleet {
+public:
+    // All must outlive this.
+    Fleet(Domain& domain, Wakeup& wakeup, const Settings& settings)
+        : domain_(domain), wakeup_(wakeup), settings_(settings) {}
+
+    // Looks for routers and returns their names, sorted: the names among the words, there or not, and those
+    // that match a pattern among them. Goes on as soon as all are there and matched both ways; only a pattern
+    // takes the whole time.
+    std::vector<std::string> find(const std::vector<std::string>& words);
+
+    // Sends each router one request, and hands over the results as they come. Who cannot be reached is not
+    // asked. The command must not be one to refuse.
+    void ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult);
+
+    // Looks for the router, asks it when it can be asked, and says why it is silent, or that it is not.
+    // `others` are domains that may have it instead.
+    Cause why(const std::string& name, const std::vector<Domain*>& others);
+
+private:
+    struct Reach {
+        std::vector<GuidPrefix> routers{}; // of that name, matched both ways
+        bool isWhole = false;              // there are some, and no others of that name
+        bool isNameless = false;           // some router that can be asked does not tell its name
+    };
+    Reach reach(const Picture& picture, const std::string& name) const;
+    Picture picture() const;
+    void greetNameless(const Picture& picture, const std::vector<std::string>& names);
+    void noteGreetings();
+    void gather(Gathering& gathering, const Command& command, const OnResult& onResult);
+    void drain(Gathering& gathering, const Command& command, const OnResult& onResult);
+    Result toResult(Answer&& answer, const Command& command) const;
+    Result unsent(const std::string& name, const Command& command) const;
+
+    Domain& domain_;
+    Wakeup& wakeup_;
+    Settings settings_;
+    std::map<std::int32_t, std::string> greetings_; // names that were greeted, by invocation
+    std::set<GuidPrefix> greeted_;
+};
+
+// Looks for routers of both products for the whole discovery time, in all the domains at once, and asks each
+// whether it answers. Sorted by domain and name.
+std::vector<RouterRow> list(const std::vector<Domain*>& domains, Wakeup& wakeup, const Settings& settings);
+
+} // namespace zul::fleet

@@ -1,0 +1,81 @@
+// Gathering: which answers are awaited, what has come, and when nobody is waited for any more. Knows nothing
+// of DDS or of clocks; one thread.
+//
+// An answer belongs to a request by its number and to a router by the writer it came from. So two routers
+// with one name give two results, and parts that arrive interleaved are put together router by router.
+#pragma once
+
+#include "fleet/identity.h"
+#include "fleet/wakeup.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zul::fleet {
+
+// A response as it arrived, whoever it is for.
+struct Response {
+    std::int32_t invocation = 0; // of the request; host and application are this participant's
+    GuidPrefix writer{};
+    std::int32_t kind = 0;
+    std::string message{};
+    bool isFinal = false;
+    Clock::time_point at{};
+};
+
+enum class Status { OK, ERROR, NOT_FOUND, NO_ANSWER, INTERRUPTED };
+
+// What became of one request at one router.
+struct Answer {
+    std::string router{};               // the name that was asked
+    std::optional<GuidPrefix> writer{}; // nothing when nobody is known who could have answered
+    Status status = Status::NO_ANSWER;
+    std::string message{}; // of all parts
+    std::size_t parts = 0;
+    std::chrono::milliseconds took{}; // from the request to the last part
+};
+
+class Gathering {
+public:
+    // Counted from the request or the last part.
+    explicit Gathering(Clock::duration timeout) : timeout_(timeout) {}
+
+    // A request has been sent. `routers` are those that it must reach; when there is none, one answer is
+    // enough.
+    void expect(std::int32_t invocation, const std::string& router, const std::vector<GuidPrefix>& routers,
+                Clock::time_point sent);
+    // Credits a response, or drops it: a foreign, a late or a duplicate one.
+    void add(const Response& response);
+    // A participant is gone: it is not waited for.
+    void lose(const GuidPrefix& participant);
+    // Ends the waits whose time is up.
+    void expire(Clock::time_point now);
+    // Ends all waits.
+    void interrupt();
+
+    bool isComplete() const { return open_ == 0; }
+    // When `expire` is due.
+    Clock::time_point deadline() const;
+    // The answers that have ended since the last call.
+    std::vector<Answer> takeEnded();
+
+private:
+    struct Wait {
+        Answer answer{};
+        Clock::time_point begin{};
+        Clock::time_point last{}; // sent, or the last part
+        bool hasEnded = false;
+    };
+    Wait* find(std::int32_t invocation, const GuidPrefix& writer);
+    void end(Wait& wait, Status status);
+
+    Clock::duration timeout_;
+    std::multimap<std::int32_t, Wait> waits_; // by invocation
+    std::size_t open_ = 0;
+    std::vector<Answer> ended_;
+};
+
+} // namespace zul::fleet

@@ -1,0 +1,105 @@
+// Looks, asks every router that can be asked, then waits for all of them at once.
+#include "fleet/asking.h"
+#include "fleet/fleet.h"
+
+#include <algorithm>
+
+namespace zul::fleet {
+
+namespace {
+
+// The routers of one product in one domain.
+void addRows(std::vector<RouterRow>& rows, Domain& domain, Product product) {
+    std::map<std::string, std::vector<std::size_t>> namesakes;
+    for (const Participant& participant : domain.discovery().participants()) {
+        // One that hides its endpoints is listed where its name says.
+        const bool isHidden = participant.mayBeRouter() && participant.endpoints.empty() &&
+                              participant.name.starts_with(infoOf(product).productName);
+        if (participant.isHere() && (participant.isRouter(product) || isHidden)) {
+            namesakes[participant.routerName()].push_back(rows.size());
+            rows.push_back({.name = participant.routerName(),
+                            .domain = domain.id(),
+                            .product = product,
+                            .participant = participant.name,
+                            .host = participant.host,
+                            .guid = textOf(participant.prefix)});
+        }
+    }
+    for (const auto& [name, indices] : namesakes) {
+        for (const std::size_t index : indices) {
+            rows[index].isDuplicate = indices.size() > 1 && !name.empty();
+        }
+    }
+}
+
+struct Round {
+    Domain* domain;
+    Gathering gathering;
+};
+
+void greet(Round& round, Product product, Clock::duration patience) {
+    const Picture picture = pictureOf(*round.domain, product);
+    std::map<std::string, std::vector<GuidPrefix>> named;
+    for (const Participant& participant : picture.participants) {
+        if (picture.isMatched(participant) && refusal(GREETING, participant.routerName()) == nullptr) {
+            named[participant.routerName()].push_back(participant.prefix);
+        }
+    }
+    for (const auto& [name, routers] : named) {
+        std::int32_t invocation = 0;
+        if (round.domain->send(product, GREETING, name, Clock::now() + patience, invocation) == Sent::YES) {
+            round.gathering.expect(invocation, name, routers, Clock::now());
+        }
+    }
+}
+
+void collect(Round& round, std::set<std::string>& answering) {
+    for (const Response& response : round.domain->takeResponses()) {
+        round.gathering.add(response);
+    }
+    loseWhoLeft(*round.domain, round.gathering);
+    round.gathering.expire(Clock::now());
+    for (const Answer& answer : round.gathering.takeEnded()) {
+        if (answer.status == Status::OK && answer.writer) {
+            answering.insert(textOf(*answer.writer));
+        }
+    }
+}
+
+} // namespace
+
+std::vector<RouterRow> list(const std::vector<Domain*>& domains, Wakeup& wakeup, const Settings& settings) {
+    const auto deadline = Clock::now() + settings.discovery;
+    while (!wakeup.isInterrupted() && Clock::now() < deadline) {
+        wakeup.waitUntil(deadline);
+    }
+    std::vector<RouterRow> rows;
+    std::vector<Round> rounds;
+    for (Domain* domain : domains) {
+        Round& round = rounds.emplace_back(domain, Gathering(settings.timeout));
+        for (const Product product : PRODUCTS) {
+            addRows(rows, *domain, product);
+            greet(round, product, settings.timeout);
+        }
+    }
+    std::set<std::string> answering;
+    for (bool isComplete = false; !isComplete && !wakeup.isInterrupted();) {
+        isComplete = true;
+        auto next = Clock::time_point::max();
+        for (Round& round : rounds) {
+            collect(round, answering);
+            isComplete = isComplete && round.gathering.isComplete();
+            next = std::min(next, round.gathering.deadline());
+        }
+        if (!isComplete) {
+            wakeup.waitUntil(next);
+        }
+    }
+    for (RouterRow& row : rows) {
+        row.answers = answering.contains(row.guid);
+    }
+    std::ranges::stable_sort(rows, {}, [](const RouterRow& row) { return std::pair(row.domain, row.name); });
+    return rows;
+}
+
+} // namespace zul::fleet

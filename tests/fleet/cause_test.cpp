@@ -1,0 +1,125 @@
+// Every cause from a picture that shows it, and from one that shows two.
+#include "fleet/cause.h"
+#include "fleet/fleet.h"
+
+#include <gtest/gtest.h>
+
+namespace zul::fleet {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A router of the picture, with one letter for what is told of it: (h)ere, (l)eft, lease ran (o)ut; its
+// endpoints (r)eader and (w)riter, capitals if matched; (t)ype other than ours; (b)est-effort; (d)urable;
+// (p)artition; (f)ederation; (s)ecured.
+Participant router(std::uint8_t number, const std::string& name, const std::string& letters) {
+    const auto has = [&letters](char letter) {
+        return letters.find(letter) != std::string::npos;
+    };
+    const Product product = has('f') ? Product::FEDERATION : Product::ROUTING;
+    Participant participant{.prefix = {number},
+                            .name = std::string(infoOf(product).productName) + ": " + name};
+    participant.isSecured = has('s');
+    participant.lease = {20, 0};
+    participant.presence = has('l') ? Presence::LEFT : has('o') ? Presence::LEASE_RAN_OUT : Presence::HERE;
+    const auto add = [&](Topic topic, bool isReader, const char* type) {
+        Endpoint endpoint{.guid = {number, isReader},
+                          .product = product,
+                          .topic = topic,
+                          .isReader = isReader,
+                          .type = type};
+        endpoint.type += has('t') ? "Other" : "";
+        endpoint.qos.reliability.kind =
+            has('b') ? DDS_BEST_EFFORT_RELIABILITY_QOS : DDS_RELIABLE_RELIABILITY_QOS;
+        endpoint.qos.durability.kind =
+            has('d') ? DDS_TRANSIENT_LOCAL_DURABILITY_QOS : DDS_VOLATILE_DURABILITY_QOS;
+        endpoint.qos.deadline.period = endpoint.qos.liveliness.lease_duration = DDS_DURATION_INFINITE;
+        endpoint.qos.has_partition = has('p');
+        participant.endpoints.push_back(endpoint);
+    };
+    if (has('r') || has('R')) {
+        add(Topic::REQUEST, true, infoOf(product).administrationRequestTypeName);
+    }
+    if (has('w') || has('W')) {
+        add(Topic::RESPONSE, false, infoOf(product).administrationResponseTypeName);
+    }
+    return participant;
+}
+
+Picture picture(const std::vector<std::pair<std::string, std::string>>& routers,
+                Picture::Reply reply = Picture::Reply::NOT_ASKED) {
+    Picture picture{.domain = 3, .now = Clock::time_point{} + 7s, .reply = reply, .waited = 15ms};
+    for (const auto& [name, letters] : routers) {
+        const auto number = static_cast<std::uint8_t>(picture.participants.size() + 1);
+        picture.participants.push_back(router(number, name, letters));
+        for (const auto& [letter, isReader] : {std::pair{'R', true}, {'W', false}}) {
+            if (letters.find(letter) != std::string::npos) {
+                picture.matched.insert({number, isReader});
+            }
+        }
+    }
+    return picture;
+}
+
+TEST(Cause, IsNamedWithItsEvidence) {
+    const auto answered = Picture::Reply::ANSWERED;
+    const auto none = Picture::Reply::NONE;
+    Picture elsewhere = picture({});
+    elsewhere.others = {picture({{"r1", "hRW"}})};
+    elsewhere.others[0].domain = 9;
+    Picture strangers = picture({});
+    strangers.participants = {{.prefix = {1}, .name = "some program"}};
+    const struct {
+        const char* cause;
+        Picture picture;
+        const char* fact; // in the text or the evidence
+    } rows[] = {
+        {"answers", picture({{"r1", "hRW"}}, answered), "15 ms"},
+        {"nobody", picture({}), "no participant"},
+        {"other_domain", elsewhere, "use -d 9"},
+        {"no_such_name", picture({{"x", "hRW"}, {"r2", "hRW"}}), "there are: r2, x"},
+        {"no_such_name", strangers, "none is there"},
+        {"wrong_product", picture({{"r1", "hfrw"}}), "use --federation"},
+        {"type_mismatch", picture({{"r1", "hrwt"}}), "CommandRequestOther"},
+        {"incompatible_qos", picture({{"r1", "hRwb"}}), "it offers BEST_EFFORT"},
+        {"incompatible_qos", picture({{"r1", "hrWd"}}), "DURABILITY"},
+        {"incompatible_qos", picture({{"r1", "hrwp"}}), "PARTITION"},
+        {"one_way", picture({{"r1", "hR"}}), "response writer is not there"},
+        {"one_way", picture({{"r1", "hrW"}}), "request reader is there, but not matched"},
+        {"silent", picture({{"r1", "hRW"}}, none), "no answer for 15 ms"},
+        {"gone", picture({{"r1", "lrw"}}), "it left 7 s ago"},
+        {"gone", picture({{"r1", "orw"}}), "for 20 s; its lease ran out 7 s ago"},
+        {"not_authenticated", picture({{"r1", "hs"}}), "identity token"},
+        {"unknown", picture({{"r1", "hrw"}}), "request reader is there, but not matched"},
+        // Two at once, or two of the name: what rules the other out, and who is here.
+        {"gone", picture({{"r1", "lrwtb"}}), "it left"},
+        {"type_mismatch", picture({{"r1", "hRwtb"}}), "CommandResponseOther"},
+        {"silent", picture({{"r1", "lrw"}, {"r1", "hRW"}, {"r1", "hf"}}, none), "02000000."},
+    };
+    for (const auto& row : rows) {
+        const Cause cause = findCause(row.picture, "r1");
+        std::string told = cause.text;
+        for (const std::string& fact : cause.evidence) {
+            told += "\n" + fact;
+        }
+        EXPECT_STREQ(nameOf(cause.kind), row.cause) << told;
+        EXPECT_NE(told.find(row.fact), std::string::npos) << told;
+        EXPECT_FALSE(cause.evidence.empty());
+    }
+}
+
+TEST(Cause, APatternMatchesWhatItSays) {
+    const struct {
+        const char *pattern, *name;
+        bool isMatch;
+    } rows[] = {{"*", "", true},     {"r?", "r1", true},         {"r?", "r", false},
+                {"*1", "r11", true}, {"a*b*c", "aXbYbZc", true}, {"a*b", "ab1", false},
+                {"r*", "R1", false}, {"??", "\xC3\xBC", true},   {"**x", "x", true},
+                {"r1", "r12", false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(matches(row.pattern, row.name), row.isMatch) << row.pattern << " " << row.name;
+    }
+}
+
+} // namespace
+} // namespace zul::fleet

@@ -1,0 +1,223 @@
+// CLI11 knows options and commands; the words of a command are counted here, because --all takes the place of
+// the first.
+#include "zulctl/arguments.h"
+
+#include "middleware/base/version.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+
+namespace zul::ctl {
+
+namespace {
+
+constexpr std::size_t ANY = 1000; // words
+constexpr double LONGEST_SECONDS = 1e6;
+
+// clang-format off
+constexpr CommandRow COMMANDS[] = {
+    {.name = "list", .help = "show the routers that are there", .words = "", .kind = CommandRow::Kind::LIST},
+    {.name = "why", .help = "say why a router does not answer", .words = "ROUTER", .kind = CommandRow::Kind::WHY},
+    {.name = "enable", .help = "start an entity, or the router itself", .words = "ROUTERS [ENTITY]",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_ENABLE, .mostWords = 1},
+    {.name = "disable", .help = "stop it", .words = "ROUTERS [ENTITY]",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_DISABLE, .mostWords = 1},
+    {.name = "pause", .help = "hold back its data", .words = "ROUTERS [ENTITY]",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_PAUSE, .mostWords = 1},
+    {.name = "resume", .help = "let its data flow again", .words = "ROUTERS [ENTITY]",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_RESUME, .mostWords = 1},
+    {.name = "delete", .help = "delete an entity", .words = "ROUTERS ENTITY",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_DELETE, .leastWords = 1, .mostWords = 1},
+    {.name = "get", .help = "print the router's configuration", .words = "ROUTERS",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_GET},
+    {.name = "save", .help = "have the router save its configuration", .words = "ROUTERS",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_SAVE},
+    {.name = "unload", .help = "unload the current configuration", .words = "ROUTERS",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD},
+    {.name = "load", .help = "load a configuration by name from a document", .words = "ROUTERS CONFIGURATION SOURCE",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_LOAD, .leastWords = 1, .mostWords = 1, .hasSource = true},
+    {.name = "update", .help = "change the configuration of an entity, or of the router itself", .words = "ROUTERS [ENTITY] SOURCE",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_UPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
+    {.name = "create", .help = "create a domain_route, or a session, topic_route or auto_route in a PARENT",
+     .words = "ROUTERS KIND [PARENT] SOURCE",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_CREATE, .leastWords = 1, .mostWords = 2, .hasSource = true},
+    {.name = "add-peer", .help = "add discovery peers to a participant of a domain route", .words = "ROUTERS ROUTE p1|p2 PEER...",
+     .request = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .leastWords = 3, .mostWords = ANY},
+    {.name = "dupdate", .help = "disable, update and enable, and show each answer", .words = "ROUTERS [ENTITY] SOURCE",
+     .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
+};
+// clang-format on
+
+constexpr const char* FOOTER =
+    "ROUTERS is a name, names with commas between, a pattern with * and ?, or --all.\n"
+    "Exit status: 0 done; 1 a router refused; 2 usage, or a local file; 3 no such entity;\n"
+    "4 no such router, or no answer; 5 interrupted; 6 the domain cannot be joined.";
+
+// The words of a command are shown as they are typed.
+class HelpFormatter final : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
+        const auto* row =
+            std::ranges::find(COMMANDS, app->get_name(), [](const auto& each) { return each.name; });
+        return row == std::end(COMMANDS)
+                   ? "Usage: zulctl [OPTIONS] COMMAND ...\n"
+                   : std::string("Usage: zulctl [OPTIONS] ") + row->name + " " + row->words + "\n";
+    }
+};
+
+struct UsageError {
+    std::string message;
+};
+
+std::vector<std::string> split(const std::string& list) {
+    std::vector<std::string> parts;
+    for (std::size_t begin = 0;;) {
+        const std::size_t comma = list.find(',', begin);
+        parts.push_back(list.substr(begin, comma - begin));
+        if (comma == std::string::npos) {
+            return parts;
+        }
+        begin = comma + 1;
+    }
+}
+
+std::vector<std::int32_t> parseDomains(const std::string& range) {
+    std::int32_t first = 0;
+    std::int32_t last = 0;
+    int length = 0;
+    if (std::sscanf(range.c_str(), "%d-%d%n", &first, &last, &length) != 2 ||
+        static_cast<std::size_t>(length) != range.size() || first < 0 || last > DDS_DOMAIN_ID_MAX ||
+        first > last) {
+        throw UsageError{"--domains takes a range such as 0-9, within 0-" +
+                         std::to_string(DDS_DOMAIN_ID_MAX)};
+    }
+    std::vector<std::int32_t> domains;
+    for (std::int32_t domain = first; domain <= last; ++domain) {
+        domains.push_back(domain);
+    }
+    return domains;
+}
+
+// What CLI11 stores into, before it is looked at.
+struct Raw {
+    double timeout = 15;
+    double discovery = 3;
+    bool isFederation = false;
+    bool isVersion = false;
+    std::vector<std::string> words{};
+    bool isAll = false;
+    std::string domains{};
+};
+
+void addSource(CLI::App& app, const CommandRow& row, Source& source) {
+    auto* group = app.add_option_group("SOURCE", "where the XML comes from");
+    group->add_option("--file", source.file, "a file that is read here")->type_name("FILE");
+    group->add_option("--remote-file", source.remoteFile, "a file that the router reads")->type_name("FILE");
+    group->add_option("--xml", source.xml, "the XML itself")->type_name("TEXT");
+    if (row.hasAssignment) {
+        group->add_option("--set", source.assignment, "a dotted assignment, as in the shell")
+            ->type_name("a.b.c=v");
+    }
+    group->require_option(1);
+}
+
+// Takes ROUTERS off the words and checks how many are left.
+void assignWords(const Raw& raw, Arguments& arguments) {
+    const CommandRow& row = *arguments.command;
+    arguments.words = raw.words;
+    if (raw.isAll) {
+        arguments.routers = {"*"};
+    } else if (row.kind != CommandRow::Kind::LIST) {
+        if (arguments.words.empty()) {
+            throw UsageError{"whom? Name a router, or give --all"};
+        }
+        arguments.routers = row.kind == CommandRow::Kind::WHY ? std::vector{arguments.words.front()}
+                                                              : split(arguments.words.front());
+        arguments.words.erase(arguments.words.begin());
+    }
+    if (arguments.words.size() < row.leastWords || arguments.words.size() > row.mostWords) {
+        throw UsageError{std::string("usage: zulctl ") + row.name + " " + row.words};
+    }
+    if (std::ranges::any_of(arguments.routers, &std::string::empty)) {
+        throw UsageError{"a router's name is empty"};
+    }
+}
+
+std::chrono::nanoseconds nanoseconds(double seconds) {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds));
+}
+
+} // namespace
+
+Parsed parseArguments(int argc, const char* const* argv) {
+    Arguments arguments;
+    Raw raw;
+    CLI::App app("Administers routers on a DDS network.", "zulctl");
+    app.footer(FOOTER);
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.require_subcommand(0, 1);
+    app.add_option("-d,--domain", arguments.domain, "DDS domain (default 0)")
+        ->check(CLI::Range(0, DDS_DOMAIN_ID_MAX))
+        ->type_name("N");
+    app.add_option("-t,--timeout", raw.timeout,
+                   "how long an answer, or its next part, is waited for (default 15)")
+        ->check(CLI::Range(0.0, LONGEST_SECONDS))
+        ->type_name("SECONDS");
+    app.add_option("--discovery", raw.discovery, "how long routers are looked for, at most (default 3)")
+        ->check(CLI::Range(0.0, LONGEST_SECONDS))
+        ->type_name("SECONDS");
+    app.add_flag("--federation", raw.isFederation, "federation services instead of routing services");
+    app.add_flag("--json", arguments.isJson, "one JSON object a line");
+    app.add_flag("--version", raw.isVersion, "show the version and end");
+    for (const CommandRow& row : COMMANDS) {
+        CLI::App& command = *app.add_subcommand(row.name, row.help);
+        command.fallthrough();
+        command.callback([&arguments, &row] { arguments.command = &row; });
+        if (*row.words != '\0') {
+            command.add_option("WORDS", raw.words)->group("")->expected(0, static_cast<int>(ANY));
+        }
+        if (row.kind == CommandRow::Kind::REQUEST || row.kind == CommandRow::Kind::DUPDATE) {
+            command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
+        } else {
+            command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
+        }
+        if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {
+            command.add_option("-o,--output", arguments.output, "write to FILE; {router} in it is replaced")
+                ->type_name("FILE");
+        }
+        if (row.hasSource) {
+            addSource(command, row, arguments.source);
+        }
+    }
+    try {
+        app.parse(argc, argv);
+        if (raw.isVersion) {
+            const ZULProductVersion version = ZULProductVersion_get();
+            std::printf("zulctl %d.%d%c\n", version.major, version.minor, version.release);
+            return {};
+        }
+        if (arguments.command == nullptr) {
+            throw UsageError{"which command? --help lists them"};
+        }
+        if (!raw.domains.empty()) {
+            arguments.domains = parseDomains(raw.domains);
+        }
+        assignWords(raw, arguments);
+    } catch (const CLI::Success& wanted) { // help
+        app.exit(wanted);
+        return {};
+    } catch (const CLI::Error& error) {
+        std::fprintf(stderr, "zulctl: %s\n", error.what());
+        return {.status = EXIT_USAGE};
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "zulctl: %s\n", error.message.c_str());
+        return {.status = EXIT_USAGE};
+    }
+    arguments.settings = {.product = raw.isFederation ? fleet::Product::FEDERATION : fleet::Product::ROUTING,
+                          .timeout = nanoseconds(raw.timeout),
+                          .discovery = nanoseconds(raw.discovery)};
+    return {.arguments = std::move(arguments)};
+}
+
+} // namespace zul::ctl

@@ -1,0 +1,67 @@
+// The command line of zulctl, as a record.
+#pragma once
+
+#include "fleet/fleet.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zul::ctl {
+
+enum ExitStatus {
+    EXIT_DONE = 0,
+    EXIT_REFUSED = 1, // by a router
+    EXIT_USAGE = 2,   // or a local file
+    EXIT_NOT_FOUND = 3,
+    EXIT_NO_ANSWER = 4, // or no such router
+    EXIT_INTERRUPTED = 5,
+    EXIT_CANNOT_JOIN = 6,
+};
+
+// Where the XML of a command comes from.
+struct Source {
+    std::optional<std::string> file{};       // read here
+    std::optional<std::string> remoteFile{}; // read by the router
+    std::optional<std::string> xml{};
+    std::optional<std::string> assignment{};
+};
+
+struct CommandRow;
+
+struct Arguments {
+    const CommandRow* command = nullptr;
+    std::int32_t domain = 0;
+    fleet::Settings settings{};
+    bool isJson = false;
+
+    std::vector<std::string> routers{}; // names and patterns
+    std::vector<std::string> words{};   // what follows them
+    Source source{};
+    std::optional<std::string> output{}; // a file's name; {router} stands for a router's
+    std::vector<std::int32_t> domains{}; // of --domains
+};
+
+// What a command takes. The words after ROUTERS are named in its syntax.
+struct CommandRow {
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE };
+
+    const char* name;
+    const char* help;
+    const char* words; // for the help
+    Kind kind = Kind::REQUEST;
+    fleet::CommandKind request{}; // of REQUEST
+    std::size_t leastWords = 0;   // after ROUTERS
+    std::size_t mostWords = 0;
+    bool hasSource = false;
+    bool hasAssignment = false; // the source may be --set
+};
+
+// Either arguments, or the exit status of a program that is done, with what it had to say printed.
+struct Parsed {
+    std::optional<Arguments> arguments{};
+    int status = EXIT_DONE;
+};
+Parsed parseArguments(int argc, const char* const* argv);
+
+} // namespace zul::ctl

@@ -1,0 +1,287 @@
+// Everything that can be refused is refused before a domain is joined, or, where it depends on the names that
+// are found, before anything is sent.
+#include "zulctl/commands.h"
+
+#include "product/vocabulary.h"
+#include "zulctl/files.h"
+#include "zulctl/output.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace zul::ctl {
+
+using fleet::Command;
+using fleet::Domain;
+using fleet::Fleet;
+using fleet::Result;
+using fleet::Status;
+
+namespace {
+
+// What ends the program early, with words for standard error.
+struct Failure {
+    int status;
+    std::string message;
+};
+
+// The exit status of several results: the first that applies, in this order.
+class Outcome {
+public:
+    void add(Status status) {
+        constexpr int STATUSES[] = {EXIT_DONE, EXIT_REFUSED, EXIT_NOT_FOUND, EXIT_NO_ANSWER,
+                                    EXIT_INTERRUPTED};
+        add(STATUSES[static_cast<std::size_t>(status)]);
+    }
+    void add(int status) { seen_.insert(status); }
+    int status() const {
+        constexpr int ORDER[] = {EXIT_INTERRUPTED, EXIT_USAGE, EXIT_NO_ANSWER, EXIT_REFUSED, EXIT_NOT_FOUND};
+        const auto* first = std::ranges::find_if(ORDER, [this](int each) { return seen_.contains(each); });
+        return first != std::end(ORDER) ? *first : EXIT_DONE;
+    }
+
+private:
+    std::set<int> seen_;
+};
+
+std::unique_ptr<Domain> join(std::int32_t id, std::span<const fleet::Product> products,
+                             fleet::Wakeup& wakeup) {
+    std::string error;
+    auto domain = Domain::join(id, products, wakeup, error);
+    if (domain == nullptr) {
+        throw Failure{EXIT_CANNOT_JOIN, error};
+    }
+    return domain;
+}
+
+std::string urlOf(const Source& source) {
+    if (source.remoteFile) {
+        return fleet::remoteFileUrl(*source.remoteFile);
+    }
+    if (source.xml) {
+        return fleet::inlineUrl(*source.xml);
+    }
+    if (source.assignment) {
+        std::string url = fleet::assignmentUrl(*source.assignment);
+        if (url.empty()) {
+            throw Failure{
+                EXIT_USAGE,
+                "--set takes an assignment such as domain_route.participant_1.domain_id=5, which \"" +
+                    *source.assignment + "\" is not"};
+        }
+        return url;
+    }
+    std::string error;
+    const auto text = readFile(*source.file, error);
+    if (!text) {
+        throw Failure{EXIT_USAGE, error};
+    }
+    return fleet::inlineUrl(*text);
+}
+
+// The words of create: what is created follows from the XML, the kind says whether it has a parent.
+std::string parentOf(const std::vector<std::string>& words) {
+    const auto* kind = std::ranges::find_if(product::ENTITY_KINDS, [&words](const product::EntityKind& each) {
+        return each.isKeyword && each.tag == words.front();
+    });
+    if (kind == std::end(product::ENTITY_KINDS)) {
+        throw Failure{EXIT_USAGE, "KIND is domain_route, session, topic_route or auto_route, not \"" +
+                                      words.front() + "\""};
+    }
+    const bool hasParent = kind->level != product::EntityLevel::DOMAIN_ROUTE;
+    if (words.size() != (hasParent ? 2U : 1U)) {
+        throw Failure{EXIT_USAGE,
+                      std::string(kind->tag) + (hasParent ? " needs a PARENT" : " has no PARENT")};
+    }
+    return hasParent ? words.back() : "";
+}
+
+Command commandOf(const Arguments& arguments) {
+    const std::vector<std::string>& words = arguments.words;
+    Command command{.kind = arguments.command->request};
+    if (arguments.command->kind == CommandRow::Kind::DUPDATE) {
+        command.kind = ZUL_ROUTING_SERVICE_COMMAND_UPDATE;
+    }
+    if (command.kind == ZUL_ROUTING_SERVICE_COMMAND_CREATE) {
+        command.name = parentOf(words);
+    } else if (!words.empty()) {
+        command.name = words.front();
+    }
+    if (command.kind == ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER) {
+        if (words[1] != "p1" && words[1] != "p2") {
+            throw Failure{EXIT_USAGE, "which participant? Say p1 or p2, not \"" + words[1] + "\""};
+        }
+        command.isFirstParticipant = words[1] == "p1";
+        command.peers.assign(words.begin() + 2, words.end());
+    }
+    if (arguments.command->hasSource) {
+        command.url = urlOf(arguments.source);
+    }
+    return command;
+}
+
+void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
+    for (const std::string& router : routers) {
+        // A pattern is no name yet, but what it goes with may be refused already.
+        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
+            throw Failure{EXIT_USAGE, reason};
+        }
+    }
+}
+
+std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
+    std::vector<std::string> names = fleet.find(arguments.routers);
+    if (names.empty()) {
+        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
+    }
+    return names;
+}
+
+int request(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+    const Command command = commandOf(arguments);
+    refuseBadNames(command, arguments.routers);
+    const auto domain = join(arguments.domain, {&arguments.settings.product, 1}, wakeup);
+    Fleet fleet(*domain, wakeup, arguments.settings);
+    const std::vector<std::string> names = findRouters(fleet, arguments);
+    refuseBadNames(command, names);
+    const bool hasPlace = arguments.output && arguments.output->find(ROUTER_PLACE) != std::string::npos;
+    if (arguments.output && !hasPlace && names.size() > 1) {
+        throw Failure{EXIT_USAGE,
+                      std::string("several routers, one file: put ") + ROUTER_PLACE + " into its name"};
+    }
+    Outcome outcome;
+    std::set<std::string> written;
+    fleet.ask(names, command, [&](Result&& result) {
+        outcome.add(result.status);
+        if (arguments.output && result.status == Status::OK) {
+            std::string path = pathFor(*arguments.output, result.router);
+            if (!written.insert(path).second) {
+                path += "." + result.guid; // of another router with this name
+            }
+            std::string error;
+            if (!writeFile(path, result.message, error)) {
+                outcome.add(EXIT_USAGE);
+            }
+            result.message = error.empty() ? "written to " + path : error;
+            result.status = error.empty() ? Status::OK : Status::ERROR;
+        }
+        if (command.kind == ZUL_ROUTING_SERVICE_COMMAND_GET && !arguments.output) {
+            output.printText(result, names.size() > 1);
+        } else {
+            output.print(result);
+        }
+    });
+    return outcome.status();
+}
+
+// After an interrupt, too, what was stopped is started again; that answer is not awaited for long.
+int dupdate(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+    const Command update = commandOf(arguments);
+    const Command disable{.kind = ZUL_ROUTING_SERVICE_COMMAND_DISABLE, .name = update.name};
+    const Command enable{.kind = ZUL_ROUTING_SERVICE_COMMAND_ENABLE, .name = update.name};
+    refuseBadNames(update, arguments.routers);
+    const auto domain = join(arguments.domain, {&arguments.settings.product, 1}, wakeup);
+    Fleet fleet(*domain, wakeup, arguments.settings);
+    const std::vector<std::string> names = findRouters(fleet, arguments);
+    refuseBadNames(update, names);
+    Outcome outcome;
+    std::set<std::string> stopped; // or they may be
+    std::set<std::string> failed;
+    fleet.ask(names, disable, [&](const Result& result) {
+        outcome.add(result.status);
+        output.print(result, true);
+        if (result.status == Status::OK || (result.status == Status::INTERRUPTED && !result.guid.empty())) {
+            stopped.insert(result.router);
+        }
+        if (result.status != Status::OK) {
+            failed.insert(result.router);
+        }
+    });
+    std::vector<std::string> next;
+    std::ranges::set_difference(stopped, failed, std::back_inserter(next));
+    const auto show = [&](const Result& result) {
+        outcome.add(result.status);
+        output.print(result, true);
+    };
+    fleet.ask(next, update, show);
+    const bool isInterrupted = wakeup.takeInterrupt();
+    fleet::Settings settings = arguments.settings;
+    if (isInterrupted) {
+        settings.timeout = std::min<fleet::Clock::duration>(settings.timeout, std::chrono::seconds(1));
+    }
+    Fleet(*domain, wakeup, settings).ask({stopped.begin(), stopped.end()}, enable, show);
+    if (isInterrupted) {
+        wakeup.interrupt();
+    }
+    return outcome.status();
+}
+
+int listRouters(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+    std::vector<std::int32_t> ids = arguments.domains;
+    if (ids.empty()) {
+        ids.push_back(arguments.domain);
+    }
+    // A participant takes threads and descriptors: so many domains at a time.
+    constexpr std::size_t AT_ONCE = 16;
+    for (std::size_t first = 0; first < ids.size() && !wakeup.isInterrupted(); first += AT_ONCE) {
+        std::vector<std::unique_ptr<Domain>> joined;
+        std::vector<Domain*> domains;
+        for (std::size_t i = first; i < std::min(ids.size(), first + AT_ONCE); ++i) {
+            domains.push_back(joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
+        }
+        output.print(fleet::list(domains, wakeup, arguments.settings), first == 0);
+    }
+    return EXIT_DONE;
+}
+
+int explain(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+    const std::string& router = arguments.routers.front();
+    refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE}, arguments.routers);
+    const auto domain = join(arguments.domain, {&arguments.settings.product, 1}, wakeup);
+    std::vector<std::unique_ptr<Domain>> joined;
+    std::vector<Domain*> others;
+    for (const std::int32_t id : arguments.domains) {
+        if (id != arguments.domain) {
+            others.push_back(joined.emplace_back(join(id, {&arguments.settings.product, 1}, wakeup)).get());
+        }
+    }
+    const fleet::Cause cause = Fleet(*domain, wakeup, arguments.settings).why(router, others);
+    if (wakeup.isInterrupted()) {
+        return EXIT_INTERRUPTED;
+    }
+    output.print(router, cause);
+    return cause.kind == fleet::CauseKind::ANSWERS ? EXIT_DONE : EXIT_NO_ANSWER;
+}
+
+} // namespace
+
+int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
+    Output output(arguments.isJson);
+    int status = EXIT_DONE;
+    try {
+        switch (arguments.command->kind) {
+        case CommandRow::Kind::LIST:
+            status = listRouters(arguments, wakeup, output);
+            break;
+        case CommandRow::Kind::WHY:
+            status = explain(arguments, wakeup, output);
+            break;
+        case CommandRow::Kind::REQUEST:
+            status = request(arguments, wakeup, output);
+            break;
+        case CommandRow::Kind::DUPDATE:
+            status = dupdate(arguments, wakeup, output);
+            break;
+        }
+    } catch (const Failure& failure) {
+        if (!wakeup.isInterrupted()) {
+            std::fprintf(stderr, "zulctl: %s\n", oneLine(failure.message).c_str());
+        }
+        status = failure.status;
+    }
+    return wakeup.isInterrupted()                      ? EXIT_INTERRUPTED
+           : status == EXIT_DONE && output.hasFailed() ? EXIT_USAGE
+                                                       : status;
+}
+
+} // namespace zul::ctl

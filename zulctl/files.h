@@ -1,0 +1,19 @@
+// Local files: whole texts read, and configurations written.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace zul::ctl {
+
+// Nothing, with `error` filled, when it cannot be read.
+std::optional<std::string> readFile(const std::string& path, std::string& error);
+// False, with `error` filled, when it cannot be written whole.
+bool writeFile(const std::string& path, const std::string& text, std::string& error);
+
+constexpr const char* ROUTER_PLACE = "{router}";
+// The path with each {router} replaced by the router's name. What in a name could lead to another folder is
+// written as %NN.
+std::string pathFor(std::string pattern, const std::string& router);
+
+} // namespace zul::ctl

@@ -1,0 +1,41 @@
+// What goes to standard output: rows for people, or one JSON object a line. A terminal is shown control
+// characters, never made to obey them; JSON is valid whatever the bytes.
+#pragma once
+
+#include "fleet/fleet.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zul::ctl {
+
+class Output {
+public:
+    explicit Output(bool isJson) : isJson_(isJson) {}
+
+    // `isPart`: one of several commands that make up what the user asked for, so its name is shown.
+    void print(const fleet::Result& result, bool isPart = false);
+    // A configuration: the text alone, after a line with the router's name where there are several.
+    void printText(const fleet::Result& result, bool isOneOfSeveral);
+    void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
+    void print(const std::string& router, const fleet::Cause& cause);
+
+    // Standard output could not be written, which standard error was told. A reader that has just gone is no
+    // failure, but is written to no more.
+    bool hasFailed() const;
+
+private:
+    void write(std::string_view text);
+    void writeLine(std::string_view text);
+
+    bool isJson_;
+    int failure_ = 0; // errno of the first write that failed
+};
+
+// Text on one line of its own: control characters as \xNN, wherever it goes.
+std::string oneLine(std::string_view text);
+// The name of a command as it is typed.
+std::string nameOf(fleet::CommandKind kind);
+
+} // namespace zul::ctl
