@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 namespace {
 
@@ -31,7 +32,7 @@ protected:
         ConnectedClient::SetUp();
         fake_dds::world().router = [](const fake_dds::Request& request) -> std::vector<fake_dds::Answer> {
             const bool hasXml =
-                request.command._d == 1 || request.command._d == 4 || request.command._d == 10;
+                admin::findCommand(request.command._d)->branch == admin::CommandBranch::ENTITY_DESC;
             if (hasXml && request.command._u.entity_desc.xml_url.is_final == 0) {
                 return {};
             }

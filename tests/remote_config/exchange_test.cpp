@@ -131,7 +131,7 @@ TEST_F(Exchange, AFailedWriteKeepsWaiting) {
     EXPECT_EQ(text(), "(null)");
 }
 
-TEST_F(Exchange, TheListenerReportsAFailureAndAResponseThatNobodyTook) {
+TEST_F(Exchange, FailuresAndTimeOutsAreReported) {
     const auto logOf = [this](const std::vector<Answer>& answers) {
         fake_dds::deliver(answers);
         fake_dds::awaitIdle();
@@ -146,6 +146,9 @@ TEST_F(Exchange, TheListenerReportsAFailureAndAResponseThatNobodyTook) {
     client.responseTimeout = {.sec = 0, .frac = 0};
     EXPECT_EQ(logOf({{.message = "withdrawn"}}), errorLine(LISTENER, "timeout"));
     EXPECT_EQ(client.currentResponse.load(), nullptr);
+    EXPECT_FALSE(send()); // and nobody answers in time
+    EXPECT_EQ(log.take(), "WARNING [" + std::string(SEND) + "] No response received\n");
+    EXPECT_EQ(text(), "(null)");
     client.responseTimeout = {.sec = ZUL_TIME_FOREVER_SEC, .frac = 0};
 }
 

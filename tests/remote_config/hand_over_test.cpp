@@ -18,17 +18,9 @@ using zul::remote_config::HandOver;
 using zul::remote_config::Response;
 using zul::remote_config::WaitEnd;
 
+// clang-format off
 enum class Operation {
-    LOAD_FLAG,
-    STORE_FLAG,
-    EXCHANGE_FLAG,
-    PUBLISH,
-    CLAIM,
-    WITHDRAW,
-    TAKE,
-    GIVE,
-    LOAD_NUMBER,
-    STORE_NUMBER
+    LOAD_FLAG, STORE_FLAG, EXCHANGE_FLAG, PUBLISH, CLAIM, WITHDRAW, TAKE, GIVE, LOAD_NUMBER, STORE_NUMBER,
 };
 enum class Context { SENDER, HANDLER, LISTENER };
 
@@ -39,7 +31,6 @@ struct Mistake {
     Operation operation{};
     enum { NONE, LEFT_OUT, SPLIT, TWICE } effect = NONE;
 };
-// clang-format off
 constexpr Mistake MISTAKES[] = {
     {"offered without a look whether anybody waits",   Context::LISTENER, Operation::LOAD_FLAG,     Mistake::LEFT_OUT},
     {"no look for an interrupt",                       Context::SENDER,   Operation::LOAD_FLAG,     Mistake::LEFT_OUT},
@@ -94,7 +85,7 @@ struct Scenario {
 };
 
 // One preemption finds every seeded mistake; two are searched within seconds. ZUL_EXPLORE=all lifts the
-// bound: the search is then complete, in about a minute.
+// bound: the search is then complete, in less than a minute.
 int preemptions() {
     const char* wanted = std::getenv("ZUL_EXPLORE");
     return wanted != nullptr && std::string_view(wanted) == "all" ? explorer::UNBOUNDED : 2;
@@ -188,17 +179,12 @@ private:
         ZUL_RoutingService_Administration_CommandId& id;
     };
     struct Record {
-        explicit Record(World& world)
-            : waitingForResponse{world},
-              currentResponse{world},
-              responseReadySemaphore(&world.state_.ready),
-              responseTakenSemaphore(&world.state_.taken),
-              request{world.state_.id} {}
-        Flag waitingForResponse;
-        Slot currentResponse;
-        int* responseReadySemaphore;
-        int* responseTakenSemaphore;
-        Request request;
+        World& world;
+        Flag waitingForResponse{world};
+        Slot currentResponse{world};
+        int* responseReadySemaphore = &world.state_.ready;
+        int* responseTakenSemaphore = &world.state_.taken;
+        Request request{world.state_.id};
         Request* commandSample = &request;
         ZULTime responseTimeout{1, 0};
     };
