@@ -79,12 +79,13 @@ TEST_F(XmlTree, AChangeThatFailsAndLeavesATraceOrSucceedsInPart) {
     std::string before = trees();
     EXPECT_EQ(before, start);
     for (const auto& [change, after] : changes) {
-        // The name is taken there: it stays where it was, in the middle or at an end.
-        for (ZULXMLObject* child = left->children.first; child != nullptr; child = child->next) {
-            if (std::string_view(child->name) == "b") {
-                EXPECT_FALSE(ROUTERUtils_moveChildXmlObject(child, left, right));
-                EXPECT_EQ(trees(), before);
-            }
+        // The name of b is taken there: it stays in its place, though memory runs out as well.
+        ZULXMLObject* const b = ZULXMLObject_findChild(left, "b");
+        for (long allocations = 0; b != nullptr && allocations < 9; ++allocations) {
+            ZULHeap_failAfter(allocations);
+            EXPECT_FALSE(ROUTERUtils_moveChildXmlObject(b, left, right));
+            ZULHeap_failAfter(-1);
+            EXPECT_EQ(trees(), before);
         }
         bool isDone = false;
         for (long allocations = 0; !isDone; ++allocations) {
