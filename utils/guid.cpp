@@ -1,3 +1,4 @@
+// Words are turned on the way in and once more on the way out.
 #include "utils/guid.h"
 
 #include <arpa/inet.h>

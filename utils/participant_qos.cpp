@@ -1,4 +1,4 @@
-// A new name or property replaces an old one only when its memory is there.
+// A new name or property replaces an old one once there is memory for it.
 #include "utils/participant_qos.h"
 
 #include "middleware/base/strings.h"

@@ -1,4 +1,4 @@
-// Strings are measured by their text, not by their room: "long enough" is what the text says.
+// A string counts as long as its text is, whatever room it has.
 #include "utils/strings.h"
 
 #include "product/log_masks.h"

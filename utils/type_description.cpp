@@ -1,3 +1,4 @@
+// The document finds the type; here it is told apart from what else a name may mean.
 #include "utils/type_description.h"
 
 #include "product/log_masks.h"

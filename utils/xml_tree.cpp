@@ -26,22 +26,22 @@ bool isWithin(const ZULXMLObject* object, const ZULXMLObject* ancestor) {
     return object != nullptr;
 }
 
-// Whether a name has no bearer; reported when it has.
-bool isFree(const ZULXMLObject* bearer) {
-    if (bearer != nullptr && ROUTERLog_isEnabled(ZUL_LOG_LEVEL_ERROR, ROUTER_SUBMODULE_UTILS)) {
-        ZULLog_debug("%s: XML object with name '%s' already exists\n", ADD_CONTEXT, bearer->fullName);
+// Whether there is no child of that name yet: `namesake` is null. Otherwise that is reported.
+bool isFree(const ZULXMLObject* namesake) {
+    if (namesake != nullptr && ROUTERLog_isEnabled(ZUL_LOG_LEVEL_ERROR, ROUTER_SUBMODULE_UTILS)) {
+        ZULLog_debug("%s: XML object with name '%s' already exists\n", ADD_CONTEXT, namesake->fullName);
     }
-    return bearer == nullptr;
+    return namesake == nullptr;
 }
 
 } // namespace
 
 bool ROUTERUtils_addChildXMLObject(ZULXMLObject* parent, ZULXMLObject* child) {
-    const auto bearer = parent->childSet.find(child->fullName);
-    if (!isFree(bearer != parent->childSet.end() ? *bearer : nullptr)) {
+    const auto namesake = parent->childSet.find(child->fullName);
+    if (!isFree(namesake != parent->childSet.end() ? *namesake : nullptr)) {
         return false;
     }
-    // A child that is in another list, or above the parent, would tie the tree into a knot.
+    // A child that is in another list, or above the parent, would make a cycle of the tree.
     const bool fits = child->list == nullptr && !isWithin(parent, child);
     return (fits && ZULXMLObject_insertChild(parent, child) == ZUL_XML_INSERTED) ||
            refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");

@@ -34,7 +34,7 @@ struct ZULXMLDocument {
     ZULXMLObject* root = nullptr;                 // null when the document could not be read
     std::string path{};                           // of the file; empty when it came as text
     ZULXMLError error{};                          // why there is no root, or not the type last asked for
-    std::shared_ptr<const ZULXMLTypeSet> types{}; // once they were asked for
+    std::shared_ptr<const ZULXMLTypeSet> types{}; // read when the first one is asked for
 };
 
 void ZULXMLDocument_delete(ZULXMLDocument* self); // null is ignored

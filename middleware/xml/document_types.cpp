@@ -1,4 +1,4 @@
-// All types are read on first use, and kept only if the memory sufficed for all of them.
+// All types are read at once. When memory runs out meanwhile, none is kept, and the next call tries again.
 #include "middleware/xml/document_types.h"
 
 #include "middleware/xml/type_reader.h"

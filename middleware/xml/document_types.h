@@ -12,7 +12,7 @@ struct ZULXMLTypeDefinition {
     const DDS_TypeCode* code; // null when it is wrong or no type
 };
 // Looks the name up; what it returns is valid as long as the document. All types sections are read on first
-// use. What is wrong with one type leaves the others alone; for the one that was asked for, it is in the
+// use. What is wrong with one type leaves the others alone; what is wrong with the one asked for is in the
 // document's `error`. An announcement (forward_dcl) counts only where there is no definition, and of several
 // definitions the first.
 ZULXMLTypeDefinition ZULXMLDocument_findType(ZULXMLDocument* self, std::string_view name);

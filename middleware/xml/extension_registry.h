@@ -1,5 +1,5 @@
 // Element classes: how objects of particular elements are made, by tag name. The reader and programs look
-// them up in a registry. Classes are constant records that outlive the registry; it owns only its own nodes.
+// them up in a registry. Classes are constant records that outlive the registry.
 #pragma once
 
 #include "middleware/xml/object.h"

@@ -1,4 +1,4 @@
-// Opening does not wait either: a pipe would, for its other end.
+// Opened without waiting: opening a pipe would wait for its other end.
 #include "middleware/xml/file.h"
 
 #include <cerrno>

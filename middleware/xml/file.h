@@ -1,4 +1,4 @@
-// A file that a document is read from. Only a regular one is, so that nothing can hold the program up.
+// A file that a document is read from. Only regular files are: a pipe or a device could hold the program up.
 #pragma once
 
 #include <cstddef>

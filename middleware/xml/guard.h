@@ -14,13 +14,13 @@
 
 namespace zul::xml {
 
-// A count, and what is said of more; "%" there is the count.
+// How many of something there may be, and what is said when there are more, with "%" in place of the number.
 struct Limit {
     std::size_t most;
     const char* refusal;
 };
 
-// What a reader accepts, and its words for the rest.
+// What a reader accepts, and what it says of the rest.
 struct Rules {
     Limit document;      // bytes
     Limit markup;        // bytes between two events
@@ -50,15 +50,16 @@ public:
     Guard(const Guard&) = delete;
     Guard& operator=(const Guard&) = delete;
 
-    // Reads the source to its end. Null when something is wrong; `takeError` says what, if anyone does.
+    // Reads the whole source. Null when something is wrong: `takeError` says what, or nothing if the library
+    // does not tell.
     DocumentPtr read();
     ZULXMLError takeError() { return std::move(error_); }
-    std::int32_t line() const; // that the parser has come to
+    std::int32_t line() const; // where the parser is
 
 protected:
     ~Guard() = default;
 
-    // The parser, for the reader to set its events; null when memory is exhausted. Each event is given it.
+    // The reader sets its events here; each gets the parser as its context. Null when memory is exhausted.
     xmlParserCtxt* parser() const { return parser_.get(); }
     template <class Reader>
     static Reader& of(void* context) {
@@ -67,9 +68,9 @@ protected:
 
     // To be called at every event that ends a piece of markup.
     void noteEvent() { sinceEvent_ = 0; }
-    // Ends the reading with what is wrong at this line.
+    // Ends the reading: this is wrong, at the line where the parser is.
     void refuse(std::string what);
-    // False, and the end of the reading, when the count is beyond the limit.
+    // Whether the count is within the limit; otherwise ends the reading.
     bool keeps(const Limit& limit, std::size_t count) {
         if (count <= limit.most) {
             return true;
@@ -77,7 +78,7 @@ protected:
         protect([&] { refuse(inWords(limit)); });
         return false;
     }
-    // For what may throw in an event: the library must not be unwound.
+    // Runs what may throw inside an event: no exception may pass through the library.
     template <class Work>
     void protect(const Work& work) {
         try {
@@ -88,7 +89,7 @@ protected:
     }
 
 private:
-    static constexpr const char* OUT_OF_MEMORY = "out of memory"; // short enough to need none
+    static constexpr const char* OUT_OF_MEMORY = "out of memory"; // so short that it needs no memory
     static std::string inWords(const Limit& limit);
     template <class... Arguments>
     static void refuseDeclaration(void* context, Arguments...);

@@ -1,6 +1,5 @@
 // A parent's children are in a set (look-up by full name) and in a list (order); both change together or not
-// at all. A move gets all the memory it needs before it changes anything, and keeps the child's node of the
-// set.
+// at all. A move gets all the memory that it needs before it changes anything.
 #include "middleware/xml/object.h"
 
 #include "middleware/base/heap.h"
@@ -54,8 +53,7 @@ void collectNames(const ZULXMLObject& object, const char* prefix, FullNames& nam
     }
 }
 
-// Gives out the names in the order in which they were collected. Sets keep their order: siblings change
-// alike.
+// Takes the names in the order in which they were collected. Sets stay in order: their names change alike.
 void settle(ZULXMLObject& object, ZULXMLDocument* context, FullNames::iterator& name) {
     DDS_String_free(std::exchange(object.fullName, (name++)->release()));
     object.context = context;

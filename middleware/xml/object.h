@@ -62,9 +62,8 @@ ZULXMLInsertion ZULXMLObject_insertChild(ZULXMLObject* self, ZULXMLObject* child
 inline bool ZULXMLObject_isChild(const ZULXMLObject* self, const ZULXMLObject* child) {
     return child->list == &self->children;
 }
-// Takes `child`, which is one, out; the caller owns it then.
+// Takes out `child`, which must be one; the caller owns it then.
 void ZULXMLObject_extractChild(ZULXMLObject* self, ZULXMLObject* child);
-// Moves `self` with all below it from the parent whose child it is to the end of another, which is not below
-// it: full names and document context become what they are there. False when the name is taken there or
-// memory is exhausted.
+// Moves a child of `from`, with all below it, to the end of `to`, which must not be inside it; full names and
+// document context change. False when the name is taken there or memory is exhausted.
 bool ZULXMLObject_move(ZULXMLObject* self, ZULXMLObject* from, ZULXMLObject* to);

@@ -1,5 +1,5 @@
-// Ordered sets of borrowed items, each with a text of its own for key: how the XML reader looks things up.
-// The key must not change while the item is in a set.
+// Ordered sets of borrowed items, whose key is a text that they hold: how the XML reader looks things up. The
+// key must not change while the item is in a set.
 #pragma once
 
 #include "middleware/base/heap.h"

@@ -82,6 +82,13 @@ ZULXMLDocument* ZULXMLParser_parseFile(const ZULXMLParser* self, const char* pat
     return logged(ZULXMLParser_readFile(self, path), __func__);
 }
 
+void ZULXMLDocument_delete(ZULXMLDocument* self) {
+    if (self != nullptr) {
+        ZULXMLObject_delete(self->root);
+        delete self;
+    }
+}
+
 void ZULXMLParser_freeSubtree(ZULXMLParser*, ZULXMLObject* object) {
     ZULXMLObject_delete(object);
 }

@@ -13,7 +13,7 @@
 struct ZULXMLTypeEntry {
     std::string tag;            // of that element
     std::int32_t line;          // its line in the document asked for, or of the include that brought it
-    std::string place{};        // in front of what is wrong with it: the files in between
+    std::string place{};        // put before the reason: the included files that lead to it
     std::string reason{};       // why there is no type; empty where nothing is wrong
     const DDS_TypeCode* code{}; // null where the element is wrong or no type
 };
@@ -39,8 +39,7 @@ class TypeReader {
 public:
     // `first` gets the first thing that is wrong, with the line and what to do about it.
     TypeReader(ZULXMLTypeSet& types, ZULXMLError& first) : types_(types), first_(first) {}
-    // Reads all types sections of the document, and what is sound of them when something is wrong: false
-    // then.
+    // Reads all types sections of the document. What is wrong is left out, and the result is false.
     bool read(const ZULXMLDocument& document);
 
 private:
@@ -54,7 +53,7 @@ private:
     static const Definition DEFINITIONS[];
     static const Definition* findDefinition(std::string_view tag);
 
-    // What members of a struct or value type are there already, for those derived from it.
+    // The names and ids that the members of a struct or value type take up, for those derived from it.
     struct Record {
         const Record* base = nullptr;
         std::size_t bases = 0; // above it

@@ -1,3 +1,4 @@
+// A flat table by scoped name; scopes are only prefixes.
 #include "middleware/xml/type_scope.h"
 
 namespace zul::xml {

@@ -15,7 +15,7 @@ struct Integer {
     bool operator==(const Integer&) const = default;
 };
 
-// A basic type: its word and, when its values can be counted, their range.
+// A basic type: its word and, if it is discrete, the range of its values.
 struct TypeWord {
     std::string_view word;
     DDS_TCKind kind;

@@ -24,7 +24,7 @@ struct Answer {
     }
 };
 
-// What an operation answers. What it throws has left everything as it was.
+// What an operation answers. One that throws must not have changed anything.
 template <class Operation>
 auto answered(const Operation& operation) -> decltype(operation()) {
     try {

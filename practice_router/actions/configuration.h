@@ -1,5 +1,5 @@
 // The router's configuration: the active document and which service element of it is in force. The state of
-// an entity is its element's own, so it comes and goes with the element, whatever that is called. Every
+// an entity belongs to its element and stays with it when that is renamed. Every
 // operation answers as a router does and leaves the configuration whole when it fails. One thread at a time.
 #pragma once
 

@@ -1,4 +1,4 @@
-// The copy of the service is found by its place among its siblings.
+// The copy of the service element is found by its place among its siblings.
 #include "practice_router/actions/draft.h"
 
 #include "practice_router/document/document.h"
@@ -9,7 +9,8 @@ namespace zul::practice {
 
 namespace {
 
-// As text it must be what can be loaded again. Only a refusal is worth a second tree: it has the lines.
+// Its text must be a document that can be loaded again. The draft has no lines, so a refusal is worded by
+// reading that text.
 void checkAsText(xmlDoc* document, const std::stop_token& stop) {
     const std::string text = writeXml(document);
     try {

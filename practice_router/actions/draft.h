@@ -1,5 +1,5 @@
-// The way to change the active document: a copy of it with the states of its entities, which takes its place
-// only if it passes every check that a loaded document passes.
+// A change of the active document: a copy of it, with the states of its entities, that takes its place only
+// if it passes every check that a loaded document passes.
 #pragma once
 
 #include "practice_router/actions/configuration.h"
@@ -8,7 +8,8 @@ namespace zul::practice {
 
 class Draft {
 public:
-    // A copy of the active document, and the entity at a path in it. Refuses a path that leads nowhere.
+    // Copies the active document and finds the entity at a path in it. Refuses a path that leads nowhere:
+    // there is no such `what`.
     Draft(Configuration& configuration, std::string_view path, const char* what = "entity");
 
     xmlNode* entity() const { return entity_; }

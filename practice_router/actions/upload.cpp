@@ -1,4 +1,4 @@
-// Unfinished uploads, the one that rested longest first.
+// Unfinished uploads are in order: the one that has waited longest for its next piece comes first.
 #include "practice_router/actions/upload.h"
 
 #include <algorithm>

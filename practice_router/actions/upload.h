@@ -15,7 +15,7 @@
 namespace zul::practice {
 
 constexpr std::size_t MAX_UPLOAD_SIZE = MAX_DOCUMENT_SIZE + 16; // bytes: a document in its URL
-constexpr std::size_t MAX_PENDING_UPLOADS = 16; // beyond it the one that rested longest is dropped
+constexpr std::size_t MAX_PENDING_UPLOADS = 16; // then the one that has waited longest is dropped
 
 struct Upload {
     WriterGuid writer{};

@@ -1,4 +1,4 @@
-// A file is read up to the limit.
+// A file is read up to the limit of documents.
 #include "practice_router/actions/xml_url.h"
 
 #include "middleware/xml/file.h"

@@ -1,5 +1,5 @@
-// The product's document type definition as rules that can be asked: what is wrong with an element, in one
-// line that says what was expected, and where one more child may go. Every answer takes time linear in the
+// The product's document type definition as rules: what is wrong with an element, in one line that says what
+// was expected, and where one more child may go. Every answer takes time linear in the
 // element's own children and attributes. Immutable once built.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What the definition cannot express is checked in the same walk as what it can.
+// One walk checks what the definition says and what it cannot express.
 #include "practice_router/document/document.h"
 
 #include "middleware/dds/dds.h"
@@ -52,8 +52,7 @@ void checkName(const xmlNode* node, std::set<std::string>& siblings) {
     }
 }
 
-// An element and everything inside. As deep as documents may be. `siblings` are the names of the entities in
-// front of it.
+// An element and everything inside; documents are not deep. `siblings` are the names of entities before it.
 void checkElement(const xmlNode* node, const Definition& definition, const std::stop_token& stop,
                   std::set<std::string>& siblings) {
     if (stop.stop_requested()) {

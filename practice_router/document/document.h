@@ -1,4 +1,4 @@
-// A configuration document as bytes that may become active: read, and checked in form and in meaning.
+// Reading and checking configuration documents that are to become active.
 #pragma once
 
 #include "practice_router/document/xml.h"

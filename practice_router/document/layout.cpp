@@ -1,5 +1,5 @@
 // Indentation is text between elements: a line feed and blanks in front of each child, and in front of the
-// end tag. Out of memory, a line may lack it; that does no harm.
+// end tag. When memory runs out, a line may lack it; that does no harm.
 #include "practice_router/document/layout.h"
 
 #include "practice_router/document/xml_nodes.h"

@@ -1,4 +1,4 @@
-// Elements are matched through Children, each built once a merge: that keeps the time linear.
+// Elements are matched through Children, which are built once for each element: that keeps the time linear.
 #include "practice_router/document/merge.h"
 
 #include "practice_router/document/children.h"
@@ -38,14 +38,14 @@ private:
 
 Children& Merge::childrenOf(xmlNode* target) {
     const auto found = children_.find(target);
-    // What is in an accepted document is declared.
+    // An accepted document holds only declared elements.
     return found != children_.end()
                ? found->second
                : children_.try_emplace(target, target, *definition_.contentOf(tagOf(target)), layout_)
                      .first->second;
 }
 
-// Blanks and line ends around a value do not count; a typed line leaves some.
+// Blanks and line ends around a value do not count; typing leaves some.
 void trimValues(xmlNode* node) {
     if (firstChild(node) == nullptr) {
         setText(node, textOf(node));

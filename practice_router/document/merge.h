@@ -13,8 +13,7 @@ namespace zul::practice {
 // Applies the snippet to an entity, whose document it shares the dictionary with, and takes nodes out of it.
 // The snippet's outermost element is the entity itself or something inside it; for the service it may also be
 // a whole document. Where several elements have a snippet's tag, the name of the one that is meant may stand
-// as the next tag. Refuses what in the snippet has no counterpart or no place. Gives up soon when asked to
-// stop.
+// as the next tag. Refuses what has no counterpart or no place. Gives up soon when asked to stop.
 void applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop);
 
 // Merges `child` into the children of `target`, as if it came in a snippet for `target`; may move it there.

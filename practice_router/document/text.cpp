@@ -1,4 +1,4 @@
-// UTF-8 is looked at from a cut backwards, four bytes at most.
+// Where UTF-8 may be cut is found backwards, in four bytes at most.
 #include "practice_router/document/text.h"
 
 namespace zul::practice {

@@ -10,8 +10,8 @@ namespace zul::practice {
 constexpr std::size_t MAX_SHOWN = 80;     // bytes of a name or value inside a message
 constexpr std::size_t MAX_FAILURE = 1024; // bytes of a line that says why something failed
 
-// How many of the first `length` bytes to keep so that no UTF-8 character is cut. In text that is no
-// UTF-8 all.
+// How many of the first `length` bytes to keep so that no UTF-8 character is cut. All of them in text
+// that is not UTF-8.
 std::size_t wholeCharacters(std::string_view text, std::size_t length);
 
 // The beginning of a text, at most `most` bytes and then "...". Control characters and runs of blanks become
@@ -20,8 +20,8 @@ std::string shortened(std::string_view text, std::size_t most = MAX_SHOWN);
 // The same in double quotes.
 std::string quoted(std::string_view text);
 
-// Why something is refused: a line that says what to do about it. Thrown where that is found, and made an
-// answer by the operation of the configuration or router that it ends.
+// Why something is refused, in a line that says what to do about it. Thrown where that is found; the
+// operation of the configuration or router that it ends makes an answer of it.
 struct Refusal {
     std::string why;
     bool isMissing = false; // what was named is not there

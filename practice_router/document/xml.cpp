@@ -1,4 +1,4 @@
-// What is built is the library's own tree; the limits are checked before it grows.
+// The library builds its own tree; limits are checked before it grows.
 #include "practice_router/document/xml.h"
 
 #include "practice_router/document/text.h"
@@ -73,7 +73,7 @@ bool Reader::keepsNodes(int more) {
     return keeps(NODES, nodes_);
 }
 
-// An event that stands for so many nodes; the library's own handler adds them to the tree.
+// An event that adds so many nodes to the tree, by the library's own handler.
 template <auto handler, int nodes, class... Arguments>
 void Reader::count(void* context, Arguments... arguments) {
     auto& reader = of<Reader>(context);
@@ -82,7 +82,7 @@ void Reader::count(void* context, Arguments... arguments) {
     }
 }
 
-// Declarations come as prefix and URI.
+// Each namespace that the element declares comes as prefix and URI.
 bool Reader::refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces) {
     bool declaresOthers = count > 0 && parser()->nameNr > 0;
     for (int i = 0; i < count; ++i) {

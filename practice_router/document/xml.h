@@ -1,7 +1,7 @@
 // XML from outside: parsing within limits, and writing. Nothing is ever fetched: no network, no files, no
 // external entities. A document type declaration that names a definition and the schema locations that XML
-// editors write are kept, and neither is followed; declarations inside the former, and with them every entity
-// of one's own, are refused. The library's messages are captured, never printed. One thread at a time.
+// editors write are kept, and neither is followed; declarations inside a document, entities among them, are
+// refused. The library's messages are captured, never printed. One thread at a time.
 #pragma once
 
 #include "middleware/xml/guard.h"
@@ -32,7 +32,7 @@ struct XmlDeleter {
 };
 using XmlDocument = xml::DocumentPtr;
 
-// The library returns a failure when memory runs out; in the router it is thrown, and becomes the answer.
+// The library returns a failure when memory runs out. In the router that is thrown, and becomes the answer.
 inline void requireMemory(bool hasSufficed) {
     if (!hasSufficed) {
         throw std::bad_alloc();

@@ -15,12 +15,12 @@ constexpr std::size_t MAX_SAMPLE = 8192; // bytes
 constexpr std::int32_t UNKNOWN_KIND = 99;
 constexpr std::string_view TEXT = "this is no answer";
 
-// A response sample, right but for what is set otherwise here.
+// A response sample that is right except for what is set here.
 struct Blueprint {
     std::uint16_t encapsulation = ZUL_ENCAPSULATION_CDR_LE;
     std::int32_t kind = 0;
     std::size_t textLength = TEXT.size(); // characters really there
-    std::uint32_t lengthField = 0;        // what is claimed instead; 0: the truth
+    std::uint32_t lengthField = 0;        // the length that is claimed; 0: the true one
     bool isTerminated = true;
 };
 
@@ -33,7 +33,7 @@ constexpr Blueprint BLUEPRINTS[] = {
     {.textLength = 4200},        // text really longer than its bound
     {.isTerminated = false},     // text without its NUL
     {.encapsulation = 0x00FF},   // no known encapsulation
-    {.encapsulation = ZUL_ENCAPSULATION_PL_CDR_LE, .kind = UNKNOWN_KIND}, // a parameter list it is not
+    {.encapsulation = ZUL_ENCAPSULATION_PL_CDR_LE, .kind = UNKNOWN_KIND}, // not really a parameter list
     {.encapsulation = ZUL_ENCAPSULATION_CDR_BE}, // byte order swapped: all numbers become others
 };
 

@@ -60,7 +60,7 @@ void queueRequests(void* listenerData, DDS_DataReader* reader) {
                 queue.push(copyOf(*sample, info));
             }
         } catch (const std::bad_alloc&) {
-            // The request is lost, as on a bad network; its client's wait ends by its time-out.
+            // The request is lost, as on a bad network, and the client waits until its time-out.
         }
     }
     ZUL_RoutingService_Administration_CommandRequestDataReader_return_loan(typed, &samples, &infos);

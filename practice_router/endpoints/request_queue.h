@@ -22,7 +22,7 @@ public:
     void push(Request request);
     // Waits for a request. Nothing when the queue is closed, whatever is still in it.
     std::optional<Request> pop();
-    // Ends every wait, now and from now on.
+    // Ends every wait, present and future.
     void close();
     bool isClosed() const { return ending_.stop_requested(); }
     // Lets time pass, unless the queue is closed. True when all of it has passed.

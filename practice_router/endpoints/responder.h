@@ -12,7 +12,7 @@ namespace zul::practice {
 
 class Responder {
 public:
-    // All must outlive this. When the queue is closed, the program ends, and so does every wait here.
+    // All must outlive this. Closing the queue, at the end of the program, ends every wait here.
     Responder(Endpoints& endpoints, RequestQueue& queue, const Faults& faults)
         : endpoints_(endpoints), queue_(queue), faults_(faults) {}
 

@@ -1,4 +1,4 @@
-// How a request and its answer are shown in the log, and the turn of one request.
+// What the log shows of a request, and what is done with it.
 #include "practice_router/endpoints/worker.h"
 
 #include <climits>
@@ -86,7 +86,7 @@ void Worker::run() {
         try {
             turn(*request);
         } catch (const std::bad_alloc&) {
-            // The router goes on without the line or the answer that there was no memory for.
+            // The line or the answer is lost; the router goes on.
         }
     }
 }

@@ -1,8 +1,0 @@
-#include "middleware/xml/document.h"
-
-void ZULXMLDocument_delete(ZULXMLDocument* self) {
-    if (self != nullptr) {
-        ZULXMLObject_delete(self->root);
-        delete self;
-    }
-}
