@@ -210,27 +210,21 @@ TEST(NamedSequence, AnOperationThatForwardsToAnother) {
     EXPECT_TRUE(ZUL_RESPONSES(_finalize)(&own) && ZUL_RESPONSES(_finalize)(&loan));
 }
 
-template <class Seq>
-void expectValues(bool (*getValues)(Seq*), const std::vector<int>& expected) {
-    Seq values{};
-    ASSERT_TRUE(ZULSequence::set_maximum(&values, 5, __func__)); // grows and shrinks alike
-    ASSERT_TRUE(getValues(&values));
-    EXPECT_EQ(std::vector<int>(values.contiguous, values.contiguous + values.length), expected);
-    EXPECT_EQ(values.maximum, values.length);
-    EXPECT_FALSE(getValues(nullptr));
-    EXPECT_TRUE(ZULSequence::finalize(&values, __func__));
-}
-
 TEST(Enumerations, AValueOrABranchThatIsMissing) {
-    expectValues(ZUL_RoutingService_Administration_CommandKind_getValues,
-                 {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14});
-    expectValues(ZUL_FederationService_Administration_CommandResponseKind_getValues, {0, 1, 2, 3});
-    for (const int kind : {INT32_MIN, 0, 1, 9, 14, 15}) {
+    ZUL_RoutingService_Administration_CommandKindSeq values{};
+    ASSERT_TRUE(ZULSequence::set_maximum(&values, 20, __func__)); // shrinks as well as it grows
+    ASSERT_TRUE(ZUL_RoutingService_Administration_CommandKind_getValues(&values));
+    EXPECT_TRUE(values.length == 14 && values.maximum == 14);
+    for (const int kind : {INT32_MIN, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}) {
+        const bool isKind = kind >= 1 && kind <= values.length;
+        EXPECT_TRUE(!isKind || values.contiguous[kind - 1] == kind) << kind;
         EXPECT_EQ(ZUL_RoutingService_Administration_Command_isCaseHandled(
                       static_cast<ZUL_RoutingService_Administration_CommandKind>(kind)),
-                  kind >= 1 && kind <= 14)
+                  isKind)
             << kind;
     }
+    EXPECT_TRUE(ZULSequence::finalize(&values, __func__));
+    EXPECT_FALSE(ZUL_RoutingService_Administration_CommandKind_getValues(nullptr));
     EXPECT_EQ(ZUL_FederationService_Administration_Command_getDefaultDiscriminator(), 1);
 }
 

@@ -197,20 +197,23 @@ private:
 };
 
 // An answer that is lost comes again with the peer's next announcement, after three seconds: that happened to
-// every tenth start.
+// every tenth start. A busy machine may delay one.
 TEST(Participants, ThatFindAPeerOnlyAtItsNextAnnouncement) {
-    constexpr int STARTS = 40;
-    constexpr std::chrono::milliseconds BOUND{2000};
+    constexpr int STARTS = 60;
+    constexpr std::chrono::seconds LATE{2}, DEADLINE{30};
     const RouterProcess router;
-    for (int i = 0; i < STARTS; ++i) {
+    int late = 0;
+    for (int i = 0; i < STARTS && late < 2; ++i) {
         const auto start = std::chrono::steady_clock::now();
         const Client client = connect();
         ASSERT_NE(client, nullptr);
         while (!ROUTERRemoteConfigClient_hasMatchingServer(client.get())) {
-            ASSERT_LT(std::chrono::steady_clock::now() - start, BOUND) << "start " << i;
+            ASSERT_LT(std::chrono::steady_clock::now() - start, DEADLINE) << "start " << i;
             std::this_thread::yield();
         }
+        late += std::chrono::steady_clock::now() - start > LATE ? 1 : 0;
     }
+    EXPECT_LT(late, 2);
 }
 
 } // namespace
