@@ -1,6 +1,7 @@
-// The DDS side of a router for tests, on Cyclone DDS: prints each request as a line and writes each line that
-// it reads as a response, both in hexadecimal. Samples go through the library as whole payloads, from the
-// encapsulation header to the padding, which it neither interprets nor converts.
+// The DDS side of a router for tests, on Cyclone DDS: prints each request as a line, the first eight bytes of
+// its sender's GUID and its payload, and writes each line that it reads as a response. All in hexadecimal.
+// Samples go through the library as whole payloads, from the encapsulation header to the padding, which it
+// neither interprets nor converts.
 //
 //   zul_cyclone_router <domain> <head of the topic names> <head of the type names>
 //
@@ -107,6 +108,13 @@ dds_entity_t checked(const char* what, dds_return_t code) {
     return code;
 }
 
+void printHexadecimal(const std::uint8_t* bytes, std::size_t size, const char* end) {
+    for (std::size_t i = 0; i < size; ++i) {
+        std::printf("%02x", unsigned{bytes[i]});
+    }
+    std::printf("%s", end);
+}
+
 // Padded to a multiple of 4 bytes.
 Bytes parseHexadecimal(const std::string& text) {
     Bytes bytes((text.size() / 2 + 3) / 4 * 4);
@@ -120,12 +128,14 @@ void printRequests(dds_entity_t reader, void*) {
     ddsi_serdata* sample = nullptr;
     dds_sample_info_t info;
     while (checked("take", dds_takecdr(reader, &sample, 1, &info, DDS_ANY_STATE)) > 0) {
-        if (info.valid_data) {
-            for (const std::uint8_t byte : bytesOf(sample)) {
-                std::printf("%02x", unsigned{byte});
-            }
-            std::puts("");
+        auto* sender = dds_get_matched_publication_data(reader, info.publication_handle);
+        if (info.valid_data && sender != nullptr) {
+            printHexadecimal(sender->participant_key.v, 8, " ");
+            printHexadecimal(bytesOf(sample).data(), bytesOf(sample).size(), "\n");
             std::fflush(stdout);
+        }
+        if (sender != nullptr) {
+            dds_builtintopic_free_endpoint(sender);
         }
         ddsi_serdata_unref(sample);
     }

@@ -58,7 +58,8 @@ class InteropTest(unittest.TestCase):
         self.shell.prompt()
 
     def read_request(self):
-        return bytes.fromhex(self.router.expect(r"(\w+)\n")[1][1])
+        """Waits for the next request; returns the prefix of its sender's GUID and the payload."""
+        return [bytes.fromhex(word) for word in self.router.expect(r"(\w+) (\w+)\n")[1].groups()]
 
     def write(self, *payloads):
         self.router.send("".join(payload.hex() + "\n" for payload in payloads))
@@ -70,7 +71,8 @@ class InteropTest(unittest.TestCase):
             while self.shell.PROMPT not in self.shell.output and self.shell.read(0.01):
                 self.router.read(0.01)
                 while "\n" in self.router.output:
-                    self.identity = list(struct.unpack_from("<iii", self.read_request(), 8))
+                    self.sender, payload = self.read_request()
+                    self.identity = list(struct.unpack_from("<iii", payload, 8))
                     self.write(response("answer", self.identity))
             if self.shell.prompt() == "Result: done\n":
                 return
@@ -80,7 +82,10 @@ class InteropTest(unittest.TestCase):
         """The final answer comes twice, behind samples that answer nothing."""
         self.shell.send(command + "\n")
         self.identity[2] += 1
-        self.assertEqual(request(example, self.identity), self.read_request())
+        sender, payload = self.read_request()
+        self.assertEqual(request(example, self.identity), payload)
+        # The request names its sender's host by the first word of the sender's GUID prefix.
+        self.assertEqual(sender[:4], self.identity[0].to_bytes(4, "big", signed=True))
         host, app, invocation = self.identity
         strangers = [[host, app, invocation - 1], [host, app ^ 1, invocation], [host ^ 1, app, invocation]]
         self.write(*[response(answer, stranger) for stranger in strangers], b"\0\1\0\0" + b"\xff" * 40,
@@ -91,7 +96,7 @@ class InteropTest(unittest.TestCase):
         """The peer has accepted the shell as it announces itself: the participant, both endpoints, and no complaint."""
         with open(self.trace, encoding="latin-1") as file:
             trace = [line for line in file if ": config: " not in line]
-        prefix = format(self.identity[0] & 0xffffffff, "x")  # a request names its host by the first word of the GUID prefix
+        prefix = ":".join(format(int.from_bytes(self.sender[at:at + 4], "big"), "x") for at in (0, 4))
         for pattern in (
                 rf'SPDP ST0 {prefix}:\S+ .* NEW .*"zul.service.version":"5.1.0".*entity_name="ZUL {product} Service: Shell"',
                 rf"SEDP ST0 {prefix}:\S+ reliable volatile writer .*{self.topic}request/{self.type}Request .* NEW ",
