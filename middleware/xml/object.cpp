@@ -43,7 +43,7 @@ ZULXMLAttribute* copyAttributes(std::span<const ZULXMLAttribute> attributes) {
 // The full names of the object and of all below it, parents first, if `prefix` were that of its parent.
 using FullNames = std::vector<ZULStringPtr, ZULHeapAllocator<ZULStringPtr>>;
 void collectNames(const ZULXMLObject& object, const char* prefix, FullNames& names) {
-    names.emplace_back(joinNames(prefix, object.name));
+    names.push_back(ZULStringPtr(joinNames(prefix, object.name)));
     const char* own = names.back().get();
     if (own == nullptr) {
         throw std::bad_alloc();

@@ -98,18 +98,20 @@ const DDS_TypeCode* TypeReader::elementTypeOf(Element element, Scope scope) {
     if (isNamed) {
         return namedType(element, scope, "nonBasicTypeName", false);
     }
-    return isString ? newCode({.kind = basic->kind,
-                               .extensibility = DDS_FINAL_EXTENSIBILITY,
-                               .bound = boundOf(element, scope, "stringMaxLength")})
-                    : DDS_TypeCode_primitive(basic->kind);
+    if (!isString) {
+        return DDS_TypeCode_primitive(basic->kind);
+    }
+    const std::uint32_t bound = boundOf(element, scope, "stringMaxLength");
+    return newCode({.kind = basic->kind, .extensibility = DDS_FINAL_EXTENSIBILITY, .bound = bound});
 }
 
 const DDS_TypeCode* TypeReader::typeOf(Element element, Scope scope) {
     const DDS_TypeCode* type = elementTypeOf(element, scope);
     if (hasAttribute(element, "sequenceMaxLength")) {
+        const std::uint32_t bound = boundOf(element, scope, "sequenceMaxLength");
         type = newCode({.kind = DDS_TK_SEQUENCE,
                         .extensibility = DDS_FINAL_EXTENSIBILITY,
-                        .bound = boundOf(element, scope, "sequenceMaxLength"),
+                        .bound = bound,
                         .content = type});
     }
     if (hasAttribute(element, "arrayDimensions")) {
