@@ -95,10 +95,10 @@ Cause nobodyNamed(const Picture& picture, const std::string& router) {
         const Candidates found = routersNamed(other, router);
         if (const auto there = std::ranges::find_if(found, &Participant::isHere); there != found.end()) {
             const std::string domain = std::to_string(other.domain);
-            return {CauseKind::OTHER_DOMAIN,
-                    "router " + router + " is in domain " + domain + ", not in domain " +
-                        std::to_string(picture.domain) + ": use -d " + domain,
-                    {"domain " + domain + ": " + describe(**there)}};
+            std::string text = "router ";
+            text.append(router).append(" is in domain ").append(domain).append(", not in domain ");
+            text.append(std::to_string(picture.domain)).append(": use -d ").append(domain);
+            return {CauseKind::OTHER_DOMAIN, text, {"domain " + domain + ": " + describe(**there)}};
         }
     }
     const std::string domain = "domain " + std::to_string(picture.domain);

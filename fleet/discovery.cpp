@@ -86,6 +86,8 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
             participant.prefix = prefix;
             participant.name = data.participant_name.name;
             participant.host = data.default_unicast_address;
+            participant.vendor =
+                static_cast<std::uint16_t>(data.rtps_vendor_id[0] << 8 | data.rtps_vendor_id[1]);
             participant.isSecured = data.has_identity_token != 0;
             participant.lease = data.lease_duration;
         } else if (!participant.mayBeRouter()) {

@@ -34,8 +34,9 @@ enum class Presence { HERE, LEFT, LEASE_RAN_OUT };
 
 struct Participant {
     GuidPrefix prefix{};
-    std::string name{}; // of the participant
-    std::string host{}; // its address; empty when not told
+    std::string name{};       // of the participant
+    std::string host{};       // its address; empty when not told
+    std::uint16_t vendor = 0; // of its DDS library
     bool isSecured = false;
     DDS_Duration_t lease{};
     Presence presence = Presence::HERE;
