@@ -175,10 +175,9 @@ Cause causeOf(const Picture& picture, const Participant& participant) {
         return *fault;
     }
     const auto state = [&picture](const char* role, const Endpoint* endpoint) {
-        return std::string(role) + (endpoint == nullptr ? " is not seen"
-                                    : picture.matched.contains(endpoint->guid)
-                                        ? " is matched"
-                                        : " is seen, but not matched");
+        return std::string(role) + (endpoint == nullptr                        ? " is not seen"
+                                    : picture.matched.contains(endpoint->guid) ? " is matched"
+                                                                               : " is seen, but not matched");
     };
     const bool reads = reader != nullptr && picture.matched.contains(reader->guid);
     const bool writes = writer != nullptr && picture.matched.contains(writer->guid);

@@ -9,6 +9,10 @@ namespace zul::fleet {
 
 namespace {
 
+// Of what a participant shows, and of those that have gone: anybody can announce more.
+constexpr std::size_t MAX_ENDPOINTS = 16;
+constexpr std::size_t MAX_GONE = 256;
+
 constexpr std::string_view NAME_SEPARATOR = ": "; // between a product and the name of one of its services
 
 struct AdministrationTopic {
@@ -98,9 +102,22 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
                                        : Presence::LEFT;
             participant.since = Clock::now();
             gone_.push_back(prefix);
+            forgetOldest();
         }
     }
     wakeup_.notify();
+}
+
+// With the mutex held.
+void Discovery::forgetOldest() {
+    const auto isGone = [](const auto& entry) {
+        return !entry.second.isHere();
+    };
+    if (static_cast<std::size_t>(std::ranges::count_if(participants_, isGone)) > MAX_GONE) {
+        participants_.erase(std::ranges::min_element(participants_, {}, [&](const auto& entry) {
+            return isGone(entry) ? entry.second.since : Clock::time_point::max();
+        }));
+    }
 }
 
 void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
@@ -119,7 +136,7 @@ void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
         for (Endpoint& known : participant.endpoints) {
             known.isThere = known.isThere && known.guid != guid;
         }
-        if (instanceState == DDS_ALIVE_INSTANCE_STATE) {
+        if (instanceState == DDS_ALIVE_INSTANCE_STATE && participant.endpoints.size() < MAX_ENDPOINTS) {
             std::erase_if(participant.endpoints, [&](const Endpoint& known) {
                 return !known.isThere && known.topic == topic->topic && known.isReader == isReader;
             });

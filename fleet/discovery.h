@@ -83,6 +83,8 @@ public:
     void note(const DDS_EndpointBuiltinTopicData& data, bool isReader, DDS_UnsignedLong instanceState);
 
 private:
+    void forgetOldest();
+
     Wakeup& wakeup_;
     mutable std::mutex mutex_;
     std::map<GuidPrefix, Participant> participants_;
