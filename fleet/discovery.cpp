@@ -131,8 +131,8 @@ void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
         const std::lock_guard lock(mutex_);
         Participant& participant = participants_[prefixOf(guid)];
         participant.prefix = prefixOf(guid);
-        // One that was deleted is kept until there is another: a router that leaves deletes its endpoints
-        // first.
+        // One that was deleted is kept until there is another: a router
+        // that leaves deletes its endpoints first.
         for (Endpoint& known : participant.endpoints) {
             known.isThere = known.isThere && known.guid != guid;
         }

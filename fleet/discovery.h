@@ -52,8 +52,8 @@ struct Participant {
     bool isRouter(Product product) const {
         return requestReader(product) != nullptr || responseWriter(product) != nullptr;
     }
-    // It has or had a router's endpoints; or it is secured, shows none, and its name says that it is a
-    // router.
+    // It has or had a router's endpoints; or it is secured, shows none, and its name
+    // says that it is a router.
     bool mayBeRouter() const;
     // The name to ask it by: one that it answers to, or what the participant's name says after the product,
     // or what it has announced. Empty when nothing tells.

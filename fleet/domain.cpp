@@ -1,5 +1,5 @@
-// Everything is created disabled, so that the request id is set and the listeners are ready before anything
-// arrives.
+// Everything is created disabled, so that the request id is set and the
+// listeners are ready before anything arrives.
 #include "fleet/domain.h"
 
 #include "admin_types/type_support.h"

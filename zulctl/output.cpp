@@ -1,5 +1,5 @@
-// A row is flushed at once, so that a pipe sees it as it comes. Bytes that are no UTF-8 become U+FFFD in
-// JSON.
+// A row is flushed at once, so that a pipe sees it as it comes. Bytes that are
+// no UTF-8 become U+FFFD in JSON.
 #include "zulctl/output.h"
 
 #include "middleware/base/terminal_text.h"
