@@ -1,6 +1,6 @@
 // Causes are tried in the order in which they rule each other out: who is gone cannot be silent, who has
-// another type is not one-way. What is common to both stacks of DDS is looked at: topics, types, policies,
-// matches.
+// another type is not one-way. What is common to both stacks of DDS is
+// looked at: topics, types, policies, matches.
 #include "fleet/cause.h"
 
 #include <algorithm>
@@ -95,10 +95,10 @@ Cause nobodyNamed(const Picture& picture, const std::string& router) {
         const Candidates found = routersNamed(other, router);
         if (const auto there = std::ranges::find_if(found, &Participant::isHere); there != found.end()) {
             const std::string domain = std::to_string(other.domain);
-            return {CauseKind::OTHER_DOMAIN,
-                    "router " + router + " is in domain " + domain + ", not in domain " +
-                        std::to_string(picture.domain) + ": use -d " + domain,
-                    {"domain " + domain + ": " + describe(**there)}};
+            std::string text = "router ";
+            text.append(router).append(" is in domain ").append(domain).append(", not in domain ");
+            text.append(std::to_string(picture.domain)).append(": use -d ").append(domain);
+            return {CauseKind::OTHER_DOMAIN, text, {"domain " + domain + ": " + describe(**there)}};
         }
     }
     const std::string domain = "domain " + std::to_string(picture.domain);
@@ -175,10 +175,9 @@ Cause causeOf(const Picture& picture, const Participant& participant) {
         return *fault;
     }
     const auto state = [&picture](const char* role, const Endpoint* endpoint) {
-        return std::string(role) + (endpoint == nullptr ? " is not there"
-                                    : picture.matched.contains(endpoint->guid)
-                                        ? " is matched"
-                                        : " is there, but not matched");
+        return std::string(role) + (endpoint == nullptr                        ? " is not seen"
+                                    : picture.matched.contains(endpoint->guid) ? " is matched"
+                                                                               : " is seen, but not matched");
     };
     const bool reads = reader != nullptr && picture.matched.contains(reader->guid);
     const bool writes = writer != nullptr && picture.matched.contains(writer->guid);

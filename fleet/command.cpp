@@ -76,21 +76,28 @@ std::vector<std::string_view> piecesOf(std::string_view url) {
     return pieces;
 }
 
-void fill(ZUL_RoutingService_Administration_CommandRequest& request, const Command& command,
+bool fill(ZUL_RoutingService_Administration_CommandRequest& request, const Command& command,
           const std::string& router) {
     const admin::Command& row = *admin::findCommand(command.kind);
     admin::fillNames(request, row, router.c_str(), command.name.c_str());
-    if (row.branch == admin::CommandBranch::PEER_DESC) {
-        auto& peers = request.command._u.peer_desc;
-        peers.is_first_participant = command.isFirstParticipant ? 1 : 0;
-        const auto count = static_cast<DDS_Long>(command.peers.size());
-        ZULSequence::ensure_length(&peers.peer_list, count, count, __func__);
-        for (DDS_Long i = 0; i < count; ++i) {
-            char*& element = ZULSequence::at(peers.peer_list, i);
-            DDS_String_free(element);
-            element = DDS_String_dup(command.peers[static_cast<std::size_t>(i)].c_str());
+    if (row.branch != admin::CommandBranch::PEER_DESC) {
+        return true;
+    }
+    auto& peers = request.command._u.peer_desc;
+    peers.is_first_participant = command.isFirstParticipant ? 1 : 0;
+    const auto count = static_cast<DDS_Long>(command.peers.size());
+    if (!ZULSequence::ensure_length(&peers.peer_list, count, count, __func__)) {
+        return false;
+    }
+    for (DDS_Long i = 0; i < count; ++i) {
+        char*& element = *ZULSequence::get_reference(&peers.peer_list, i, __func__);
+        DDS_String_free(element);
+        element = DDS_String_dup(command.peers[static_cast<std::size_t>(i)].c_str());
+        if (element == nullptr) {
+            return false;
         }
     }
+    return true;
 }
 
 void fillPiece(ZUL_RoutingService_Administration_CommandRequest& request, std::string_view piece,

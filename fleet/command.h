@@ -33,8 +33,9 @@ const char* refusal(const Command& command, const std::string& router);
 // Cuts a URL into the pieces of an upload; the last one, alone, is final. Never empty.
 std::vector<std::string_view> piecesOf(std::string_view url);
 
-// Fills a request, whose strings have room for their bounds. The command must not be one to refuse.
-void fill(ZUL_RoutingService_Administration_CommandRequest& request, const Command& command,
+// Fills a request, whose strings have room for their bounds. The command must not be one to refuse. False
+// when memory is exhausted.
+bool fill(ZUL_RoutingService_Administration_CommandRequest& request, const Command& command,
           const std::string& router);
 // Puts a piece of the command's URL into a request that is filled.
 void fillPiece(ZUL_RoutingService_Administration_CommandRequest& request, std::string_view piece,

@@ -9,6 +9,10 @@ namespace zul::fleet {
 
 namespace {
 
+// Of what a participant shows, and of those that have gone: anybody can announce more.
+constexpr std::size_t MAX_ENDPOINTS = 16;
+constexpr std::size_t MAX_GONE = 256;
+
 constexpr std::string_view NAME_SEPARATOR = ": "; // between a product and the name of one of its services
 
 struct AdministrationTopic {
@@ -86,6 +90,8 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
             participant.prefix = prefix;
             participant.name = data.participant_name.name;
             participant.host = data.default_unicast_address;
+            participant.vendor =
+                static_cast<std::uint16_t>(data.rtps_vendor_id[0] << 8 | data.rtps_vendor_id[1]);
             participant.isSecured = data.has_identity_token != 0;
             participant.lease = data.lease_duration;
         } else if (!participant.mayBeRouter()) {
@@ -96,9 +102,22 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
                                        : Presence::LEFT;
             participant.since = Clock::now();
             gone_.push_back(prefix);
+            forgetOldest();
         }
     }
     wakeup_.notify();
+}
+
+// With the mutex held.
+void Discovery::forgetOldest() {
+    const auto isGone = [](const auto& entry) {
+        return !entry.second.isHere();
+    };
+    if (static_cast<std::size_t>(std::ranges::count_if(participants_, isGone)) > MAX_GONE) {
+        participants_.erase(std::ranges::min_element(participants_, {}, [&](const auto& entry) {
+            return isGone(entry) ? entry.second.since : Clock::time_point::max();
+        }));
+    }
 }
 
 void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
@@ -112,12 +131,12 @@ void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
         const std::lock_guard lock(mutex_);
         Participant& participant = participants_[prefixOf(guid)];
         participant.prefix = prefixOf(guid);
-        // One that was deleted is kept until there is another: a router that leaves deletes its endpoints
-        // first.
+        // One that was deleted is kept until there is another: a router
+        // that leaves deletes its endpoints first.
         for (Endpoint& known : participant.endpoints) {
             known.isThere = known.isThere && known.guid != guid;
         }
-        if (instanceState == DDS_ALIVE_INSTANCE_STATE) {
+        if (instanceState == DDS_ALIVE_INSTANCE_STATE && participant.endpoints.size() < MAX_ENDPOINTS) {
             std::erase_if(participant.endpoints, [&](const Endpoint& known) {
                 return !known.isThere && known.topic == topic->topic && known.isReader == isReader;
             });

@@ -34,8 +34,9 @@ enum class Presence { HERE, LEFT, LEASE_RAN_OUT };
 
 struct Participant {
     GuidPrefix prefix{};
-    std::string name{}; // of the participant
-    std::string host{}; // its address; empty when not told
+    std::string name{};       // of the participant
+    std::string host{};       // its address; empty when not told
+    std::uint16_t vendor = 0; // of its DDS library
     bool isSecured = false;
     DDS_Duration_t lease{};
     Presence presence = Presence::HERE;
@@ -51,8 +52,8 @@ struct Participant {
     bool isRouter(Product product) const {
         return requestReader(product) != nullptr || responseWriter(product) != nullptr;
     }
-    // It has or had a router's endpoints; or it is secured, shows none, and its name says that it is a
-    // router.
+    // It has or had a router's endpoints; or it is secured, shows none, and its name
+    // says that it is a router.
     bool mayBeRouter() const;
     // The name to ask it by: one that it answers to, or what the participant's name says after the product,
     // or what it has announced. Empty when nothing tells.
@@ -82,6 +83,8 @@ public:
     void note(const DDS_EndpointBuiltinTopicData& data, bool isReader, DDS_UnsignedLong instanceState);
 
 private:
+    void forgetOldest();
+
     Wakeup& wakeup_;
     mutable std::mutex mutex_;
     std::map<GuidPrefix, Participant> participants_;

@@ -1,5 +1,5 @@
-// Everything is created disabled, so that the request id is set and the listeners are ready before anything
-// arrives.
+// Everything is created disabled, so that the request id is set and the
+// listeners are ready before anything arrives.
 #include "fleet/domain.h"
 
 #include "admin_types/type_support.h"
@@ -206,7 +206,9 @@ Sent Domain::send(Product product, const Command& command, const std::string& ro
     Request& request = *link.request;
     invocation = ++lastInvocation_;
     request.id = {.host = host_, .app = application_, .invocation = invocation};
-    fill(request, command, router);
+    if (!fill(request, command, router)) {
+        return Sent::FAILED;
+    }
     const auto pieces = piecesOf(command.url);
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         fillPiece(request, pieces[i], i + 1 == pieces.size());

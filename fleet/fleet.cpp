@@ -11,6 +11,11 @@ namespace zul::fleet {
 
 namespace {
 
+// Ours: its reliable readers ask for what was written before they had matched the writer. Other libraries' do
+// not, so a match on this side does not tell that a request will be heard.
+constexpr std::uint16_t PATIENT_VENDOR = 0x010F;
+constexpr auto GREETING_PERIOD = std::chrono::milliseconds(200);
+
 std::chrono::milliseconds toMilliseconds(Clock::duration span) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(span);
 }
@@ -47,7 +52,7 @@ Picture Fleet::picture() const {
 
 Fleet::Reach Fleet::reach(const Picture& picture, const std::string& name) const {
     Reach reach;
-    bool areAllMatched = true;
+    bool areAllSure = true;
     for (const Participant& participant : picture.participants) {
         if (!participant.isHere() || !participant.mayBeRouter()) {
             continue;
@@ -55,32 +60,44 @@ Fleet::Reach Fleet::reach(const Picture& picture, const std::string& name) const
         const bool matched = picture.isMatched(participant);
         const std::string itsName = participant.routerName();
         if (itsName == name) {
-            areAllMatched = areAllMatched && matched;
+            const bool isSure =
+                matched && (participant.vendor == PATIENT_VENDOR || !participant.answersTo.empty());
+            areAllSure = areAllSure && isSure;
+            reach.isUnsure = reach.isUnsure || (matched && !isSure);
             if (matched) {
                 reach.routers.push_back(participant.prefix);
             }
         }
         reach.isNameless = reach.isNameless || (matched && itsName.empty());
     }
-    reach.isWhole = areAllMatched && !reach.routers.empty();
+    reach.isWhole = areAllSure && !reach.routers.empty();
     return reach;
 }
 
-// A router that does not tell its name answers to it: a greeting to the name that is looked for does no harm.
-void Fleet::greetNameless(const Picture& picture, const std::vector<std::string>& names) {
-    bool isNew = false;
-    for (const Participant& participant : picture.participants) {
-        if (participant.routerName().empty() && picture.isMatched(participant)) {
-            isNew = greeted_.insert(participant.prefix).second || isNew;
-        }
-    }
+// A greeting to the name that is looked for does no harm, and its answer tells two things: who has the name,
+// and that both have matched. Greets again and again, because one that comes too early is lost. Returns when
+// to do it next.
+Clock::time_point Fleet::greet(const Picture& picture, const std::vector<std::string>& names) {
+    std::vector<std::string> wanted;
     for (const std::string& name : names) {
-        std::int32_t invocation = 0;
-        if (isNew && !isPattern(name) && reach(picture, name).routers.empty() &&
-            domain_.send(settings_.product, GREETING, name, Clock::now(), invocation) == Sent::YES) {
-            greetings_[invocation] = name;
+        if (const Reach reached = reach(picture, name);
+            !isPattern(name) && (reached.isUnsure || (reached.routers.empty() && reached.isNameless))) {
+            wanted.push_back(name);
         }
     }
+    if (wanted.empty()) {
+        return Clock::time_point::max();
+    }
+    if (picture.now >= nextGreeting_) {
+        for (const std::string& name : wanted) {
+            std::int32_t invocation = 0;
+            if (domain_.send(settings_.product, GREETING, name, picture.now, invocation) == Sent::YES) {
+                greetings_[invocation] = name;
+            }
+        }
+        nextGreeting_ = picture.now + GREETING_PERIOD;
+    }
+    return nextGreeting_;
 }
 
 void Fleet::noteGreetings() {
@@ -103,8 +120,7 @@ std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
         if (isDone || wakeup_.isInterrupted() || now.now >= deadline) {
             break;
         }
-        greetNameless(now, words);
-        wakeup_.waitUntil(deadline);
+        wakeup_.waitUntil(std::min(deadline, greet(now, words)));
     }
     std::set<std::string> names;
     for (const std::string& word : words) {

@@ -70,12 +70,13 @@ public:
 private:
     struct Reach {
         std::vector<GuidPrefix> routers{}; // of that name, matched both ways
-        bool isWhole = false;              // there are some, and no others of that name
-        bool isNameless = false;           // some router that can be asked does not tell its name
+        bool isWhole = false;    // there are some, and no others of that name, and all are sure to hear
+        bool isNameless = false; // some router that can be asked does not tell its name
+        bool isUnsure = false;   // some router of that name is matched, but may not have matched us
     };
     Reach reach(const Picture& picture, const std::string& name) const;
     Picture picture() const;
-    void greetNameless(const Picture& picture, const std::vector<std::string>& names);
+    Clock::time_point greet(const Picture& picture, const std::vector<std::string>& names);
     void noteGreetings();
     void gather(Gathering& gathering, const Command& command, const OnResult& onResult);
     void drain(Gathering& gathering, const Command& command, const OnResult& onResult);
@@ -86,7 +87,7 @@ private:
     Wakeup& wakeup_;
     Settings settings_;
     std::map<std::int32_t, std::string> greetings_; // names that were greeted, by invocation
-    std::set<GuidPrefix> greeted_;
+    Clock::time_point nextGreeting_{};
 };
 
 // Looks for routers of both products for the whole discovery time, in all the domains at once, and asks each

@@ -60,8 +60,8 @@ sigset_t blockSignals() {
     return ending;
 }
 
-// One router with all that is its own. The parts end in reverse order; the thread first, when its queue is
-// closed.
+// One router with all that is its own. The parts end in reverse order; the thread
+// first, when its queue is closed.
 struct Instance {
     RequestQueue queue;
     Router router;

@@ -4,9 +4,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 namespace zul::ctl {
 
@@ -20,7 +20,7 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 constexpr std::size_t MAX_FILE = 256U << 20; // bytes; more is no configuration
 
 std::string explain(const char* what, const std::string& path) {
-    return std::string("cannot ") + what + " " + path + ": " + std::strerror(errno);
+    return std::string("cannot ") + what + " " + path + ": " + std::generic_category().message(errno);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// A row is flushed at once, so that a pipe sees it as it comes. Bytes that are no UTF-8 become U+FFFD in
-// JSON.
+// A row is flushed at once, so that a pipe sees it as it comes. Bytes that are
+// no UTF-8 become U+FFFD in JSON.
 #include "zulctl/output.h"
 
 #include "middleware/base/terminal_text.h"
@@ -8,8 +8,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <nlohmann/json.hpp>
+#include <system_error>
 
 namespace zul::ctl {
 
@@ -65,7 +65,8 @@ void Output::writeLine(std::string_view text) {
     if (failure_ == 0 && (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)) {
         failure_ = errno;
         if (hasFailed()) {
-            std::fprintf(stderr, "zulctl: cannot write the results: %s\n", std::strerror(failure_));
+            std::fprintf(stderr, "zulctl: cannot write the results: %s\n",
+                         std::generic_category().message(failure_).c_str());
         }
     }
 }

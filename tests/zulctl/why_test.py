@@ -35,7 +35,7 @@ class Why(ControlTest):
         for cause, name, fact in (
                 ("answers", "well", "it answered after"), ("silent", "quiet", "no answer for 700 ms"),
                 ("type_mismatch", "types", "CommandRequestOther"), ("incompatible_qos", "effort", "RELIABILITY: it offers BEST_EFFORT"),
-                ("one_way", "mute", "response writer is not there"), ("wrong_product", "federal", "use --federation"),
+                ("one_way", "mute", "response writer is not seen"), ("wrong_product", "federal", "use --federation"),
                 ("no_such_name", "welt", "there are: well, ")):
             with self.subTest(cause):
                 self.assertIn(fact, self.check(cause, name))

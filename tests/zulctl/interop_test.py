@@ -1,0 +1,54 @@
+"""zulctl and a router on another maker's DDS stack, whose participant does not tell the router's name: exact bytes out, answers of
+either byte order in."""
+
+import json
+import os
+import sys
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "interop"))
+import wire  # noqa: E402
+from cyclone import CycloneRouter  # noqa: E402
+from control import SCHEMA, faults  # noqa: E402
+from processes import Program  # noqa: E402
+
+ROUTER = "r\xfc 1"
+GREETING, DESCRIPTION, DUMMY, NAME, PEERS = 9, 1, 2, 3, 4
+SNIPPET = 'str://"<session><s><p> 5</p></s></session>"'
+TEXT = "<!-- \xe9 ' \" & -->" * 500
+INLINE = f'str://"{TEXT}"'
+PIECES = [INLINE[at:at + 4096] for at in range(0, len(INLINE), 4096)]
+
+
+class Interop(unittest.TestCase):
+    domain = 69
+
+    def test_every_form_of_a_request_in_both_products(self):
+        peers = ["a", "b,c \xe9"]
+        for product, arguments, requests in (
+                ("Routing", ["enable", ROUTER, "d 1\xff"], [(7, NAME, "d 1\xff")]),
+                ("Federation", ["get", ROUTER], [(13, DUMMY, 0)]),
+                ("Routing", ["add-peer", ROUTER, "d", "p1", *peers], [(14, PEERS, "d", True, peers)]),
+                ("Federation", ["update", ROUTER, "--set", "session.s.p= 5"], [(4, DESCRIPTION, "", True, SNIPPET)]),
+                ("Routing", ["load", ROUTER, "c", "--xml", TEXT],
+                 [(1, DESCRIPTION, "c", piece is PIECES[-1], piece) for piece in PIECES])):
+            options = ["--federation"] if product == "Federation" else []
+            with self.subTest(arguments[0]), CycloneRouter(self.domain, product) as router, Program(
+                    "zulctl", "-d", self.domain, "--discovery", 20, "--json", *options, *[os.fsdecode(word.encode("latin-1")) for word in arguments]) as control:
+                while requests:
+                    payload = router.request()[1]
+                    identity = wire.identity_of(payload)
+                    if payload == wire.request(identity, ROUTER, GREETING, DUMMY, 0):  # again until it is answered
+                        router.answer(identity, "it is me", 1, True)
+                    else:
+                        self.assertEqual(payload, wire.request(identity, ROUTER, *requests.pop(0)))
+                router.answer(identity, "part 1,", 0, False, ">")
+                router.answer(identity, " part 2", 0, True, "<")
+                status, out = control.wait()
+                row = json.loads(out)
+                self.assertEqual((status, faults(row, SCHEMA)), (0, []))
+                self.assertEqual((row["message"], row["parts"], row["status"]), ("part 1, part 2", 2, "ok"))
+
+
+if __name__ == "__main__":
+    unittest.main()
