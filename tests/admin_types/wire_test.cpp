@@ -1,6 +1,5 @@
 // The wire encoding: value and exact bytes in one row, in both byte orders, then cut at every length and
-// corrupted at every byte. The examples and sizes in docs/wire.md are what the codec writes, reads and
-// reports.
+// corrupted at every byte. The codec writes, reads and reports the examples and sizes of docs/wire.md.
 #include "tests/admin_types/samples.h"
 #include "tests/admin_types/wire_text.h"
 

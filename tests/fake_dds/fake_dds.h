@@ -3,8 +3,7 @@
 // reader's listener from a thread of its own. A released loan is poisoned and freed, so that whoever still
 // reads it is found.
 //
-// Everything is in the one `world()`, emptied by `reset()`. `deliver` and `awaitIdle` may be called from any
-// thread.
+// Everything is in the one `world()`, emptied by `reset()`. Any thread may call `deliver` and `awaitIdle`.
 #pragma once
 
 #include "admin_types/type_support.h"
