@@ -105,7 +105,7 @@ class Install(SessionTest):
             run("xmllint", "--noout", "--dtdvalid", f"{share}/zul_remote_config/dtd/{variant}_service.dtd",
                 f"{share}/zul_remote_config/xml/ZUL_{variant.upper()}_SERVICE.xml")
         self.assertEqual(sorted(os.listdir(f"{share}/man/man1")),
-                         ["zul-practice-router.1.gz", "zulfssh.1.gz", "zulrssh.1.gz"])
+                         ["zul-practice-router.1.gz", "zulctl.1.gz", "zulfssh.1.gz", "zulrssh.1.gz"])
 
     def test_options_are_completed(self):
         folder = os.path.join(self.prefix, "share/bash-completion/completions")

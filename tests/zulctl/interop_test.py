@@ -39,11 +39,10 @@ class Interop(unittest.TestCase):
                     payload = router.request()[1]
                     identity = wire.identity_of(payload)
                     if payload == wire.request(identity, ROUTER, GREETING, DUMMY, 0):  # again until it is answered
-                        router.answer(identity, "it is me", 1, True)
+                        router.write(wire.response(identity, 1, "it is me", True, "<"))
                     else:
                         self.assertEqual(payload, wire.request(identity, ROUTER, *requests.pop(0)))
-                router.answer(identity, "part 1,", 0, False, ">")
-                router.answer(identity, " part 2", 0, True, "<")
+                router.write(wire.response(identity, 0, "part 1,", False, ">"), wire.response(identity, 0, " part 2", True, "<"))
                 status, out = control.wait()
                 row = json.loads(out)
                 self.assertEqual((status, faults(row, SCHEMA)), (0, []))
