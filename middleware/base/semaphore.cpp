@@ -8,6 +8,7 @@
 #include <ctime>
 #include <new>
 #include <semaphore.h>
+#include <unistd.h>
 
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
@@ -15,14 +16,17 @@
 #endif
 #endif
 #if defined(__SANITIZE_THREAD__) || defined(ZUL_THREAD_SANITIZER)
-// The sanitizer does not know sem_clockwait: tell it what a give and a take order.
+// The sanitizer does not know sem_clockwait: tell it what a give and a take order, and let it run the
+// handlers of signals, which it holds back until a call that it knows.
 extern "C" void __tsan_acquire(void*);
 extern "C" void __tsan_release(void*);
 #define ZUL_ORDER_TAKE(address) __tsan_acquire(address)
 #define ZUL_ORDER_GIVE(address) __tsan_release(address)
+#define ZUL_LET_SIGNALS_IN() static_cast<void>(usleep(0))
 #else
 #define ZUL_ORDER_TAKE(address) static_cast<void>(address)
 #define ZUL_ORDER_GIVE(address) static_cast<void>(address)
+#define ZUL_LET_SIGNALS_IN() static_cast<void>(0)
 #endif
 
 struct ZULSemaphore {
@@ -68,11 +72,15 @@ ZULSemaphoreStatus ZULSemaphore_take(ZULSemaphore* semaphore, const ZULDeadline&
     const std::int64_t at = deadline.nanoseconds < 0 ? 0 : deadline.nanoseconds;
     const timespec until{.tv_sec = static_cast<time_t>(at / NANOSECONDS_PER_SECOND),
                          .tv_nsec = static_cast<long>(at % NANOSECONDS_PER_SECOND)};
-    int result = 0;
-    do {
-        result = deadline.never ? sem_wait(&semaphore->handle)
-                                : sem_clockwait(&semaphore->handle, CLOCK_MONOTONIC, &until);
-    } while (result != 0 && errno == EINTR);
+    const auto wait = [&] {
+        return deadline.never ? sem_wait(&semaphore->handle)
+                              : sem_clockwait(&semaphore->handle, CLOCK_MONOTONIC, &until);
+    };
+    int result = wait();
+    while (result != 0 && errno == EINTR) {
+        ZUL_LET_SIGNALS_IN();
+        result = wait();
+    }
     if (result == 0) {
         ZUL_ORDER_TAKE(semaphore);
         return ZUL_SEMAPHORE_OK;
