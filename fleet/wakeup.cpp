@@ -1,5 +1,5 @@
-// However many notifications come before the wait, they give the semaphore once: a
-// burst of samples is one wakeup.
+// However many notifications come before the wait, they give the semaphore once: a burst of samples is one
+// wakeup, and the semaphore cannot overflow.
 #include "fleet/wakeup.h"
 
 #include <new>
