@@ -1,9 +1,9 @@
 // The practice router takes any bytes as a document, an update and a new entity: it changes its configuration
 // whole or not at all. What it finds wrong by the definition, the library finds wrong too, and the reverse.
+#include "plan/document/definition.h"
+#include "plan/document/text.h"
+#include "plan/document/xml_nodes.h"
 #include "practice_router/actions/configuration.h"
-#include "practice_router/document/definition.h"
-#include "practice_router/document/text.h"
-#include "practice_router/document/xml_nodes.h"
 #include "product/product_info.h"
 
 #include <libxml/parser.h>
@@ -15,6 +15,7 @@
 
 namespace {
 
+using namespace zul::plan;
 using namespace zul::practice;
 
 xmlDtd* parseDtd() {

@@ -3,9 +3,9 @@
 // command line.
 #include "middleware/base/version.h"
 #include "middleware/dds/process.h"
+#include "plan/document/entity.h"
 #include "practice_router/actions/save_file.h"
 #include "practice_router/actions/xml_url.h"
-#include "practice_router/document/entity.h"
 #include "practice_router/endpoints/options.h"
 #include "practice_router/endpoints/worker.h"
 #include "product/product_info.h"
@@ -21,6 +21,7 @@
 
 namespace {
 
+using namespace zul::plan;
 using namespace zul::practice;
 
 constexpr const char* PROGRAM = "zul-practice-router";

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "admin_types/modules.h"
-#include "practice_router/document/text.h"
+#include "plan/document/text.h"
 
 #include <new>
 #include <string>
@@ -17,10 +17,11 @@ struct Answer {
 
     static Answer ok(std::string text) { return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK, std::move(text)}; }
     static Answer error(std::string_view text) {
-        return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR, shortened(text, MAX_FAILURE)};
+        return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR, plan::shortened(text, plan::MAX_FAILURE)};
     }
     static Answer notFound(std::string_view text) {
-        return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND, shortened(text, MAX_FAILURE)};
+        return {ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ENTITY_NOT_FOUND,
+                plan::shortened(text, plan::MAX_FAILURE)};
     }
 };
 
@@ -29,7 +30,7 @@ template <class Operation>
 auto answered(const Operation& operation) -> decltype(operation()) {
     try {
         return operation();
-    } catch (const Refusal& refusal) {
+    } catch (const plan::Refusal& refusal) {
         return refusal.isMissing ? Answer::notFound(refusal.why) : Answer::error(refusal.why);
     } catch (const std::bad_alloc&) {
         return Answer::error("out of memory");

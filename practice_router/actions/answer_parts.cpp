@@ -2,11 +2,13 @@
 #include "practice_router/actions/answer_parts.h"
 
 #include "admin_types/modules.h"
-#include "practice_router/document/text.h"
+#include "plan/document/text.h"
 
 #include <algorithm>
 
 namespace zul::practice {
+
+using namespace plan;
 
 std::vector<std::string_view> answerParts(std::string_view text, std::size_t atLeast) {
     std::vector<std::string_view> parts;

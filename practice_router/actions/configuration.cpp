@@ -1,16 +1,18 @@
 // Loading, unloading, and the edits of the active document that a snippet or a deletion makes.
 #include "practice_router/actions/configuration.h"
 
+#include "plan/document/children.h"
+#include "plan/document/definition.h"
+#include "plan/document/document.h"
+#include "plan/document/entity.h"
+#include "plan/document/layout.h"
+#include "plan/document/merge.h"
+#include "plan/document/xml_nodes.h"
 #include "practice_router/actions/draft.h"
-#include "practice_router/document/children.h"
-#include "practice_router/document/definition.h"
-#include "practice_router/document/document.h"
-#include "practice_router/document/entity.h"
-#include "practice_router/document/layout.h"
-#include "practice_router/document/merge.h"
-#include "practice_router/document/xml_nodes.h"
 
 namespace zul::practice {
+
+using namespace plan;
 
 namespace {
 

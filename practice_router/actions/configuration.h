@@ -3,8 +3,8 @@
 // operation answers as a router does and leaves the configuration whole when it fails. One thread at a time.
 #pragma once
 
+#include "plan/document/xml.h"
 #include "practice_router/actions/answer.h"
-#include "practice_router/document/xml.h"
 
 #include <stop_token>
 #include <string>
@@ -43,13 +43,13 @@ public:
                     const std::vector<std::string>& peers);
 
     // The active document as text.
-    std::string text() const { return writeXml(document_.get()); }
+    std::string text() const { return plan::writeXml(document_.get()); }
 
 private:
     friend class Draft;
-    Answer take(std::string_view xml, std::string_view configurationName, const Refusal& whenMissing);
+    Answer take(std::string_view xml, std::string_view configurationName, const plan::Refusal& whenMissing);
 
-    XmlDocument document_;       // null while none is loaded
+    plan::XmlDocument document_; // null while none is loaded
     xmlNode* service_ = nullptr; // in the document
     std::stop_token stop_;
 };

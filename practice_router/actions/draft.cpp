@@ -1,11 +1,13 @@
 // The copy of the service element is found by its place among its siblings.
 #include "practice_router/actions/draft.h"
 
-#include "practice_router/document/document.h"
-#include "practice_router/document/entity.h"
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/document.h"
+#include "plan/document/entity.h"
+#include "plan/document/xml_nodes.h"
 
 namespace zul::practice {
+
+using namespace plan;
 
 namespace {
 

@@ -14,14 +14,14 @@ public:
 
     xmlNode* entity() const { return entity_; }
     // Parses a snippet whose nodes may be moved into the draft.
-    XmlDocument parseSnippet(std::string_view text) const;
+    plan::XmlDocument parseSnippet(std::string_view text) const;
     // Makes the draft the active document and answers `done`; nothing fails after that. Refuses what would
     // not be accepted.
     Answer activate(std::string done);
 
 private:
     Configuration& configuration_;
-    XmlDocument document_;
+    plan::XmlDocument document_;
     xmlNode* service_ = nullptr;
     xmlNode* entity_ = nullptr;
 };

@@ -1,14 +1,16 @@
 // Enabling, disabling, pausing, resuming, and the peers of participants.
+#include "plan/document/entity.h"
+#include "plan/document/merge.h"
+#include "plan/document/xml_nodes.h"
 #include "practice_router/actions/configuration.h"
 #include "practice_router/actions/draft.h"
-#include "practice_router/document/entity.h"
-#include "practice_router/document/merge.h"
-#include "practice_router/document/xml_nodes.h"
 
 #include <algorithm>
 #include <array>
 
 namespace zul::practice {
+
+using namespace plan;
 
 namespace {
 

@@ -8,6 +8,8 @@
 
 namespace zul::practice {
 
+using namespace plan;
+
 namespace {
 
 // What an action works on. `xml` is the text that an XML URL stands for, for the kinds that carry one.

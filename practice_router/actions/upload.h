@@ -4,8 +4,8 @@
 // thread at a time.
 #pragma once
 
+#include "plan/document/xml.h"
 #include "practice_router/actions/request.h"
-#include "practice_router/document/xml.h"
 
 #include <cstddef>
 #include <deque>
@@ -14,7 +14,7 @@
 
 namespace zul::practice {
 
-constexpr std::size_t MAX_UPLOAD_SIZE = MAX_DOCUMENT_SIZE + 16; // bytes: a document in its URL
+constexpr std::size_t MAX_UPLOAD_SIZE = plan::MAX_DOCUMENT_SIZE + 16; // bytes: a document in its URL
 constexpr std::size_t MAX_PENDING_UPLOADS = 16; // then the one that has waited longest is dropped
 
 struct Upload {

@@ -3,14 +3,16 @@
 
 #include "middleware/xml/file.h"
 #include "middleware/xml/text.h"
-#include "practice_router/document/text.h"
-#include "practice_router/document/xml.h"
+#include "plan/document/text.h"
+#include "plan/document/xml.h"
 #include "product/vocabulary.h"
 
 #include <cerrno>
 #include <system_error>
 
 namespace zul::practice {
+
+using namespace plan;
 
 using product::FILE_SCHEME;
 using product::INLINE_SCHEME;

@@ -2,7 +2,7 @@
 #include "practice_router/endpoints/options.h"
 
 #include "middleware/dds/dds.h"
-#include "practice_router/document/entity.h"
+#include "plan/document/entity.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,6 +10,8 @@
 #include <variant>
 
 namespace zul::practice {
+
+using namespace plan;
 
 namespace {
 

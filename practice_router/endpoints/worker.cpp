@@ -8,6 +8,8 @@
 
 namespace zul::practice {
 
+using namespace plan;
+
 namespace {
 
 constexpr std::size_t MAX_LOGGED = 200; // bytes of one text

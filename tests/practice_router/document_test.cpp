@@ -1,8 +1,8 @@
 // Documents from outside: hostile ones are refused within bounds, faulty ones with the line, and none of them
 // touches what is active.
+#include "plan/document/entity.h"
+#include "plan/document/merge.h"
 #include "practice_router/actions/configuration.h"
-#include "practice_router/document/entity.h"
-#include "practice_router/document/merge.h"
 #include "product/product_info.h"
 #include "tests/practice_router/kinds.h"
 #include "tests/support/failing_new.h"
@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace zul::plan;
 using namespace zul::practice;
 
 std::string repeated(const std::string& text, int count) {

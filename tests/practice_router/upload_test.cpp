@@ -6,6 +6,7 @@
 
 namespace {
 
+using namespace zul::plan;
 using namespace zul::practice;
 
 Request piece(std::int32_t app, std::int32_t invocation, Kind kind, const std::string& content,

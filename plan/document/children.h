@@ -2,8 +2,8 @@
 // added where the definition allows. A look-up takes the same time however many there are.
 #pragma once
 
-#include "practice_router/document/definition.h"
-#include "practice_router/document/layout.h"
+#include "plan/document/definition.h"
+#include "plan/document/layout.h"
 
 #include <libxml/tree.h>
 
@@ -11,7 +11,7 @@
 #include <string_view>
 #include <unordered_map>
 
-namespace zul::practice {
+namespace zul::plan {
 
 // What tells an element from its siblings of the same tag: its name attribute or, in a list of pairs, its
 // name element; in a list of texts the text itself. Empty when there can be only one.
@@ -49,4 +49,4 @@ private:
     std::unordered_map<std::string, xmlNode*> entities_;   // by name
 };
 
-} // namespace zul::practice
+} // namespace zul::plan

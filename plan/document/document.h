@@ -1,12 +1,12 @@
 // Reading and checking configuration documents that are to become active.
 #pragma once
 
-#include "practice_router/document/xml.h"
+#include "plan/document/xml.h"
 
 #include <string>
 #include <string_view>
 
-namespace zul::practice {
+namespace zul::plan {
 
 // Refuses what may not become active, with the line and what is wrong. Checked are the product's document
 // type definition and what it cannot express: the root, the names of entities (their characters, and that
@@ -16,4 +16,4 @@ void checkDocument(const xmlDoc* document, const std::stop_token& stop);
 // Parses a document that may become active.
 XmlDocument readDocument(std::string_view xml, const std::stop_token& stop);
 
-} // namespace zul::practice
+} // namespace zul::plan

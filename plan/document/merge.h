@@ -8,7 +8,7 @@
 #include <stop_token>
 #include <string>
 
-namespace zul::practice {
+namespace zul::plan {
 
 // Applies the snippet to an entity, whose document it shares the dictionary with, and takes nodes out of it.
 // The snippet's outermost element is the entity itself or something inside it; for the service it may also be
@@ -19,4 +19,4 @@ void applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop
 // Merges `child` into the children of `target`, as if it came in a snippet for `target`; may move it there.
 void mergeChild(xmlNode* target, xmlNode* child);
 
-} // namespace zul::practice
+} // namespace zul::plan

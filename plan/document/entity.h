@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace zul::practice {
+namespace zul::plan {
 
 using product::EntityLevel; // the parent of an entity is one level above
 
@@ -43,4 +43,4 @@ void setState(xmlNode* entity, EntityState state);
 // Gives the marks of all entities in `from` to their counterparts in `to`, a copy of it.
 void carryMarks(const xmlNode* from, xmlNode* to);
 
-} // namespace zul::practice
+} // namespace zul::plan

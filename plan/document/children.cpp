@@ -1,12 +1,12 @@
 // Look-ups by tag, by tag and identity, and by the names of entities; the state of the content model after
 // the last child.
-#include "practice_router/document/children.h"
+#include "plan/document/children.h"
 
-#include "practice_router/document/entity.h"
-#include "practice_router/document/text.h"
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/entity.h"
+#include "plan/document/text.h"
+#include "plan/document/xml_nodes.h"
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -101,4 +101,4 @@ void Children::insert(xmlNode* child) {
     }
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

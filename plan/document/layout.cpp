@@ -1,10 +1,10 @@
 // Indentation is text between elements: a line feed and blanks in front of each child, and in front of the
 // end tag. When memory runs out, a line may lack it; that does no harm.
-#include "practice_router/document/layout.h"
+#include "plan/document/layout.h"
 
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/xml_nodes.h"
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -152,4 +152,4 @@ void Layout::remove(xmlNode* element) {
     }
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

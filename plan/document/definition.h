@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zul::practice {
+namespace zul::plan {
 
 // Which elements an element may hold, and in which order: the occurrences of names in the content model
 // are numbered (its positions), and for each is known which may come next.
@@ -90,4 +90,4 @@ private:
     std::map<std::string, Rule, std::less<>> rules_; // by tag
 };
 
-} // namespace zul::practice
+} // namespace zul::plan

@@ -6,7 +6,7 @@
 
 #include "middleware/xml/guard.h"
 
-namespace zul::practice {
+namespace zul::plan {
 
 constexpr std::size_t MAX_DOCUMENT_SIZE = 8U << 20; // bytes of one document
 constexpr std::size_t MAX_NODES = 512U << 10;       // elements, attributes, comments and the like
@@ -60,4 +60,4 @@ bool isSchemaLocation(const xmlAttr* attribute);
 // UTF-8, with an XML declaration if the document was read with one that names an encoding.
 std::string writeXml(xmlDoc* document);
 
-} // namespace zul::practice
+} // namespace zul::plan

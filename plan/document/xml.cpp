@@ -1,14 +1,14 @@
 // The library builds its own tree; limits are checked before it grows.
-#include "practice_router/document/xml.h"
+#include "plan/document/xml.h"
 
-#include "practice_router/document/text.h"
+#include "plan/document/text.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/xmlsave.h>
 
 #include <cstdint>
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -186,4 +186,4 @@ std::string writeXml(xmlDoc* document) {
     return std::string(toView(xmlBufferContent(text.get())));
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

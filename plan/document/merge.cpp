@@ -1,17 +1,17 @@
 // Elements are matched through Children, which are built once for each element: that keeps the time linear.
-#include "practice_router/document/merge.h"
+#include "plan/document/merge.h"
 
-#include "practice_router/document/children.h"
-#include "practice_router/document/definition.h"
-#include "practice_router/document/entity.h"
-#include "practice_router/document/text.h"
-#include "practice_router/document/xml.h"
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/children.h"
+#include "plan/document/definition.h"
+#include "plan/document/entity.h"
+#include "plan/document/text.h"
+#include "plan/document/xml.h"
+#include "plan/document/xml_nodes.h"
 
 #include <set>
 #include <unordered_map>
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -184,4 +184,4 @@ void mergeChild(xmlNode* target, xmlNode* child) {
     Merge(target->doc, {}).mergeChild(target, child);
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

@@ -6,7 +6,7 @@
 #include <string>
 #include <unordered_map>
 
-namespace zul::practice {
+namespace zul::plan {
 
 class Layout {
 public:
@@ -33,4 +33,4 @@ private:
     std::unordered_map<const xmlNode*, bool> inLines_; // whether the children of an element have lines
 };
 
-} // namespace zul::practice
+} // namespace zul::plan

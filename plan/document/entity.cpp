@@ -1,10 +1,10 @@
 // The levels of elements, the walk along a path, and the state of one entity.
-#include "practice_router/document/entity.h"
+#include "plan/document/entity.h"
 
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/xml_nodes.h"
 #include "product/product_info.h"
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -125,4 +125,4 @@ void carryMarks(const xmlNode* from, xmlNode* to) {
     }
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace zul::practice {
+namespace zul::plan {
 
 constexpr std::size_t MAX_SHOWN = 80;     // bytes of a name or value inside a message
 constexpr std::size_t MAX_FAILURE = 1024; // bytes of a line that says why something failed
@@ -27,4 +27,4 @@ struct Refusal {
     bool isMissing = false; // what was named is not there
 };
 
-} // namespace zul::practice
+} // namespace zul::plan

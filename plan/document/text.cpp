@@ -1,7 +1,7 @@
 // Where UTF-8 may be cut is found backwards, in four bytes at most.
-#include "practice_router/document/text.h"
+#include "plan/document/text.h"
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -49,4 +49,4 @@ std::string quoted(std::string_view text) {
     return "\"" + shortened(text) + "\"";
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

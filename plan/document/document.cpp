@@ -1,18 +1,18 @@
 // One walk checks what the definition says and what it cannot express.
-#include "practice_router/document/document.h"
+#include "plan/document/document.h"
 
 #include "middleware/dds/dds.h"
-#include "practice_router/document/definition.h"
-#include "practice_router/document/entity.h"
-#include "practice_router/document/text.h"
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/definition.h"
+#include "plan/document/entity.h"
+#include "plan/document/text.h"
+#include "plan/document/xml_nodes.h"
 #include "product/product_info.h"
 
 #include <algorithm>
 #include <charconv>
 #include <set>
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -89,4 +89,4 @@ XmlDocument readDocument(std::string_view xml, const std::stop_token& stop) {
     return document;
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

@@ -1,9 +1,9 @@
 // A content model is turned into the automaton of its positions (Glushkov's): a bit set is the state, so one
 // pass over the children checks them, and a second pass from the end finds the places where one more may go.
-#include "practice_router/document/definition.h"
+#include "plan/document/definition.h"
 
-#include "practice_router/document/text.h"
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/text.h"
+#include "plan/document/xml_nodes.h"
 #include "product/product_info.h"
 
 #include <libxml/parser.h>
@@ -14,7 +14,7 @@
 #include <bit>
 #include <ranges>
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -259,4 +259,4 @@ void Definition::checkContent(const Rule& rule, const xmlNode* element) {
     }
 }
 
-} // namespace zul::practice
+} // namespace zul::plan

@@ -1,11 +1,11 @@
 // Small views and edits of an XML tree. Texts come back as copies.
 #pragma once
 
-#include "practice_router/document/xml.h"
+#include "plan/document/xml.h"
 
 #include <cstddef>
 
-namespace zul::practice {
+namespace zul::plan {
 
 inline std::string_view tagOf(const xmlNode* node) {
     return toView(node->name);
@@ -51,4 +51,4 @@ bool isText(const xmlNode* node);
 // Puts `text`, taken literally, in place of everything inside `node`.
 void setText(xmlNode* node, const std::string& text);
 
-} // namespace zul::practice
+} // namespace zul::plan

@@ -1,10 +1,10 @@
 // Reading and setting what an element holds; libxml2 hands out copies that must be freed.
-#include "practice_router/document/xml_nodes.h"
+#include "plan/document/xml_nodes.h"
 
 #include "middleware/xml/text.h"
-#include "practice_router/document/text.h"
+#include "plan/document/text.h"
 
-namespace zul::practice {
+namespace zul::plan {
 
 namespace {
 
@@ -68,4 +68,4 @@ void setText(xmlNode* node, const std::string& text) {
     }
 }
 
-} // namespace zul::practice
+} // namespace zul::plan
