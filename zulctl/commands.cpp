@@ -5,6 +5,7 @@
 #include "product/vocabulary.h"
 #include "zulctl/files.h"
 #include "zulctl/output.h"
+#include "zulctl/session.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,41 +19,6 @@ using fleet::Result;
 using fleet::Status;
 
 namespace {
-
-// What ends the program early, with words for standard error.
-struct Failure {
-    int status;
-    std::string message;
-};
-
-// The exit status of several results: the first that applies, in this order.
-class Outcome {
-public:
-    void add(Status status) {
-        constexpr int STATUSES[] = {EXIT_DONE, EXIT_REFUSED, EXIT_NOT_FOUND, EXIT_NO_ANSWER,
-                                    EXIT_INTERRUPTED};
-        add(STATUSES[static_cast<std::size_t>(status)]);
-    }
-    void add(int status) { seen_.insert(status); }
-    int status() const {
-        constexpr int ORDER[] = {EXIT_INTERRUPTED, EXIT_USAGE, EXIT_NO_ANSWER, EXIT_REFUSED, EXIT_NOT_FOUND};
-        const auto* first = std::ranges::find_if(ORDER, [this](int each) { return seen_.contains(each); });
-        return first != std::end(ORDER) ? *first : EXIT_DONE;
-    }
-
-private:
-    std::set<int> seen_;
-};
-
-std::unique_ptr<Domain> join(std::int32_t id, std::span<const fleet::Product> products,
-                             fleet::Wakeup& wakeup) {
-    std::string error;
-    auto domain = Domain::join(id, products, wakeup, error);
-    if (domain == nullptr) {
-        throw Failure{EXIT_CANNOT_JOIN, error};
-    }
-    return domain;
-}
 
 std::string urlOf(const Source& source) {
     if (source.remoteFile) {
@@ -137,11 +103,11 @@ std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
     return names;
 }
 
-int request(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+int request(const Arguments& arguments, Session& session, Output& output) {
     const Command command = commandOf(arguments);
     refuseBadNames(command, arguments.routers);
-    const auto domain = join(arguments.domain, {&arguments.settings.product, 1}, wakeup);
-    Fleet fleet(*domain, wakeup, arguments.settings);
+    Domain& domain = session.domain(arguments.domain, arguments.settings.product);
+    Fleet fleet(domain, session.wakeup(), arguments.settings);
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(command, names);
     const bool hasPlace = arguments.output && arguments.output->find(ROUTER_PLACE) != std::string::npos;
@@ -175,13 +141,14 @@ int request(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
 }
 
 // After an interrupt, too, what was stopped is started again; that answer is not awaited for long.
-int dupdate(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+int dupdate(const Arguments& arguments, Session& session, Output& output) {
+    fleet::Wakeup& wakeup = session.wakeup();
     const Command update = commandOf(arguments);
     const Command disable{.kind = ZUL_ROUTING_SERVICE_COMMAND_DISABLE, .name = update.name};
     const Command enable{.kind = ZUL_ROUTING_SERVICE_COMMAND_ENABLE, .name = update.name};
     refuseBadNames(update, arguments.routers);
-    const auto domain = join(arguments.domain, {&arguments.settings.product, 1}, wakeup);
-    Fleet fleet(*domain, wakeup, arguments.settings);
+    Domain& domain = session.domain(arguments.domain, arguments.settings.product);
+    Fleet fleet(domain, wakeup, arguments.settings);
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(update, names);
     Outcome outcome;
@@ -209,14 +176,15 @@ int dupdate(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
     if (isInterrupted) {
         settings.timeout = std::min<fleet::Clock::duration>(settings.timeout, std::chrono::seconds(1));
     }
-    Fleet(*domain, wakeup, settings).ask({stopped.begin(), stopped.end()}, enable, show);
+    Fleet(domain, wakeup, settings).ask({stopped.begin(), stopped.end()}, enable, show);
     if (isInterrupted) {
         wakeup.interrupt();
     }
     return outcome.status();
 }
 
-int listRouters(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+int listRouters(const Arguments& arguments, Session& session, Output& output) {
+    fleet::Wakeup& wakeup = session.wakeup();
     std::vector<std::int32_t> ids = arguments.domains;
     if (ids.empty()) {
         ids.push_back(arguments.domain);
@@ -234,10 +202,11 @@ int listRouters(const Arguments& arguments, fleet::Wakeup& wakeup, Output& outpu
     return EXIT_DONE;
 }
 
-int explain(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
+int explain(const Arguments& arguments, Session& session, Output& output) {
+    fleet::Wakeup& wakeup = session.wakeup();
     const std::string& router = arguments.routers.front();
     refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE}, arguments.routers);
-    const auto domain = join(arguments.domain, {&arguments.settings.product, 1}, wakeup);
+    Domain& domain = session.domain(arguments.domain, arguments.settings.product);
     std::vector<std::unique_ptr<Domain>> joined;
     std::vector<Domain*> others;
     for (const std::int32_t id : arguments.domains) {
@@ -245,7 +214,7 @@ int explain(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
             others.push_back(joined.emplace_back(join(id, {&arguments.settings.product, 1}, wakeup)).get());
         }
     }
-    const fleet::Cause cause = Fleet(*domain, wakeup, arguments.settings).why(router, others);
+    const fleet::Cause cause = Fleet(domain, wakeup, arguments.settings).why(router, others);
     if (wakeup.isInterrupted()) {
         return EXIT_INTERRUPTED;
     }
@@ -257,20 +226,21 @@ int explain(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output) {
 
 int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
     Output output(arguments.isJson);
+    Session session(wakeup);
     int status = EXIT_DONE;
     try {
         switch (arguments.command->kind) {
         case CommandRow::Kind::LIST:
-            status = listRouters(arguments, wakeup, output);
+            status = listRouters(arguments, session, output);
             break;
         case CommandRow::Kind::WHY:
-            status = explain(arguments, wakeup, output);
+            status = explain(arguments, session, output);
             break;
         case CommandRow::Kind::REQUEST:
-            status = request(arguments, wakeup, output);
+            status = request(arguments, session, output);
             break;
         case CommandRow::Kind::DUPDATE:
-            status = dupdate(arguments, wakeup, output);
+            status = dupdate(arguments, session, output);
             break;
         }
     } catch (const Failure& failure) {

@@ -1,0 +1,37 @@
+// The order of the exit statuses, and domains that are joined once.
+#include "zulctl/session.h"
+
+#include <algorithm>
+
+namespace zul::ctl {
+
+void Outcome::add(fleet::Status status) {
+    constexpr int STATUSES[] = {EXIT_DONE, EXIT_REFUSED, EXIT_NOT_FOUND, EXIT_NO_ANSWER, EXIT_INTERRUPTED};
+    add(STATUSES[static_cast<std::size_t>(status)]);
+}
+
+int Outcome::status() const {
+    constexpr int ORDER[] = {EXIT_INTERRUPTED, EXIT_USAGE, EXIT_NO_ANSWER, EXIT_REFUSED, EXIT_NOT_FOUND};
+    const auto* first = std::ranges::find_if(ORDER, [this](int each) { return seen_.contains(each); });
+    return first != std::end(ORDER) ? *first : EXIT_DONE;
+}
+
+std::unique_ptr<fleet::Domain> join(std::int32_t id, std::span<const fleet::Product> products,
+                                    fleet::Wakeup& wakeup) {
+    std::string error;
+    auto domain = fleet::Domain::join(id, products, wakeup, error);
+    if (domain == nullptr) {
+        throw Failure{EXIT_CANNOT_JOIN, error};
+    }
+    return domain;
+}
+
+fleet::Domain& Session::domain(std::int32_t id, fleet::Product product) {
+    std::unique_ptr<fleet::Domain>& domain = domains_[{id, product}];
+    if (domain == nullptr) {
+        domain = join(id, {&product, 1}, wakeup_);
+    }
+    return *domain;
+}
+
+} // namespace zul::ctl

@@ -1,0 +1,51 @@
+// What commands have in common while they run: the domains that were joined, how one of them ends early, and
+// the exit status of several results.
+#pragma once
+
+#include "zulctl/arguments.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <span>
+#include <string>
+
+namespace zul::ctl {
+
+// What ends a command early, with words for standard error.
+struct Failure {
+    int status; // of ExitStatus
+    std::string message;
+};
+
+// The exit status of several results: the first that applies, in the order of its documentation.
+class Outcome {
+public:
+    void add(fleet::Status status);
+    void add(int status) { seen_.insert(status); }
+    int status() const;
+
+private:
+    std::set<int> seen_;
+};
+
+// Throws a Failure if it cannot be joined.
+std::unique_ptr<fleet::Domain> join(std::int32_t id, std::span<const fleet::Product> products,
+                                    fleet::Wakeup& wakeup);
+
+class Session {
+public:
+    // `wakeup` must outlive this; it may be interrupted at any moment.
+    explicit Session(fleet::Wakeup& wakeup) : wakeup_(wakeup) {}
+
+    fleet::Wakeup& wakeup() { return wakeup_; }
+    // A domain and the routers of one product in it, joined when first asked for and then kept. Throws a
+    // Failure.
+    fleet::Domain& domain(std::int32_t id, fleet::Product product);
+
+private:
+    fleet::Wakeup& wakeup_;
+    std::map<std::pair<std::int32_t, fleet::Product>, std::unique_ptr<fleet::Domain>> domains_;
+};
+
+} // namespace zul::ctl
