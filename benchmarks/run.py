@@ -18,6 +18,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 from typing import Callable, NamedTuple
 
@@ -33,6 +34,11 @@ UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
 PARTS = 1000
 MANY_PARTS, FEWER_PARTS = 8000, 2000
+COLD_COMMANDS = 100
+FEW_ROUTERS, MANY_ROUTERS = 10, 50
+FLEET_ROUNDS = 11
+LIST_DOMAINS = 10
+DISCOVERY_SECONDS = 1
 
 
 class Figure(NamedTuple):
@@ -68,6 +74,11 @@ FIGURES = {
     "load_rate": Figure("load of 64 MiB / raw writer", "MB/s", ">=0.95"),
     "load_rate_of_file": Figure("load of 64 MiB / raw writer that reads the file", "MB/s", ">=0.97"),
     "load_memory": Figure("peak memory of a 64 MiB load / idle", "KiB", "<=1.2"),
+    "cold_command_median": Figure("cold zulctl enable, median / bare start and echo", "ms", "<=1.25"),
+    "cold_command_p95": Figure("cold zulctl enable, p95 / bare start and echo", "ms", "<=1.25"),
+    "fleet_get": Figure("get, a router of 50 / a router of 10", "ms", "<=1.3"),
+    "fleet_memory": Figure("zulctl's memory, a router more / 100 KiB", "KiB", "<=1.0"),
+    "fleet_list": Figure("list of 10 domains / discovery and 1 s", "s", "<=1.0"),
     "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
     "update": Figure("router's update, 8000 new properties / 2000", "ns", "<=4.6"),
 }
@@ -127,10 +138,22 @@ class Bench:
         self.programs = build / "benchmarks"
         self.shell = build / "bin" / "zulrssh"
         self.router = build / "bin" / "zul-practice-router"
+        self.zulctl = build / "bin" / "zulctl"
         self.work = work
 
     def responder(self, domain: int, parts: int = 1, characters: int = 0):
         return running([self.programs / "responder", domain, parts, characters], b"ready\n")
+
+    @contextlib.contextmanager
+    def fleet(self, domain: int, count: int):
+        """Practice routers router1, router2 and so on, in one process; nothing waits for who reads its log."""
+        name = ["router", "--count", count] if count > 1 else ["router1"]
+        with running([self.router, "--domain", domain, "--name", *name], b"\n") as process:
+            reader = threading.Thread(target=lambda: all(process.stdout))
+            reader.start()
+            yield
+            process.terminate()
+            reader.join()
 
     def rounds_of(self, program: str, *arguments: object) -> Samples:
         """Runs a measuring program: a line is a figure's name, ours and the baseline."""
@@ -206,6 +229,63 @@ def cold_start(bench: Bench) -> Samples:
     return {f"cold_start_{name}": [(sides[0][index], sides[1][index])] for name, index in at.items()}
 
 
+def cold_command(bench: Bench) -> Samples:
+    """Whole processes, from their start to their end, that enable an entity of one router."""
+    def once(*command: object) -> float:
+        start = time.perf_counter()
+        done = subprocess.run([str(word) for word in command], stdout=subprocess.DEVNULL, timeout=LIMIT, check=False)
+        if done.returncode not in (0, 1):  # "enabled already" is an answer, too
+            raise BenchmarkError(f"{command[0]} ended with status {done.returncode}")
+        return (time.perf_counter() - start) * 1000
+
+    def pair() -> tuple[float, float]:
+        return (once(bench.zulctl, "-d", 52, "enable", "router1", "DefaultDomainRoute"),
+                once(bench.programs / "cold_start", "echo", 52))
+
+    with bench.fleet(52, 1):
+        sides = [sorted(side) for side in zip(*(pair() for _ in range(COLD_COMMANDS)))]
+    at = {"median": COLD_COMMANDS // 2, "p95": COLD_COMMANDS * 95 // 100}
+    return {f"cold_command_{name}": [(sides[0][index], sides[1][index])] for name, index in at.items()}
+
+
+def fleet(bench: Bench) -> Samples:
+    """`get` of all routers by name, in one command: milliseconds a router, and peak memory."""
+    def once(domain: int, count: int) -> tuple[float, float]:
+        names = ",".join(f"router{number}" for number in range(1, count + 1))
+        start = time.perf_counter()
+        with open(os.devnull, "wb") as nowhere, \
+             subprocess.Popen([str(bench.zulctl), "-d", str(domain), "get", names], stdout=nowhere) as process:
+            _, status, usage = os.wait4(process.pid, 0)
+            process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            raise BenchmarkError(f"get of {count} routers ended with status {process.returncode}")
+        return (time.perf_counter() - start) * 1000 / count, usage.ru_maxrss
+
+    samples: Samples = {"fleet_get": [], "fleet_memory": []}
+    with bench.fleet(53, FEW_ROUTERS), bench.fleet(54, MANY_ROUTERS):
+        for _ in range(FLEET_ROUNDS):
+            (few, few_memory), (many, many_memory) = once(53, FEW_ROUTERS), once(54, MANY_ROUTERS)
+            samples["fleet_get"].append((many, few))
+            samples["fleet_memory"].append(((many_memory - few_memory) / (MANY_ROUTERS - FEW_ROUTERS), 100))
+    return samples
+
+
+def fleet_list(bench: Bench) -> Samples:
+    first, last = 60, 60 + LIST_DOMAINS - 1
+    samples: Samples = {"fleet_list": []}
+    with contextlib.ExitStack() as stack:
+        for domain in range(first, last + 1):
+            stack.enter_context(bench.fleet(domain, 1))
+        for _ in range(FLEET_ROUNDS):
+            start = time.perf_counter()
+            done = subprocess.run([str(bench.zulctl), "--discovery", str(DISCOVERY_SECONDS), "--json", "list",
+                                   "--domains", f"{first}-{last}"], stdout=subprocess.PIPE, timeout=LIMIT, check=True)
+            samples["fleet_list"].append((time.perf_counter() - start, DISCOVERY_SECONDS + 1))
+            if done.stdout.count(b"\n") != LIST_DOMAINS:
+                raise BenchmarkError(f"list found {done.stdout!r}")
+    return samples
+
+
 def load_64mib(bench: Bench) -> Samples:
     with bench.responder(44):
         samples = bench.rounds_of("load", 44, bench.upload())
@@ -250,7 +330,8 @@ def micro(bench: Bench) -> Samples:
 
 
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
-                                                 get_1000_parts, get_8000_parts, load_64mib]
+                                                 get_1000_parts, get_8000_parts, load_64mib, cold_command, fleet,
+                                                 fleet_list]
 
 
 def print_table(samples: Samples) -> None:
