@@ -79,6 +79,7 @@ private:
     Clock::time_point greet(const Picture& picture, const std::vector<std::string>& names);
     void noteGreetings();
     void gather(Gathering& gathering, const Command& command, const OnResult& onResult);
+    void awaitRoom(Gathering& gathering, const Command& command, const OnResult& onResult);
     void drain(Gathering& gathering, const Command& command, const OnResult& onResult);
     Result toResult(Answer&& answer, const Command& command) const;
     Result unsent(const std::string& name, const Command& command) const;

@@ -123,6 +123,21 @@ Clock::time_point Gathering::deadline() const {
     return earliest;
 }
 
+Clock::time_point Gathering::whenFewerThan(std::size_t count, Clock::duration patience) const {
+    std::vector<Clock::time_point> ends;
+    for (const auto& [invocation, wait] : waits_) {
+        if (!wait.hasEnded) {
+            ends.push_back(wait.last + patience);
+        }
+    }
+    if (ends.size() < count) {
+        return Clock::time_point::min();
+    }
+    const auto last = std::prev(ends.end(), static_cast<std::ptrdiff_t>(count));
+    std::ranges::nth_element(ends, last);
+    return *last;
+}
+
 std::vector<Answer> Gathering::takeEnded() {
     return std::exchange(ended_, {});
 }

@@ -59,6 +59,9 @@ public:
     bool isComplete() const { return open_ == 0; }
     // When `expire` is due.
     Clock::time_point deadline() const;
+    // When fewer than `count` waits, of at least 1, will have been heard of within `patience`, if nothing
+    // comes.
+    Clock::time_point whenFewerThan(std::size_t count, Clock::duration patience) const;
     // The answers that have ended since the last call.
     std::vector<Answer> takeEnded();
 

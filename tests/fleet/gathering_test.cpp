@@ -95,5 +95,18 @@ TEST_F(GatheringTest, WhoHasGoneOrIsInterruptedIsNotWaitedFor) {
     EXPECT_TRUE(gathering.isComplete());
 }
 
+TEST_F(GatheringTest, RoomIsWhenEnoughHaveEndedOrGoneQuiet) {
+    EXPECT_EQ(gathering.whenFewerThan(1, 10ms), Clock::time_point::min());
+    gathering.expect(1, "a", {A}, START);
+    gathering.expect(2, "b", {B}, START + 5ms);
+    EXPECT_EQ(gathering.whenFewerThan(3, 10ms), Clock::time_point::min());
+    EXPECT_EQ(gathering.whenFewerThan(2, 10ms), START + 10ms);
+    EXPECT_EQ(gathering.whenFewerThan(1, 10ms), START + 15ms);
+    come(1, A, OK, "part", false, 9ms);
+    EXPECT_EQ(gathering.whenFewerThan(2, 10ms), START + 15ms);
+    come(2, B, OK, "b", true);
+    EXPECT_EQ(gathering.whenFewerThan(2, 10ms), Clock::time_point::min());
+}
+
 } // namespace
 } // namespace zul::fleet
