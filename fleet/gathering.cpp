@@ -66,6 +66,11 @@ void Gathering::add(const Response& response) {
     if (wait == nullptr || wait->hasEnded) {
         return;
     }
+    if (response.message.size() > MAX_ANSWER - wait->answer.message.size()) {
+        wait->answer.message = "its answer is longer than " + std::to_string(MAX_ANSWER) + " bytes";
+        end(*wait, Status::ERROR);
+        return;
+    }
     wait->answer.message += response.message;
     ++wait->answer.parts;
     wait->last = response.at;

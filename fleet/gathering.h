@@ -16,6 +16,9 @@
 
 namespace zul::fleet {
 
+constexpr std::size_t MAX_ANSWER = 256U
+                                   << 20; // bytes; who sends parts without end is not listened to for ever
+
 // A response as it arrived, whoever it is for.
 struct Response {
     std::int32_t invocation = 0; // of the request; host and application are this participant's

@@ -95,6 +95,15 @@ TEST_F(GatheringTest, WhoHasGoneOrIsInterruptedIsNotWaitedFor) {
     EXPECT_TRUE(gathering.isComplete());
 }
 
+TEST_F(GatheringTest, AnAnswerWithoutEndIsCutOff) {
+    gathering.expect(1, "a", {A}, START);
+    gathering.add({1, A, OK, std::string(MAX_ANSWER, 'x'), false, START});
+    EXPECT_FALSE(gathering.isComplete());
+    come(1, A, OK, "x", false);
+    EXPECT_EQ(ended(gathering), "a1:error:its answer is longer than 268435456 bytes:1:0 ");
+    EXPECT_TRUE(gathering.isComplete());
+}
+
 TEST_F(GatheringTest, RoomIsWhenEnoughHaveEndedOrGoneQuiet) {
     EXPECT_EQ(gathering.whenFewerThan(1, 10ms), Clock::time_point::min());
     gathering.expect(1, "a", {A}, START);
