@@ -46,6 +46,8 @@ constexpr CommandRow COMMANDS[] = {
      .request = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .leastWords = 3, .mostWords = ANY},
     {.name = "dupdate", .help = "disable, update and enable, and show each answer", .words = "ROUTERS [ENTITY] SOURCE",
      .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
+    {.name = "tree", .help = "show the entities of the router's configuration and their state", .words = "ROUTERS",
+     .kind = CommandRow::Kind::TREE},
 };
 // clang-format on
 
@@ -177,10 +179,14 @@ Parsed parseArguments(int argc, const char* const* argv) {
         if (*row.words != '\0') {
             command.add_option("WORDS", raw.words)->group("")->expected(0, static_cast<int>(ANY));
         }
-        if (row.kind == CommandRow::Kind::REQUEST || row.kind == CommandRow::Kind::DUPDATE) {
+        if (std::string_view(row.words).starts_with("ROUTERS")) {
             command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
-        } else {
+        }
+        if (row.kind == CommandRow::Kind::LIST || row.kind == CommandRow::Kind::WHY) {
             command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
+        }
+        if (row.kind == CommandRow::Kind::TREE) {
+            command.add_flag("--dot", arguments.isDot, "one graph of all routers, for Graphviz");
         }
         if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {
             command.add_option("-o,--output", arguments.output, "write to FILE; {router} in it is replaced")

@@ -40,11 +40,12 @@ struct Arguments {
     Source source{};
     std::optional<std::string> output{}; // a file's name; {router} stands for a router's
     std::vector<std::int32_t> domains{}; // of --domains
+    bool isDot = false;
 };
 
 // What a command takes. The words after ROUTERS are named in its syntax.
 struct CommandRow {
-    enum class Kind { LIST, WHY, REQUEST, DUPDATE };
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE };
 
     const char* name;
     const char* help;

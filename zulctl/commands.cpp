@@ -6,6 +6,7 @@
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
+#include "zulctl/tree.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +18,23 @@ using fleet::Domain;
 using fleet::Fleet;
 using fleet::Result;
 using fleet::Status;
+
+void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
+    for (const std::string& router : routers) {
+        // A pattern is no name yet, but what it goes with may be refused already.
+        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
+            throw Failure{EXIT_USAGE, reason};
+        }
+    }
+}
+
+std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
+    std::vector<std::string> names = fleet.find(arguments.routers);
+    if (names.empty()) {
+        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
+    }
+    return names;
+}
 
 namespace {
 
@@ -84,23 +102,6 @@ Command commandOf(const Arguments& arguments) {
         command.url = urlOf(arguments.source);
     }
     return command;
-}
-
-void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
-    for (const std::string& router : routers) {
-        // A pattern is no name yet, but what it goes with may be refused already.
-        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
-            throw Failure{EXIT_USAGE, reason};
-        }
-    }
-}
-
-std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
-    std::vector<std::string> names = fleet.find(arguments.routers);
-    if (names.empty()) {
-        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
-    }
-    return names;
 }
 
 int request(const Arguments& arguments, Session& session, Output& output) {
@@ -241,6 +242,9 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
             break;
         case CommandRow::Kind::DUPDATE:
             status = dupdate(arguments, session, output);
+            break;
+        case CommandRow::Kind::TREE:
+            status = showTrees(arguments, session, output);
             break;
         }
     } catch (const Failure& failure) {
