@@ -4,6 +4,7 @@
 #include "fleet/fleet.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,7 @@ struct Arguments {
 
 // What a command takes. The words after ROUTERS are named in its syntax.
 struct CommandRow {
-    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE };
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, SHELL };
 
     const char* name;
     const char* help;
@@ -58,11 +59,21 @@ struct CommandRow {
     bool hasAssignment = false; // the source may be --set
 };
 
+std::span<const CommandRow> commandRows();
+
 // Either arguments, or the exit status of a program that is done, with what it had to say printed.
 struct Parsed {
     std::optional<Arguments> arguments{};
     int status = EXIT_DONE;
 };
-Parsed parseArguments(int argc, const char* const* argv);
+// What `defaults` say of domain, product, times and JSON holds where the line says nothing.
+Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaults = {});
+
+struct Option {
+    std::string name{};  // "--domain", "-d"
+    std::string value{}; // what it takes, in capitals; empty: nothing
+};
+// Those of the program and, if it is not null, the command.
+std::vector<Option> optionsOf(const CommandRow* command);
 
 } // namespace zul::ctl

@@ -6,6 +6,7 @@
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
+#include "zulctl/shell.h"
 #include "zulctl/tree.h"
 
 #include <algorithm>
@@ -196,7 +197,9 @@ int listRouters(const Arguments& arguments, Session& session, Output& output) {
         std::vector<std::unique_ptr<Domain>> joined;
         std::vector<Domain*> domains;
         for (std::size_t i = first; i < std::min(ids.size(), first + AT_ONCE); ++i) {
-            domains.push_back(joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
+            Domain* known = session.known(ids[i]);
+            domains.push_back(
+                known != nullptr ? known : joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
         }
         output.print(fleet::list(domains, wakeup, arguments.settings), first == 0);
     }
@@ -226,8 +229,16 @@ int explain(const Arguments& arguments, Session& session, Output& output) {
 } // namespace
 
 int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
-    Output output(arguments.isJson);
+    if (arguments.command->kind == CommandRow::Kind::SHELL) {
+        return runShell(arguments, wakeup);
+    }
     Session session(wakeup);
+    return runCommand(arguments, session);
+}
+
+int runCommand(const Arguments& arguments, Session& session) {
+    fleet::Wakeup& wakeup = session.wakeup();
+    Output output(arguments.isJson);
     int status = EXIT_DONE;
     try {
         switch (arguments.command->kind) {
@@ -246,6 +257,8 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
         case CommandRow::Kind::TREE:
             status = showTrees(arguments, session, output);
             break;
+        case CommandRow::Kind::SHELL:
+            throw Failure{EXIT_USAGE, "this is the shell"};
         }
     } catch (const Failure& failure) {
         if (!wakeup.isInterrupted()) {
