@@ -28,6 +28,7 @@ public:
     Domain& operator=(const Domain&) = delete;
 
     std::int32_t id() const { return id_; }
+    Clock::time_point joined() const { return joined_; }
     Discovery& discovery() { return discovery_; }
 
     // The endpoints of others that those of this participant have matched.
@@ -51,6 +52,7 @@ private:
     void receive(const ZUL_RoutingService_Administration_CommandResponse& response, const Guid& writer);
 
     std::int32_t id_;
+    Clock::time_point joined_ = Clock::now();
     Wakeup& wakeup_;
     Discovery discovery_;
     DDS_DomainParticipant* participant_ = nullptr;

@@ -114,14 +114,28 @@ void Fleet::noteGreetings() {
 }
 
 std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
-    const auto deadline = Clock::now() + settings_.discovery;
+    const auto begin = Clock::now();
     const bool hasPatterns = std::ranges::any_of(words, isPattern);
+    const auto isMeant = [&words](const Participant& participant) {
+        return std::ranges::any_of(words, [name = participant.routerName()](const std::string& word) {
+            return matches(word, name);
+        });
+    };
+    const auto isSeen = [](const Picture& now, const std::string& name) {
+        return std::ranges::any_of(now.participants, [&name](const Participant& participant) {
+            return participant.isHere() && participant.routerName() == name;
+        });
+    };
     for (;;) {
         noteGreetings();
         const Picture now = picture();
         const bool isDone = !hasPatterns && std::ranges::all_of(words, [&](const std::string& name) {
             return reach(now, name).isWhole;
         });
+        const bool areSeen = std::ranges::all_of(
+            words, [&](const std::string& word) { return isPattern(word) || isSeen(now, word); });
+        const auto deadline = areSeen ? settled(domain_, now, settings_.discovery, begin, isMeant)
+                                      : begin + settings_.discovery;
         if (isDone || wakeup_.isInterrupted() || now.now >= deadline) {
             break;
         }
@@ -194,38 +208,41 @@ void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& 
     }
 }
 
-void Fleet::gather(Gathering& gathering, const Command& command, const OnResult& onResult) {
+void Fleet::gather(Gathering& gathering, const Command& command, Clock::time_point end,
+                   const OnResult& onResult) {
     for (;;) {
         drain(gathering, command, onResult);
         if (gathering.isComplete()) {
             return;
         }
         loseWhoLeft(domain_, gathering);
-        if (wakeup_.isInterrupted()) {
+        if (wakeup_.isInterrupted() || Clock::now() >= end) {
             gathering.interrupt();
         }
         gathering.expire(Clock::now());
         if (!gathering.isComplete()) {
-            wakeup_.waitUntil(gathering.deadline());
+            wakeup_.waitUntil(std::min(end, gathering.deadline()));
         }
     }
 }
 
-void Fleet::awaitRoom(Gathering& gathering, const Command& command, const OnResult& onResult) {
+void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_point end,
+                      const OnResult& onResult) {
     for (;;) {
         drain(gathering, command, onResult);
         loseWhoLeft(domain_, gathering);
         const auto now = Clock::now();
         gathering.expire(now);
         const auto room = gathering.whenFewerThan(ANSWERING_AT_ONCE, PATIENCE);
-        if (room <= now || wakeup_.isInterrupted()) {
+        if (room <= now || now >= end || wakeup_.isInterrupted()) {
             return;
         }
-        wakeup_.waitUntil(std::min(room, gathering.deadline()));
+        wakeup_.waitUntil(std::min({room, end, gathering.deadline()}));
     }
 }
 
 void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult) {
+    const auto end = Clock::now() + settings_.longest;
     Gathering gathering(settings_.timeout);
     const auto endsWith = [&](const std::string& name, Status status, const char* message) {
         onResult({.router = name,
@@ -235,8 +252,8 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
                   .message = message});
     };
     for (const std::string& name : names) {
-        awaitRoom(gathering, command, onResult);
-        if (wakeup_.isInterrupted()) {
+        awaitRoom(gathering, command, end, onResult);
+        if (wakeup_.isInterrupted() || Clock::now() >= end) {
             endsWith(name, Status::INTERRUPTED, "interrupted; nothing was sent");
             continue;
         }
@@ -263,12 +280,19 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
             break;
         }
     }
-    gather(gathering, command, onResult);
+    gather(gathering, command, end, onResult);
 }
 
 Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
     find({name});
-    const Reach reached = reach(picture(), name);
+    Reach reached = reach(picture(), name);
+    for (const Domain* other : others) { // which may have been joined later
+        const auto deadline = other->joined() + settings_.discovery;
+        while (!reached.isWhole && !wakeup_.isInterrupted() && Clock::now() < deadline) {
+            wakeup_.waitUntil(deadline);
+            reached = reach(picture(), name);
+        }
+    }
     std::optional<std::chrono::milliseconds> took;
     const bool isAsked = !reached.routers.empty() || reached.isNameless;
     if (isAsked) {

@@ -17,6 +17,7 @@ struct Settings {
     Product product = Product::ROUTING;
     Clock::duration timeout = std::chrono::seconds(15);  // for an answer, from its request or its last part
     Clock::duration discovery = std::chrono::seconds(3); // longest look for routers
+    Clock::duration longest = std::chrono::hours(24 * 365); // for all answers, however their parts come
 };
 
 // What became of a command at one router.
@@ -55,8 +56,9 @@ public:
         : domain_(domain), wakeup_(wakeup), settings_(settings) {}
 
     // Looks for routers and returns their names, sorted: the names among the words, there or not, and those
-    // that match a pattern among them. Goes on as soon as all are there and matched both ways; only a pattern
-    // takes the whole time.
+    // that match a pattern among them. Goes on as soon as all are there and matched both ways. A name that
+    // nobody has is looked for the whole time; who matches a pattern, and who is not matched, from when the
+    // domain was joined or the router came.
     std::vector<std::string> find(const std::vector<std::string>& words);
 
     // Sends each router one request, and hands over the results as they come. Who cannot be reached is not
@@ -78,8 +80,10 @@ private:
     Picture picture() const;
     Clock::time_point greet(const Picture& picture, const std::vector<std::string>& names);
     void noteGreetings();
-    void gather(Gathering& gathering, const Command& command, const OnResult& onResult);
-    void awaitRoom(Gathering& gathering, const Command& command, const OnResult& onResult);
+    void gather(Gathering& gathering, const Command& command, Clock::time_point end,
+                const OnResult& onResult);
+    void awaitRoom(Gathering& gathering, const Command& command, Clock::time_point end,
+                   const OnResult& onResult);
     void drain(Gathering& gathering, const Command& command, const OnResult& onResult);
     Result toResult(Answer&& answer, const Command& command) const;
     Result unsent(const std::string& name, const Command& command) const;

@@ -46,6 +46,9 @@ constexpr CommandRow COMMANDS[] = {
      .request = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .leastWords = 3, .mostWords = ANY},
     {.name = "dupdate", .help = "disable, update and enable, and show each answer", .words = "ROUTERS [ENTITY] SOURCE",
      .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
+    {.name = "tree", .help = "show the entities of the router's configuration and their state", .words = "ROUTERS",
+     .kind = CommandRow::Kind::TREE},
+    {.name = "shell", .help = "all of this at a prompt, with the options given as defaults", .words = "", .kind = CommandRow::Kind::SHELL},
 };
 // clang-format on
 
@@ -101,9 +104,9 @@ std::vector<std::int32_t> parseDomains(const std::string& range) {
 
 // What CLI11 stores into, before it is looked at.
 struct Raw {
-    double timeout = 15;
-    double discovery = 3;
-    bool isFederation = false;
+    double timeout;
+    double discovery;
+    bool isFederation;
     bool isVersion = false;
     std::vector<std::string> words{};
     bool isAll = false;
@@ -128,7 +131,7 @@ void assignWords(const Raw& raw, Arguments& arguments) {
     arguments.words = raw.words;
     if (raw.isAll) {
         arguments.routers = {"*"};
-    } else if (row.kind != CommandRow::Kind::LIST) {
+    } else if (*row.words != '\0') {
         if (arguments.words.empty()) {
             throw UsageError{"whom? Name a router, or give --all"};
         }
@@ -148,12 +151,26 @@ std::chrono::nanoseconds nanoseconds(double seconds) {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds));
 }
 
-} // namespace
+double seconds(fleet::Clock::duration span) {
+    return std::chrono::duration<double>(span).count();
+}
 
-Parsed parseArguments(int argc, const char* const* argv) {
-    Arguments arguments;
+// The options and commands, and what they store into.
+struct CommandLine {
+    explicit CommandLine(const Arguments& defaults);
+    CLI::App* add(const CommandRow& row);
+
+    Arguments arguments{};
     Raw raw;
-    CLI::App app("Administers routers on a DDS network.", "zulctl");
+    CLI::App app{"Administers routers on a DDS network.", "zulctl"};
+};
+
+CommandLine::CommandLine(const Arguments& defaults)
+    : raw{.timeout = seconds(defaults.settings.timeout),
+          .discovery = seconds(defaults.settings.discovery),
+          .isFederation = defaults.settings.product == fleet::Product::FEDERATION} {
+    arguments.domain = defaults.domain;
+    arguments.isJson = defaults.isJson;
     app.footer(FOOTER);
     app.formatter(std::make_shared<HelpFormatter>());
     app.require_subcommand(0, 1);
@@ -171,25 +188,70 @@ Parsed parseArguments(int argc, const char* const* argv) {
     app.add_flag("--json", arguments.isJson, "one JSON object a line");
     app.add_flag("--version", raw.isVersion, "show the version and end");
     for (const CommandRow& row : COMMANDS) {
-        CLI::App& command = *app.add_subcommand(row.name, row.help);
-        command.fallthrough();
-        command.callback([&arguments, &row] { arguments.command = &row; });
-        if (*row.words != '\0') {
-            command.add_option("WORDS", raw.words)->group("")->expected(0, static_cast<int>(ANY));
+        add(row);
+    }
+}
+
+CLI::App* CommandLine::add(const CommandRow& row) {
+    CLI::App& command = *app.add_subcommand(row.name, row.help);
+    command.fallthrough();
+    command.callback([this, &row] { arguments.command = &row; });
+    if (*row.words != '\0') {
+        command.add_option("WORDS", raw.words)->group("")->expected(0, static_cast<int>(ANY));
+    }
+    if (std::string_view(row.words).starts_with("ROUTERS")) {
+        command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
+    }
+    if (row.kind == CommandRow::Kind::LIST || row.kind == CommandRow::Kind::WHY) {
+        command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
+    }
+    if (row.kind == CommandRow::Kind::TREE) {
+        command.add_flag("--dot", arguments.isDot, "one graph of all routers, for Graphviz");
+    }
+    if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {
+        command.add_option("-o,--output", arguments.output, "write to FILE; {router} in it is replaced")
+            ->type_name("FILE");
+    }
+    if (row.hasSource) {
+        addSource(command, row, arguments.source);
+    }
+    return &command;
+}
+
+} // namespace
+
+std::span<const CommandRow> commandRows() {
+    return COMMANDS;
+}
+
+std::vector<Option> optionsOf(const CommandRow* command) {
+    CommandLine line({});
+    std::vector<Option> options;
+    const auto note = [&options](const CLI::App& app) {
+        for (const CLI::Option* option : app.get_options()) {
+            const std::string value = option->get_expected_min() > 0 ? option->get_type_name() : "";
+            for (const std::string& name : option->get_lnames()) {
+                options.push_back({"--" + name, value});
+            }
+            for (const std::string& name : option->get_snames()) {
+                options.push_back({"-" + name, value});
+            }
         }
-        if (row.kind == CommandRow::Kind::REQUEST || row.kind == CommandRow::Kind::DUPDATE) {
-            command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
-        } else {
-            command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
-        }
-        if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {
-            command.add_option("-o,--output", arguments.output, "write to FILE; {router} in it is replaced")
-                ->type_name("FILE");
-        }
-        if (row.hasSource) {
-            addSource(command, row, arguments.source);
+    };
+    note(line.app);
+    if (command != nullptr) {
+        const CLI::App* app = line.app.get_subcommand(command->name);
+        note(*app);
+        for (const CLI::App* group : app->get_subcommands({})) { // the options of SOURCE
+            note(*group);
         }
     }
+    return options;
+}
+
+Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaults) {
+    CommandLine line(defaults);
+    auto& [arguments, raw, app] = line;
     try {
         app.parse(argc, argv);
         if (raw.isVersion) {

@@ -4,6 +4,7 @@
 #include "fleet/fleet.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -40,11 +41,12 @@ struct Arguments {
     Source source{};
     std::optional<std::string> output{}; // a file's name; {router} stands for a router's
     std::vector<std::int32_t> domains{}; // of --domains
+    bool isDot = false;
 };
 
 // What a command takes. The words after ROUTERS are named in its syntax.
 struct CommandRow {
-    enum class Kind { LIST, WHY, REQUEST, DUPDATE };
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, SHELL };
 
     const char* name;
     const char* help;
@@ -57,11 +59,21 @@ struct CommandRow {
     bool hasAssignment = false; // the source may be --set
 };
 
+std::span<const CommandRow> commandRows();
+
 // Either arguments, or the exit status of a program that is done, with what it had to say printed.
 struct Parsed {
     std::optional<Arguments> arguments{};
     int status = EXIT_DONE;
 };
-Parsed parseArguments(int argc, const char* const* argv);
+// What `defaults` say of domain, product, times and JSON holds where the line says nothing.
+Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaults = {});
+
+struct Option {
+    std::string name{};  // "--domain", "-d"
+    std::string value{}; // what it takes, in capitals; empty: nothing
+};
+// Those of the program and, if it is not null, the command.
+std::vector<Option> optionsOf(const CommandRow* command);
 
 } // namespace zul::ctl

@@ -6,6 +6,8 @@
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
+#include "zulctl/shell.h"
+#include "zulctl/tree.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +19,23 @@ using fleet::Domain;
 using fleet::Fleet;
 using fleet::Result;
 using fleet::Status;
+
+void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
+    for (const std::string& router : routers) {
+        // A pattern is no name yet, but what it goes with may be refused already.
+        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
+            throw Failure{EXIT_USAGE, reason};
+        }
+    }
+}
+
+std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
+    std::vector<std::string> names = fleet.find(arguments.routers);
+    if (names.empty()) {
+        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
+    }
+    return names;
+}
 
 namespace {
 
@@ -84,23 +103,6 @@ Command commandOf(const Arguments& arguments) {
         command.url = urlOf(arguments.source);
     }
     return command;
-}
-
-void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
-    for (const std::string& router : routers) {
-        // A pattern is no name yet, but what it goes with may be refused already.
-        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
-            throw Failure{EXIT_USAGE, reason};
-        }
-    }
-}
-
-std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
-    std::vector<std::string> names = fleet.find(arguments.routers);
-    if (names.empty()) {
-        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
-    }
-    return names;
 }
 
 int request(const Arguments& arguments, Session& session, Output& output) {
@@ -195,7 +197,9 @@ int listRouters(const Arguments& arguments, Session& session, Output& output) {
         std::vector<std::unique_ptr<Domain>> joined;
         std::vector<Domain*> domains;
         for (std::size_t i = first; i < std::min(ids.size(), first + AT_ONCE); ++i) {
-            domains.push_back(joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
+            Domain* known = session.known(ids[i]);
+            domains.push_back(
+                known != nullptr ? known : joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
         }
         output.print(fleet::list(domains, wakeup, arguments.settings), first == 0);
     }
@@ -225,8 +229,16 @@ int explain(const Arguments& arguments, Session& session, Output& output) {
 } // namespace
 
 int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
-    Output output(arguments.isJson);
+    if (arguments.command->kind == CommandRow::Kind::SHELL) {
+        return runShell(arguments, wakeup);
+    }
     Session session(wakeup);
+    return runCommand(arguments, session);
+}
+
+int runCommand(const Arguments& arguments, Session& session) {
+    fleet::Wakeup& wakeup = session.wakeup();
+    Output output(arguments.isJson);
     int status = EXIT_DONE;
     try {
         switch (arguments.command->kind) {
@@ -242,6 +254,11 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
         case CommandRow::Kind::DUPDATE:
             status = dupdate(arguments, session, output);
             break;
+        case CommandRow::Kind::TREE:
+            status = showTrees(arguments, session, output);
+            break;
+        case CommandRow::Kind::SHELL:
+            throw Failure{EXIT_USAGE, "this is the shell"};
         }
     } catch (const Failure& failure) {
         if (!wakeup.isInterrupted()) {

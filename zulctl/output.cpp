@@ -1,5 +1,4 @@
-// A row is flushed at once, so that a pipe sees it as it comes. Bytes that are
-// no UTF-8 become U+FFFD in JSON.
+// A row is flushed at once, so that a pipe sees it as it comes.
 #include "zulctl/output.h"
 
 #include "middleware/base/terminal_text.h"
@@ -8,23 +7,12 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <system_error>
 
 namespace zul::ctl {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-const char* nameOf(fleet::Status status) {
-    static constexpr const char* NAMES[] = {"ok", "error", "not_found", "no_answer", "interrupted"};
-    return NAMES[static_cast<std::size_t>(status)];
-}
 const char* wordsOf(fleet::Status status) {
     static constexpr const char* WORDS[] = {"", "error: ", "no such entity: ", "no answer: ", ""};
     return WORDS[static_cast<std::size_t>(status)];
@@ -41,14 +29,6 @@ std::string oneLine(std::string_view text) {
         }
     }
     return line;
-}
-
-std::string nameOf(fleet::CommandKind kind) {
-    std::string name = admin::findCommand(kind)->name;
-    std::ranges::transform(name, name.begin(), [](char c) {
-        return c == '_' ? '-' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    });
-    return name;
 }
 
 void Output::write(std::string_view text) {
@@ -82,14 +62,7 @@ void Output::print(const fleet::Result& result, bool isPart) {
                   (result.message.empty() ? "done" : result.message));
         return;
     }
-    writeLine(dump({{"router", result.router},
-                    {"command", nameOf(result.command)},
-                    {"entity", result.entity},
-                    {"status", nameOf(result.status)},
-                    {"message", result.message},
-                    {"parts", result.parts},
-                    {"ms", result.took.count()},
-                    {"guid", result.guid}}));
+    writeLine(jsonRow(result));
 }
 
 void Output::printText(const fleet::Result& result, bool isOneOfSeveral) {
@@ -109,14 +82,7 @@ void Output::printText(const fleet::Result& result, bool isOneOfSeveral) {
 void Output::print(const std::vector<fleet::RouterRow>& rows, bool isFirst) {
     if (isJson_) {
         for (const fleet::RouterRow& row : rows) {
-            writeLine(dump({{"router", row.name},
-                            {"domain", row.domain},
-                            {"product", fleet::nameOf(row.product)},
-                            {"participant", row.participant},
-                            {"host", row.host},
-                            {"guid", row.guid},
-                            {"answers", row.answers},
-                            {"duplicate", row.isDuplicate}}));
+            writeLine(jsonRow(row));
         }
         return;
     }
@@ -151,10 +117,7 @@ void Output::print(const std::vector<fleet::RouterRow>& rows, bool isFirst) {
 
 void Output::print(const std::string& router, const fleet::Cause& cause) {
     if (isJson_) {
-        writeLine(dump({{"router", router},
-                        {"cause", fleet::nameOf(cause.kind)},
-                        {"text", cause.text},
-                        {"evidence", cause.evidence}}));
+        writeLine(jsonRow(router, cause));
         return;
     }
     writeLine(oneLine(router) + ": " + fleet::nameOf(cause.kind) + ": " + oneLine(cause.text));

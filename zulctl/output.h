@@ -2,7 +2,7 @@
 // characters, never made to obey them; JSON is valid whatever the bytes.
 #pragma once
 
-#include "fleet/fleet.h"
+#include "zulctl/json_rows.h"
 
 #include <string>
 #include <string_view>
@@ -14,12 +14,16 @@ class Output {
 public:
     explicit Output(bool isJson) : isJson_(isJson) {}
 
+    bool isJson() const { return isJson_; }
+
     // `isPart`: one of several commands that make up what the user asked for, so its name is shown.
     void print(const fleet::Result& result, bool isPart = false);
     // A configuration: the text alone, after a line with the router's name where there are several.
     void printText(const fleet::Result& result, bool isOneOfSeveral);
     void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
     void print(const std::string& router, const fleet::Cause& cause);
+    // A line that is ready to be shown.
+    void printLine(std::string_view line) { writeLine(line); }
 
     // Standard output could not be written, which standard error was told. A reader that has just gone is no
     // failure, but is written to no more.
@@ -35,7 +39,5 @@ private:
 
 // Text on one line of its own: control characters as \xNN, wherever it goes.
 std::string oneLine(std::string_view text);
-// The name of a command as it is typed.
-std::string nameOf(fleet::CommandKind kind);
 
 } // namespace zul::ctl

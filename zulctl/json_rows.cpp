@@ -1,0 +1,70 @@
+// The members of a row keep the order in which they are written here.
+#include "zulctl/json_rows.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace zul::ctl {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string dump(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+const char* nameOf(fleet::Status status) {
+    static constexpr const char* NAMES[] = {"ok", "error", "not_found", "no_answer", "interrupted"};
+    return NAMES[static_cast<std::size_t>(status)];
+}
+
+} // namespace
+
+std::string nameOf(fleet::CommandKind kind) {
+    std::string name = admin::findCommand(kind)->name;
+    std::ranges::transform(name, name.begin(), [](char c) {
+        return c == '_' ? '-' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    });
+    return name;
+}
+
+std::string jsonRow(const fleet::Result& result) {
+    return dump({{"router", result.router},
+                 {"command", nameOf(result.command)},
+                 {"entity", result.entity},
+                 {"status", nameOf(result.status)},
+                 {"message", result.message},
+                 {"parts", result.parts},
+                 {"ms", result.took.count()},
+                 {"guid", result.guid}});
+}
+
+std::string jsonRow(const fleet::RouterRow& row) {
+    return dump({{"router", row.name},
+                 {"domain", row.domain},
+                 {"product", fleet::nameOf(row.product)},
+                 {"participant", row.participant},
+                 {"host", row.host},
+                 {"guid", row.guid},
+                 {"answers", row.answers},
+                 {"duplicate", row.isDuplicate}});
+}
+
+std::string jsonRow(const std::string& router, const fleet::Cause& cause) {
+    return dump({{"router", router},
+                 {"cause", fleet::nameOf(cause.kind)},
+                 {"text", cause.text},
+                 {"evidence", cause.evidence}});
+}
+
+std::string jsonRow(const EntityRow& row) {
+    return dump({{"router", row.router},
+                 {"guid", row.guid},
+                 {"path", row.path},
+                 {"kind", row.kind},
+                 {"name", row.name},
+                 {"state", row.state}});
+}
+
+} // namespace zul::ctl
