@@ -3,6 +3,7 @@
 #include "zulctl/commands.h"
 
 #include "product/vocabulary.h"
+#include "zulctl/apply.h"
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
@@ -242,9 +243,18 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
         case CommandRow::Kind::DUPDATE:
             status = dupdate(arguments, session, output);
             break;
+        case CommandRow::Kind::DIFF:
+            refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
+            status = diff(arguments, session, output);
+            break;
+        case CommandRow::Kind::APPLY:
+        case CommandRow::Kind::RESTORE:
+            refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
+            status = apply(arguments, session, output);
+            break;
         }
     } catch (const Failure& failure) {
-        if (!wakeup.isInterrupted()) {
+        if (!wakeup.isInterrupted() && !failure.message.empty()) {
             std::fprintf(stderr, "zulctl: %s\n", oneLine(failure.message).c_str());
         }
         status = failure.status;

@@ -1,25 +1,18 @@
-// A row is flushed at once, so that a pipe sees it as it comes. Bytes that are
-// no UTF-8 become U+FFFD in JSON.
+// A row is flushed at once, so that a pipe sees it as it comes.
 #include "zulctl/output.h"
 
 #include "middleware/base/terminal_text.h"
+#include "zulctl/json.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <system_error>
 
 namespace zul::ctl {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 const char* nameOf(fleet::Status status) {
     static constexpr const char* NAMES[] = {"ok", "error", "not_found", "no_answer", "interrupted"};

@@ -3,12 +3,21 @@
 #pragma once
 
 #include "fleet/fleet.h"
+#include "plan/compare/planner.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace zul::ctl {
+
+// How an apply or a restore ended.
+struct ApplyEnd {
+    std::string router;
+    const char* outcome; // of docs/zulctl.schema.json
+    std::string message;
+    std::string backup; // a file; empty when none was written
+};
 
 class Output {
 public:
@@ -20,6 +29,12 @@ public:
     void printText(const fleet::Result& result, bool isOneOfSeveral);
     void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
     void print(const std::string& router, const fleet::Cause& cause);
+    void print(const plan::Difference& difference);
+    // `purpose` is a word of docs/zulctl.schema.json.
+    void print(const std::string& router, const plan::Plan& plan, const char* purpose);
+    void print(const ApplyEnd& end);
+    // For people only.
+    void say(const std::string& sentence);
 
     // Standard output could not be written, which standard error was told. A reader that has just gone is no
     // failure, but is written to no more.
@@ -35,6 +50,8 @@ private:
 
 // Text on one line of its own: control characters as \xNN, wherever it goes.
 std::string oneLine(std::string_view text);
+// The command that a step of a plan is.
+fleet::Command commandOf(const plan::Step& step);
 // The name of a command as it is typed.
 std::string nameOf(fleet::CommandKind kind);
 
