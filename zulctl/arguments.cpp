@@ -48,14 +48,26 @@ constexpr CommandRow COMMANDS[] = {
      .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
     {.name = "tree", .help = "show the entities of the router's configuration and their state", .words = "ROUTERS",
      .kind = CommandRow::Kind::TREE},
+    {.name = "diff", .help = "say what differs between what runs and a file", .words = "ROUTER FILE",
+     .kind = CommandRow::Kind::DIFF, .leastWords = 1, .mostWords = 1},
+    {.name = "apply", .help = "bring a router to what a file says, with a plan, a question and a backup",
+     .words = "ROUTER FILE [--dry-run] [--yes] [--backup FILE]",
+     .kind = CommandRow::Kind::APPLY, .leastWords = 1, .mostWords = 1},
+    {.name = "restore", .help = "bring a router back to a backup", .words = "ROUTER BACKUP [--dry-run] [--yes] [--backup FILE]",
+     .kind = CommandRow::Kind::RESTORE, .leastWords = 1, .mostWords = 1},
     {.name = "shell", .help = "all of this at a prompt, with the options given as defaults", .words = "", .kind = CommandRow::Kind::SHELL},
 };
 // clang-format on
 
 constexpr const char* FOOTER =
     "ROUTERS is a name, names with commas between, a pattern with * and ?, or --all.\n"
-    "Exit status: 0 done; 1 a router refused; 2 usage, or a local file; 3 no such entity;\n"
-    "4 no such router, or no answer; 5 interrupted; 6 the domain cannot be joined.";
+    "Exit status: 0 done; 1 a router refused, or diff found differences; 2 usage, or a local file;\n"
+    "3 no such entity; 4 no such router, or no answer; 5 interrupted; 6 the domain cannot be joined.";
+
+constexpr bool isComparing(const CommandRow& row) {
+    return row.kind == CommandRow::Kind::DIFF || row.kind == CommandRow::Kind::APPLY ||
+           row.kind == CommandRow::Kind::RESTORE;
+}
 
 // The words of a command are shown as they are typed.
 class HelpFormatter final : public CLI::Formatter {
@@ -125,6 +137,18 @@ void addSource(CLI::App& app, const CommandRow& row, Source& source) {
     group->require_option(1);
 }
 
+void addComparing(CLI::App& app, const CommandRow& row, Arguments& arguments) {
+    app.add_option("--configuration", arguments.configuration,
+                   "the one that runs, where the router's document holds several")
+        ->type_name("NAME");
+    if (row.kind != CommandRow::Kind::DIFF) {
+        app.add_flag("--dry-run", arguments.isDryRun, "show the plan and send nothing");
+        app.add_flag("-y,--yes", arguments.isYes, "do not ask");
+        app.add_option("--backup", arguments.backup, "where to keep what ran (default ROUTER.backup.xml)")
+            ->type_name("FILE");
+    }
+}
+
 // Takes ROUTERS off the words and checks how many are left.
 void assignWords(const Raw& raw, Arguments& arguments) {
     const CommandRow& row = *arguments.command;
@@ -135,8 +159,8 @@ void assignWords(const Raw& raw, Arguments& arguments) {
         if (arguments.words.empty()) {
             throw UsageError{"whom? Name a router, or give --all"};
         }
-        arguments.routers = row.kind == CommandRow::Kind::WHY ? std::vector{arguments.words.front()}
-                                                              : split(arguments.words.front());
+        const bool isOne = row.kind == CommandRow::Kind::WHY || isComparing(row);
+        arguments.routers = isOne ? std::vector{arguments.words.front()} : split(arguments.words.front());
         arguments.words.erase(arguments.words.begin());
     }
     if (arguments.words.size() < row.leastWords || arguments.words.size() > row.mostWords) {
@@ -144,6 +168,9 @@ void assignWords(const Raw& raw, Arguments& arguments) {
     }
     if (std::ranges::any_of(arguments.routers, &std::string::empty)) {
         throw UsageError{"a router's name is empty"};
+    }
+    if (isComparing(row) && fleet::isPattern(arguments.routers.front())) {
+        throw UsageError{std::string(row.name) + " is for one router; name it"};
     }
 }
 
@@ -204,6 +231,9 @@ CLI::App* CommandLine::add(const CommandRow& row) {
     }
     if (row.kind == CommandRow::Kind::LIST || row.kind == CommandRow::Kind::WHY) {
         command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
+    }
+    if (isComparing(row)) {
+        addComparing(command, row, arguments);
     }
     if (row.kind == CommandRow::Kind::TREE) {
         command.add_flag("--dot", arguments.isDot, "one graph of all routers, for Graphviz");

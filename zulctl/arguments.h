@@ -39,14 +39,18 @@ struct Arguments {
     std::vector<std::string> routers{}; // names and patterns
     std::vector<std::string> words{};   // what follows them
     Source source{};
-    std::optional<std::string> output{}; // a file's name; {router} stands for a router's
-    std::vector<std::int32_t> domains{}; // of --domains
+    std::optional<std::string> output{};        // a file's name; {router} stands for a router's
+    std::vector<std::int32_t> domains{};        // of --domains
+    std::optional<std::string> configuration{}; // the one that runs
+    std::optional<std::string> backup{};        // a file's name
+    bool isDryRun = false;
+    bool isYes = false;
     bool isDot = false;
 };
 
 // What a command takes. The words after ROUTERS are named in its syntax.
 struct CommandRow {
-    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, SHELL };
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, DIFF, APPLY, RESTORE, SHELL };
 
     const char* name;
     const char* help;

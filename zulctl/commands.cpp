@@ -3,6 +3,7 @@
 #include "zulctl/commands.h"
 
 #include "product/vocabulary.h"
+#include "zulctl/apply.h"
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
@@ -257,11 +258,20 @@ int runCommand(const Arguments& arguments, Session& session) {
         case CommandRow::Kind::TREE:
             status = showTrees(arguments, session, output);
             break;
+        case CommandRow::Kind::DIFF:
+            refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
+            status = diff(arguments, session, output);
+            break;
+        case CommandRow::Kind::APPLY:
+        case CommandRow::Kind::RESTORE:
+            refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
+            status = apply(arguments, session, output);
+            break;
         case CommandRow::Kind::SHELL:
             throw Failure{EXIT_USAGE, "this is the shell"};
         }
     } catch (const Failure& failure) {
-        if (!wakeup.isInterrupted()) {
+        if (!wakeup.isInterrupted() && !failure.message.empty()) {
             std::fprintf(stderr, "zulctl: %s\n", oneLine(failure.message).c_str());
         }
         status = failure.status;

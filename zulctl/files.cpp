@@ -4,9 +4,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 #include <system_error>
+#include <unistd.h>
 
 namespace zul::ctl {
 
@@ -21,6 +23,17 @@ constexpr std::size_t MAX_FILE = 256U << 20; // bytes; more is no configuration
 
 std::string explain(const char* what, const std::string& path) {
     return std::string("cannot ") + what + " " + path + ": " + std::generic_category().message(errno);
+}
+
+bool writeAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = write(descriptor, text.data(), text.size());
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        text.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    return true;
 }
 
 } // namespace
@@ -56,6 +69,31 @@ bool writeFile(const std::string& path, const std::string& text, std::string& er
     }
     error = explain("write", path);
     return false;
+}
+
+// Under another name first, then linked to its own: that fails where there is a file already.
+bool writeOnce(const std::string& path, const std::string& text, std::string& error) {
+    if (access(path.c_str(), F_OK) == 0) {
+        const auto there = readFile(path, error);
+        return there && *there == text;
+    }
+    std::string fresh = path + ".XXXXXX";
+    const int descriptor = mkstemp(fresh.data());
+    if (descriptor < 0) {
+        error = explain("write", path);
+        return false;
+    }
+    bool isWritten = writeAll(descriptor, text) && fsync(descriptor) == 0;
+    isWritten = close(descriptor) == 0 && isWritten;
+    bool isThere = isWritten && link(fresh.c_str(), path.c_str()) == 0;
+    if (isWritten && !isThere && errno == EPERM) { // a file system without links
+        isThere = rename(fresh.c_str(), path.c_str()) == 0;
+    }
+    if (!isThere && errno != EEXIST) {
+        error = explain("write", path);
+    }
+    unlink(fresh.c_str());
+    return isThere;
 }
 
 std::string pathFor(std::string pattern, const std::string& router) {

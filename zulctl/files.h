@@ -10,6 +10,9 @@ namespace zul::ctl {
 std::optional<std::string> readFile(const std::string& path, std::string& error);
 // False, with `error` filled, when it cannot be written whole.
 bool writeFile(const std::string& path, const std::string& text, std::string& error);
+// Writes a file that is not there yet, whole or not at all; one that holds the text already is fine. False
+// without `error` when it holds something else.
+bool writeOnce(const std::string& path, const std::string& text, std::string& error);
 
 constexpr const char* ROUTER_PLACE = "{router}";
 // The path with each {router} replaced by the router's name. What in a name could lead to another folder is

@@ -29,6 +29,14 @@ std::string nameOf(fleet::CommandKind kind) {
     return name;
 }
 
+fleet::CommandKind kindOf(plan::Step::Kind kind) {
+    constexpr fleet::CommandKind KINDS[] = {
+        ZUL_ROUTING_SERVICE_COMMAND_UPDATE,  ZUL_ROUTING_SERVICE_COMMAND_CREATE,
+        ZUL_ROUTING_SERVICE_COMMAND_DELETE,  ZUL_ROUTING_SERVICE_COMMAND_ENABLE,
+        ZUL_ROUTING_SERVICE_COMMAND_DISABLE, ZUL_ROUTING_SERVICE_COMMAND_LOAD};
+    return KINDS[static_cast<std::size_t>(kind)];
+}
+
 std::string jsonRow(const fleet::Result& result) {
     return dump({{"router", result.router},
                  {"command", nameOf(result.command)},
@@ -65,6 +73,28 @@ std::string jsonRow(const EntityRow& row) {
                  {"kind", row.kind},
                  {"name", row.name},
                  {"state", row.state}});
+}
+
+std::string jsonRow(const plan::Difference& difference) {
+    return dump({{"path", difference.path},
+                 {"change", plan::nameOf(difference.change)},
+                 {"from", difference.from},
+                 {"to", difference.to}});
+}
+
+std::string jsonRow(const ApplyEnd& end) {
+    return dump(
+        {{"router", end.router}, {"outcome", end.outcome}, {"message", end.message}, {"backup", end.backup}});
+}
+
+std::string jsonRow(const std::string& router, const plan::Step& step, const char* purpose,
+                    std::size_t number) {
+    return dump({{"plan", purpose},
+                 {"step", number},
+                 {"router", router},
+                 {"command", nameOf(kindOf(step.kind))},
+                 {"entity", step.entity},
+                 {"xml", step.xml}});
 }
 
 } // namespace zul::ctl

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fleet/fleet.h"
+#include "plan/compare/planner.h"
 
 #include <string>
 
@@ -18,13 +19,28 @@ struct EntityRow {
     const char* state = ""; // "enabled", "disabled", "unknown"
 };
 
+// How an apply or a restore ended.
+struct ApplyEnd {
+    std::string router;
+    const char* outcome; // of docs/zulctl.schema.json
+    std::string message;
+    std::string backup; // a file; empty when none was written
+};
+
 // Without a line feed. Bytes that are no UTF-8 become U+FFFD.
 std::string jsonRow(const fleet::Result& result);
 std::string jsonRow(const fleet::RouterRow& row);
 std::string jsonRow(const std::string& router, const fleet::Cause& cause);
 std::string jsonRow(const EntityRow& row);
+std::string jsonRow(const plan::Difference& difference);
+std::string jsonRow(const ApplyEnd& end);
+// A step of a plan: `purpose` is a word of the schema, `number` counts from 1.
+std::string jsonRow(const std::string& router, const plan::Step& step, const char* purpose,
+                    std::size_t number);
 
 // The name of a command as it is typed.
 std::string nameOf(fleet::CommandKind kind);
+// The command that a step of a plan is.
+fleet::CommandKind kindOf(plan::Step::Kind kind);
 
 } // namespace zul::ctl

@@ -24,6 +24,12 @@ public:
     void print(const std::string& router, const fleet::Cause& cause);
     // A line that is ready to be shown.
     void printLine(std::string_view line) { writeLine(line); }
+    void print(const plan::Difference& difference);
+    // `purpose` is a word of docs/zulctl.schema.json.
+    void print(const std::string& router, const plan::Plan& plan, const char* purpose);
+    void print(const ApplyEnd& end);
+    // For people only.
+    void say(const std::string& sentence);
 
     // Standard output could not be written, which standard error was told. A reader that has just gone is no
     // failure, but is written to no more.
@@ -39,5 +45,7 @@ private:
 
 // Text on one line of its own: control characters as \xNN, wherever it goes.
 std::string oneLine(std::string_view text);
+// What a step of a plan sends.
+fleet::Command commandOf(const plan::Step& step);
 
 } // namespace zul::ctl

@@ -1,0 +1,271 @@
+// apply and restore: plan, ask, back up, send, read back. What runs before anything is sent is kept as text;
+// a way back is planned from what runs then to that text, so it does not matter how far the commands got.
+#include "zulctl/apply.h"
+
+#include "plan/compare/planner.h"
+#include "plan/document/document.h"
+#include "plan/document/text.h"
+#include "zulctl/files.h"
+#include "zulctl/one_router.h"
+#include "zulctl/question.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace zul::ctl {
+
+using fleet::Result;
+using fleet::Status;
+
+namespace {
+
+constexpr const char* NOT_A_TERMINAL = "standard input is no terminal, so nobody can be asked; give --yes to "
+                                       "send the plan, or --dry-run to see it";
+
+// A word as a POSIX shell reads it.
+std::string asWord(const std::string& word) {
+    constexpr const char* PLAIN = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./";
+    if (!word.empty() && word.front() != '-' && word.find_first_not_of(PLAIN) == std::string::npos) {
+        return word;
+    }
+    std::string quoted = "'";
+    for (const char c : word) {
+        quoted += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+class Apply {
+public:
+    Apply(const Arguments& arguments, Session& session, Output& output)
+        : arguments_(arguments),
+          session_(session),
+          output_(output),
+          isRestore_(arguments.command->kind == CommandRow::Kind::RESTORE),
+          wanted_(arguments.words.front()) {
+        refuseBad(wanted_.document.get());
+    }
+    int run();
+
+private:
+    void refuseBad(const xmlDoc* document) const;
+    plan::Plan makePlan();
+    void refuseLongNames(const plan::Plan& plan) const;
+    void ask(std::size_t commands);
+    void backUp();
+    bool sendAll(const plan::Plan& plan, Outcome& outcome);
+    void putBack(const std::string& why, Outcome& outcome);
+    std::string wayBack();
+    std::string restoreCommand() const;
+    std::vector<plan::Difference> readBack(const xmlDoc* expected);
+    void end(const char* outcome, const std::string& message) {
+        output_.print(ApplyEnd{router_->name(), outcome, message, backup_});
+    }
+
+    const Arguments& arguments_;
+    Session& session_;
+    Output& output_;
+    bool isRestore_;
+    LocalDocument wanted_;
+    std::optional<OneRouter> router_;
+    std::string before_; // what ran
+    plan::XmlDocument running_;
+    std::string configuration_;
+    std::string backup_; // name of the file, once it is written
+    std::string failure_;
+};
+
+void Apply::refuseBad(const xmlDoc* document) const {
+    try {
+        plan::checkDocument(document, {});
+    } catch (const plan::Refusal& refusal) {
+        throw Failure{EXIT_USAGE, arguments_.words.front() + ": " + refusal.why};
+    }
+}
+
+// A backup may hold less than what runs, so going back to it may take a load.
+plan::Plan Apply::makePlan() {
+    try {
+        std::string whyLoad;
+        plan::Plan plan = isRestore_ ? plan::makeWayBack(running_.get(), wanted_.document.get(),
+                                                         configuration_, wanted_.text, &whyLoad)
+                                     : plan::makePlan(running_.get(), wanted_.document.get(), configuration_);
+        if (!whyLoad.empty()) {
+            output_.say(whyLoad);
+        }
+        return plan;
+    } catch (const plan::Refusal& refusal) {
+        throw Failure{EXIT_USAGE, router_->name() + ": " + refusal.why};
+    }
+}
+
+void Apply::refuseLongNames(const plan::Plan& plan) const {
+    for (const plan::Step& step : plan) {
+        if (const char* reason = fleet::refusal(commandOf(step), router_->name())) {
+            throw Failure{EXIT_USAGE, std::string(reason) + ": " + plan::shortened(step.entity)};
+        }
+    }
+}
+
+// While the operator thinks, others may change what runs.
+void Apply::ask(std::size_t commands) {
+    const std::string question = "Send " + std::to_string(commands) +
+                                 (commands == 1 ? " command to " : " commands to ") + router_->name() +
+                                 "? [y/N] ";
+    if (!isYes(oneLine(question), session_.wakeup())) {
+        end("declined", "nothing was sent");
+        throw Failure{EXIT_INTERRUPTED, ""};
+    }
+    if (router_->get() != before_) {
+        throw Failure{EXIT_REFUSED,
+                      router_->name() + " runs something else by now; nothing was sent, look again"};
+    }
+}
+
+void Apply::backUp() {
+    std::string error;
+    std::string path = arguments_.backup.value_or(pathFor("{router}.backup.xml", router_->name()));
+    bool isWritten = writeOnce(path, before_, error);
+    for (int number = 2; !isWritten && error.empty() && !arguments_.backup; ++number) {
+        path = pathFor("{router}.backup-" + std::to_string(number) + ".xml", router_->name());
+        isWritten = writeOnce(path, before_, error);
+    }
+    if (!isWritten) {
+        throw Failure{EXIT_USAGE,
+                      (error.empty() ? path + " is there and holds something else; it is not overwritten, "
+                                              "give --backup another name"
+                                     : error) +
+                          "; nothing was sent"};
+    }
+    backup_ = path;
+    output_.say("what ran is kept in " + path);
+}
+
+// Shows each answer. False when one is not what it should be, with the words for it in failure_.
+bool Apply::sendAll(const plan::Plan& plan, Outcome& outcome) {
+    for (const plan::Step& step : plan) {
+        const fleet::Command command = commandOf(step);
+        try {
+            const Result result = router_->send(command);
+            outcome.add(result.status);
+            output_.print(result, true);
+            if (result.status == Status::OK) {
+                continue;
+            }
+            failure_ = nameOf(command.kind) + " of " + (step.entity.empty() ? "the router" : step.entity) +
+                       (result.status == Status::INTERRUPTED ? " was interrupted"
+                        : result.status == Status::NO_ANSWER ? " was not answered"
+                                                             : " was refused");
+        } catch (const Failure& failure) {
+            outcome.add(failure.status);
+            failure_ = failure.message;
+        }
+        return false;
+    }
+    return true;
+}
+
+std::vector<plan::Difference> Apply::readBack(const xmlDoc* expected) {
+    const plan::XmlDocument now =
+        parseDocument(router_->get(), "the document of " + router_->name(), EXIT_REFUSED);
+    const auto there = plan::configurationsOf(now.get());
+    return std::find(there.begin(), there.end(), configuration_) == there.end()
+               ? std::vector{plan::Difference{"/", plan::Change::REMOVED, configuration_, ""}}
+               : plan::compare(now.get(), expected, configuration_);
+}
+
+// Empty when what ran runs again, else why not.
+std::string Apply::wayBack() {
+    const plan::XmlDocument now =
+        parseDocument(router_->get(), "the document of " + router_->name(), EXIT_REFUSED);
+    const auto there = plan::configurationsOf(now.get());
+    std::string whyLoad;
+    const plan::Plan plan =
+        std::find(there.begin(), there.end(), configuration_) == there.end()
+            ? plan::Plan{{plan::Step::Kind::LOAD, configuration_, before_}}
+            : plan::makeWayBack(now.get(), running_.get(), configuration_, before_, &whyLoad);
+    output_.print(router_->name(), plan, "put_back");
+    Outcome ignored;
+    if (!sendAll(plan, ignored)) {
+        return failure_;
+    }
+    const auto left = readBack(running_.get());
+    return left.empty() ? "" : "it differs in " + left.front().path;
+}
+
+std::string Apply::restoreCommand() const {
+    return "zulctl -d " + std::to_string(arguments_.domain) +
+           (arguments_.settings.product == fleet::Product::FEDERATION ? " --federation" : "") + " restore " +
+           asWord(router_->name()) + " " + asWord(backup_);
+}
+
+// An interrupt that brought us here is taken back for the time, so that the way back can be waited for; a
+// second one ends that, too.
+void Apply::putBack(const std::string& why, Outcome& outcome) {
+    const bool wasInterrupted = session_.wakeup().takeInterrupt();
+    output_.say(router_->name() + ": " + why + "; putting back what ran");
+    std::string failure;
+    try {
+        failure = wayBack();
+    } catch (const Failure& thrown) {
+        failure = thrown.message;
+        outcome.add(thrown.status == EXIT_INTERRUPTED ? EXIT_INTERRUPTED : EXIT_DONE);
+    }
+    if (failure.empty()) {
+        end("put_back", why + "; what ran before runs again");
+    } else {
+        end("not_put_back",
+            why + "; putting back failed: " + failure +
+                "; what it runs now is not known. To bring back what ran: " + restoreCommand());
+    }
+    if (wasInterrupted) {
+        session_.wakeup().interrupt();
+    }
+}
+
+int Apply::run() {
+    router_.emplace(arguments_, session_, true);
+    before_ = router_->get();
+    running_ = parseDocument(before_, "the document of " + router_->name(), EXIT_REFUSED);
+    configuration_ =
+        configurationToCompare(arguments_, router_->name(), running_.get(), wanted_.document.get());
+    const plan::Plan plan = makePlan();
+    refuseLongNames(plan);
+    if (plan.empty()) {
+        end("unchanged", "runs what " + arguments_.words.front() + " says; nothing is to be sent");
+        return EXIT_DONE;
+    }
+    output_.print(router_->name(), plan, isRestore_ ? "restore" : "apply");
+    if (arguments_.isDryRun) {
+        end("planned", "nothing was sent");
+        return EXIT_DONE;
+    }
+    if (!arguments_.isYes) {
+        ask(plan.size());
+    }
+    backUp();
+    Outcome outcome;
+    if (!sendAll(plan, outcome)) {
+        putBack(failure_, outcome);
+        return outcome.status();
+    }
+    const auto left = readBack(wanted_.document.get());
+    if (!left.empty()) {
+        end("differs", "every command was done, and yet it differs from " + arguments_.words.front() +
+                           " in " + left.front().path);
+        return EXIT_REFUSED;
+    }
+    end("applied", "runs what " + arguments_.words.front() + " says");
+    return EXIT_DONE;
+}
+
+} // namespace
+
+int apply(const Arguments& arguments, Session& session, Output& output) {
+    if (!arguments.isYes && !arguments.isDryRun && isatty(STDIN_FILENO) == 0) {
+        throw Failure{EXIT_USAGE, NOT_A_TERMINAL};
+    }
+    return Apply(arguments, session, output).run();
+}
+
+} // namespace zul::ctl
