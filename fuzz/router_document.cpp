@@ -30,20 +30,17 @@ xmlDtd* parseDtd() {
         XML_CHAR_ENCODING_NONE);
 }
 
-void checkRules(const xmlNode* element) {
-    Definition::ofProduct().check(element);
+bool followsRules(const xmlNode* element) {
+    const Definition::Rule* rule = Definition::ofProduct().find(tagOf(element));
+    bool follows = rule != nullptr;
+    if (follows) {
+        Definition::check(*rule, element,
+                          [&follows](const xmlNode*, const std::string&) { follows = false; });
+    }
     for (const xmlNode* child : elementsIn(element)) {
-        checkRules(child);
+        follows = followsRules(child) && follows;
     }
-}
-
-bool followsRules(const xmlNode* root) {
-    try {
-        checkRules(root);
-    } catch (const Refusal&) {
-        return false;
-    }
-    return true;
+    return follows;
 }
 
 void compareWithLibrary(std::string_view bytes) {

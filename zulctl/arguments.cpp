@@ -46,12 +46,15 @@ constexpr CommandRow COMMANDS[] = {
      .request = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .leastWords = 3, .mostWords = ANY},
     {.name = "dupdate", .help = "disable, update and enable, and show each answer", .words = "ROUTERS [ENTITY] SOURCE",
      .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
+    {.name = "check", .help = "say what is wrong with configuration documents, without any router", .words = "FILE...",
+     .kind = CommandRow::Kind::CHECK, .leastWords = 1, .mostWords = ANY},
 };
 // clang-format on
 
 constexpr const char* FOOTER =
     "ROUTERS is a name, names with commas between, a pattern with * and ?, or --all.\n"
-    "Exit status: 0 done; 1 a router refused; 2 usage, or a local file; 3 no such entity;\n"
+    "Exit status: 0 done; 1 a router refused, or check found faults; 2 usage, or a local file; 3 no such "
+    "entity;\n"
     "4 no such router, or no answer; 5 interrupted; 6 the domain cannot be joined.";
 
 // The words of a command are shown as they are typed.
@@ -128,7 +131,7 @@ void assignWords(const Raw& raw, Arguments& arguments) {
     arguments.words = raw.words;
     if (raw.isAll) {
         arguments.routers = {"*"};
-    } else if (row.kind != CommandRow::Kind::LIST) {
+    } else if (row.kind != CommandRow::Kind::LIST && row.kind != CommandRow::Kind::CHECK) {
         if (arguments.words.empty()) {
             throw UsageError{"whom? Name a router, or give --all"};
         }
@@ -179,7 +182,7 @@ Parsed parseArguments(int argc, const char* const* argv) {
         }
         if (row.kind == CommandRow::Kind::REQUEST || row.kind == CommandRow::Kind::DUPDATE) {
             command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
-        } else {
+        } else if (row.kind != CommandRow::Kind::CHECK) {
             command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
         }
         if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {

@@ -3,6 +3,7 @@
 #include "zulctl/commands.h"
 
 #include "product/vocabulary.h"
+#include "zulctl/check.h"
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
@@ -241,6 +242,9 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
             break;
         case CommandRow::Kind::DUPDATE:
             status = dupdate(arguments, session, output);
+            break;
+        case CommandRow::Kind::CHECK:
+            status = checkFiles(arguments, wakeup, output);
             break;
         }
     } catch (const Failure& failure) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fleet/fleet.h"
+#include "plan/check/check.h"
 
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ public:
     void printText(const fleet::Result& result, bool isOneOfSeveral);
     void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
     void print(const std::string& router, const fleet::Cause& cause);
+    void print(const std::string& file, const plan::Finding& finding);
 
     // Standard output could not be written, which standard error was told. A reader that has just gone is no
     // failure, but is written to no more.

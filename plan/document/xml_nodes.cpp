@@ -22,6 +22,14 @@ xmlNode* elementFrom(xmlNode* node) {
 
 } // namespace
 
+std::string valueOf(const xmlAttr* attribute) {
+    const xmlNode* only = attribute->children;
+    return only == nullptr ? ""
+           : only->next == nullptr && only->type == XML_TEXT_NODE
+               ? std::string(toView(only->content))
+               : toString(xmlNodeListGetString(attribute->doc, only, 1));
+}
+
 std::string attributeOf(const xmlNode* node, const char* name) {
     return toString(xmlGetNoNsProp(node, toXml(name)));
 }
@@ -29,10 +37,6 @@ std::string attributeOf(const xmlNode* node, const char* name) {
 std::string describe(const xmlNode* node) {
     const std::string name = nameOf(node);
     return shortened(tagOf(node)) + (name.empty() ? "" : " " + quoted(name));
-}
-
-void refuseAt(const xmlNode* element, const std::string& what) {
-    throw Refusal{"line " + std::to_string(lineOf(element)) + ": " + what};
 }
 
 std::string textOf(const xmlNode* node) {
