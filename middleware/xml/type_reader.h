@@ -68,7 +68,9 @@ private:
     };
     struct Discriminator {
         const DDS_TypeCode* underlying;
-        const TypeWord* word; // its range; null for an enum
+        const TypeWord* word;                                   // its range; null for an enum
+        std::map<std::string_view, std::int32_t> enumerators{}; // of an enum
+        std::set<std::int32_t> values{};                        // of them
         std::set<std::int32_t> labels{};
         bool hasDefault = false;
     };

@@ -18,6 +18,7 @@ namespace zul::plan {
 namespace {
 
 constexpr std::string_view ROOT_TAG = "dds";
+const std::string NO_PATH;
 constexpr std::size_t MAX_PARAMETERS = 100; // of a content filter
 
 // What there is to check of the elements with one tag.
@@ -31,8 +32,9 @@ struct Rules {
 
 class Check {
 public:
-    Check(const xmlDoc* document, const std::string& path, std::stop_token stop)
-        : root_(xmlDocGetRootElement(document)), path_(path), stop_(std::move(stop)) {}
+    // With `keepsFirst`, no finding but the first one is kept.
+    Check(const xmlDoc* document, const std::string& path, const std::stop_token& stop, bool keepsFirst)
+        : root_(xmlDocGetRootElement(document)), path_(path), stop_(stop), keepsFirst_(keepsFirst) {}
 
     std::vector<Finding> run();
 
@@ -43,7 +45,8 @@ private:
         std::string path;
     };
 
-    void add(const xmlNode* at, std::string what);
+    void add(int line, std::string what);
+    void addAt(const xmlNode* at, std::string what);
     const Rules& rulesOf(const xmlNode* element);
     void checkElement(const xmlNode* element, const Rules& rules, Names& siblings);
     void checkName(const xmlNode* entity, Names& siblings);
@@ -54,10 +57,11 @@ private:
 
     const xmlNode* root_;
     const std::string& path_;
-    const std::stop_token stop_;
+    const std::stop_token& stop_;
+    const bool keepsFirst_;
     const Definition& definition_ = Definition::ofProduct();
     const Report report_ = [this](const xmlNode* at, std::string what) {
-        add(at, std::move(what));
+        addAt(at, std::move(what));
     };
     std::optional<References> references_;
     // The name of a tag is in memory once for all its elements, as a rule.
@@ -70,7 +74,7 @@ private:
 
 std::vector<Finding> Check::run() {
     if (tagOf(root_) != ROOT_TAG) {
-        add(root_, "the root element is " + describe(root_) + "; it must be dds");
+        addAt(root_, "the root element is " + describe(root_) + "; it must be dds");
         return std::move(findings_);
     }
     references_.emplace(root_);
@@ -82,8 +86,18 @@ std::vector<Finding> Check::run() {
     return std::move(findings_);
 }
 
-void Check::add(const xmlNode* at, std::string what) {
-    findings_.push_back({lineOf(at), std::move(what)});
+void Check::add(int line, std::string what) {
+    if (keepsFirst_ && !findings_.empty()) {
+        if (findings_.front().line <= line) {
+            return;
+        }
+        findings_.clear();
+    }
+    findings_.push_back({line, std::move(what)});
+}
+
+void Check::addAt(const xmlNode* at, std::string what) {
+    add(lineOf(at), std::move(what));
     // The definition that it is in, if it is in one.
     for (const xmlNode* element = at; element != root_ && element->parent != nullptr;
          element = element->parent) {
@@ -115,8 +129,9 @@ void Check::checkElement(const xmlNode* element, const Rules& rules, Names& sibl
     if (stop_.stop_requested()) {
         throw Refusal{STOPPED};
     }
-    if (rules.rule == nullptr) {
-        return; // told with the element around it
+    const bool isKnown = keepsFirst_ && !findings_.empty() && lineOf(element) >= findings_.front().line;
+    if (isKnown || rules.rule == nullptr) {
+        return; // nothing before the first; told with the element around it
     }
     Definition::check(*rules.rule, element, report_);
     if (rules.level) {
@@ -156,9 +171,9 @@ void Check::checkName(const xmlNode* entity, Names& siblings) {
         return; // told as a missing attribute
     }
     if (!isName(name)) {
-        add(entity, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
+        addAt(entity, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
     } else if (!siblings.insert(name).second) {
-        add(entity, what + " is taken by an element beside it; choose another");
+        addAt(entity, what + " is taken by an element beside it; choose another");
     }
 }
 
@@ -168,12 +183,12 @@ void Check::checkField(const Field& field, const xmlNode* element) {
         return;
     }
     const std::string own = std::string(tagOf(element)) + " of " + describe(element->parent);
-    add(element,
-        "the " + own +
-            (field.form == Form::ELEMENTS || field.form == Form::PAIR || firstChild(element) != nullptr
-                 ? " is not made up as it should be"
-                 : " is " + quoted(textOf(element))) +
-            "; expected " + expected);
+    addAt(element,
+          "the " + own +
+              (field.form == Form::ELEMENTS || field.form == Form::PAIR || firstChild(element) != nullptr
+                   ? " is not made up as it should be"
+                   : " is " + quoted(textOf(element))) +
+              "; expected " + expected);
 }
 
 void Check::checkAttribute(const Field& field, const xmlNode* element) {
@@ -196,8 +211,8 @@ void Check::checkAttribute(const Field& field, const xmlNode* element) {
                        : "the path Library::Plugin of a transformation_plugin in the document";
     }
     if (!expected.empty()) {
-        add(element, "the attribute " + attribute + " of " + describe(element) + " is " + quoted(value) +
-                         "; expected " + expected);
+        addAt(element, "the attribute " + attribute + " of " + describe(element) + " is " + quoted(value) +
+                           "; expected " + expected);
     }
 }
 
@@ -211,15 +226,16 @@ void Check::checkOthers(const xmlNode* element) {
             hasPath = hasPath || tagOf(child) == "save_path";
         }
         if (saves != nullptr && !hasPath && textOf(saves) == "true") {
-            add(saves, "save_on_update is true and the administration has no save_path; expected one");
+            addAt(saves, "save_on_update is true and the administration has no save_path; expected one");
         }
     } else if (tagOf(element) == "content_filter") {
         std::size_t parameters = 0;
         for (const xmlNode* child : elementsIn(element)) {
             parameters += tagOf(child) == "parameter" ? 1 : 0;
             if (parameters > MAX_PARAMETERS) {
-                add(child, "this is parameter " + std::to_string(parameters) +
-                               " of the content_filter; expected at most " + std::to_string(MAX_PARAMETERS));
+                addAt(child, "this is parameter " + std::to_string(parameters) +
+                                 " of the content_filter; expected at most " +
+                                 std::to_string(MAX_PARAMETERS));
                 return;
             }
         }
@@ -228,14 +244,13 @@ void Check::checkOthers(const xmlNode* element) {
 
 void Check::checkTypeSections() {
     const IsType isType =
-        checkTypes(root_, path_, faultyTypes_, stop_, [this](int line, const std::string& what) {
-            findings_.push_back({line, shortened(what, MAX_FAILURE)});
-        });
+        checkTypes(root_, path_, faultyTypes_, stop_,
+                   [this](int line, const std::string& what) { add(line, shortened(what, MAX_FAILURE)); });
     for (const TypeReference& reference : typeReferences_) {
         if (!isType(reference.path)) {
-            add(reference.element, "the attribute type_ref of " + describe(reference.element) + " is " +
-                                       quoted(reference.path) +
-                                       "; expected the path Module::Type of a type in the document");
+            addAt(reference.element, "the attribute type_ref of " + describe(reference.element) + " is " +
+                                         quoted(reference.path) +
+                                         "; expected the path Module::Type of a type in the document");
         }
     }
 }
@@ -248,7 +263,7 @@ void refuse(const Finding& finding) {
 
 std::vector<Finding> findFaults(const xmlDoc* document, const std::string& path,
                                 const std::stop_token& stop) {
-    return Check(document, path, stop).run();
+    return Check(document, path, stop, false).run();
 }
 
 std::vector<Finding> findFaults(std::string_view xml, const std::string& path, const std::stop_token& stop) {
@@ -262,7 +277,7 @@ std::vector<Finding> findFaults(std::string_view xml, const std::string& path, c
 }
 
 void checkDocument(const xmlDoc* document, const std::stop_token& stop) {
-    const std::vector<Finding> findings = findFaults(document, "", stop);
+    const std::vector<Finding> findings = Check(document, NO_PATH, stop, true).run();
     if (!findings.empty()) {
         refuse(findings.front());
     }

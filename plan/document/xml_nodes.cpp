@@ -34,9 +34,11 @@ std::string attributeOf(const xmlNode* node, const char* name) {
     return toString(xmlGetNoNsProp(node, toXml(name)));
 }
 
+// A name may be long, and be described for each of many children: it is not copied.
 std::string describe(const xmlNode* node) {
-    const std::string name = nameOf(node);
-    return shortened(tagOf(node)) + (name.empty() ? "" : " " + quoted(name));
+    const xmlAttr* name = xmlHasProp(node, toXml("name"));
+    const xmlNode* text = name != nullptr ? name->children : nullptr;
+    return shortened(tagOf(node)) + (text != nullptr ? " " + quoted(toView(text->content)) : "");
 }
 
 std::string textOf(const xmlNode* node) {

@@ -5,10 +5,7 @@
 #include "product/product_info.h"
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
@@ -66,6 +63,24 @@ std::string inWords(const std::vector<Finding>& findings) {
 }
 std::vector<Finding> faultsOf(const std::string& xml) {
     return findFaults(xml, "", {});
+}
+// What a router would answer, with a line feed; empty when it would take the document.
+std::string refusalOf(const std::string& xml) {
+    try {
+        readDocument(xml, {});
+        return "";
+    } catch (const Refusal& refusal) {
+        return refusal.why + "\n";
+    }
+}
+
+std::string typedefs(int count, const std::string& attributes, const std::string& first = "type='byte'") {
+    std::string text = "<typedef name='T0' " + first + "/>";
+    for (int i = 1; i <= count; ++i) {
+        text += "<typedef name='T" + std::to_string(i) + "' type='nonBasic' nonBasicTypeName='T" +
+                std::to_string(i - 1) + "' " + attributes + "/>";
+    }
+    return text;
 }
 
 // clang-format off
@@ -162,6 +177,9 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         {{.head = types("<struct name='A' x=''><member name='m' type='byte'/></struct><typedef name='T' type='nonBasic' nonBasicTypeName='A'/>")}, 2,
          "struct \"A\" has no attribute x"},
         {{.head = types("<forward_dcl name='A' kind='struct'/><typedef name='T' type='nonBasic' nonBasicTypeName='A'/>")}, 2, "announced but never defined"},
+        {{.head = types(typedefs(300, ""))}, 2, "types stand more than 256 levels inside each other"},
+        {{.head = types("<forward_dcl name='S' kind='struct'/>" + typedefs(300, "sequenceMaxLength='1'", "type='nonBasic' nonBasicTypeName='S'") +
+                        "<struct name='S'><member name='m' type='nonBasic' nonBasicTypeName='T300'/></struct>")}, 2, "more than 256 levels"},
         {{.head = types("<module name='" + std::string(255, 'm') + "'/>")}, 2, "expected 1 to 254 letters"},
     };
     for (const auto& row : rows) {
@@ -219,4 +237,41 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
               "7: the creation_mode of output is \"\"; expected IMMEDIATE, ON_WRITER, ON_READER, ON_EITHER or ON_BOTH\n");
 }
 // clang-format on
+
+// With the square of their number in any step, each of these would take minutes.
+TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
+    constexpr int MANY = 100000;
+    std::string circle, wide, routes, labels;
+    for (int i = 0; i < MANY; ++i) {
+        const std::string number = std::to_string(i);
+        circle +=
+            "<qos_profile name='p" + number + "' base_name='L::p" + std::to_string((i + 1) % MANY) + "'/>";
+        wide += "<x/>";
+        routes +=
+            i % 2 != 0 ? "" : "<topic_route name='r" + number + "'>" + INPUT + "<output/></topic_route>";
+        labels +=
+            i % 2 != 0 ? "" : "<case><caseDiscriminator value='0'/><member name='m' type='byte'/></case>";
+    }
+    const std::string union_ = "<union name='U'><discriminator type='nonBasic' nonBasicTypeName='E'/>";
+    const std::pair<std::string, std::size_t> rows[] = {
+        {documentOf({.head = "<qos_library name='L'>" + circle + "</qos_library>"}), 1},
+        {documentOf({.head = wide}), MANY},
+        {documentOf({.routes = routes}), 0},
+        {documentOf(
+             {.head = types("<enum name='E'><enumerator name='A'/></enum>" + union_ + labels + "</union>")}),
+         1},
+    };
+    for (const auto& [xml, count] : rows) {
+        const auto begin = std::chrono::steady_clock::now();
+        const std::vector<Finding> findings = faultsOf(xml);
+        EXPECT_EQ(findings.size(), count);
+        EXPECT_EQ(refusalOf(xml), findings.empty() ? "" : "line " + inWords({findings.front()}));
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    }
+    std::stop_source ending;
+    const XmlDocument document = parseXml(rows[2].first, {});
+    ending.request_stop();
+    EXPECT_THROW(findFaults(document.get(), "", ending.get_token()), Refusal);
+}
+
 } // namespace

@@ -54,7 +54,8 @@ class Check(ControlTest):
         self.assertNotIn("\u009b", out)
 
     def test_json_has_all_findings_in_order(self):
-        bad = self.file("b\x1b.xml", "<dds>\n<qos_library name='\u009b'/>\n<types><include file='none.xml'/><struct name='\n'/></types></dds>")
+        bad = self.file("b\x1b.xml", "<dds>\n<qos_library name='\u009b'/>\n<types><include file='none.xml'/><struct name='\n'/>"
+                                  "<typedef name='U' type='nonBasic' nonBasicTypeName='MayBeInThere'/></types></dds>")
         status, rows = self.run_json("check", bad)
         self.assertEqual((status, [(row["file"], row["line"]) for row in rows]), (1, [(str(bad), 2), (str(bad), 3), (str(bad), 4)]))
         self.assertIn("none.xml", rows[1]["message"])
