@@ -29,6 +29,8 @@ PROBES = 5  # requests until one finds the responder
 LIMIT = 900  # seconds for a whole measuring program
 
 START_UP_RUNS = 21
+CHECK_RUNS = 21
+CHECKED_BYTES = 4 * 1024 * 1024 - 64 * 1024  # of the document, whose last part goes beyond
 COLD_STARTS = 200
 UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
@@ -81,6 +83,7 @@ FIGURES = {
     "fleet_list": Figure("list of 10 domains / discovery and 1 s", "s", "<=1.0"),
     "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
     "update": Figure("router's update, 8000 new properties / 2000", "ns", "<=4.6"),
+    "check": Figure("check of a document of 4 MB / xmllint with the DTD", "ms", "<=2.0"),
 }
 
 Samples = dict[str, list[tuple[float, float]]]  # figure -> (ours, baseline) of every round
@@ -171,6 +174,64 @@ class Bench:
         path = self.work / "upload.xml"
         if not path.exists():
             path.write_bytes((UPLOAD_LINE * (UPLOAD_BYTES // len(UPLOAD_LINE) + 1))[:UPLOAD_BYTES])
+        return path
+
+    def document(self) -> pathlib.Path:
+        """A configuration with many types, profiles that start from each other, and routes that use both."""
+        path = self.work / "document.xml"
+        parts: dict[str, list[str]] = {"types": [], "profiles": [], "registered": [], "routes": []}
+        for i in range(CHECKED_BYTES):
+            parts["types"].append(
+                f'''        <struct name="T{i}">
+            <member name="id" type="int32" key="true"/>
+            <member name="text" type="string" stringMaxLength="128"/>
+        </struct>\n''')
+            parts["profiles"].append(
+                f'''        <qos_profile name="P{i}"{f' base_name="L::P{i - 1}"' if i % 10 else ""}>
+            <datareader_qos>
+                <reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability>
+                <history>
+                    <depth>{i % 50 + 1}</depth>
+                </history>
+                <resource_limits><max_samples_per_instance>64</max_samples_per_instance></resource_limits>
+            </datareader_qos>
+        </qos_profile>\n''')
+            parts["registered"].append(f'                <register_type name="T{i}" type_ref="T{i}"/>\n')
+            parts["routes"].append(
+                f'''                <topic_route name="R{i}">
+                    <input participant="1">
+                        <topic_name>Topic{i}</topic_name>
+                        <datareader_qos base_name="L::P{i}"/>
+                    </input>
+                    <output>
+                        <creation_mode>ON_READER</creation_mode>
+                    </output>
+                    <property>
+                        <value><element><name>number</name><value>{i}</value></element></value>
+                    </property>
+                </topic_route>\n''')
+            if i % 100 == 0 and sum(len(text) for part in parts.values() for text in part) > CHECKED_BYTES:
+                break
+        types, profiles, registered, routes = ("".join(part) for part in parts.values())
+        path.write_text(f'''<?xml version="1.0"?>
+<dds>
+    <types>
+{types}    </types>
+    <qos_library name="L">
+{profiles}    </qos_library>
+    <routing_service name="S">
+        <domain_route name="D">
+            <participant_1>
+{registered}                <domain_id>0</domain_id>
+            </participant_1>
+            <participant_2>
+                <domain_id>1</domain_id>
+            </participant_2>
+            <session name="s">
+{routes}            </session>
+        </domain_route>
+    </routing_service>
+</dds>\n''', "ascii")
         return path
 
 
@@ -329,9 +390,22 @@ def micro(bench: Bench) -> Samples:
     return {name: list(zip(sides["ours"], sides["baseline"])) for name, sides in times.items()}
 
 
+def check(bench: Bench) -> Samples:
+    document = bench.document()
+    commands = ([bench.zulctl, "check", document],
+                ["xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document])
+
+    def once(command: list[object]) -> float:
+        start = time.perf_counter()
+        subprocess.run([str(word) for word in command], timeout=LIMIT, check=True)  # of a right document: status 0
+        return (time.perf_counter() - start) * 1000
+
+    return {"check": [(once(commands[0]), once(commands[1])) for _ in range(CHECK_RUNS)]}
+
+
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
                                                  get_1000_parts, get_8000_parts, load_64mib, cold_command, fleet,
-                                                 fleet_list]
+                                                 fleet_list, check]
 
 
 def print_table(samples: Samples) -> None:

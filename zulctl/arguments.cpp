@@ -48,6 +48,8 @@ constexpr CommandRow COMMANDS[] = {
      .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
     {.name = "tree", .help = "show the entities of the router's configuration and their state", .words = "ROUTERS",
      .kind = CommandRow::Kind::TREE},
+    {.name = "check", .help = "say what is wrong with configuration documents, without any router", .words = "FILE...",
+     .kind = CommandRow::Kind::CHECK, .leastWords = 1, .mostWords = ANY},
     {.name = "diff", .help = "say what differs between what runs and a file", .words = "ROUTER FILE",
      .kind = CommandRow::Kind::DIFF, .leastWords = 1, .mostWords = 1},
     {.name = "apply", .help = "bring a router to what a file says, with a plan, a question and a backup",
@@ -61,7 +63,7 @@ constexpr CommandRow COMMANDS[] = {
 
 constexpr const char* FOOTER =
     "ROUTERS is a name, names with commas between, a pattern with * and ?, or --all.\n"
-    "Exit status: 0 done; 1 a router refused, or diff found differences; 2 usage, or a local file;\n"
+    "Exit status: 0 done; 1 a router refused, or diff or check found something; 2 usage, or a local file;\n"
     "3 no such entity; 4 no such router, or no answer; 5 interrupted; 6 the domain cannot be joined.";
 
 constexpr bool isComparing(const CommandRow& row) {
@@ -155,7 +157,7 @@ void assignWords(const Raw& raw, Arguments& arguments) {
     arguments.words = raw.words;
     if (raw.isAll) {
         arguments.routers = {"*"};
-    } else if (*row.words != '\0') {
+    } else if (std::string_view(row.words).starts_with("ROUTER")) {
         if (arguments.words.empty()) {
             throw UsageError{"whom? Name a router, or give --all"};
         }

@@ -12,7 +12,7 @@ namespace zul::ctl {
 
 enum ExitStatus {
     EXIT_DONE = 0,
-    EXIT_REFUSED = 1, // by a router
+    EXIT_REFUSED = 1, // by a router, or check has found something
     EXIT_USAGE = 2,   // or a local file
     EXIT_NOT_FOUND = 3,
     EXIT_NO_ANSWER = 4, // or no such router
@@ -37,7 +37,7 @@ struct Arguments {
     bool isJson = false;
 
     std::vector<std::string> routers{}; // names and patterns
-    std::vector<std::string> words{};   // what follows them
+    std::vector<std::string> words{};   // what follows them; of check the files
     Source source{};
     std::optional<std::string> output{};        // a file's name; {router} stands for a router's
     std::vector<std::int32_t> domains{};        // of --domains
@@ -50,7 +50,7 @@ struct Arguments {
 
 // What a command takes. The words after ROUTERS are named in its syntax.
 struct CommandRow {
-    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, DIFF, APPLY, RESTORE, SHELL };
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, CHECK, DIFF, APPLY, RESTORE, SHELL };
 
     const char* name;
     const char* help;

@@ -4,6 +4,7 @@
 
 #include "product/vocabulary.h"
 #include "zulctl/apply.h"
+#include "zulctl/check.h"
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
@@ -266,6 +267,9 @@ int runCommand(const Arguments& arguments, Session& session) {
         case CommandRow::Kind::RESTORE:
             refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
             status = apply(arguments, session, output);
+            break;
+        case CommandRow::Kind::CHECK:
+            status = checkFiles(arguments, session.wakeup(), output);
             break;
         case CommandRow::Kind::SHELL:
             throw Failure{EXIT_USAGE, "this is the shell"};

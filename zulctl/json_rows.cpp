@@ -75,6 +75,10 @@ std::string jsonRow(const EntityRow& row) {
                  {"state", row.state}});
 }
 
+std::string jsonRow(const std::string& file, int line, const plan::Finding& finding) {
+    return dump({{"file", file}, {"line", line}, {"message", finding.message}});
+}
+
 std::string jsonRow(const plan::Difference& difference) {
     return dump({{"path", difference.path},
                  {"change", plan::nameOf(difference.change)},

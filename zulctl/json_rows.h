@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fleet/fleet.h"
+#include "plan/check/check.h"
 #include "plan/compare/planner.h"
 
 #include <string>
@@ -32,6 +33,7 @@ std::string jsonRow(const fleet::Result& result);
 std::string jsonRow(const fleet::RouterRow& row);
 std::string jsonRow(const std::string& router, const fleet::Cause& cause);
 std::string jsonRow(const EntityRow& row);
+std::string jsonRow(const std::string& file, int line, const plan::Finding& finding);
 std::string jsonRow(const plan::Difference& difference);
 std::string jsonRow(const ApplyEnd& end);
 // A step of a plan: `purpose` is a word of the schema, `number` counts from 1.

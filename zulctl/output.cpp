@@ -126,4 +126,10 @@ void Output::print(const std::string& router, const fleet::Cause& cause) {
     }
 }
 
+void Output::print(const std::string& file, const plan::Finding& finding) {
+    const int line = std::max(finding.line, 1); // a whole document begins there
+    writeLine(isJson_ ? jsonRow(file, line, finding)
+                      : oneLine(file) + ":" + std::to_string(line) + ": " + oneLine(finding.message));
+}
+
 } // namespace zul::ctl

@@ -28,6 +28,7 @@ public:
     // `purpose` is a word of docs/zulctl.schema.json.
     void print(const std::string& router, const plan::Plan& plan, const char* purpose);
     void print(const ApplyEnd& end);
+    void print(const std::string& file, const plan::Finding& finding);
     // For people only.
     void say(const std::string& sentence);
 

@@ -51,6 +51,7 @@ bool TypeReader::read(const ZULXMLDocument& document) {
         entry.reason = entry.place + reason;
         if (isOwn) {
             first_.set(entry.line, entry.reason);
+            observe(nullptr, {entry.line, entry.reason});
         }
     });
     return first_.text.empty();
@@ -85,9 +86,17 @@ void TypeReader::readDefinitions(Element parent, Scope scope) {
             }
             checkForm(*child);
             (this->*definition->read)(*child, scope);
+        } catch (Consequence& error) {
+            tell(*child, name, entry, std::move(error), true);
         } catch (ZULXMLError& error) {
             tell(*child, name, entry, std::move(error));
         }
+    }
+}
+
+void TypeReader::observe(const ZULXMLObject* definition, const ZULXMLError& error) const {
+    if (observer_) {
+        observer_(definition, error);
     }
 }
 
@@ -115,10 +124,15 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 
 // Keeps what is wrong with a definition where its name is looked up, and marks the name for those that use
 // it. A failed include has no name: it is what may be missing where a name is not found.
-void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error) {
-    error.text = placeOf(error.line) + error.text;
-    error.line = lineOf(error.line);
+void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
+                      bool isConsequence) {
+    const std::int32_t line = error.line != 0 ? error.line : element.line;
+    error.text = placeOf(line) + error.text;
+    error.line = lineOf(line);
     first_.set(error.line, error.text);
+    if (!isConsequence) {
+        observe(&element, error);
+    }
     if (entry == nullptr) {
         if (std::strcmp(element.tagName, "include") == 0) {
             types_.missing.set(error.line, error.text);
@@ -132,8 +146,10 @@ void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry*
     if (symbol == nullptr && definition != nullptr && definition->kind != DDS_TK_NULL) {
         symbol = &symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line});
         symbol->type = newCode({.kind = definition->kind, .name = name});
+    } else if (symbol == nullptr && std::strcmp(element.tagName, "const") == 0) {
+        symbol = &symbols_.add(name, {.kind = SymbolKind::CONSTANT, .line = element.line});
     }
-    if (symbol != nullptr && symbol->kind == SymbolKind::TYPE) {
+    if (symbol != nullptr && symbol->kind != SymbolKind::MODULE) {
         symbol->isWrong = true;
     }
 }
@@ -185,6 +201,9 @@ void TypeReader::readConstant(Element element, Scope scope) {
     Symbol constant{.kind = SymbolKind::CONSTANT, .line = element.line, .isDiscrete = true};
     const std::string text(attribute(element, "value"));
     const Symbol* other = symbols_.resolve(scope, text);
+    if (other != nullptr && other->isWrong) {
+        throw Consequence{{element.line, "'" + text + "' is wrong itself"}};
+    }
     const bool namesConstant = other != nullptr && other->kind == SymbolKind::CONSTANT;
     const DDS_TypeCode* type = underlyingType(elementTypeOf(element, scope));
     bool isValid = false;
@@ -193,6 +212,9 @@ void TypeReader::readConstant(Element element, Scope scope) {
         constant.value = isValid ? other->value : Integer{};
         constant.enumeration = type;
     } else if (const TypeWord* word = findTypeWord(attribute(element, "type")); word == nullptr) {
+        if (type->kind == DDS_TK_ALIAS) { // of too many levels, which is told in the end
+            throw Consequence{{element.line, "the type of this const is wrong itself"}};
+        }
         fail(element, "a const is of a basic type or an enum");
     } else if (word->isDiscrete()) {
         const std::optional<Integer> value = valueOf(*word, scope, text);

@@ -2,10 +2,10 @@
 // update did not bring about, and does that otherwise.
 #include "plan/compare/planner.h"
 
+#include "plan/check/check.h"
 #include "plan/compare/snippet.h"
 #include "plan/document/children.h"
 #include "plan/document/definition.h"
-#include "plan/document/document.h"
 #include "plan/document/entity.h"
 #include "plan/document/merge.h"
 #include "plan/document/text.h"

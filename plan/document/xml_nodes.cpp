@@ -22,17 +22,23 @@ xmlNode* elementFrom(xmlNode* node) {
 
 } // namespace
 
+std::string valueOf(const xmlAttr* attribute) {
+    const xmlNode* only = attribute->children;
+    return only == nullptr ? ""
+           : only->next == nullptr && only->type == XML_TEXT_NODE
+               ? std::string(toView(only->content))
+               : toString(xmlNodeListGetString(attribute->doc, only, 1));
+}
+
 std::string attributeOf(const xmlNode* node, const char* name) {
     return toString(xmlGetNoNsProp(node, toXml(name)));
 }
 
+// A name may be long, and be described for each of many children: it is not copied.
 std::string describe(const xmlNode* node) {
-    const std::string name = nameOf(node);
-    return shortened(tagOf(node)) + (name.empty() ? "" : " " + quoted(name));
-}
-
-void refuseAt(const xmlNode* element, const std::string& what) {
-    throw Refusal{"line " + std::to_string(lineOf(element)) + ": " + what};
+    const xmlAttr* name = xmlHasProp(node, toXml("name"));
+    const xmlNode* text = name != nullptr ? name->children : nullptr;
+    return shortened(tagOf(node)) + (text != nullptr ? " " + quoted(toView(text->content)) : "");
 }
 
 std::string textOf(const xmlNode* node) {
