@@ -19,10 +19,6 @@ constexpr std::string_view SECTION = "types";
 class Objects {
 public:
     Objects(const xmlNode* root, const KnownFaults& known, std::stop_token stop);
-    ~Objects() { ZULXMLObject_delete(document_.root); }
-    Objects(const Objects&) = delete;
-    Objects& operator=(const Objects&) = delete;
-
     ZULXMLDocument& document() { return document_; }
     bool hasInclude() const { return hasInclude_; }
     // The names of the modules that definitions are in take more memory than they may.
@@ -33,9 +29,14 @@ private:
     void add(const xmlNode* node, ZULXMLObject* parent, std::size_t scope, bool isDefinition);
     ZULXMLObject* make(const xmlNode* node, ZULXMLObject* parent);
 
+    struct Delete {
+        void operator()(ZULXMLObject* object) const { ZULXMLObject_delete(object); }
+    };
+
     const KnownFaults& known_;
     const std::stop_token stop_;
     ZULXMLDocument document_;
+    std::unique_ptr<ZULXMLObject, Delete> root_; // the document's
     std::unordered_set<const ZULXMLObject*> faulty_;
     std::size_t scopes_ = 0; // bytes of all scoped names
     bool hasInclude_ = false;
@@ -43,7 +44,8 @@ private:
 
 Objects::Objects(const xmlNode* root, const KnownFaults& known, std::stop_token stop)
     : known_(known), stop_(std::move(stop)) {
-    document_.root = make(root, nullptr);
+    root_.reset(make(root, nullptr));
+    document_.root = root_.get();
     for (const xmlNode* section : elementsIn(root)) {
         if (tagOf(section) == SECTION && !isTooLarge()) {
             add(section, document_.root, 0, true);
