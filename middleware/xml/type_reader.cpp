@@ -94,7 +94,7 @@ void TypeReader::readDefinitions(Element parent, Scope scope) {
     }
 }
 
-ZULXMLError TypeReader::placed(Element element, ZULXMLError error) const {
+ZULXMLError TypeReader::placed(Element element, const ZULXMLError& error) const {
     const std::int32_t line = error.line != 0 ? error.line : element.line;
     return {lineOf(line), placeOf(line) + error.text};
 }
@@ -110,7 +110,7 @@ void TypeReader::readParts(Element definition, const ZULXMLObject* first,
             consequence = consequence ? consequence : std::move(error);
         } catch (ZULXMLError& error) {
             if (own) {
-                observe(&definition, placed(*part, std::move(error)));
+                observe(&definition, placed(*part, error));
             } else {
                 own = std::move(error);
             }
@@ -156,7 +156,7 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 // it. A failed include has no name: it is what may be missing where a name is not found.
 void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
                       bool isConsequence) {
-    error = placed(element, std::move(error));
+    error = placed(element, error);
     first_.set(error.line, error.text);
     if (!isConsequence) {
         observe(&element, error);

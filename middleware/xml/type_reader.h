@@ -93,7 +93,7 @@ private:
     // first error, and has told the others.
     void readParts(Element definition, const ZULXMLObject* first, const std::function<void(Element)>& read);
     // The error with the place that it has in the document asked for.
-    ZULXMLError placed(Element element, ZULXMLError error) const;
+    ZULXMLError placed(Element element, const ZULXMLError& error) const;
     // That line of the document being read, or of the outermost include that led to it.
     std::int32_t lineOf(std::int32_t line) const { return includes_.empty() ? line : includes_.front().line; }
     std::string placeOf(std::int32_t line) const;

@@ -38,7 +38,9 @@ private:
     ZULXMLDocument document_;
     std::unique_ptr<ZULXMLObject, Delete> root_; // the document's
     std::unordered_set<const ZULXMLObject*> faulty_;
-    std::size_t scopes_ = 0; // bytes of all scoped names
+    std::vector<ZULXMLAttribute> attributes_; // of the object that is made
+    std::deque<std::string> copies_;          // of their values, where needed; they stay where they are
+    std::size_t scopes_ = 0;                  // bytes of all scoped names
     bool hasInclude_ = false;
 };
 
@@ -54,15 +56,15 @@ Objects::Objects(const xmlNode* root, const KnownFaults& known, std::stop_token 
 }
 
 ZULXMLObject* Objects::make(const xmlNode* node, ZULXMLObject* parent) {
-    std::deque<std::string> values; // that stay where they are
-    std::vector<ZULXMLAttribute> attributes;
+    attributes_.clear();
+    copies_.clear();
     for (const xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
-        attributes.push_back(
-            {toView(attribute->name).data(), values.emplace_back(valueOf(attribute)).c_str()});
+        attributes_.push_back(
+            {toView(attribute->name).data(), valueOf(attribute, copies_.emplace_back()).data()});
     }
     const std::string name =
         std::to_string(parent != nullptr ? parent->children.count : 0); // any that differ
-    ZULXMLObject* object = ZULXMLObject_new(tagOf(node).data(), name.c_str(), parent, attributes);
+    ZULXMLObject* object = ZULXMLObject_new(tagOf(node).data(), name.c_str(), parent, attributes_);
     requireMemory(object != nullptr);
     object->line = lineOf(node);
     object->context = &document_;
