@@ -94,6 +94,36 @@ void TypeReader::readDefinitions(Element parent, Scope scope) {
     }
 }
 
+ZULXMLError TypeReader::placed(Element element, const ZULXMLError& error) const {
+    const std::int32_t line = error.line != 0 ? error.line : element.line;
+    return {lineOf(line), placeOf(line) + error.text};
+}
+
+void TypeReader::readParts(Element definition, const ZULXMLObject* first,
+                           const std::function<void(Element)>& read) {
+    std::optional<ZULXMLError> own;
+    std::optional<Consequence> consequence;
+    for (const ZULXMLObject* part = first; part != nullptr; part = part->next) {
+        try {
+            read(*part);
+        } catch (Consequence& error) {
+            consequence = consequence ? consequence : std::move(error);
+        } catch (ZULXMLError& error) {
+            if (own) {
+                observe(&definition, placed(*part, error));
+            } else {
+                own = std::move(error);
+            }
+        }
+    }
+    if (own) {
+        throw *own;
+    }
+    if (consequence) {
+        throw *consequence;
+    }
+}
+
 void TypeReader::observe(const ZULXMLObject* definition, const ZULXMLError& error) const {
     if (observer_) {
         observer_(definition, error);
@@ -126,9 +156,7 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 // it. A failed include has no name: it is what may be missing where a name is not found.
 void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
                       bool isConsequence) {
-    const std::int32_t line = error.line != 0 ? error.line : element.line;
-    error.text = placeOf(line) + error.text;
-    error.line = lineOf(line);
+    error = placed(element, error);
     first_.set(error.line, error.text);
     if (!isConsequence) {
         observe(&element, error);
@@ -271,29 +299,34 @@ void TypeReader::readTypedef(Element element, Scope scope) {
 void TypeReader::readEnum(Element element, Scope scope) {
     Symbol& symbol = beginType(element, scope, DDS_TK_ENUM);
     std::set<std::int32_t> values;
-    Integer next;
-    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        checkForm(*child);
+    std::optional<Integer> next = Integer{}; // nothing after an enumerator that is wrong
+    readParts(element, element.children.first, [&](Element child) {
+        const std::optional<Integer> following = std::exchange(next, std::nullopt);
+        checkForm(child);
+        const bool isGiven = hasAttribute(child, "value");
+        if (!isGiven && !following) {
+            return;
+        }
         const std::optional<Integer> value =
-            hasAttribute(*child, "value") ? integerOf(scope, attribute(*child, "value")) : next;
+            isGiven ? integerOf(scope, attribute(child, "value")) : following;
         const std::optional<std::int32_t> number = value ? toInt32(*value) : std::nullopt;
         if (!number || !values.insert(*number).second) {
-            fail(*child,
+            fail(child,
                  "the value of this enumerator must be a 32-bit integer or a const, used once in the enum");
         }
         std::vector<DDS_TypeCodeMember>& members = symbol.type->members;
-        members.push_back({.name = std::string(attribute(*child, "name")),
+        members.push_back({.name = std::string(attribute(child, "name")),
                            .id = static_cast<std::int32_t>(members.size()),
                            .value = *number});
         const Symbol enumerator{.kind = SymbolKind::CONSTANT,
-                                .line = child->line,
+                                .line = child.line,
                                 .isDiscrete = true,
                                 .value = *value,
                                 .enumeration = symbol.type};
-        symbols_.add(scopedName(scope, attribute(*child, "name")), enumerator);
+        symbols_.add(scopedName(scope, attribute(child, "name")), enumerator);
         next = value->negative ? Integer{value->magnitude > 1, value->magnitude - 1}
                                : Integer{false, value->magnitude + 1};
-    }
+    });
     if (symbol.type->members.empty()) {
         fail(element, "an enum needs an enumerator");
     }

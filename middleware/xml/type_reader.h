@@ -89,6 +89,11 @@ private:
     void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
               bool isConsequence = false);
     void observe(const ZULXMLObject* definition, const ZULXMLError& error) const;
+    // Reads the parts of a definition from `first` on, all of them also when some are wrong; then throws the
+    // first error, and has told the others.
+    void readParts(Element definition, const ZULXMLObject* first, const std::function<void(Element)>& read);
+    // The error with the place that it has in the document asked for.
+    ZULXMLError placed(Element element, const ZULXMLError& error) const;
     // That line of the document being read, or of the outermost include that led to it.
     std::int32_t lineOf(std::int32_t line) const { return includes_.empty() ? line : includes_.front().line; }
     std::string placeOf(std::int32_t line) const;

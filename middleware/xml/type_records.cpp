@@ -25,9 +25,8 @@ void TypeReader::readRecord(Element element, Scope scope) {
     } else if (code.kind == DDS_TK_STRUCT && !hasMembers) {
         fail(element, "a struct without a baseType needs a member");
     }
-    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        readMember(*child, scope, code, record);
-    }
+    readParts(element, element.children.first,
+              [&](Element child) { readMember(child, scope, code, record); });
     records_.emplace(&code, std::move(record));
     symbol.isDefined = true;
 }
@@ -64,11 +63,11 @@ void TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Re
             fail(element, "the name or id of member '" + member.name + "' is used twice in its type");
         }
     }
-    member.type = typeOf(element, scope);
-    member.id = static_cast<std::int32_t>(id->magnitude);
     record.names.insert(member.name);
     record.ids.insert(id->magnitude);
     record.nextId = id->magnitude + 1;
+    member.type = typeOf(element, scope);
+    member.id = static_cast<std::int32_t>(id->magnitude);
     if (code.kind != DDS_TK_UNION) {
         member.isKey = isTrue(element, "key");
         if (member.isKey && isTrue(element, "optional")) {
@@ -87,9 +86,8 @@ void TypeReader::readUnion(Element element, Scope scope) {
     }
     Discriminator discriminator = readDiscriminator(*child, scope, *symbol.type);
     Record record;
-    while ((child = child->next) != nullptr) {
-        readCase(*child, scope, *symbol.type, discriminator, record);
-    }
+    readParts(element, child->next,
+              [&](Element each) { readCase(each, scope, *symbol.type, discriminator, record); });
     symbol.isDefined = true;
 }
 

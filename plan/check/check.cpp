@@ -197,13 +197,14 @@ void Check::checkAttribute(const Field& field, const xmlNode* element) {
     if (given == nullptr) {
         return;
     }
-    const std::string value = valueOf(given);
+    std::string copy;
+    const std::string_view value = valueOf(given, copy);
     std::string expected;
     if (field.form != Form::REFERENCE) {
         expected = expectedInstead(field, value);
     } else if (field.target == Target::TYPE) {
-        typeReferences_.push_back({element, value});
-    } else if (!references_->knows(field.target, value)) {
+        typeReferences_.push_back({element, std::string(value)});
+    } else if (!references_->knows(field.target, std::string(value))) {
         expected = field.target == Target::PROFILE
                        ? "the path Library::Profile of a qos_profile in the document"
                    : field.target == Target::ADAPTER

@@ -89,26 +89,22 @@ void checkRoute(const xmlNode* route, const Sides& sides, const Report& report) 
     if (input.element == nullptr || output.element == nullptr) {
         return;
     }
-    const bool isInputRight = checkEnd(input, sides, report);
-    const bool isOutputRight = checkEnd(output, sides, report);
-    if (!isInputRight || !isOutputRight) {
-        return;
-    }
-    const int inputSide = input.side == 0 ? 1 : input.side;
-    if (inputSide == output.side) {
-        report(output.element, "both ends of " + describe(route) + " are on side " +
-                                   std::to_string(output.side) + "; expected the output on side " +
-                                   std::to_string(3 - output.side));
-    }
     const bool isForTopics = tagOf(route) == "topic_route" || tagOf(route) == "auto_topic_route";
     const bool hasAdapter = sides.hasConnection[0] || sides.hasConnection[1];
     if (sides.areKnown() && isForTopics == hasAdapter) {
-        report(route,
-               describe(route) +
-                   (isForTopics ? " has an end at an adapter's connection; expected participants at both, or "
-                                  "a route or auto_route"
-                                : " has no end at an adapter's connection; expected one, or a topic_route or "
-                                  "auto_topic_route"));
+        report(route, describe(route) +
+                          (isForTopics ? " has an end at an adapter's connection; expected participants "
+                                         "at both, or a route or auto_route"
+                                       : " has no end at an adapter's connection; expected one, or a "
+                                         "topic_route or auto_topic_route"));
+        return;
+    }
+    const bool isInputRight = checkEnd(input, sides, report);
+    const bool isOutputRight = checkEnd(output, sides, report);
+    if (isInputRight && isOutputRight && output.side == (input.side == 0 ? 1 : input.side)) {
+        report(output.element, "both ends of " + describe(route) + " are on side " +
+                                   std::to_string(output.side) + "; expected the output on side " +
+                                   std::to_string(3 - output.side));
     }
     if (tagOf(route) == "topic_route" && !namesTopic(input) && !namesTopic(output)) {
         report(route, describe(route) + " names no topic; expected a topic_name in its input or its output");

@@ -19,10 +19,6 @@ constexpr std::string_view SECTION = "types";
 class Objects {
 public:
     Objects(const xmlNode* root, const KnownFaults& known, std::stop_token stop);
-    ~Objects() { ZULXMLObject_delete(document_.root); }
-    Objects(const Objects&) = delete;
-    Objects& operator=(const Objects&) = delete;
-
     ZULXMLDocument& document() { return document_; }
     bool hasInclude() const { return hasInclude_; }
     // The names of the modules that definitions are in take more memory than they may.
@@ -33,17 +29,25 @@ private:
     void add(const xmlNode* node, ZULXMLObject* parent, std::size_t scope, bool isDefinition);
     ZULXMLObject* make(const xmlNode* node, ZULXMLObject* parent);
 
+    struct Delete {
+        void operator()(ZULXMLObject* object) const { ZULXMLObject_delete(object); }
+    };
+
     const KnownFaults& known_;
     const std::stop_token stop_;
     ZULXMLDocument document_;
+    std::unique_ptr<ZULXMLObject, Delete> root_; // the document's
     std::unordered_set<const ZULXMLObject*> faulty_;
-    std::size_t scopes_ = 0; // bytes of all scoped names
+    std::vector<ZULXMLAttribute> attributes_; // of the object that is made
+    std::deque<std::string> copies_;          // of their values, where needed; they stay where they are
+    std::size_t scopes_ = 0;                  // bytes of all scoped names
     bool hasInclude_ = false;
 };
 
 Objects::Objects(const xmlNode* root, const KnownFaults& known, std::stop_token stop)
     : known_(known), stop_(std::move(stop)) {
-    document_.root = make(root, nullptr);
+    root_.reset(make(root, nullptr));
+    document_.root = root_.get();
     for (const xmlNode* section : elementsIn(root)) {
         if (tagOf(section) == SECTION && !isTooLarge()) {
             add(section, document_.root, 0, true);
@@ -52,15 +56,15 @@ Objects::Objects(const xmlNode* root, const KnownFaults& known, std::stop_token 
 }
 
 ZULXMLObject* Objects::make(const xmlNode* node, ZULXMLObject* parent) {
-    std::deque<std::string> values; // that stay where they are
-    std::vector<ZULXMLAttribute> attributes;
+    attributes_.clear();
+    copies_.clear();
     for (const xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
-        attributes.push_back(
-            {toView(attribute->name).data(), values.emplace_back(valueOf(attribute)).c_str()});
+        attributes_.push_back(
+            {toView(attribute->name).data(), valueOf(attribute, copies_.emplace_back()).data()});
     }
     const std::string name =
         std::to_string(parent != nullptr ? parent->children.count : 0); // any that differ
-    ZULXMLObject* object = ZULXMLObject_new(tagOf(node).data(), name.c_str(), parent, attributes);
+    ZULXMLObject* object = ZULXMLObject_new(tagOf(node).data(), name.c_str(), parent, attributes_);
     requireMemory(object != nullptr);
     object->line = lineOf(node);
     object->context = &document_;

@@ -22,12 +22,13 @@ xmlNode* elementFrom(xmlNode* node) {
 
 } // namespace
 
-std::string valueOf(const xmlAttr* attribute) {
+std::string_view valueOf(const xmlAttr* attribute, std::string& copy) {
     const xmlNode* only = attribute->children;
-    return only == nullptr ? ""
-           : only->next == nullptr && only->type == XML_TEXT_NODE
-               ? std::string(toView(only->content))
-               : toString(xmlNodeListGetString(attribute->doc, only, 1));
+    if (only == nullptr || (only->next == nullptr && only->type == XML_TEXT_NODE)) {
+        return only != nullptr ? toView(only->content) : "";
+    }
+    copy = toString(xmlNodeListGetString(attribute->doc, only, 1));
+    return copy;
 }
 
 std::string attributeOf(const xmlNode* node, const char* name) {

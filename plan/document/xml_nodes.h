@@ -10,7 +10,8 @@ namespace zul::plan {
 inline std::string_view tagOf(const xmlNode* node) {
     return toView(node->name);
 }
-std::string valueOf(const xmlAttr* attribute);
+// The value, with a NUL after it; in `copy` where it is not in memory as a whole.
+std::string_view valueOf(const xmlAttr* attribute, std::string& copy);
 // The value of an attribute; empty when it is absent.
 std::string attributeOf(const xmlNode* node, const char* name);
 inline std::string nameOf(const xmlNode* node) {
