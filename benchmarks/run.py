@@ -33,6 +33,8 @@ UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
 PARTS = 1000
 MANY_PARTS, FEWER_PARTS = 8000, 2000
+COMPARISONS = 21
+SESSIONS, ROUTES = 410, 20  # of a document of 4 MB
 
 
 class Figure(NamedTuple):
@@ -69,6 +71,7 @@ FIGURES = {
     "load_rate_of_file": Figure("load of 64 MiB / raw writer that reads the file", "MB/s", ">=0.97"),
     "load_memory": Figure("peak memory of a 64 MiB load / idle", "KiB", "<=1.2"),
     "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
+    "compare": Figure("comparison of two documents of 4 MB / xmllint of one", "ms", "<=2.0"),
     "update": Figure("router's update, 8000 new properties / 2000", "ns", "<=4.6"),
 }
 
@@ -249,8 +252,47 @@ def micro(bench: Bench) -> Samples:
     return {name: list(zip(sides["ours"], sides["baseline"])) for name, sides in times.items()}
 
 
+def large_document() -> str:
+    """A configuration of 4 MB: many routes, each with a quality of service."""
+    route = """
+                <topic_route name="r{1}">
+                    <input participant="1">
+                        <topic_name>Topic{0}x{1}</topic_name>
+                        <datareader_qos>
+                            <reliability>
+                                <kind>RELIABLE_RELIABILITY_QOS</kind>
+                            </reliability>
+                            <history>
+                                <depth>{1}1</depth>
+                            </history>
+                        </datareader_qos>
+                    </input>
+                    <output/>
+                </topic_route>"""
+    sessions = ("<session name='s%d'>%s</session>" % (i, "".join(route.format(i, j) for j in range(ROUTES)))
+                for i in range(SESSIONS))
+    sides = "".join(f"<participant_{i}><domain_id>{i}</domain_id></participant_{i}>" for i in (1, 2))
+    return (f"<dds><routing_service name='Large'><domain_route name='D'>{sides}{''.join(sessions)}</domain_route>"
+            "</routing_service></dds>")
+
+
+def compare(bench: Bench) -> Samples:
+    """What diff does with the two documents, as a process, against a validation of one of them."""
+    path = bench.work / "large.xml"
+    path.write_text(large_document())
+
+    def once(*command: object) -> float:
+        start = time.perf_counter()
+        subprocess.run([str(word) for word in command], timeout=LIMIT, check=True)
+        return (time.perf_counter() - start) * 1000
+
+    definition = SOURCE / "resource" / "dtd" / "routing_service.dtd"
+    return {"compare": [(once(bench.programs / "compare_documents", path, path),
+                         once("xmllint", "--noout", "--nonet", "--dtdvalid", definition, path)) for _ in range(COMPARISONS)]}
+
+
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
-                                                 get_1000_parts, get_8000_parts, load_64mib]
+                                                 get_1000_parts, get_8000_parts, load_64mib, compare]
 
 
 def print_table(samples: Samples) -> None:
