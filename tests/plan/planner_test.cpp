@@ -76,7 +76,8 @@ std::string session(const std::string& parts, const std::string& attributes = {}
 // clang-format off
 TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
     const std::string OFF = " enabled='false'";
-    const std::string PROPERTY = "<property><value><element><name>a</name><value>1</value></element></value></property>";
+    const std::string PROPERTY = "<property><value><element><name>a</name><value>1</value><propagate>true</propagate></element></value></property>";
+    const std::string REPORT = "<reporting><sampling_period><sec>0</sec><nanosec>50</nanosec></sampling_period></reporting>";
     const std::string PARTITION = "<publisher_qos><partition><name><element>x</element></name></partition></publisher_qos>";
     const std::string RELIABLE = "<datareader_qos><reliability><kind>R</kind></reliability></datareader_qos>";
     const struct { std::string running, wanted, plan; } rows[] = {
@@ -92,10 +93,10 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "delete A; delete D::s::T; create D::s " + topics("U") + "; enable D; enable D::s"},
         {document(route("D", "0", session(topics("T"), OFF))), document(route("D", "0", session(topics("T")), OFF)),
          "disable D; update D::s <session enabled=\"true\"></session>"},
-        {document(route("D", "0", session(topics("T")))), document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))),
-         "update D::s <session>" + PROPERTY + PARTITION + "</session>"},
-        {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY))),
-         "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + "</session>"},
+        {document(route("D", "0", session(topics("T")))), document(route("D", "0", session(topics("T") + PROPERTY + PARTITION + "<reporting><sampling_period><nanosec>50</nanosec></sampling_period></reporting>"))),
+         "update D::s <session>" + PROPERTY + PARTITION + REPORT + "</session>"},
+        {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY + REPORT))),
+         "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
         {document(route("D", "0", "<session name='s'/>")), document(route("D", "0", "<polling_session name='s'><polling_period/></polling_session>")),
          "delete D::s; create D <polling_session name=\"s\"><polling_period/></polling_session>"},
         {document(""), document("<administration><domain_id>3</domain_id></administration>", "<qos_library name='Q'/>"),
