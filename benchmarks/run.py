@@ -82,6 +82,7 @@ FIGURES = {
     "fleet_memory": Figure("zulctl's memory, a router more / 100 KiB", "KiB", "<=1.0"),
     "fleet_list": Figure("list of 10 domains / discovery and 1 s", "s", "<=1.0"),
     "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
+    "compare": Figure("comparison of two documents of 4 MB / xmllint of one", "ms", "<=2.0"),
     "update": Figure("router's update, 8000 new properties / 2000", "ns", "<=4.6"),
     "check": Figure("check of a document of 4 MB / xmllint with the DTD", "ms", "<=2.0"),
 }
@@ -179,6 +180,8 @@ class Bench:
     def document(self) -> pathlib.Path:
         """A configuration with many types, profiles that start from each other, and routes that use both."""
         path = self.work / "document.xml"
+        if path.exists():
+            return path
         parts: dict[str, list[str]] = {"types": [], "profiles": [], "registered": [], "routes": []}
         for i in range(CHECKED_BYTES):
             parts["types"].append(
@@ -390,22 +393,31 @@ def micro(bench: Bench) -> Samples:
     return {name: list(zip(sides["ours"], sides["baseline"])) for name, sides in times.items()}
 
 
-def check(bench: Bench) -> Samples:
-    document = bench.document()
-    commands = ([bench.zulctl, "check", document],
-                ["xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document])
-
-    def once(command: list[object]) -> float:
+def against_xmllint(name: str, document: pathlib.Path, *command: object) -> Samples:
+    """Milliseconds of a whole process, against a validation of the document by its DTD."""
+    def once(words: tuple[object, ...]) -> float:
         start = time.perf_counter()
-        subprocess.run([str(word) for word in command], timeout=LIMIT, check=True)  # of a right document: status 0
+        subprocess.run([str(word) for word in words], timeout=LIMIT, check=True)  # of a right document: status 0
         return (time.perf_counter() - start) * 1000
 
-    return {"check": [(once(commands[0]), once(commands[1])) for _ in range(CHECK_RUNS)]}
+    xmllint = ("xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document)
+    return {name: [(once(command), once(xmllint)) for _ in range(CHECK_RUNS)]}
+
+
+def check(bench: Bench) -> Samples:
+    return against_xmllint("check", bench.document(), bench.zulctl, "check", bench.document())
+
+
+def compare(bench: Bench) -> Samples:
+    """What diff does with the two documents."""
+    document = bench.document()
+    return against_xmllint("compare", document, bench.programs / "compare_documents", document, document)
 
 
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
                                                  get_1000_parts, get_8000_parts, load_64mib, cold_command, fleet,
-                                                 fleet_list, check]
+                                                 fleet_list, check,
+                                                 compare]
 
 
 def print_table(samples: Samples) -> None:

@@ -236,6 +236,9 @@ int Apply::run() {
         return EXIT_DONE;
     }
     output_.print(router_->name(), plan, isRestore_ ? "restore" : "apply");
+    if (output_.hasFailed()) {
+        throw Failure{EXIT_USAGE, "the plan cannot be shown; nothing was sent"};
+    }
     if (arguments_.isDryRun) {
         end("planned", "nothing was sent");
         return EXIT_DONE;

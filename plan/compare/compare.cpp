@@ -14,6 +14,7 @@ namespace zul::plan {
 
 namespace {
 
+constexpr std::size_t MAX_PATH = 4096; // bytes; a longer one is cut
 constexpr std::size_t NONE = static_cast<std::size_t>(-1);
 
 std::string keyOf(const Part& part) {
@@ -64,6 +65,44 @@ std::string orderOf(const std::vector<Part>& parts, std::string_view word) {
         }
     }
     return "in the order " + shortened(order);
+}
+
+const xmlNode* skipBlanks(const xmlNode* node) {
+    while (node != nullptr &&
+           (node->type == XML_COMMENT_NODE || (node->type == XML_TEXT_NODE && !isText(node)))) {
+        node = node->next;
+    }
+    return node;
+}
+
+// Whether two elements are written in the same way but for blanks and comments, found without a look at what
+// that means.
+bool isWrittenTheSame(const xmlNode* one, const xmlNode* other) {
+    if (tagOf(one) != tagOf(other)) {
+        return false;
+    }
+    const xmlAttr* otherAttribute = other->properties;
+    for (const xmlAttr* each = one->properties; each != nullptr; each = each->next) {
+        if (otherAttribute == nullptr || toView(each->name) != toView(otherAttribute->name) ||
+            xmlStrEqual(each->children != nullptr ? each->children->content : nullptr,
+                        otherAttribute->children != nullptr ? otherAttribute->children->content : nullptr) ==
+                0) {
+            return false;
+        }
+        otherAttribute = otherAttribute->next;
+    }
+    const xmlNode* otherChild = skipBlanks(other->children);
+    for (const xmlNode* each = skipBlanks(one->children); each != nullptr; each = skipBlanks(each->next)) {
+        const bool isSame =
+            otherChild != nullptr && each->type == otherChild->type &&
+            (each->type == XML_ELEMENT_NODE ? isWrittenTheSame(each, otherChild)
+                                            : xmlStrEqual(each->content, otherChild->content) == 1);
+        if (!isSame) {
+            return false;
+        }
+        otherChild = skipBlanks(otherChild->next);
+    }
+    return otherAttribute == nullptr && otherChild == nullptr;
 }
 
 class Comparison {
@@ -125,6 +164,11 @@ void Comparison::compareParts(const Part& running, const Part& wanted) {
     if (wanted.isEntity && !entersEntities_) {
         return;
     }
+    // What has a name takes nothing from elements beside it.
+    if (!wanted.identity.empty() && running.element != nullptr && wanted.element != nullptr &&
+        running.identity == wanted.identity && isWrittenTheSame(running.element, wanted.element)) {
+        return;
+    }
     steps_.push_back(&wanted);
     if (running.value != wanted.value) {
         note(Change::CHANGED, running.value, wanted.value);
@@ -177,7 +221,7 @@ std::string pathOf(Steps steps) {
             path.append("[").append(step.identity).append("]");
         }
     }
-    return path.empty() ? "/" : path;
+    return path.empty() ? "/" : path.size() > MAX_PATH ? shortened(path, MAX_PATH) : path;
 }
 
 } // namespace

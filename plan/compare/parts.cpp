@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <utility>
 
 namespace zul::plan {
 
@@ -85,6 +86,8 @@ private:
     std::string_view tag_;
     std::vector<Part> parts_;
     bool firstCounts_ = false;
+    bool hasTypes_ = false;
+    std::size_t parameters_ = 0;
 };
 
 void Collector::addAttributes() {
@@ -148,7 +151,7 @@ void Collector::addItems(const xmlNode* list) {
 
 void Collector::addChild(const xmlNode* child) {
     const std::string_view tag = tagOf(child);
-    if (tag == TYPES && has(tag)) {
+    if (tag == TYPES && std::exchange(hasTypes_, true)) {
         return; // the first stands for all
     }
     const ValueRule& rule = ruleOfElement(tag, tag_);
@@ -174,8 +177,7 @@ void Collector::addChild(const xmlNode* child) {
         firstCounts_ = true;
     } else if (tag == "parameter") {
         part.order = tag;
-        part.identity = std::to_string(
-            std::ranges::count(parts_, std::string_view("parameter"), &Part::tag)); // at most 100
+        part.identity = std::to_string(parameters_++);
     }
     parts_.push_back(std::move(part));
 }

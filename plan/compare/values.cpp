@@ -133,8 +133,7 @@ std::string sorted(std::string_view text, char separator) {
         }
     }
     std::ranges::sort(parts);
-    const auto repeated = std::ranges::unique(parts);
-    parts.erase(repeated.begin(), repeated.end());
+    parts.erase(std::unique(parts.begin(), parts.end()), parts.end());
     std::string joined;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         joined.append(i == 0 ? "" : std::string(1, separator)).append(parts[i]);

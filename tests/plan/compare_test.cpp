@@ -1,6 +1,7 @@
 // What counts as a difference between two documents, and what does not, in both directions.
 #include "plan/check/check.h"
 #include "plan/compare/compare.h"
+#include "plan/document/xml.h"
 
 #include <gtest/gtest.h>
 
@@ -40,8 +41,8 @@ std::string pair(const std::string& name, const std::string& value, const std::s
 }
 
 std::string differences(const std::string& running, const std::string& wanted) {
-    const XmlDocument from = readDocument("<dds>" + running + "</dds>", {});
-    const XmlDocument to = readDocument("<dds>" + wanted + "</dds>", {});
+    const XmlDocument from = parseXml("<dds>" + running + "</dds>", {});
+    const XmlDocument to = parseXml("<dds>" + wanted + "</dds>", {});
     std::string text;
     for (const Difference& each : compare(from.get(), to.get(), "S")) {
         text.append(text.empty() ? "" : "; ").append(nameOf(each.change)).append(" " + each.path);

@@ -18,7 +18,7 @@ using zul::practice::StateChange;
 using Kind = Step::Kind;
 
 XmlDocument parse(const std::string& text) {
-    return readDocument(text, {});
+    return parseXml(text, {});
 }
 
 Answer carryOut(const Step& step, Configuration& router) {
@@ -76,9 +76,10 @@ std::string session(const std::string& parts, const std::string& attributes = {}
 // clang-format off
 TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
     const std::string OFF = " enabled='false'";
-    const std::string PROPERTY = "<property><value><element><name>a</name><value>1</value></element></value></property>";
+    const std::string PROPERTY = "<property><value><element><name>a</name><value>1</value><propagate>true</propagate></element></value></property>";
+    const std::string REPORT = "<reporting><sampling_period><sec>0</sec><nanosec>50</nanosec></sampling_period></reporting>";
     const std::string PARTITION = "<publisher_qos><partition><name><element>x</element></name></partition></publisher_qos>";
-    const std::string RELIABLE = "<datareader_qos><reliability><kind>R</kind></reliability></datareader_qos>";
+    const std::string RELIABLE = "<datareader_qos><reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability></datareader_qos>";
     const struct { std::string running, wanted, plan; } rows[] = {
         {document(route("D", "0", "")), document(route("D", "0", "")), ""},
         {document(route("D", "0", "")), document(route("D", "0x7", "")),
@@ -87,15 +88,15 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>"},
         {document(route("D", "0", session(topics("T")))), document(route("D", "7", session(topics("T", RELIABLE, OFF)))),
          "disable D; update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>; disable D::s::T; "
-         "update D::s::T <auto_topic_route><input><datareader_qos><reliability><kind>R</kind></reliability></datareader_qos></input></auto_topic_route>; enable D"},
+         "update D::s::T <auto_topic_route><input><datareader_qos><reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability></datareader_qos></input></auto_topic_route>; enable D"},
         {document(route("A", "0", "") + route("D", "0", session(topics("T"), OFF), OFF)), document(route("D", "0", session(topics("U")))),
          "delete A; delete D::s::T; create D::s " + topics("U") + "; enable D; enable D::s"},
         {document(route("D", "0", session(topics("T"), OFF))), document(route("D", "0", session(topics("T")), OFF)),
          "disable D; update D::s <session enabled=\"true\"></session>"},
-        {document(route("D", "0", session(topics("T")))), document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))),
-         "update D::s <session>" + PROPERTY + PARTITION + "</session>"},
-        {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY))),
-         "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + "</session>"},
+        {document(route("D", "0", session(topics("T")))), document(route("D", "0", session(topics("T") + PROPERTY + PARTITION + "<reporting><sampling_period><nanosec>50</nanosec></sampling_period></reporting>"))),
+         "update D::s <session>" + PROPERTY + PARTITION + REPORT + "</session>"},
+        {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY + REPORT))),
+         "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
         {document(route("D", "0", "<session name='s'/>")), document(route("D", "0", "<polling_session name='s'><polling_period/></polling_session>")),
          "delete D::s; create D <polling_session name=\"s\"><polling_period/></polling_session>"},
         {document(""), document("<administration><domain_id>3</domain_id></administration>", "<qos_library name='Q'/>"),
@@ -145,7 +146,8 @@ public:
         varies_.seed(seed_ * 7 + variation);
         random_.seed(seed_ % 8 == 0 ? seed_ + variation : seed_);
         std::string text = "<dds>" + maybe(3, "<types>" + some(3, &Generator::type) + "</types>") +
-                           "<qos_library name=\"Q\">" + some(2, &Generator::profile) + "</qos_library>" +
+                           "<qos_library name=\"Q\">" + profile("a") + profile("b") + "</qos_library>" +
+                           plugins("adapter") + plugins("transformation") +
                            (variation != 0 && seed_ % 4 == 1 ? "<qos_library name=\"R\"/>" : "") +
                            "<routing_service name=\"S\">" + maybe(4, administration()) + maybe(2, property());
         return text + some(4, &Generator::domainRoute) + "</routing_service></dds>";
@@ -164,6 +166,15 @@ private:
         path_ = path;
         random_ = random;
         return text;
+    }
+    static std::string plugins(const std::string& kind) {
+        std::string text = "<" + kind + "_library name=\"L\">";
+        for (const char* name : {"0", "1"}) {
+            text.append("<" + kind + "_plugin name=\"").append(name);
+            text += "\"><library_file>l.so</library_file><factory_function>f</factory_function></" + kind +
+                    "_plugin>";
+        }
+        return text + "</" + kind + "_library>";
     }
     std::string number(std::size_t end) { return std::to_string(below(end)); }
     std::string maybe(std::size_t oneIn, const std::string& text) { return below(oneIn) == 0 ? text : ""; }
@@ -192,11 +203,11 @@ private:
     }
     std::string property() { return element("property", element("value", some(3, &Generator::pair))); }
     std::string text(const std::string& name) { return element("element", name); }
-    std::string qos(const std::string& tag) {
-        return "<" + tag +
-               maybe(4, " base_name=\"Q::" + std::string(1, static_cast<char>('a' + below(2))) + "\"") + ">" +
-               maybe(2, element("history", maybe(2, element("depth", number(3))) +
-                                               maybe(2, element("kind", number(2))))) +
+    std::string qos(const std::string& tag, const std::string& base = {}) {
+        const char* kind = below(2) ? "KEEP_LAST_HISTORY_QOS" : "KEEP_ALL_HISTORY_QOS";
+        return "<" + tag + maybe(4, base) + ">" +
+               maybe(2, element("history", maybe(2, element("depth", "1" + number(3))) +
+                                               maybe(2, element("kind", kind)))) +
                maybe(2, element("deadline", element("period", maybe(2, element("sec", number(2))) +
                                                                   maybe(2, element("nanosec", number(2)))))) +
                maybe(4, property()) + "</" + tag + ">";
@@ -214,18 +225,19 @@ private:
         return element("participant_" + side,
                        maybe(3, peers) + element("domain_id", number(3)) + maybe(4, property()));
     }
-    std::string side(const std::string& side) {
-        return below(6) == 0 ? "<connection_" + side + " plugin_name=\"L::" + number(2) + "\">" +
-                                   maybe(2, property()) + "</connection_" + side + ">"
-                             : participant(side);
+    std::string connection(const std::string& side) {
+        return "<connection_" + side + " plugin_name=\"L::" + number(2) + "\">" + maybe(2, property()) +
+               "</connection_" + side + ">";
     }
     std::string domainRoute(const std::string& name) {
         return entity(name, [&] { return domainRouteText(name); });
     }
     std::string domainRouteText(const std::string& name) {
-        return "<domain_route name=\"" + name + "\"" + enabled() + ">" + maybe(3, property()) + side("1") +
-               maybe(4, element("documentation", number(2))) + side("2") + some(3, &Generator::session) +
-               "</domain_route>";
+        hasAdapter_ = below(5) == 0;
+        return "<domain_route name=\"" + name + "\"" + enabled() + ">" + maybe(3, property()) +
+               (hasAdapter_ ? connection("1") : participant("1")) +
+               maybe(4, element("documentation", number(2))) + participant("2") +
+               some(3, &Generator::session) + "</domain_route>";
     }
     std::string session(const std::string& name) {
         return entity(name, [&] { return sessionText(name); });
@@ -240,12 +252,20 @@ private:
                (tag == "session" ? "" : element("polling_period", maybe(2, element("sec", number(2))))) +
                some(3, &Generator::route) + "</" + tag + ">";
     }
-    std::string end(const std::string& tag, const std::string& qosTag) {
+    std::string end(const std::string& tag, bool isAuto) {
+        const bool isInput = tag == "input";
+        const bool isAdapter = isInput && hasAdapter_;
+        const std::string name =
+            (isAuto ? "allow_" : "") + std::string(isAdapter ? "stream_name" : "topic_name");
+        const std::string base =
+            " base_name=\"Q::" + std::string(1, static_cast<char>('a' + below(2))) + "\"";
         return "<" + tag + ">" + maybe(3, element("creation_mode", below(2) ? "IMMEDIATE" : "ON_BOTH")) +
-               maybe(3, element("topic_name", number(2))) + maybe(3, qos(qosTag)) +
-               (tag == "output" ? ""
-                                : maybe(4, element("content_filter", element("expression", number(2)) +
-                                                                         some(2, &Generator::parameter)))) +
+               (isInput && !isAuto ? element(name, number(2)) : maybe(3, element(name, number(2)))) +
+               maybe(3, isAdapter ? property() : qos(isInput ? "datareader_qos" : "datawriter_qos", base)) +
+               (!isInput || isAdapter
+                    ? ""
+                    : maybe(4, element("content_filter", element("expression", "x = " + number(2)) +
+                                                             some(2, &Generator::parameter)))) +
                "</" + tag + ">";
     }
     std::string parameter(const std::string& name) { return element("parameter", name); }
@@ -254,18 +274,19 @@ private:
     }
     std::string routeText(const std::string& name) {
         constexpr const char* TAGS[] = {"topic_route", "auto_topic_route", "route", "auto_route"};
-        const std::size_t kind = below(4);
+        const bool isAuto = below(2) == 0;
+        const std::size_t kind = (hasAdapter_ ? 2U : 0U) + (isAuto ? 1U : 0U);
         return std::string("<") + TAGS[kind] + " name=\"" + name + "\"" + enabled() + ">" +
-               maybe(4, element("forward_dispose", below(2) ? "true" : "false")) +
-               end("input", "datareader_qos") +
-               (kind % 2 == 0 ? maybe(4, "<transformation plugin_name=\"L::" + number(2) + "\"/>") : "") +
-               end("output", "datawriter_qos") + maybe(4, property()) + "</" + TAGS[kind] + ">";
+               maybe(4, element("forward_dispose", below(2) ? "true" : "false")) + end("input", isAuto) +
+               (!isAuto ? maybe(4, "<transformation plugin_name=\"L::" + number(2) + "\"/>") : "") +
+               end("output", isAuto) + maybe(4, property()) + "</" + TAGS[kind] + ">";
     }
     const unsigned seed_;
     unsigned variation_ = 0;
     std::mt19937 random_;
     std::mt19937 varies_;
     std::string path_;
+    bool hasAdapter_ = false; // the domain route that is under way
 };
 
 // Puts back as the program does, from whatever runs now.

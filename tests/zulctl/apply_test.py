@@ -2,11 +2,12 @@
 
 import os
 import signal
+import subprocess
 import tempfile
 import unittest
 
 from control import ControlTest
-from processes import Program
+from processes import BIN, Program
 
 SIDES = '<participant_1><domain_id>0</domain_id></participant_1><participant_2><domain_id>1</domain_id></participant_2>'
 PLAN = "1. delete Old\n2. update D: <domain_route><documentation>x</documentation></domain_route>\n3. enable D\n4. create in the router: " \
@@ -120,13 +121,17 @@ class Apply(ControlTest):
             with self.subTest(arguments):
                 found, _, log = self.control(*arguments, input=b"y\n")
                 self.assertEqual((found, reason in log), (status, True), log)
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            unseen = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "--discovery", "0.5", "apply", "r1", "wanted.xml", "--yes"],
+                                    stdout=full, stderr=subprocess.PIPE, text=True, check=False, timeout=60)
+        self.assertEqual((unseen.returncode, "the plan cannot be shown; nothing was sent" in unseen.stderr), (2, True))
         router.read(0)
         self.assertEqual((self.requests(router), self.read("kept.xml")), ([], "mine"))
         self.assertEqual(self.control("apply", "r1", "long.xml", "--yes")[0], 0)
         self.assertIn("too long: nnn", self.control("apply", "r1", "longer.xml", "--yes")[2])
         self.practice()
-        for command in (("diff", "r1", "before.xml"), ("apply", "r1", "wanted.xml", "--yes"), ("restore", "r1", "wanted.xml", "--yes")):
-            status, out, log = self.run_text("--discovery", "1.5", *command)
+        for command in ("apply", "restore"):
+            status, out, log = self.run_text("--discovery", "1.5", command, "r1", "wanted.xml", "--yes")
             self.assertEqual((status, out), (4, ""))
             self.assertRegex(log, r"several routers are called r1: [0-9a-f.]{26}, [0-9a-f.]{26};")
 
