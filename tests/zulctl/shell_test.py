@@ -3,7 +3,9 @@
 import fcntl
 import json
 import os
+import pty
 import re
+import select
 import signal
 import stat
 import struct
@@ -212,6 +214,37 @@ class Shell(ControlTest):
             waiting.expect("Subcommands")
             waiting.signal(signal.SIGINT)
             self.assertEqual(waiting.wait()[0], 5)
+
+    def test_a_long_upload_shows_how_far_it_is_on_a_terminal_only(self):
+        router = self.router("big", "--count-only")
+        document = os.path.join(self.home, "document")
+        with open(document, "w", encoding="ascii") as file:
+            file.write("x" * 6_000_000)
+        master, terminal = pty.openpty()
+        self.addCleanup(os.close, master)
+        shell = self.enterContext(subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "shell"], stdin=subprocess.PIPE,
+                                                   stdout=subprocess.PIPE, stderr=terminal))
+        os.close(terminal)
+        def run(line):
+            shell.stdin.write(f"{line}\n".encode())
+            shell.stdin.flush()
+        run("enable big none")
+        self.assertIn(b"big: ", shell.stdout.readline())
+        router.signal(signal.SIGSTOP)  # its window fills
+        run(f"load big c --file {document}")
+        shown = b""
+        while not re.search(rb"\rbig: 4\.\d MB of 6\.0 MB sent", shown):
+            shown = shown[-100:] + os.read(master, 1024)
+        router.signal(signal.SIGCONT)
+        self.assertIn(b"big: ", shell.stdout.readline())
+        shell.stdin.close()
+        while select.select([master], [], [], 0)[0] or shell.poll() is None:
+            try:
+                shown = (shown + os.read(master, 1024))[-200:]
+            except OSError:  # it is closed
+                break
+        self.assertRegex(shown, rb"sent\r {20,}\r\Z")
+        self.assertEqual(self.run_text("load", "big", "c", "--file", document)[2], "")
 
     def test_without_a_place_for_the_history_one_warning(self):
         blocked = os.path.join(self.home, "file")
