@@ -106,6 +106,7 @@ class Shell(ControlTest):
         first.type(INTERRUPT, "zulctl> ")
         first.type("enable r two\n", "named two\n")
         first.type("enable r 'a  b\\'\"c \\\"\" \n", r"named a b\\c \"\n")
+        first.type(b"enable r \xffW\xc3\xbc\n", "named \ufffdW\u00fc\n")
         first.type("'\n", "zulctl> ")
         first.send(END)
         self.assertEqual(first.wait()[0], 2)
@@ -115,7 +116,7 @@ class Shell(ControlTest):
         with open(first.lines, encoding="utf-8") as file:
             self.assertEqual(file.read().splitlines()[:2], ["enable r none", "enable r two"])
         second = self.start()
-        second.type(3 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
+        second.type(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
         second.prompt()
         second.type(SEARCH + "non", "none")
         second.type("\n", "named none\n")
