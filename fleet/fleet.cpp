@@ -200,7 +200,10 @@ void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& 
         // What only announces a router is no answer, except to a greeting.
         if (response.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT ||
             command.kind == GREETING.kind) {
-            gathering.add(response);
+            const Answer* part = gathering.add(response);
+            if (part != nullptr && onProgress_) {
+                onProgress_({.router = part->router, .bytes = part->message.size(), .parts = part->parts});
+            }
         }
     }
     for (Answer& answer : gathering.takeEnded()) {
@@ -262,9 +265,15 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
             onResult(unsent(name, command));
             continue;
         }
+        Domain::OnPiece onPiece;
+        if (onProgress_) {
+            onPiece = [this, &name](std::size_t sent, std::size_t total) {
+                onProgress_({.router = name, .bytes = sent, .total = total});
+            };
+        }
         std::int32_t invocation = 0;
-        switch (
-            domain_.send(settings_.product, command, name, Clock::now() + settings_.timeout, invocation)) {
+        switch (domain_.send(settings_.product, command, name, Clock::now() + settings_.timeout, invocation,
+                             onPiece)) {
         case Sent::YES:
             gathering.expect(invocation, name, reached.routers, Clock::now());
             break;

@@ -33,6 +33,15 @@ struct Result {
 };
 using OnResult = std::function<void(Result&&)>;
 
+// How far an upload to a router or its answer is.
+struct Progress {
+    std::string router{};
+    std::size_t bytes = 0;
+    std::size_t total = 0; // of an upload; 0: this is an answer, of which nobody knows how long it will be
+    std::size_t parts = 0; // of an answer
+};
+using OnProgress = std::function<void(const Progress&)>;
+
 // A router that is there.
 struct RouterRow {
     std::string name{}; // empty when it tells none
@@ -65,6 +74,9 @@ public:
     // asked. The command must not be one to refuse.
     void ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult);
 
+    // From now on `ask` tells of what takes several samples.
+    void onProgress(OnProgress callback) { onProgress_ = std::move(callback); }
+
     // Looks for the router, asks it when it can be asked, and says why it is silent, or that it is not.
     // `others` are domains that may have it instead.
     Cause why(const std::string& name, const std::vector<Domain*>& others);
@@ -91,6 +103,7 @@ private:
     Domain& domain_;
     Wakeup& wakeup_;
     Settings settings_;
+    OnProgress onProgress_{};
     std::map<std::int32_t, std::string> greetings_; // names that were greeted, by invocation
     Clock::time_point nextGreeting_{};
 };

@@ -61,10 +61,10 @@ Gathering::Wait* Gathering::find(std::int32_t invocation, const GuidPrefix& writ
     return free;
 }
 
-void Gathering::add(const Response& response) {
+const Answer* Gathering::add(const Response& response) {
     Wait* wait = find(response.invocation, response.writer);
     if (wait == nullptr || wait->hasEnded) {
-        return;
+        return nullptr;
     }
     if (response.message.size() > MAX_ANSWER - wait->answer.message.size()) {
         wait->answer.message = "its answer is longer than " + std::to_string(MAX_ANSWER) + " bytes";
@@ -77,7 +77,9 @@ void Gathering::add(const Response& response) {
     wait->answer.took = std::chrono::duration_cast<std::chrono::milliseconds>(response.at - wait->begin);
     if (response.isFinal) {
         end(*wait, statusOf(response.kind));
+        return nullptr;
     }
+    return &wait->answer;
 }
 
 void Gathering::end(Wait& wait, Status status) {

@@ -50,8 +50,9 @@ public:
     // is none, one answer is enough.
     void expect(std::int32_t invocation, const std::string& router, const std::vector<GuidPrefix>& routers,
                 Clock::time_point sent);
-    // Credits a response, or drops it: a foreign, a late or a duplicate one.
-    void add(const Response& response);
+    // Credits a response, or drops it: a foreign, a late or a duplicate one. Returns what there is now of an
+    // answer that goes on; valid until the next call. Null: dropped, or it was the last part.
+    const Answer* add(const Response& response);
     // A participant is gone: it is not waited for.
     void lose(const GuidPrefix& participant);
     // Ends the waits whose time is up.

@@ -112,6 +112,7 @@ int request(const Arguments& arguments, Session& session, Output& output) {
     refuseBadNames(command, arguments.routers);
     Domain& domain = session.domain(arguments.domain, arguments.settings.product);
     Fleet fleet(domain, session.wakeup(), arguments.settings);
+    fleet.onProgress(output.progress().callback());
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(command, names);
     const bool hasPlace = arguments.output && arguments.output->find(ROUTER_PLACE) != std::string::npos;
@@ -153,6 +154,7 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     refuseBadNames(update, arguments.routers);
     Domain& domain = session.domain(arguments.domain, arguments.settings.product);
     Fleet fleet(domain, wakeup, arguments.settings);
+    fleet.onProgress(output.progress().callback());
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(update, names);
     Outcome outcome;
@@ -276,6 +278,7 @@ int runCommand(const Arguments& arguments, Session& session) {
         }
     } catch (const Failure& failure) {
         if (!wakeup.isInterrupted() && !failure.message.empty()) {
+            output.progress().clear();
             std::fprintf(stderr, "zulctl: %s\n", oneLine(failure.message).c_str());
         }
         status = failure.status;

@@ -185,10 +185,11 @@ prompt::Completions Completion::complete(const std::string& typed) {
     if (place.isAll) {
         place.words.insert(place.words.begin(), "*");
     }
-    if (place.words.size() >= places.size()) {
+    const bool repeats = !places.empty() && places.back().ends_with("...");
+    if (place.words.size() >= places.size() && !repeats) {
         return {};
     }
-    const std::string& wanted = places[place.words.size()];
+    const std::string& wanted = places[std::min(place.words.size(), places.size() - 1)];
     if (wanted == "ROUTERS" || wanted == "ROUTER") {
         const std::size_t comma = wanted == "ROUTERS" ? word.rfind(',') : std::string::npos;
         const std::string before = comma == std::string::npos ? "" : word.substr(0, comma + 1);

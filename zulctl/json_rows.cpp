@@ -1,18 +1,13 @@
 // The members of a row keep the order in which they are written here.
 #include "zulctl/json_rows.h"
 
+#include "zulctl/json.h"
+
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 namespace zul::ctl {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 const char* nameOf(fleet::Status status) {
     static constexpr const char* NAMES[] = {"ok", "error", "not_found", "no_answer", "interrupted"};

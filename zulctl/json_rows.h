@@ -28,7 +28,7 @@ struct ApplyEnd {
     std::string backup; // a file; empty when none was written
 };
 
-// Without a line feed. Bytes that are no UTF-8 become U+FFFD.
+// Without a line feed.
 std::string jsonRow(const fleet::Result& result);
 std::string jsonRow(const fleet::RouterRow& row);
 std::string jsonRow(const std::string& router, const fleet::Cause& cause);

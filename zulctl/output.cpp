@@ -33,6 +33,7 @@ std::string oneLine(std::string_view text) {
 
 void Output::write(std::string_view text) {
     if (failure_ == 0) {
+        progress_.clear();
         ZULTerminal_print(stdout, text);
     }
 }
@@ -69,6 +70,7 @@ void Output::printText(const fleet::Result& result, bool isOneOfSeveral) {
     if (isJson_) {
         print(result);
     } else if (result.status != fleet::Status::OK) {
+        progress_.clear();
         std::fprintf(stderr, "zulctl: %s: ", oneLine(result.router).c_str());
         ZULTerminal_print(stderr, wordsOf(result.status) + result.message + "\n");
     } else {

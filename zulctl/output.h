@@ -3,6 +3,7 @@
 #pragma once
 
 #include "zulctl/json_rows.h"
+#include "zulctl/progress.h"
 
 #include <string>
 #include <string_view>
@@ -22,6 +23,8 @@ public:
     void printText(const fleet::Result& result, bool isOneOfSeveral);
     void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
     void print(const std::string& router, const fleet::Cause& cause);
+    // How far a command is, until there are results.
+    ProgressLine& progress() { return progress_; }
     // A line that is ready to be shown.
     void printLine(std::string_view line) { writeLine(line); }
     void print(const plan::Difference& difference);
@@ -41,6 +44,7 @@ private:
     void writeLine(std::string_view text);
 
     bool isJson_;
+    ProgressLine progress_;
     int failure_ = 0; // errno of the first write that failed
 };
 

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <sys/eventfd.h>
 #include <system_error>
-#include <termios.h>
 #include <unistd.h>
 
 namespace zul::ctl {
@@ -133,6 +132,19 @@ bool PromptSignals::isEnding() const {
 
 bool PromptSignals::takeRedraw() {
     return g_redraw.exchange(false);
+}
+
+UsualTerminal::UsualTerminal() {
+    if (g_hasTerminal.load() && tcgetattr(STDIN_FILENO, &before_) == 0) {
+        isChanged_ = true;
+        restoreTerminal();
+    }
+}
+
+UsualTerminal::~UsualTerminal() {
+    if (isChanged_) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+    }
 }
 
 } // namespace zul::ctl

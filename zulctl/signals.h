@@ -3,6 +3,8 @@
 
 #include "fleet/wakeup.h"
 
+#include <termios.h>
+
 namespace zul::ctl {
 
 // From here a signal ends the program at once; and from a call with a wakeup until one with null it ends the
@@ -26,6 +28,20 @@ public:
     bool isEnding() const;
     // The size of the terminal has changed, or the program goes on after it was stopped.
     bool takeRedraw();
+};
+
+// For a question in the middle of a command: meanwhile the terminal shows what is typed and edits lines, at a
+// prompt as anywhere.
+class UsualTerminal {
+public:
+    UsualTerminal();
+    ~UsualTerminal();
+    UsualTerminal(const UsualTerminal&) = delete;
+    UsualTerminal& operator=(const UsualTerminal&) = delete;
+
+private:
+    bool isChanged_ = false;
+    termios before_;
 };
 
 } // namespace zul::ctl

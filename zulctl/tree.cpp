@@ -113,6 +113,7 @@ int showTrees(const Arguments& arguments, Session& session, Output& output) {
     refuseBadNames(command, arguments.routers);
     fleet::Domain& domain = session.domain(arguments.domain, arguments.settings.product);
     fleet::Fleet fleet(domain, session.wakeup(), arguments.settings);
+    fleet.onProgress(output.progress().callback());
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(command, names);
     Outcome outcome;

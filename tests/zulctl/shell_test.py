@@ -3,7 +3,9 @@
 import fcntl
 import json
 import os
+import pty
 import re
+import select
 import signal
 import stat
 import struct
@@ -104,6 +106,7 @@ class Shell(ControlTest):
         first.type(INTERRUPT, "zulctl> ")
         first.type("enable r two\n", "named two\n")
         first.type("enable r 'a  b\\'\"c \\\"\" \n", r"named a b\\c \"\n")
+        first.type(b"enable r \xffW\xc3\xbc\n", "named \ufffdW\u00fc\n")
         first.type("'\n", "zulctl> ")
         first.send(END)
         self.assertEqual(first.wait()[0], 2)
@@ -113,7 +116,7 @@ class Shell(ControlTest):
         with open(first.lines, encoding="utf-8") as file:
             self.assertEqual(file.read().splitlines()[:2], ["enable r none", "enable r two"])
         second = self.start()
-        second.type(3 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
+        second.type(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
         second.prompt()
         second.type(SEARCH + "non", "none")
         second.type("\n", "named none\n")
@@ -212,6 +215,37 @@ class Shell(ControlTest):
             waiting.expect("Subcommands")
             waiting.signal(signal.SIGINT)
             self.assertEqual(waiting.wait()[0], 5)
+
+    def test_a_long_upload_shows_how_far_it_is_on_a_terminal_only(self):
+        router = self.router("big", "--count-only")
+        document = os.path.join(self.home, "document")
+        with open(document, "w", encoding="ascii") as file:
+            file.write("x" * 6_000_000)
+        master, terminal = pty.openpty()
+        self.addCleanup(os.close, master)
+        shell = self.enterContext(subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "shell"], stdin=subprocess.PIPE,
+                                                   stdout=subprocess.PIPE, stderr=terminal))
+        os.close(terminal)
+        def run(line):
+            shell.stdin.write(f"{line}\n".encode())
+            shell.stdin.flush()
+        run("enable big none")
+        self.assertIn(b"big: ", shell.stdout.readline())
+        router.signal(signal.SIGSTOP)  # its window fills
+        run(f"load big c --file {document}")
+        shown = b""
+        while not re.search(rb"\rbig: 4\.\d MB of 6\.0 MB sent", shown):
+            shown = shown[-100:] + os.read(master, 1024)
+        router.signal(signal.SIGCONT)
+        self.assertIn(b"big: ", shell.stdout.readline())
+        shell.stdin.close()
+        while select.select([master], [], [], 0)[0] or shell.poll() is None:
+            try:
+                shown = (shown + os.read(master, 1024))[-200:]
+            except OSError:  # it is closed
+                break
+        self.assertRegex(shown, rb"sent\r {20,}\r\Z")
+        self.assertEqual(self.run_text("load", "big", "c", "--file", document)[2], "")
 
     def test_without_a_place_for_the_history_one_warning(self):
         blocked = os.path.join(self.home, "file")

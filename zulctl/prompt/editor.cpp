@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t MAX_LISTED = 200; // words
 constexpr std::size_t USUAL_WIDTH = 80;
+constexpr wchar_t REPLACEMENT = L'\xFFFD'; // of bytes that are no character
 
 // clang-format off
 constexpr const char* BINDINGS[][2] = {
@@ -133,9 +134,12 @@ Got Editor::readCharacter(wchar_t& character) {
             return got_;
         }
         const std::size_t length = std::mbrtowc(&character, &byte, 1, &library_->decoding);
-        if (length == static_cast<std::size_t>(-1)) { // no character: it is dropped
+        if (length == static_cast<std::size_t>(-1)) { // not left out, or a name would become another
             library_->decoding = {};
-        } else if (length != static_cast<std::size_t>(-2)) {
+            character = REPLACEMENT;
+            return got_;
+        }
+        if (length != static_cast<std::size_t>(-2)) {
             return got_;
         }
     }
