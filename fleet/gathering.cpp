@@ -69,7 +69,7 @@ const Answer* Gathering::add(const Response& response) {
     if (response.message.size() > MAX_ANSWER - wait->answer.message.size()) {
         wait->answer.message = "its answer is longer than " + std::to_string(MAX_ANSWER) + " bytes";
         end(*wait, Status::ERROR);
-        return;
+        return nullptr;
     }
     wait->answer.message += response.message;
     ++wait->answer.parts;
