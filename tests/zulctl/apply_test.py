@@ -174,14 +174,17 @@ class Apply(ControlTest):
 
     def test_an_interrupt_in_the_middle_leaves_what_ran(self):
         router = self.practice("--delay-ms", "300")
-        for interrupts, outcome in ((1, "what ran before runs again"), (2, "putting back failed: .* restore r1 r1.backup-2.xml")):
+        back, failed = "what ran before runs again", "putting back failed: .* restore r1 r1.backup(-[0-9])?.xml"
+        for answer, what, interrupts, outcome in (("delete: deleted Old", "update of D was interrupted", 1, back),
+                                                  ("create: created New", "reading back failed", 1, back),
+                                                  ("delete: deleted Old", "update of D was interrupted", 2, failed)):
             with Program("zulctl", "-d", self.domain, "--discovery", "0.5", "apply", "r1", "wanted.xml", "--yes") as applying:
-                applying.expect("r1: delete: deleted Old\n")
+                applying.expect(f"r1: {answer}\n")
                 applying.signal(signal.SIGINT)
-                applying.expect("update of D was interrupted; putting back what ran\n")
+                applying.expect(f"{what}[^\n]*; putting back what ran\n")
                 if interrupts == 2:
                     applying.signal(signal.SIGINT)
-                applying.expect(f"r1: update of D was interrupted; [^\n]*{outcome}\n")
+                applying.expect(f"r1: {what}[^\n]*; [^\n]*{outcome}\n")
                 self.assertEqual(applying.wait()[0], 5)
             if interrupts == 1:
                 self.assert_runs("before.xml")
