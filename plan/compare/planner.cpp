@@ -5,7 +5,6 @@
 #include "plan/compare/snippet.h"
 #include "plan/document/children.h"
 #include "plan/document/definition.h"
-#include "plan/document/document.h"
 #include "plan/document/entity.h"
 #include "plan/document/merge.h"
 #include "plan/document/text.h"
@@ -116,6 +115,38 @@ private:
 
 std::string pathIn(const std::string& parent, const xmlNode* entity) {
     return parent.empty() ? nameOf(entity) : parent + std::string(PATH_SEPARATOR) + nameOf(entity);
+}
+
+void checkElement(const xmlNode* element) {
+    const auto refuse = [](const xmlNode* at, const std::string& what) {
+        const int line = lineOf(at); // none in what was copied
+        throw Refusal{(line > 0 ? "line " + std::to_string(line) + ": " : "") + describe(at) + what};
+    };
+    const ContentModel* content = Definition::ofProduct().contentOf(tagOf(element));
+    if (content == nullptr) {
+        refuse(element, " is not known");
+    }
+    ContentModel::State state = content->begin();
+    for (const xmlNode* child : elementsIn(element)) {
+        const auto next = content->after(state, tagOf(child));
+        if (!next) {
+            refuse(child, " cannot stand here; expected " + content->expected(state));
+        }
+        state = *next;
+        checkElement(child);
+    }
+    if (!state.isComplete) {
+        refuse(element, " is not complete; expected " + content->expected(state));
+    }
+}
+
+// Which elements are where, which a merge counts on. What a router runs may hold values that only it knows.
+void checkForms(const xmlDoc* document, const std::string& whose) {
+    try {
+        checkElement(xmlDocGetRootElement(document));
+    } catch (const Refusal& refusal) {
+        throw Refusal{whose + refusal.why};
+    }
 }
 
 std::string listed(const std::vector<Difference>& differences) {
@@ -270,24 +301,12 @@ Plan Planner::plan() {
         visitChildren(service_, wantedService_, {}, {});
     }
     refuseWhatIsLeft();
-    try {
-        checkDocument(work_.get(), {});
-    } catch (const Refusal& refusal) {
-        throw Refusal{"what would run after the commands is not valid: " + refusal.why};
-    }
+    checkForms(work_.get(), "what would run after the commands: ");
     return std::move(steps_);
 }
 
 xmlNode* require(xmlNode* entity, const std::string& path) {
     return entity != nullptr ? entity : throw Refusal{.why = "no entity named " + path, .isMissing = true};
-}
-
-void checkForPlan(const xmlDoc* document, const char* whose) {
-    try {
-        checkDocument(document, {});
-    } catch (const Refusal& refusal) {
-        throw Refusal{whose + refusal.why};
-    }
 }
 
 } // namespace
@@ -319,8 +338,8 @@ void play(const Step& step, xmlDoc* document, std::string_view configuration) {
 }
 
 Plan makePlan(const xmlDoc* running, const xmlDoc* wanted, std::string_view configuration) {
-    checkForPlan(running, "the router's own document: ");
-    checkForPlan(wanted, "what is wanted: ");
+    checkForms(running, "the router's own document: ");
+    checkForms(wanted, "what is wanted: ");
     return Planner(running, wanted, configuration).plan();
 }
 
