@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace zul::plan {
 
@@ -127,7 +128,13 @@ void checkElement(const xmlNode* element) {
         refuse(element, " is not known");
     }
     ContentModel::State state = content->begin();
+    std::unordered_set<std::string> names;
     for (const xmlNode* child : elementsIn(element)) {
+        const std::string name = levelOf(child) ? nameOf(child) : "";
+        if (levelOf(child) &&
+            (name.empty() || name.find(PATH_SEPARATOR) != std::string::npos || !names.insert(name).second)) {
+            refuse(child, " has no name of its own, so no command can be for it");
+        }
         const auto next = content->after(state, tagOf(child));
         if (!next) {
             refuse(child, " cannot stand here; expected " + content->expected(state));
@@ -140,7 +147,8 @@ void checkElement(const xmlNode* element) {
     }
 }
 
-// Which elements are where, which a merge counts on. What a router runs may hold values that only it knows.
+// Which elements are where, which a merge counts on, and the names that commands are addressed by. What a
+// router runs may hold values that only it knows.
 void checkForms(const xmlDoc* document, const std::string& whose) {
     try {
         checkElement(xmlDocGetRootElement(document));
@@ -319,6 +327,9 @@ void play(const Step& step, xmlDoc* document, std::string_view configuration) {
         setState(entity, {.enabled = step.kind == Kind::ENABLE, .paused = false});
         return;
     case Kind::REMOVE:
+        if (levelOf(entity) == EntityLevel::SERVICE) {
+            throw Refusal{"the router itself cannot be deleted"};
+        }
         Layout::remove(entity);
         return;
     case Kind::LOAD:

@@ -117,12 +117,13 @@ TEST(Planner, WhatNoCommandCanDoIsNotNamed) {
         {document("", "<qos_library name='Q'/><types><enum name='E'><enumerator name='a'/></enum></types>"), document(""),
          "wanted of /qos_library[Q], /types.enum[E].enumerator[a]; an update"},
         {document(""), document("<x/>"), "what is wanted: line 1"},
+        {document("<domain_route/>"), document(""), "the router's own document: line 1: domain_route has no name of its own"},
+        {document(route("D", "0", "") + route("D", "1", "")), document(""), "has no name of its own"},
+        {document(route("D::s", "0", "")), document(""), "has no name of its own"},
     };
     for (const auto& row : rows) {
-        const XmlDocument running = parse(row.running);
-        const XmlDocument wanted = parseXml(row.wanted, {});
         try {
-            ADD_FAILURE() << inWords(makePlan(running.get(), wanted.get(), "S"));
+            ADD_FAILURE() << inWords(makePlan(parse(row.running).get(), parse(row.wanted).get(), "S"));
         } catch (const Refusal& refusal) {
             EXPECT_NE(refusal.why.find(row.reason), std::string::npos) << refusal.why;
         }
