@@ -252,10 +252,17 @@ int Apply::run() {
         putBack(failure_, outcome);
         return outcome.status();
     }
-    const auto left = readBack(wanted_.document.get());
+    std::vector<plan::Difference> left;
+    try {
+        left = readBack(wanted_.document.get());
+    } catch (const Failure& failure) {
+        outcome.add(failure.status);
+        putBack("reading back failed: " + failure.message, outcome);
+        return outcome.status();
+    }
     if (!left.empty()) {
         end("differs", "every command was done, and yet it differs from " + arguments_.words.front() +
-                           " in " + left.front().path);
+                           " in " + left.front().path + "; to bring back what ran: " + restoreCommand());
         return EXIT_REFUSED;
     }
     end("applied", "runs what " + arguments_.words.front() + " says");

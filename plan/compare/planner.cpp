@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace zul::plan {
 
@@ -116,6 +117,45 @@ private:
 
 std::string pathIn(const std::string& parent, const xmlNode* entity) {
     return parent.empty() ? nameOf(entity) : parent + std::string(PATH_SEPARATOR) + nameOf(entity);
+}
+
+void checkElement(const xmlNode* element) {
+    const auto refuse = [](const xmlNode* at, const std::string& what) {
+        const int line = lineOf(at); // none in what was copied
+        throw Refusal{(line > 0 ? "line " + std::to_string(line) + ": " : "") + describe(at) + what};
+    };
+    const ContentModel* content = Definition::ofProduct().contentOf(tagOf(element));
+    if (content == nullptr) {
+        refuse(element, " is not known");
+    }
+    ContentModel::State state = content->begin();
+    std::unordered_set<std::string> names;
+    for (const xmlNode* child : elementsIn(element)) {
+        const std::string name = levelOf(child) ? nameOf(child) : "";
+        if (levelOf(child) &&
+            (name.empty() || name.find(PATH_SEPARATOR) != std::string::npos || !names.insert(name).second)) {
+            refuse(child, " has no name of its own, so no command can be for it");
+        }
+        const auto next = content->after(state, tagOf(child));
+        if (!next) {
+            refuse(child, " cannot stand here; expected " + content->expected(state));
+        }
+        state = *next;
+        checkElement(child);
+    }
+    if (!state.isComplete) {
+        refuse(element, " is not complete; expected " + content->expected(state));
+    }
+}
+
+// Which elements are where, which a merge counts on, and the names that commands are addressed by. What a
+// router runs may hold values that only it knows.
+void checkForms(const xmlDoc* document, const std::string& whose) {
+    try {
+        checkElement(xmlDocGetRootElement(document));
+    } catch (const Refusal& refusal) {
+        throw Refusal{whose + refusal.why};
+    }
 }
 
 std::string listed(const std::vector<Difference>& differences) {
@@ -270,24 +310,12 @@ Plan Planner::plan() {
         visitChildren(service_, wantedService_, {}, {});
     }
     refuseWhatIsLeft();
-    try {
-        checkDocument(work_.get(), {});
-    } catch (const Refusal& refusal) {
-        throw Refusal{"what would run after the commands is not valid: " + refusal.why};
-    }
+    checkForms(work_.get(), "what would run after the commands: ");
     return std::move(steps_);
 }
 
 xmlNode* require(xmlNode* entity, const std::string& path) {
     return entity != nullptr ? entity : throw Refusal{.why = "no entity named " + path, .isMissing = true};
-}
-
-void checkForPlan(const xmlDoc* document, const char* whose) {
-    try {
-        checkDocument(document, {});
-    } catch (const Refusal& refusal) {
-        throw Refusal{whose + refusal.why};
-    }
 }
 
 } // namespace
@@ -300,6 +328,9 @@ void play(const Step& step, xmlDoc* document, std::string_view configuration) {
         setState(entity, {.enabled = step.kind == Kind::ENABLE, .paused = false});
         return;
     case Kind::REMOVE:
+        if (levelOf(entity) == EntityLevel::SERVICE) {
+            throw Refusal{"the router itself cannot be deleted"};
+        }
         Layout::remove(entity);
         return;
     case Kind::LOAD:
@@ -319,8 +350,8 @@ void play(const Step& step, xmlDoc* document, std::string_view configuration) {
 }
 
 Plan makePlan(const xmlDoc* running, const xmlDoc* wanted, std::string_view configuration) {
-    checkForPlan(running, "the router's own document: ");
-    checkForPlan(wanted, "what is wanted: ");
+    checkForms(running, "the router's own document: ");
+    checkForms(wanted, "what is wanted: ");
     return Planner(running, wanted, configuration).plan();
 }
 

@@ -21,7 +21,7 @@ struct Step {
 using Plan = std::vector<Step>;
 
 // From what runs to what is wanted, both with a configuration of that name. Never loads. Refuses what no
-// command can express, with what that is, and a document that is not valid.
+// command can express, with what that is, and a document that does not follow the definition.
 Plan makePlan(const xmlDoc* running, const xmlDoc* wanted, std::string_view configuration);
 
 // Back to a document that ran before, whose text is `before`: the same, or where no other command can express

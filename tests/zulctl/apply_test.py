@@ -46,10 +46,10 @@ class Apply(ControlTest):
         return self.router(name, "--config", "before.xml", *options)
 
     def control(self, *arguments, **keywords):
-        return self.run_text("--discovery", "0.5", *arguments, **keywords)
+        return self.run_text("--discovery", "1" if arguments[0] in ("apply", "restore") else "10", *arguments, **keywords)
 
     def control_json(self, *arguments):
-        return self.run_json("--discovery", "0.5", *arguments)
+        return self.run_json("--discovery", "1", *arguments)
 
     def requests(self, router):
         """What the router was asked since the last look, without the gets."""
@@ -122,7 +122,7 @@ class Apply(ControlTest):
                 found, _, log = self.control(*arguments, input=b"y\n")
                 self.assertEqual((found, reason in log), (status, True), log)
         with open("/dev/full", "w", encoding="utf-8") as full:
-            unseen = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "--discovery", "0.5", "apply", "r1", "wanted.xml", "--yes"],
+            unseen = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "--discovery", "1", "apply", "r1", "wanted.xml", "--yes"],
                                     stdout=full, stderr=subprocess.PIPE, text=True, check=False, timeout=60)
         self.assertEqual((unseen.returncode, "the plan cannot be shown; nothing was sent" in unseen.stderr), (2, True))
         router.read(0)
@@ -148,7 +148,7 @@ class Apply(ControlTest):
     def test_the_answer_to_the_question_counts(self):
         router = self.practice()
         for answer, status in (("n\n", 5), ("\n", 5), ("\x03", 5), ("\x04", 5), ("yes\n", 0)):
-            with Program("zulctl", "-d", self.domain, "--discovery", "0.5", "apply", "r1", "wanted.xml", terminal=True) as asking:
+            with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "wanted.xml", terminal=True) as asking:
                 asking.until(lambda: asking.log.endswith("Send 4 commands to r1? [y/N] "), "the question")
                 self.assertEqual(self.requests(router), [])
                 asking.send(answer)
@@ -156,7 +156,7 @@ class Apply(ControlTest):
         router.read(0)
         self.assertEqual(self.requests(router), COMMANDS)
         # What runs changes while the operator thinks.
-        with Program("zulctl", "-d", self.domain, "--discovery", "0.5", "apply", "r1", "before.xml", terminal=True) as asking:
+        with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "before.xml", terminal=True) as asking:
             asking.until(lambda: "[y/N]" in asking.log, "the question")
             self.assertEqual(self.control("delete", "r1", "New")[0], 0)
             asking.send("y\n")
@@ -174,14 +174,17 @@ class Apply(ControlTest):
 
     def test_an_interrupt_in_the_middle_leaves_what_ran(self):
         router = self.practice("--delay-ms", "300")
-        for interrupts, outcome in ((1, "what ran before runs again"), (2, "putting back failed: .* restore r1 r1.backup-2.xml")):
-            with Program("zulctl", "-d", self.domain, "--discovery", "0.5", "apply", "r1", "wanted.xml", "--yes") as applying:
-                applying.expect("r1: delete: deleted Old\n")
+        back, failed = "what ran before runs again", "putting back failed: .* restore r1 r1.backup(-[0-9])?.xml"
+        for answer, what, interrupts, outcome in (("delete: deleted Old", "update of D was interrupted", 1, back),
+                                                  ("create: created New", "reading back failed", 1, back),
+                                                  ("delete: deleted Old", "update of D was interrupted", 2, failed)):
+            with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "wanted.xml", "--yes") as applying:
+                applying.expect(f"r1: {answer}\n")
                 applying.signal(signal.SIGINT)
-                applying.expect("update of D was interrupted; putting back what ran\n")
+                applying.expect(f"{what}[^\n]*; putting back what ran\n")
                 if interrupts == 2:
                     applying.signal(signal.SIGINT)
-                applying.expect(f"r1: update of D was interrupted; [^\n]*{outcome}\n")
+                applying.expect(f"r1: {what}[^\n]*; [^\n]*{outcome}\n")
                 self.assertEqual(applying.wait()[0], 5)
             if interrupts == 1:
                 self.assert_runs("before.xml")
@@ -191,7 +194,7 @@ class Apply(ControlTest):
 
     def test_a_router_that_dies_in_the_middle_is_told_of(self):
         router = self.practice("--delay-ms", "300")
-        with Program("zulctl", "-d", self.domain, "-t", "1.5", "--json", "--discovery", "0.5", "apply", "r1", "wanted.xml", "--yes") as applying:
+        with Program("zulctl", "-d", self.domain, "-t", "1.5", "--json", "--discovery", "1", "apply", "r1", "wanted.xml", "--yes") as applying:
             applying.expect('"deleted Old"')
             router.signal(signal.SIGKILL)
             applying.expect('"outcome":"not_put_back","message":"update of D was not answered; putting back failed: [^"]*'

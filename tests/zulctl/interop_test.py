@@ -52,7 +52,7 @@ class Interop(unittest.TestCase):
                 self.assertRegex(row["message"], "no configuration: line 1" if "tree" in arguments else r"\Apart 1, part 2\Z")
 
     def test_apply_plans_from_what_another_stack_says(self):
-        """Each request is exactly what was planned, and what runs at the end is read back."""
+        """Each request is exactly what was planned, and what runs at the end is read back and compared."""
         runs = '<dds><routing_service name="S">{}</routing_service></dds>'
         route = '<domain_route name="D"{}><connection_1 plugin_name="L::P"/><connection_2 plugin_name="L::P"/></domain_route>'
         stopped, running = runs.format(route.format(' enabled="false"')), runs.format(route.format(""))
@@ -63,22 +63,23 @@ class Interop(unittest.TestCase):
         wanted = os.path.join(folder, "wanted.xml")
         with open(wanted, "w", encoding="utf-8") as file:
             file.write(running)
-        with CycloneRouter(self.domain, "Routing") as router, Program(
-                "zulctl", "-d", self.domain, "--discovery", 5, "--json", "apply", os.fsdecode(ROUTER.encode("latin-1")), wanted, "--yes",
-                "--backup", os.path.join(folder, "before.xml")) as control:
-            requests = [((13, DUMMY, 0), stopped), ((7, NAME, "D"), "enabled D"), ((13, DUMMY, 0), running)]
-            while requests:
-                payload = router.request()[1]
-                identity = wire.identity_of(payload)
-                if payload == wire.request(identity, ROUTER, GREETING, DUMMY, 0):
-                    router.write(wire.response(identity, 1, "it is me", True, "<"))
-                    continue
-                request, answer = requests.pop(0)
-                self.assertEqual(payload, wire.request(identity, ROUTER, *request))
-                router.write(wire.response(identity, 0, answer[:99], False, ">"), wire.response(identity, 0, answer[99:], True, "<"))
-            status, out = control.wait()
-        rows = [json.loads(line) for line in out.splitlines()]
-        self.assertEqual((status, [faults(row, SCHEMA) for row in rows], rows[-1]["outcome"]), (0, [[]] * 3, "applied"))
+        for last, expected, outcome in ((running, 0, "applied"), (stopped, 1, "differs")):
+            with CycloneRouter(self.domain, "Routing") as router, Program(
+                    "zulctl", "-d", self.domain, "--discovery", 3, "--json", "apply", os.fsdecode(ROUTER.encode("latin-1")), wanted,
+                    "--yes", "--backup", os.path.join(folder, "before.xml")) as control:
+                requests = [((13, DUMMY, 0), stopped), ((7, NAME, "D"), "enabled D"), ((13, DUMMY, 0), last)]
+                while requests:
+                    payload = router.request()[1]
+                    identity = wire.identity_of(payload)
+                    if payload == wire.request(identity, ROUTER, GREETING, DUMMY, 0):
+                        router.write(wire.response(identity, 1, "it is me", True, "<"))
+                        continue
+                    request, answer = requests.pop(0)
+                    self.assertEqual(payload, wire.request(identity, ROUTER, *request))
+                    router.write(wire.response(identity, 0, answer[:99], False, ">"), wire.response(identity, 0, answer[99:], True, "<"))
+                status, out = control.wait()
+            rows = [json.loads(line) for line in out.splitlines()]
+            self.assertEqual((status, [faults(row, SCHEMA) for row in rows], rows[-1]["outcome"]), (expected, [[]] * 3, outcome))
 
 
 if __name__ == "__main__":
