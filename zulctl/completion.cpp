@@ -27,7 +27,7 @@ std::vector<std::string> beginning(std::vector<std::string> words, const std::st
         return !each.starts_with(word) || oneLine(each) != each || each.empty();
     });
     std::ranges::sort(words);
-    words.erase(std::ranges::unique(words).begin(), words.end());
+    words.erase(std::unique(words.begin(), words.end()), words.end());
     return words;
 }
 

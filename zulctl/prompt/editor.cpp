@@ -124,7 +124,7 @@ Editor::Editor(Input& input, std::FILE* screen, const char* prompt, Complete com
     el_set(line, EL_SIGNAL, 0);
     el_set(line, EL_HIST, history, library_->history);
     el_set(line, EL_EDITOR, "emacs");
-    el_set(line, EL_ADDFN, "complete-word", "Complete the word", Library::complete);
+    el_wset(line, EL_ADDFN, L"complete-word", L"Complete the word", Library::complete); // el_set leaks
     for (const auto& [key, function] : BINDINGS) {
         el_set(line, EL_BIND, key, function, nullptr);
     }
