@@ -142,6 +142,7 @@ Got Editor::readCharacter(wchar_t& character) {
             el_resize(library_->editor);
             el_set(library_->editor, EL_PREP_TERM, 0);
             el_set(library_->editor, EL_PREP_TERM, 1);
+            std::fputs("\r", screen_); // over what is shown
             el_set(library_->editor, EL_REFRESH);
             continue;
         }
