@@ -246,6 +246,7 @@ void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_
 
 void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult) {
     const auto end = Clock::now() + settings_.longest;
+    domain_.discovery().takeGone(); // of before; who went and came back is here
     Gathering gathering(settings_.timeout);
     const auto endsWith = [&](const std::string& name, Status status, const char* message) {
         onResult({.router = name,

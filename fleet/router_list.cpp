@@ -95,6 +95,7 @@ std::vector<RouterRow> list(const std::vector<Domain*>& domains, Wakeup& wakeup,
     std::vector<RouterRow> rows;
     std::vector<Round> rounds;
     for (Domain* domain : domains) {
+        domain->discovery().takeGone(); // of before
         Round& round = rounds.emplace_back(Round{domain, Gathering(settings.timeout)});
         for (const Product product : PRODUCTS) {
             addRows(rows, *domain, product);

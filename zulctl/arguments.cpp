@@ -187,7 +187,7 @@ double seconds(fleet::Clock::duration span) {
 // The options and commands, and what they store into.
 struct CommandLine {
     explicit CommandLine(const Arguments& defaults);
-    CLI::App* add(const CommandRow& row);
+    void add(const CommandRow& row);
 
     Arguments arguments{};
     Raw raw;
@@ -221,7 +221,7 @@ CommandLine::CommandLine(const Arguments& defaults)
     }
 }
 
-CLI::App* CommandLine::add(const CommandRow& row) {
+void CommandLine::add(const CommandRow& row) {
     CLI::App& command = *app.add_subcommand(row.name, row.help);
     command.fallthrough();
     command.callback([this, &row] { arguments.command = &row; });
@@ -247,7 +247,6 @@ CLI::App* CommandLine::add(const CommandRow& row) {
     if (row.hasSource) {
         addSource(command, row, arguments.source);
     }
-    return &command;
 }
 
 } // namespace

@@ -27,7 +27,7 @@ std::vector<std::string> beginning(std::vector<std::string> words, const std::st
         return !each.starts_with(word) || oneLine(each) != each || each.empty();
     });
     std::ranges::sort(words);
-    words.erase(std::ranges::unique(words).begin(), words.end());
+    words.erase(std::unique(words.begin(), words.end()), words.end());
     return words;
 }
 
@@ -61,13 +61,53 @@ std::vector<std::string> placesOf(const CommandRow& row) {
 
 // Where in a line a word is.
 struct Completion::Place {
+    bool isNowhere = false; // nothing is known to follow
+    bool isHelp = false;    // of the command that is wanted
     const CommandRow* command = nullptr;
-    std::string option{};             // whose value it is; empty: none
-    std::vector<std::string> words{}; // before it, without options and the command
-    bool isAll = false;
+    std::vector<Option> options = optionsOf(nullptr); // that may follow
+    std::string option{};                             // whose value it is; empty: none
+    std::vector<std::string> words{};                 // before it, without options and the command
     std::int32_t domain = 0;
     fleet::Product product{};
+
+    void pass(const std::string& word);
+    void passOption(const std::string& word);
 };
+
+void Completion::Place::passOption(const std::string& word) {
+    const auto known = std::ranges::find(options, word, &Option::name);
+    option = known != options.end() && !known->value.empty() ? word : "";
+    if (word == "--all") { // in place of ROUTERS
+        words.insert(words.begin(), "*");
+    } else if (word == "--federation") {
+        product = fleet::Product::FEDERATION;
+    }
+}
+
+// A word before the one that is completed.
+void Completion::Place::pass(const std::string& word) {
+    if (!option.empty()) {
+        if (option == "-d" || option == "--domain") {
+            domain = std::atoi(word.c_str());
+        }
+        option.clear();
+    } else if (word.starts_with('-') && word.size() > 1) {
+        passOption(word);
+    } else if (command != nullptr) {
+        words.push_back(word);
+    } else if (word == "help") {
+        isHelp = true;
+    } else {
+        const auto rows = commandRows();
+        const auto row =
+            std::ranges::find(rows, word, [](const auto& each) { return std::string(each.name); });
+        isNowhere = isNowhere || isHelp || row == rows.end();
+        if (!isNowhere) {
+            command = &*row;
+            options = optionsOf(command);
+        }
+    }
+}
 
 std::vector<std::string> Completion::routers(const Place& place) const {
     fleet::Domain* domain = session_.known(place.domain);
@@ -111,80 +151,10 @@ const std::vector<std::string>& Completion::paths(const Place& place) {
     return known.paths;
 }
 
-prompt::Completions Completion::complete(const std::string& typed) {
-    prompt::Line line = prompt::split(typed);
-    if (line.end == prompt::Line::End::IN_COMMENT) {
-        return {};
-    }
-    if (line.end == prompt::Line::End::BETWEEN_WORDS) {
-        line.words.emplace_back();
-    }
-    const std::string word = line.words.back();
-    line.words.pop_back();
-
-    Place place{.domain = defaults_.domain, .product = defaults_.settings.product};
-    std::vector<Option> options = optionsOf(nullptr);
-    bool isHelp = false;
-    for (const std::string& each : line.words) {
-        if (!place.option.empty()) {
-            if (place.option == "-d" || place.option == "--domain") {
-                place.domain = std::atoi(each.c_str());
-            }
-            place.option.clear();
-        } else if (each.starts_with('-') && each.size() > 1) {
-            const auto option = std::ranges::find(options, each, &Option::name);
-            place.option = option != options.end() && !option->value.empty() ? each : "";
-            place.isAll = place.isAll || each == "--all";
-            place.product = each == "--federation" ? fleet::Product::FEDERATION : place.product;
-        } else if (place.command == nullptr) {
-            const auto rows = commandRows();
-            const auto row =
-                std::ranges::find(rows, each, [](const auto& one) { return std::string(one.name); });
-            if (each == "help" && !isHelp) {
-                isHelp = true;
-            } else if (row == rows.end()) {
-                return {};
-            } else if (isHelp) {
-                return {};
-            } else {
-                place.command = &*row;
-                options = optionsOf(place.command);
-            }
-        } else {
-            place.words.push_back(each);
-        }
-    }
-    if (place.option == "--file" || place.option == "-o" || place.option == "--output") {
-        const auto files = beginning(filesLike(word), word);
-        return {files, files.size() != 1 || !files.front().ends_with('/')};
-    }
-    if (!place.option.empty()) {
-        return {};
-    }
+// What the word there may be, by the syntax of the command.
+std::vector<std::string> Completion::candidates(const Place& place, const std::string& word) {
     std::vector<std::string> words;
-    if (word.starts_with('-')) {
-        for (const Option& option : options) {
-            if (option.name.starts_with("--")) {
-                words.push_back(option.name);
-            }
-        }
-        return {beginning(words, word)};
-    }
-    if (place.command == nullptr) {
-        for (const CommandRow& row : commandRows()) {
-            if (row.kind != CommandRow::Kind::SHELL) {
-                words.emplace_back(row.name);
-            }
-        }
-        if (!isHelp) {
-            words.insert(words.end(), {"help", "exit", "quit"});
-        }
-        return {beginning(words, word)};
-    }
-    std::vector<std::string> places = placesOf(*place.command);
-    if (place.isAll) {
-        place.words.insert(place.words.begin(), "*");
-    }
+    const std::vector<std::string> places = placesOf(*place.command);
     const bool repeats = !places.empty() && places.back().ends_with("...");
     if (place.words.size() >= places.size() && !repeats) {
         return {};
@@ -209,8 +179,53 @@ prompt::Completions Completion::complete(const std::string& typed) {
     } else if (wanted.starts_with("FILE") || wanted == "BACKUP") {
         words = filesLike(word);
     }
-    const auto found = beginning(words, word);
-    return {found, found.size() != 1 || !found.front().ends_with('/')};
+    return words;
+}
+
+prompt::Completions Completion::complete(const std::string& typed) {
+    prompt::Line line = prompt::split(typed);
+    if (line.end == prompt::Line::End::BETWEEN_WORDS) {
+        line.words.emplace_back();
+    }
+    if (line.end == prompt::Line::End::IN_COMMENT || line.words.empty()) {
+        return {};
+    }
+    const std::string word = line.words.back();
+    line.words.pop_back();
+    Place place{.domain = defaults_.domain, .product = defaults_.settings.product};
+    for (const std::string& each : line.words) {
+        place.pass(each);
+    }
+    std::vector<std::string> words;
+    if (place.isNowhere) {
+        return {};
+    }
+    if (!place.option.empty()) {
+        if (place.option == "--file" || place.option == "-o" || place.option == "--output" ||
+            place.option == "--backup") {
+            words = filesLike(word);
+        }
+    } else if (word.starts_with('-')) {
+        for (const Option& option : place.options) {
+            if (option.name.starts_with("--")) {
+                words.push_back(option.name);
+            }
+        }
+    } else if (place.command != nullptr) {
+        words = candidates(place, word);
+    } else {
+        for (const CommandRow& row : commandRows()) {
+            if (row.kind != CommandRow::Kind::SHELL) {
+                words.emplace_back(row.name);
+            }
+        }
+        if (!place.isHelp) {
+            words.insert(words.end(), {"help", "exit", "quit"});
+        }
+    }
+    words = beginning(std::move(words), word);
+    const bool isFolder = words.size() == 1 && words.front().ends_with('/');
+    return {std::move(words), !isFolder};
 }
 
 } // namespace zul::ctl

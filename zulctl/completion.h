@@ -23,6 +23,7 @@ private:
         std::vector<std::string> paths{};
         fleet::Clock::time_point at{};
     };
+    std::vector<std::string> candidates(const Place& place, const std::string& word);
     std::vector<std::string> routers(const Place& place) const;
     const std::vector<std::string>& paths(const Place& place);
 

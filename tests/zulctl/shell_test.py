@@ -17,6 +17,7 @@ import unittest
 
 from control import ControlTest
 from processes import BIN, Program
+from why_test import SHORT_LEASE
 
 NESTED = """<domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1><participant_2><domain_id>6</domain_id>
 </participant_2><session name="s1" enabled="false"><auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route>
@@ -215,6 +216,23 @@ class Shell(ControlTest):
             waiting.expect("Subcommands")
             waiting.signal(signal.SIGINT)
             self.assertEqual(waiting.wait()[0], 5)
+
+    def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
+            profile.write(SHORT_LEASE)
+            profile.flush()
+            router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": profile.name})
+        shell = self.enterContext(Program("zulctl", "-d", self.domain, "--discovery", "0.1", "-t", "0.1", "shell"))
+        def ask(expected):
+            shell.repeat_until(lambda: shell.send("enable r none\n"), expected)
+        ask("no entity named none")
+        router.signal(signal.SIGSTOP)
+        ask("no answer: gone")
+        router.signal(signal.SIGCONT)
+        shell.wait_until_idle()
+        shell.output = ""
+        shell.send("-t 20 --discovery 20 enable r back\n")
+        self.assertIn("named back", shell.expect("r: [^\n]*\n")[1][0])
 
     def test_a_long_upload_shows_how_far_it_is_on_a_terminal_only(self):
         router = self.router("big", "--count-only")

@@ -5,11 +5,11 @@
 #include "zulctl/prompt/words.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cstring>
-#include <cwchar>
+#include <cuchar>
 #include <histedit.h>
 #include <langinfo.h>
+#include <locale.h>
 #include <new>
 #include <sys/ioctl.h>
 
@@ -40,11 +40,20 @@ constexpr const char* BINDINGS[][2] = {
 };
 // clang-format on
 
-// Characters are decoded as the user's locale says; where it knows ASCII only, as UTF-8.
-void chooseCharacters() {
-    if (std::setlocale(LC_CTYPE, "") == nullptr || std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0) {
-        std::setlocale(LC_CTYPE, "C.UTF-8");
+void freeLocale(locale_t locale) {
+    if (locale != nullptr) {
+        freelocale(locale);
     }
+}
+
+// Characters are decoded as the user's locale says; where it knows ASCII only, as UTF-8. Null: as in C.
+locale_t chooseCharacters() {
+    locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale == nullptr || std::strcmp(nl_langinfo_l(CODESET, locale), "ANSI_X3.4-1968") == 0) {
+        freeLocale(locale);
+        locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    }
+    return locale;
 }
 
 std::size_t commonLength(const std::vector<std::string>& words) {
@@ -67,7 +76,12 @@ struct Editor::Library {
     EditLine* editor = nullptr;
     History* history = history_init();
     std::mbstate_t decoding{};
+    locale_t locale = chooseCharacters(); // of this thread; others of the program keep theirs
+    locale_t localeBefore = uselocale(locale);
 
+    Library() = default;
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
     ~Library() {
         if (editor != nullptr) {
             el_end(editor);
@@ -75,6 +89,8 @@ struct Editor::Library {
         if (history != nullptr) {
             history_end(history);
         }
+        uselocale(localeBefore);
+        freeLocale(locale);
     }
 
     static Editor& of(EditLine* line) {
@@ -95,7 +111,6 @@ Editor::Editor(Input& input, std::FILE* screen, const char* prompt, Complete com
       prompt_(prompt),
       complete_(std::move(complete)),
       library_(std::make_unique<Library>()) {
-    chooseCharacters();
     EditLine* line = library_->editor = el_init("zulctl", stdin, screen, stderr);
     if (line == nullptr || library_->history == nullptr) {
         throw std::bad_alloc();
@@ -109,7 +124,7 @@ Editor::Editor(Input& input, std::FILE* screen, const char* prompt, Complete com
     el_set(line, EL_SIGNAL, 0);
     el_set(line, EL_HIST, history, library_->history);
     el_set(line, EL_EDITOR, "emacs");
-    el_set(line, EL_ADDFN, "complete-word", "Complete the word", Library::complete);
+    el_wset(line, EL_ADDFN, L"complete-word", L"Complete the word", Library::complete); // el_set leaks
     for (const auto& [key, function] : BINDINGS) {
         el_set(line, EL_BIND, key, function, nullptr);
     }
@@ -127,13 +142,16 @@ Got Editor::readCharacter(wchar_t& character) {
             el_resize(library_->editor);
             el_set(library_->editor, EL_PREP_TERM, 0);
             el_set(library_->editor, EL_PREP_TERM, 1);
+            std::fputs("\r", screen_); // over what is shown
             el_set(library_->editor, EL_REFRESH);
             continue;
         }
         if (got_ != Got::INPUT) {
             return got_;
         }
-        const std::size_t length = std::mbrtowc(&character, &byte, 1, &library_->decoding);
+        char32_t code = 0;
+        const std::size_t length = std::mbrtoc32(&code, &byte, 1, &library_->decoding);
+        character = static_cast<wchar_t>(code);
         if (length == static_cast<std::size_t>(-1)) { // not left out, or a name would become another
             library_->decoding = {};
             character = REPLACEMENT;

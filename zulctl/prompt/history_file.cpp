@@ -20,11 +20,11 @@ constexpr std::size_t MAX_LINE = 16U << 10; // bytes; a longer one is not rememb
 constexpr off_t MAX_FILE = 4L << 20;        // bytes that are read, the last of the file
 
 std::filesystem::path stateFolder() {
-    const char* state = std::getenv("XDG_STATE_HOME");
+    const char* state = secure_getenv("XDG_STATE_HOME");
     if (state != nullptr && *state == '/') { // a relative one is to be ignored
         return state;
     }
-    const char* home = std::getenv("HOME");
+    const char* home = secure_getenv("HOME");
     return home != nullptr && *home != '\0' ? std::filesystem::path(home) / ".local" / "state"
                                             : std::filesystem::path();
 }
