@@ -54,7 +54,7 @@ struct CommandRow {
 
     const char* name;
     const char* help;
-    const char* words; // for the help
+    const char* words; // for the help, and for completion at the prompt
     Kind kind = Kind::REQUEST;
     fleet::CommandKind request{}; // of REQUEST
     std::size_t leastWords = 0;   // after ROUTERS
