@@ -28,7 +28,7 @@ struct PeerUpdateDescriptionRecord {
     DDS_StringSeq peer_list; // at most 16 elements; decoded into where an element has the room
 };
 
-// The branches stand side by side: all are prepared and released, only the one that `_d` selects is copied
+// The branches are side by side: all are prepared and released, only the one that `_d` selects is copied
 // or encoded.
 template <class Module>
 struct CommandRecord {

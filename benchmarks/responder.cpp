@@ -25,7 +25,7 @@ constexpr std::uint32_t RECEIVE_BUFFER = 1024 * 1024;
 constexpr std::uint32_t CALLBACK_BLOCKING_NANOSECONDS = 1'000'000;
 constexpr int CHARACTERS_MAX = 4096;
 constexpr std::size_t ID_SIZE = 12;
-constexpr std::size_t REQUEST_ID_AT = 8; // behind the encapsulation and one parameter header
+constexpr std::size_t REQUEST_ID_AT = 8; // after the encapsulation and one parameter header
 
 // Walks the little-endian parameter list of a request, which both clients are known to send.
 class RequestView {
@@ -36,7 +36,7 @@ public:
     }
     const std::uint8_t* id() const { return bytes_.data() + REQUEST_ID_AT; }
     std::uint32_t kind() const { return word(discriminator_); }
-    // LOAD only: behind the discriminator come a header, the name, and the flag.
+    // LOAD only: after the discriminator come a header, the name, and the flag.
     bool isFinalPiece() const {
         const std::size_t name = discriminator_ + 4 + 4;
         const std::size_t flag = name + 4 + word(name);
@@ -64,7 +64,7 @@ private:
 // A response in little-endian plain CDR: id, kind OK, message, final flag.
 raw::Bytes makeResponse(const std::uint8_t* id, std::uint32_t characters, bool isFinal) {
     constexpr std::size_t ID_AT = 4;
-    constexpr std::size_t LENGTH_AT = ID_AT + ID_SIZE + 4; // behind the kind, which is 0
+    constexpr std::size_t LENGTH_AT = ID_AT + ID_SIZE + 4; // after the kind, which is 0
     constexpr std::size_t MESSAGE_AT = LENGTH_AT + 4;
     raw::Bytes bytes(MESSAGE_AT + characters + 2); // terminator and flag
     bytes[1] = 1;

@@ -18,6 +18,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 from typing import Callable, NamedTuple
 
@@ -28,13 +29,18 @@ PROBES = 5  # requests until one finds the responder
 LIMIT = 900  # seconds for a whole measuring program
 
 START_UP_RUNS = 21
+CHECK_RUNS = 21
+CHECKED_BYTES = 4 * 1024 * 1024 - 64 * 1024  # of the document, whose last part goes beyond
 COLD_STARTS = 200
 UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
 PARTS = 1000
 MANY_PARTS, FEWER_PARTS = 8000, 2000
-COMPARISONS = 21
-SESSIONS, ROUTES = 410, 20  # of a document of 4 MB
+COLD_COMMANDS = 100
+FEW_ROUTERS, MANY_ROUTERS = 10, 50
+FLEET_ROUNDS = 11
+LIST_DOMAINS = 10
+DISCOVERY_SECONDS = 1
 
 
 class Figure(NamedTuple):
@@ -70,9 +76,15 @@ FIGURES = {
     "load_rate": Figure("load of 64 MiB / raw writer", "MB/s", ">=0.95"),
     "load_rate_of_file": Figure("load of 64 MiB / raw writer that reads the file", "MB/s", ">=0.97"),
     "load_memory": Figure("peak memory of a 64 MiB load / idle", "KiB", "<=1.2"),
+    "cold_command_median": Figure("cold zulctl enable, median / bare start and echo", "ms", "<=1.25"),
+    "cold_command_p95": Figure("cold zulctl enable, p95 / bare start and echo", "ms", "<=1.25"),
+    "fleet_get": Figure("get, a router of 50 / a router of 10", "ms", "<=1.3"),
+    "fleet_memory": Figure("zulctl's memory, a router more / 100 KiB", "KiB", "<=1.0"),
+    "fleet_list": Figure("list of 10 domains / discovery and 1 s", "s", "<=1.0"),
     "assignment": Figure("assignment, a character of 64 KiB / of 1 KiB", "ns", "<=1.1"),
     "compare": Figure("comparison of two documents of 4 MB / xmllint of one", "ms", "<=2.0"),
     "update": Figure("router's update, 8000 new properties / 2000", "ns", "<=4.6"),
+    "check": Figure("check of a document of 4 MB / xmllint with the DTD", "ms", "<=2.0"),
 }
 
 Samples = dict[str, list[tuple[float, float]]]  # figure -> (ours, baseline) of every round
@@ -130,10 +142,22 @@ class Bench:
         self.programs = build / "benchmarks"
         self.shell = build / "bin" / "zulrssh"
         self.router = build / "bin" / "zul-practice-router"
+        self.zulctl = build / "bin" / "zulctl"
         self.work = work
 
     def responder(self, domain: int, parts: int = 1, characters: int = 0):
         return running([self.programs / "responder", domain, parts, characters], b"ready\n")
+
+    @contextlib.contextmanager
+    def fleet(self, domain: int, count: int):
+        """Practice routers router1, router2 and so on, in one process; nothing waits for who reads its log."""
+        name = ["router", "--count", count] if count > 1 else ["router1"]
+        with running([self.router, "--domain", domain, "--name", *name], b"\n") as process:
+            reader = threading.Thread(target=lambda: all(process.stdout))
+            reader.start()
+            yield
+            process.terminate()
+            reader.join()
 
     def rounds_of(self, program: str, *arguments: object) -> Samples:
         """Runs a measuring program: a line is a figure's name, ours and the baseline."""
@@ -151,6 +175,66 @@ class Bench:
         path = self.work / "upload.xml"
         if not path.exists():
             path.write_bytes((UPLOAD_LINE * (UPLOAD_BYTES // len(UPLOAD_LINE) + 1))[:UPLOAD_BYTES])
+        return path
+
+    def document(self) -> pathlib.Path:
+        """A configuration with many types, profiles that start from each other, and routes that use both."""
+        path = self.work / "document.xml"
+        if path.exists():
+            return path
+        parts: dict[str, list[str]] = {"types": [], "profiles": [], "registered": [], "routes": []}
+        for i in range(CHECKED_BYTES):
+            parts["types"].append(
+                f'''        <struct name="T{i}">
+            <member name="id" type="int32" key="true"/>
+            <member name="text" type="string" stringMaxLength="128"/>
+        </struct>\n''')
+            parts["profiles"].append(
+                f'''        <qos_profile name="P{i}"{f' base_name="L::P{i - 1}"' if i % 10 else ""}>
+            <datareader_qos>
+                <reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability>
+                <history>
+                    <depth>{i % 50 + 1}</depth>
+                </history>
+                <resource_limits><max_samples_per_instance>64</max_samples_per_instance></resource_limits>
+            </datareader_qos>
+        </qos_profile>\n''')
+            parts["registered"].append(f'                <register_type name="T{i}" type_ref="T{i}"/>\n')
+            parts["routes"].append(
+                f'''                <topic_route name="R{i}">
+                    <input participant="1">
+                        <topic_name>Topic{i}</topic_name>
+                        <datareader_qos base_name="L::P{i}"/>
+                    </input>
+                    <output>
+                        <creation_mode>ON_READER</creation_mode>
+                    </output>
+                    <property>
+                        <value><element><name>number</name><value>{i}</value></element></value>
+                    </property>
+                </topic_route>\n''')
+            if i % 100 == 0 and sum(len(text) for part in parts.values() for text in part) > CHECKED_BYTES:
+                break
+        types, profiles, registered, routes = ("".join(part) for part in parts.values())
+        path.write_text(f'''<?xml version="1.0"?>
+<dds>
+    <types>
+{types}    </types>
+    <qos_library name="L">
+{profiles}    </qos_library>
+    <routing_service name="S">
+        <domain_route name="D">
+            <participant_1>
+{registered}                <domain_id>0</domain_id>
+            </participant_1>
+            <participant_2>
+                <domain_id>1</domain_id>
+            </participant_2>
+            <session name="s">
+{routes}            </session>
+        </domain_route>
+    </routing_service>
+</dds>\n''', "ascii")
         return path
 
 
@@ -209,6 +293,63 @@ def cold_start(bench: Bench) -> Samples:
     return {f"cold_start_{name}": [(sides[0][index], sides[1][index])] for name, index in at.items()}
 
 
+def cold_command(bench: Bench) -> Samples:
+    """Whole processes, from their start to their end, that enable an entity of one router."""
+    def once(*command: object) -> float:
+        start = time.perf_counter()
+        done = subprocess.run([str(word) for word in command], stdout=subprocess.DEVNULL, timeout=LIMIT, check=False)
+        if done.returncode not in (0, 1):  # "enabled already" is an answer, too
+            raise BenchmarkError(f"{command[0]} ended with status {done.returncode}")
+        return (time.perf_counter() - start) * 1000
+
+    def pair() -> tuple[float, float]:
+        return (once(bench.zulctl, "-d", 52, "enable", "router1", "DefaultDomainRoute"),
+                once(bench.programs / "cold_start", "echo", 52))
+
+    with bench.fleet(52, 1):
+        sides = [sorted(side) for side in zip(*(pair() for _ in range(COLD_COMMANDS)))]
+    at = {"median": COLD_COMMANDS // 2, "p95": COLD_COMMANDS * 95 // 100}
+    return {f"cold_command_{name}": [(sides[0][index], sides[1][index])] for name, index in at.items()}
+
+
+def fleet(bench: Bench) -> Samples:
+    """`get` of all routers by name, in one command: milliseconds a router, and peak memory."""
+    def once(domain: int, count: int) -> tuple[float, float]:
+        names = ",".join(f"router{number}" for number in range(1, count + 1))
+        start = time.perf_counter()
+        with open(os.devnull, "wb") as nowhere, \
+             subprocess.Popen([str(bench.zulctl), "-d", str(domain), "get", names], stdout=nowhere) as process:
+            _, status, usage = os.wait4(process.pid, 0)
+            process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            raise BenchmarkError(f"get of {count} routers ended with status {process.returncode}")
+        return (time.perf_counter() - start) * 1000 / count, usage.ru_maxrss
+
+    samples: Samples = {"fleet_get": [], "fleet_memory": []}
+    with bench.fleet(53, FEW_ROUTERS), bench.fleet(54, MANY_ROUTERS):
+        for _ in range(FLEET_ROUNDS):
+            (few, few_memory), (many, many_memory) = once(53, FEW_ROUTERS), once(54, MANY_ROUTERS)
+            samples["fleet_get"].append((many, few))
+            samples["fleet_memory"].append(((many_memory - few_memory) / (MANY_ROUTERS - FEW_ROUTERS), 100))
+    return samples
+
+
+def fleet_list(bench: Bench) -> Samples:
+    first, last = 60, 60 + LIST_DOMAINS - 1
+    samples: Samples = {"fleet_list": []}
+    with contextlib.ExitStack() as stack:
+        for domain in range(first, last + 1):
+            stack.enter_context(bench.fleet(domain, 1))
+        for _ in range(FLEET_ROUNDS):
+            start = time.perf_counter()
+            done = subprocess.run([str(bench.zulctl), "--discovery", str(DISCOVERY_SECONDS), "--json", "list",
+                                   "--domains", f"{first}-{last}"], stdout=subprocess.PIPE, timeout=LIMIT, check=True)
+            samples["fleet_list"].append((time.perf_counter() - start, DISCOVERY_SECONDS + 1))
+            if done.stdout.count(b"\n") != LIST_DOMAINS:
+                raise BenchmarkError(f"list found {done.stdout!r}")
+    return samples
+
+
 def load_64mib(bench: Bench) -> Samples:
     with bench.responder(44):
         samples = bench.rounds_of("load", 44, bench.upload())
@@ -252,47 +393,31 @@ def micro(bench: Bench) -> Samples:
     return {name: list(zip(sides["ours"], sides["baseline"])) for name, sides in times.items()}
 
 
-def large_document() -> str:
-    """A configuration of 4 MB: many routes, each with a quality of service."""
-    route = """
-                <topic_route name="r{1}">
-                    <input participant="1">
-                        <topic_name>Topic{0}x{1}</topic_name>
-                        <datareader_qos>
-                            <reliability>
-                                <kind>RELIABLE_RELIABILITY_QOS</kind>
-                            </reliability>
-                            <history>
-                                <depth>{1}1</depth>
-                            </history>
-                        </datareader_qos>
-                    </input>
-                    <output/>
-                </topic_route>"""
-    sessions = ("<session name='s%d'>%s</session>" % (i, "".join(route.format(i, j) for j in range(ROUTES)))
-                for i in range(SESSIONS))
-    sides = "".join(f"<participant_{i}><domain_id>{i}</domain_id></participant_{i}>" for i in (1, 2))
-    return (f"<dds><routing_service name='Large'><domain_route name='D'>{sides}{''.join(sessions)}</domain_route>"
-            "</routing_service></dds>")
+def against_xmllint(name: str, document: pathlib.Path, *command: object) -> Samples:
+    """Milliseconds of a whole process, against a validation of the document by its DTD."""
+    def once(words: tuple[object, ...]) -> float:
+        start = time.perf_counter()
+        subprocess.run([str(word) for word in words], timeout=LIMIT, check=True)  # of a right document: status 0
+        return (time.perf_counter() - start) * 1000
+
+    xmllint = ("xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document)
+    return {name: [(once(command), once(xmllint)) for _ in range(CHECK_RUNS)]}
+
+
+def check(bench: Bench) -> Samples:
+    return against_xmllint("check", bench.document(), bench.zulctl, "check", bench.document())
 
 
 def compare(bench: Bench) -> Samples:
-    """What diff does with the two documents, as a process, against a validation of one of them."""
-    path = bench.work / "large.xml"
-    path.write_text(large_document())
-
-    def once(*command: object) -> float:
-        start = time.perf_counter()
-        subprocess.run([str(word) for word in command], timeout=LIMIT, check=True)
-        return (time.perf_counter() - start) * 1000
-
-    definition = SOURCE / "resource" / "dtd" / "routing_service.dtd"
-    return {"compare": [(once(bench.programs / "compare_documents", path, path),
-                         once("xmllint", "--noout", "--nonet", "--dtdvalid", definition, path)) for _ in range(COMPARISONS)]}
+    """What diff does with the two documents."""
+    document = bench.document()
+    return against_xmllint("compare", document, bench.programs / "compare_documents", document, document)
 
 
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
-                                                 get_1000_parts, get_8000_parts, load_64mib, compare]
+                                                 get_1000_parts, get_8000_parts, load_64mib, cold_command, fleet,
+                                                 fleet_list, check,
+                                                 compare]
 
 
 def print_table(samples: Samples) -> None:

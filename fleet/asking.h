@@ -4,6 +4,8 @@
 #include "fleet/cause.h"
 #include "fleet/domain.h"
 
+#include <algorithm>
+
 namespace zul::fleet {
 
 // Asks for nothing but an answer.
@@ -15,6 +17,20 @@ inline Picture pictureOf(Domain& domain, Product product) {
             .participants = domain.discovery().participants(),
             .matched = domain.matched(),
             .now = Clock::now()};
+}
+
+// When it is settled who is there, for who begins to look now: so long after the domain was joined, and after
+// each participant came that is of interest and not matched yet; but no longer than if it was joined now.
+template <class IsOfInterest>
+Clock::time_point settled(const Domain& domain, const Picture& picture, Clock::duration discovery,
+                          Clock::time_point begin, IsOfInterest isOfInterest) {
+    Clock::time_point last = domain.joined();
+    for (const Participant& participant : picture.participants) {
+        if (participant.isHere() && !picture.isMatched(participant) && isOfInterest(participant)) {
+            last = std::max(last, participant.since);
+        }
+    }
+    return std::min(last, begin) + discovery;
 }
 
 inline void loseWhoLeft(Domain& domain, Gathering& gathering) {

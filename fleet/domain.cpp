@@ -199,7 +199,7 @@ std::set<Guid> Domain::matched() const {
 }
 
 Sent Domain::send(Product product, const Command& command, const std::string& router,
-                  Clock::time_point deadline, std::int32_t& invocation) {
+                  Clock::time_point deadline, std::int32_t& invocation, const OnPiece& onPiece) {
     Link& link =
         **std::ranges::find_if(links_, [product](const auto& each) { return each->product == product; });
     auto* writer = ZUL_RoutingService_Administration_CommandRequestDataWriter_narrow(link.writer);
@@ -210,6 +210,12 @@ Sent Domain::send(Product product, const Command& command, const std::string& ro
         return Sent::FAILED;
     }
     const auto pieces = piecesOf(command.url);
+    std::size_t sent = 0;
+    const auto tell = [&] {
+        if (onPiece && pieces.size() > 1) {
+            onPiece(sent, command.url.size());
+        }
+    };
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         fillPiece(request, pieces[i], i + 1 == pieces.size());
         for (;;) {
@@ -219,8 +225,11 @@ Sent Domain::send(Product product, const Command& command, const std::string& ro
             const DDS_ReturnCode_t code = ZUL_RoutingService_Administration_CommandRequestDataWriter_write(
                 writer, &request, &DDS_HANDLE_NIL);
             if (code == DDS_RETCODE_OK) {
+                sent += pieces[i].size();
+                tell();
                 break;
             }
+            tell();
             if (code != DDS_RETCODE_TIMEOUT || Clock::now() >= deadline) {
                 return code == DDS_RETCODE_TIMEOUT ? Sent::NO_ROOM : Sent::FAILED;
             }

@@ -7,6 +7,7 @@
 #include "fleet/discovery.h"
 #include "fleet/gathering.h"
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <span>
@@ -28,6 +29,7 @@ public:
     Domain& operator=(const Domain&) = delete;
 
     std::int32_t id() const { return id_; }
+    Clock::time_point joined() const { return joined_; }
     Discovery& discovery() { return discovery_; }
 
     // The endpoints of others that those of this participant have matched.
@@ -35,9 +37,11 @@ public:
 
     // Sends a command to the router of that name, in as many samples as it takes, under a number that no
     // other request has, which is returned in `invocation`. Waits for room until `deadline`, if routers do
-    // not acknowledge.
+    // not acknowledge. `onPiece`, if there is one, is told of each sample of several, and again while it
+    // waits: bytes of the URL that have gone, and all.
+    using OnPiece = std::function<void(std::size_t sent, std::size_t total)>;
     Sent send(Product product, const Command& command, const std::string& router, Clock::time_point deadline,
-              std::int32_t& invocation);
+              std::int32_t& invocation, const OnPiece& onPiece = {});
 
     // The responses to requests of this participant that have arrived since the last call.
     std::vector<Response> takeResponses();
@@ -51,6 +55,7 @@ private:
     void receive(const ZUL_RoutingService_Administration_CommandResponse& response, const Guid& writer);
 
     std::int32_t id_;
+    Clock::time_point joined_ = Clock::now();
     Wakeup& wakeup_;
     Discovery discovery_;
     DDS_DomainParticipant* participant_ = nullptr;

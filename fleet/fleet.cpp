@@ -14,6 +14,11 @@ namespace {
 // Ours: its reliable readers ask for what was written before they had matched the writer. Other libraries' do
 // not, so a match on this side does not tell that a request will be heard.
 constexpr std::uint16_t PATIENT_VENDOR = 0x010F;
+// Routers that answer at once. More of them with long answers overrun what a socket holds, and repairing that
+// takes longer than waiting does: 50 times 4 MB took 32 s, and take 4 s. Who has not been heard of for a
+// while does not hold up the next.
+constexpr std::size_t ANSWERING_AT_ONCE = 8;
+constexpr auto PATIENCE = std::chrono::milliseconds(500);
 constexpr auto GREETING_PERIOD = std::chrono::milliseconds(200);
 
 std::chrono::milliseconds toMilliseconds(Clock::duration span) {
@@ -109,14 +114,28 @@ void Fleet::noteGreetings() {
 }
 
 std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
-    const auto deadline = Clock::now() + settings_.discovery;
+    const auto begin = Clock::now();
     const bool hasPatterns = std::ranges::any_of(words, isPattern);
+    const auto isMeant = [&words](const Participant& participant) {
+        return std::ranges::any_of(words, [name = participant.routerName()](const std::string& word) {
+            return matches(word, name);
+        });
+    };
+    const auto isSeen = [](const Picture& now, const std::string& name) {
+        return std::ranges::any_of(now.participants, [&name](const Participant& participant) {
+            return participant.isHere() && participant.routerName() == name;
+        });
+    };
     for (;;) {
         noteGreetings();
         const Picture now = picture();
         const bool isDone = !hasPatterns && std::ranges::all_of(words, [&](const std::string& name) {
             return reach(now, name).isWhole;
         });
+        const bool areSeen = std::ranges::all_of(
+            words, [&](const std::string& word) { return isPattern(word) || isSeen(now, word); });
+        const auto deadline = areSeen ? settled(domain_, now, settings_.discovery, begin, isMeant)
+                                      : begin + settings_.discovery;
         if (isDone || wakeup_.isInterrupted() || now.now >= deadline) {
             break;
         }
@@ -181,7 +200,10 @@ void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& 
         // What only announces a router is no answer, except to a greeting.
         if (response.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT ||
             command.kind == GREETING.kind) {
-            gathering.add(response);
+            const Answer* part = gathering.add(response);
+            if (part != nullptr && onProgress_) {
+                onProgress_({.router = part->router, .bytes = part->message.size(), .parts = part->parts});
+            }
         }
     }
     for (Answer& answer : gathering.takeEnded()) {
@@ -189,24 +211,42 @@ void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& 
     }
 }
 
-void Fleet::gather(Gathering& gathering, const Command& command, const OnResult& onResult) {
+void Fleet::gather(Gathering& gathering, const Command& command, Clock::time_point end,
+                   const OnResult& onResult) {
     for (;;) {
         drain(gathering, command, onResult);
         if (gathering.isComplete()) {
             return;
         }
         loseWhoLeft(domain_, gathering);
-        if (wakeup_.isInterrupted()) {
+        if (wakeup_.isInterrupted() || Clock::now() >= end) {
             gathering.interrupt();
         }
         gathering.expire(Clock::now());
         if (!gathering.isComplete()) {
-            wakeup_.waitUntil(gathering.deadline());
+            wakeup_.waitUntil(std::min(end, gathering.deadline()));
         }
     }
 }
 
+void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_point end,
+                      const OnResult& onResult) {
+    for (;;) {
+        drain(gathering, command, onResult);
+        loseWhoLeft(domain_, gathering);
+        const auto now = Clock::now();
+        gathering.expire(now);
+        const auto room = gathering.whenFewerThan(ANSWERING_AT_ONCE, PATIENCE);
+        if (room <= now || now >= end || wakeup_.isInterrupted()) {
+            return;
+        }
+        wakeup_.waitUntil(std::min({room, end, gathering.deadline()}));
+    }
+}
+
 void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult) {
+    const auto end = Clock::now() + settings_.longest;
+    domain_.discovery().takeGone(); // of before; who went and came back is here
     Gathering gathering(settings_.timeout);
     const auto endsWith = [&](const std::string& name, Status status, const char* message) {
         onResult({.router = name,
@@ -216,7 +256,8 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
                   .message = message});
     };
     for (const std::string& name : names) {
-        if (wakeup_.isInterrupted()) {
+        awaitRoom(gathering, command, end, onResult);
+        if (wakeup_.isInterrupted() || Clock::now() >= end) {
             endsWith(name, Status::INTERRUPTED, "interrupted; nothing was sent");
             continue;
         }
@@ -225,9 +266,15 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
             onResult(unsent(name, command));
             continue;
         }
+        Domain::OnPiece onPiece;
+        if (onProgress_) {
+            onPiece = [this, &name](std::size_t sent, std::size_t total) {
+                onProgress_({.router = name, .bytes = sent, .total = total});
+            };
+        }
         std::int32_t invocation = 0;
-        switch (
-            domain_.send(settings_.product, command, name, Clock::now() + settings_.timeout, invocation)) {
+        switch (domain_.send(settings_.product, command, name, Clock::now() + settings_.timeout, invocation,
+                             onPiece)) {
         case Sent::YES:
             gathering.expect(invocation, name, reached.routers, Clock::now());
             break;
@@ -242,14 +289,20 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
             endsWith(name, Status::NO_ANSWER, "unknown: it could not be sent");
             break;
         }
-        drain(gathering, command, onResult);
     }
-    gather(gathering, command, onResult);
+    gather(gathering, command, end, onResult);
 }
 
 Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
     find({name});
-    const Reach reached = reach(picture(), name);
+    Reach reached = reach(picture(), name);
+    for (const Domain* other : others) { // which may have been joined later
+        const auto deadline = other->joined() + settings_.discovery;
+        while (!reached.isWhole && !wakeup_.isInterrupted() && Clock::now() < deadline) {
+            wakeup_.waitUntil(deadline);
+            reached = reach(picture(), name);
+        }
+    }
     std::optional<std::chrono::milliseconds> took;
     const bool isAsked = !reached.routers.empty() || reached.isNameless;
     if (isAsked) {

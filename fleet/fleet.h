@@ -17,6 +17,7 @@ struct Settings {
     Product product = Product::ROUTING;
     Clock::duration timeout = std::chrono::seconds(15);  // for an answer, from its request or its last part
     Clock::duration discovery = std::chrono::seconds(3); // longest look for routers
+    Clock::duration longest = std::chrono::hours(24 * 365); // for all answers, however their parts come
 };
 
 // What became of a command at one router.
@@ -31,6 +32,15 @@ struct Result {
     std::string guid{}; // prefix of the router's participant; empty when it is not known
 };
 using OnResult = std::function<void(Result&&)>;
+
+// How far an upload to a router or its answer is.
+struct Progress {
+    std::string router{};
+    std::size_t bytes = 0;
+    std::size_t total = 0; // of an upload; 0: this is an answer, of which nobody knows how long it will be
+    std::size_t parts = 0; // of an answer
+};
+using OnProgress = std::function<void(const Progress&)>;
 
 // A router that is there.
 struct RouterRow {
@@ -55,13 +65,17 @@ public:
         : domain_(domain), wakeup_(wakeup), settings_(settings) {}
 
     // Looks for routers and returns their names, sorted: the names among the words, there or not, and those
-    // that match a pattern among them. Goes on as soon as all are there and matched both ways; only a pattern
-    // takes the whole time.
+    // that match a pattern among them. Goes on as soon as all are there and matched both ways. A name that
+    // nobody has is looked for the whole time; who matches a pattern, and who is not matched, from when the
+    // domain was joined or the router came.
     std::vector<std::string> find(const std::vector<std::string>& words);
 
     // Sends each router one request, and hands over the results as they come. Who cannot be reached is not
     // asked. The command must not be one to refuse.
     void ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult);
+
+    // From now on `ask` tells of what takes several samples.
+    void onProgress(OnProgress callback) { onProgress_ = std::move(callback); }
 
     // Looks for the router, asks it when it can be asked, and says why it is silent, or that it is not.
     // `others` are domains that may have it instead.
@@ -78,7 +92,10 @@ private:
     Picture picture() const;
     Clock::time_point greet(const Picture& picture, const std::vector<std::string>& names);
     void noteGreetings();
-    void gather(Gathering& gathering, const Command& command, const OnResult& onResult);
+    void gather(Gathering& gathering, const Command& command, Clock::time_point end,
+                const OnResult& onResult);
+    void awaitRoom(Gathering& gathering, const Command& command, Clock::time_point end,
+                   const OnResult& onResult);
     void drain(Gathering& gathering, const Command& command, const OnResult& onResult);
     Result toResult(Answer&& answer, const Command& command) const;
     Result unsent(const std::string& name, const Command& command) const;
@@ -86,6 +103,7 @@ private:
     Domain& domain_;
     Wakeup& wakeup_;
     Settings settings_;
+    OnProgress onProgress_{};
     std::map<std::int32_t, std::string> greetings_; // names that were greeted, by invocation
     Clock::time_point nextGreeting_{};
 };

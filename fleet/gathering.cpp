@@ -61,10 +61,15 @@ Gathering::Wait* Gathering::find(std::int32_t invocation, const GuidPrefix& writ
     return free;
 }
 
-void Gathering::add(const Response& response) {
+const Answer* Gathering::add(const Response& response) {
     Wait* wait = find(response.invocation, response.writer);
     if (wait == nullptr || wait->hasEnded) {
-        return;
+        return nullptr;
+    }
+    if (response.message.size() > MAX_ANSWER - wait->answer.message.size()) {
+        wait->answer.message = "its answer is longer than " + std::to_string(MAX_ANSWER) + " bytes";
+        end(*wait, Status::ERROR);
+        return nullptr;
     }
     wait->answer.message += response.message;
     ++wait->answer.parts;
@@ -72,7 +77,9 @@ void Gathering::add(const Response& response) {
     wait->answer.took = std::chrono::duration_cast<std::chrono::milliseconds>(response.at - wait->begin);
     if (response.isFinal) {
         end(*wait, statusOf(response.kind));
+        return nullptr;
     }
+    return &wait->answer;
 }
 
 void Gathering::end(Wait& wait, Status status) {
@@ -121,6 +128,21 @@ Clock::time_point Gathering::deadline() const {
         }
     }
     return earliest;
+}
+
+Clock::time_point Gathering::whenFewerThan(std::size_t count, Clock::duration patience) const {
+    std::vector<Clock::time_point> ends;
+    for (const auto& [invocation, wait] : waits_) {
+        if (!wait.hasEnded) {
+            ends.push_back(wait.last + patience);
+        }
+    }
+    if (ends.size() < count) {
+        return Clock::time_point::min();
+    }
+    const auto last = std::prev(ends.end(), static_cast<std::ptrdiff_t>(count));
+    std::ranges::nth_element(ends, last);
+    return *last;
 }
 
 std::vector<Answer> Gathering::takeEnded() {

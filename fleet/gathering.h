@@ -16,6 +16,9 @@
 
 namespace zul::fleet {
 
+constexpr std::size_t MAX_ANSWER = 256U
+                                   << 20; // bytes; who sends parts without end is not listened to for ever
+
 // A response as it arrived, whoever it is for.
 struct Response {
     std::int32_t invocation = 0; // of the request; host and application are this participant's
@@ -47,8 +50,9 @@ public:
     // is none, one answer is enough.
     void expect(std::int32_t invocation, const std::string& router, const std::vector<GuidPrefix>& routers,
                 Clock::time_point sent);
-    // Credits a response, or drops it: a foreign, a late or a duplicate one.
-    void add(const Response& response);
+    // Credits a response, or drops it: a foreign, a late or a duplicate one. Returns what there is now of an
+    // answer that goes on; valid until the next call. Null: dropped, or it was the last part.
+    const Answer* add(const Response& response);
     // A participant is gone: it is not waited for.
     void lose(const GuidPrefix& participant);
     // Ends the waits whose time is up.
@@ -59,6 +63,9 @@ public:
     bool isComplete() const { return open_ == 0; }
     // When `expire` is due.
     Clock::time_point deadline() const;
+    // When fewer than `count` waits, of at least 1, will have been heard of within `patience`, if nothing
+    // comes.
+    Clock::time_point whenFewerThan(std::size_t count, Clock::duration patience) const;
     // The answers that have ended since the last call.
     std::vector<Answer> takeEnded();
 

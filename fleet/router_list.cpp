@@ -32,6 +32,21 @@ void addRows(std::vector<RouterRow>& rows, Domain& domain, Product product) {
     }
 }
 
+// When it is settled who is in them all.
+Clock::time_point settled(const std::vector<Domain*>& domains, Clock::duration discovery,
+                          Clock::time_point begin) {
+    auto last = Clock::time_point::min();
+    for (Domain* domain : domains) {
+        for (const Product product : PRODUCTS) {
+            last = std::max(last, settled(*domain, pictureOf(*domain, product), discovery, begin,
+                                          [product](const Participant& participant) {
+                                              return participant.isRouter(product);
+                                          }));
+        }
+    }
+    return last;
+}
+
 struct Round {
     Domain* domain;
     Gathering gathering;
@@ -69,13 +84,18 @@ void collect(Round& round, std::set<std::string>& answering) {
 } // namespace
 
 std::vector<RouterRow> list(const std::vector<Domain*>& domains, Wakeup& wakeup, const Settings& settings) {
-    const auto deadline = Clock::now() + settings.discovery;
-    while (!wakeup.isInterrupted() && Clock::now() < deadline) {
+    const auto begin = Clock::now();
+    while (!wakeup.isInterrupted()) {
+        const auto deadline = settled(domains, settings.discovery, begin);
+        if (Clock::now() >= deadline) {
+            break;
+        }
         wakeup.waitUntil(deadline);
     }
     std::vector<RouterRow> rows;
     std::vector<Round> rounds;
     for (Domain* domain : domains) {
+        domain->discovery().takeGone(); // of before
         Round& round = rounds.emplace_back(Round{domain, Gathering(settings.timeout)});
         for (const Product product : PRODUCTS) {
             addRows(rows, *domain, product);

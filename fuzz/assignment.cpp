@@ -1,4 +1,4 @@
-// An assignment becomes nothing, or an inline XML URL in which no character of the value stands unescaped.
+// An assignment becomes nothing, or an inline XML URL in which what must be escaped in the value is escaped.
 #include "product/assignment.h"
 #include "middleware/base/strings.h"
 

@@ -1,5 +1,7 @@
 // The practice router takes any bytes as a document, an update and a new entity: it changes its configuration
 // whole or not at all. What it finds wrong by the definition, the library finds wrong too, and the reverse.
+// It refuses exactly what a check finds wrong, with the first of the findings.
+#include "plan/check/check.h"
 #include "plan/document/definition.h"
 #include "plan/document/text.h"
 #include "plan/document/xml_nodes.h"
@@ -30,20 +32,17 @@ xmlDtd* parseDtd() {
         XML_CHAR_ENCODING_NONE);
 }
 
-void checkRules(const xmlNode* element) {
-    Definition::ofProduct().check(element);
+bool followsRules(const xmlNode* element) {
+    const Definition::Rule* rule = Definition::ofProduct().find(tagOf(element));
+    bool follows = rule != nullptr;
+    if (follows) {
+        Definition::check(*rule, element,
+                          [&follows](const xmlNode*, const std::string&) { follows = false; });
+    }
     for (const xmlNode* child : elementsIn(element)) {
-        checkRules(child);
+        follows = followsRules(child) && follows;
     }
-}
-
-bool followsRules(const xmlNode* root) {
-    try {
-        checkRules(root);
-    } catch (const Refusal&) {
-        return false;
-    }
-    return true;
+    return follows;
 }
 
 void compareWithLibrary(std::string_view bytes) {
@@ -65,11 +64,33 @@ void compareWithLibrary(std::string_view bytes) {
     }
 }
 
+void compareWithFindings(std::string_view bytes) {
+    const std::vector<Finding> findings = findFaults(bytes, "", {});
+    int line = 0;
+    for (const Finding& finding : findings) {
+        if (finding.line < line || finding.message.find('\n') != std::string::npos ||
+            finding.message.empty()) {
+            std::abort();
+        }
+        line = finding.line;
+    }
+    std::string refused;
+    try {
+        readDocument(bytes, {});
+    } catch (const Refusal& refusal) {
+        refused = refusal.why;
+    }
+    if (refused != (findings.empty() ? "" : lineInWords(findings[0].line) + findings[0].message)) {
+        std::abort();
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     compareWithLibrary(bytes);
+    compareWithFindings(bytes);
     Configuration configuration;
     configuration.load(bytes, "BuiltinDefault");
     configuration.loadFirst(*ROUTER_getProductInfo()->builtinDefaultConfiguration);

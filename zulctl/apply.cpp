@@ -2,8 +2,8 @@
 // a way back is planned from what runs then to that text, so it does not matter how far the commands got.
 #include "zulctl/apply.h"
 
+#include "plan/check/check.h"
 #include "plan/compare/planner.h"
-#include "plan/document/document.h"
 #include "plan/document/text.h"
 #include "zulctl/files.h"
 #include "zulctl/one_router.h"

@@ -46,6 +46,10 @@ constexpr CommandRow COMMANDS[] = {
      .request = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .leastWords = 3, .mostWords = ANY},
     {.name = "dupdate", .help = "disable, update and enable, and show each answer", .words = "ROUTERS [ENTITY] SOURCE",
      .kind = CommandRow::Kind::DUPDATE, .mostWords = 1, .hasSource = true, .hasAssignment = true},
+    {.name = "tree", .help = "show the entities of the router's configuration and their state", .words = "ROUTERS",
+     .kind = CommandRow::Kind::TREE},
+    {.name = "check", .help = "say what is wrong with configuration documents, without any router", .words = "FILE...",
+     .kind = CommandRow::Kind::CHECK, .leastWords = 1, .mostWords = ANY},
     {.name = "diff", .help = "say what differs between what runs and a file", .words = "ROUTER FILE",
      .kind = CommandRow::Kind::DIFF, .leastWords = 1, .mostWords = 1},
     {.name = "apply", .help = "bring a router to what a file says, with a plan, a question and a backup",
@@ -53,12 +57,13 @@ constexpr CommandRow COMMANDS[] = {
      .kind = CommandRow::Kind::APPLY, .leastWords = 1, .mostWords = 1},
     {.name = "restore", .help = "bring a router back to a backup", .words = "ROUTER BACKUP [--dry-run] [--yes] [--backup FILE]",
      .kind = CommandRow::Kind::RESTORE, .leastWords = 1, .mostWords = 1},
+    {.name = "shell", .help = "all of this at a prompt, with the options given as defaults", .words = "", .kind = CommandRow::Kind::SHELL},
 };
 // clang-format on
 
 constexpr const char* FOOTER =
     "ROUTERS is a name, names with commas between, a pattern with * and ?, or --all.\n"
-    "Exit status: 0 done; 1 a router refused, or diff found differences; 2 usage, or a local file;\n"
+    "Exit status: 0 done; 1 a router refused, or diff or check found something; 2 usage, or a local file;\n"
     "3 no such entity; 4 no such router, or no answer; 5 interrupted; 6 the domain cannot be joined.";
 
 constexpr bool isComparing(const CommandRow& row) {
@@ -113,9 +118,9 @@ std::vector<std::int32_t> parseDomains(const std::string& range) {
 
 // What CLI11 stores into, before it is looked at.
 struct Raw {
-    double timeout = 15;
-    double discovery = 3;
-    bool isFederation = false;
+    double timeout;
+    double discovery;
+    bool isFederation;
     bool isVersion = false;
     std::vector<std::string> words{};
     bool isAll = false;
@@ -152,7 +157,7 @@ void assignWords(const Raw& raw, Arguments& arguments) {
     arguments.words = raw.words;
     if (raw.isAll) {
         arguments.routers = {"*"};
-    } else if (row.kind != CommandRow::Kind::LIST) {
+    } else if (std::string_view(row.words).starts_with("ROUTER")) {
         if (arguments.words.empty()) {
             throw UsageError{"whom? Name a router, or give --all"};
         }
@@ -175,12 +180,26 @@ std::chrono::nanoseconds nanoseconds(double seconds) {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds));
 }
 
-} // namespace
+double seconds(fleet::Clock::duration span) {
+    return std::chrono::duration<double>(span).count();
+}
 
-Parsed parseArguments(int argc, const char* const* argv) {
-    Arguments arguments;
+// The options and commands, and what they store into.
+struct CommandLine {
+    explicit CommandLine(const Arguments& defaults);
+    void add(const CommandRow& row);
+
+    Arguments arguments{};
     Raw raw;
-    CLI::App app("Administers routers on a DDS network.", "zulctl");
+    CLI::App app{"Administers routers on a DDS network.", "zulctl"};
+};
+
+CommandLine::CommandLine(const Arguments& defaults)
+    : raw{.timeout = seconds(defaults.settings.timeout),
+          .discovery = seconds(defaults.settings.discovery),
+          .isFederation = defaults.settings.product == fleet::Product::FEDERATION} {
+    arguments.domain = defaults.domain;
+    arguments.isJson = defaults.isJson;
     app.footer(FOOTER);
     app.formatter(std::make_shared<HelpFormatter>());
     app.require_subcommand(0, 1);
@@ -198,27 +217,72 @@ Parsed parseArguments(int argc, const char* const* argv) {
     app.add_flag("--json", arguments.isJson, "one JSON object a line");
     app.add_flag("--version", raw.isVersion, "show the version and end");
     for (const CommandRow& row : COMMANDS) {
-        CLI::App& command = *app.add_subcommand(row.name, row.help);
-        command.fallthrough();
-        command.callback([&arguments, &row] { arguments.command = &row; });
-        if (*row.words != '\0') {
-            command.add_option("WORDS", raw.words)->group("")->expected(0, static_cast<int>(ANY));
+        add(row);
+    }
+}
+
+void CommandLine::add(const CommandRow& row) {
+    CLI::App& command = *app.add_subcommand(row.name, row.help);
+    command.fallthrough();
+    command.callback([this, &row] { arguments.command = &row; });
+    if (*row.words != '\0') {
+        command.add_option("WORDS", raw.words)->group("")->expected(0, static_cast<int>(ANY));
+    }
+    if (std::string_view(row.words).starts_with("ROUTERS")) {
+        command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
+    }
+    if (row.kind == CommandRow::Kind::LIST || row.kind == CommandRow::Kind::WHY) {
+        command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
+    }
+    if (isComparing(row)) {
+        addComparing(command, row, arguments);
+    }
+    if (row.kind == CommandRow::Kind::TREE) {
+        command.add_flag("--dot", arguments.isDot, "one graph of all routers, for Graphviz");
+    }
+    if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {
+        command.add_option("-o,--output", arguments.output, "write to FILE; {router} in it is replaced")
+            ->type_name("FILE");
+    }
+    if (row.hasSource) {
+        addSource(command, row, arguments.source);
+    }
+}
+
+} // namespace
+
+std::span<const CommandRow> commandRows() {
+    return COMMANDS;
+}
+
+std::vector<Option> optionsOf(const CommandRow* command) {
+    CommandLine line({});
+    std::vector<Option> options;
+    const auto note = [&options](const CLI::App& app) {
+        for (const CLI::Option* option : app.get_options()) {
+            const std::string value = option->get_expected_min() > 0 ? option->get_type_name() : "";
+            for (const std::string& name : option->get_lnames()) {
+                options.push_back({"--" + name, value});
+            }
+            for (const std::string& name : option->get_snames()) {
+                options.push_back({"-" + name, value});
+            }
         }
-        if (row.kind == CommandRow::Kind::REQUEST || row.kind == CommandRow::Kind::DUPDATE) {
-            command.add_flag("--all", raw.isAll, "all routers, in place of ROUTERS");
-        } else if (isComparing(row)) {
-            addComparing(command, row, arguments);
-        } else {
-            command.add_option("--domains", raw.domains, "these domains besides")->type_name("A-B");
-        }
-        if (row.request == ZUL_ROUTING_SERVICE_COMMAND_GET) {
-            command.add_option("-o,--output", arguments.output, "write to FILE; {router} in it is replaced")
-                ->type_name("FILE");
-        }
-        if (row.hasSource) {
-            addSource(command, row, arguments.source);
+    };
+    note(line.app);
+    if (command != nullptr) {
+        const CLI::App* app = line.app.get_subcommand(command->name);
+        note(*app);
+        for (const CLI::App* group : app->get_subcommands({})) { // the options of SOURCE
+            note(*group);
         }
     }
+    return options;
+}
+
+Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaults) {
+    CommandLine line(defaults);
+    auto& [arguments, raw, app] = line;
     try {
         app.parse(argc, argv);
         if (raw.isVersion) {

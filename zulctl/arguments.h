@@ -4,6 +4,7 @@
 #include "fleet/fleet.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace zul::ctl {
 
 enum ExitStatus {
     EXIT_DONE = 0,
-    EXIT_REFUSED = 1, // by a router
+    EXIT_REFUSED = 1, // by a router, or check has found something
     EXIT_USAGE = 2,   // or a local file
     EXIT_NOT_FOUND = 3,
     EXIT_NO_ANSWER = 4, // or no such router
@@ -36,7 +37,7 @@ struct Arguments {
     bool isJson = false;
 
     std::vector<std::string> routers{}; // names and patterns
-    std::vector<std::string> words{};   // what follows them
+    std::vector<std::string> words{};   // what follows them; of check the files
     Source source{};
     std::optional<std::string> output{};        // a file's name; {router} stands for a router's
     std::vector<std::int32_t> domains{};        // of --domains
@@ -44,11 +45,12 @@ struct Arguments {
     std::optional<std::string> backup{};        // a file's name
     bool isDryRun = false;
     bool isYes = false;
+    bool isDot = false;
 };
 
 // What a command takes. The words after ROUTERS are named in its syntax.
 struct CommandRow {
-    enum class Kind { LIST, WHY, REQUEST, DUPDATE, DIFF, APPLY, RESTORE };
+    enum class Kind { LIST, WHY, REQUEST, DUPDATE, TREE, CHECK, DIFF, APPLY, RESTORE, SHELL };
 
     const char* name;
     const char* help;
@@ -61,11 +63,21 @@ struct CommandRow {
     bool hasAssignment = false; // the source may be --set
 };
 
+std::span<const CommandRow> commandRows();
+
 // Either arguments, or the exit status of a program that is done, with what it had to say printed.
 struct Parsed {
     std::optional<Arguments> arguments{};
     int status = EXIT_DONE;
 };
-Parsed parseArguments(int argc, const char* const* argv);
+// What `defaults` say of domain, product, times and JSON holds where the line says nothing.
+Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaults = {});
+
+struct Option {
+    std::string name{};  // "--domain", "-d"
+    std::string value{}; // what it takes, in capitals; empty: nothing
+};
+// Those of the program and, if it is not null, the command.
+std::vector<Option> optionsOf(const CommandRow* command);
 
 } // namespace zul::ctl

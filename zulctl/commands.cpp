@@ -4,9 +4,12 @@
 
 #include "product/vocabulary.h"
 #include "zulctl/apply.h"
+#include "zulctl/check.h"
 #include "zulctl/files.h"
 #include "zulctl/output.h"
 #include "zulctl/session.h"
+#include "zulctl/shell.h"
+#include "zulctl/tree.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,6 +21,23 @@ using fleet::Domain;
 using fleet::Fleet;
 using fleet::Result;
 using fleet::Status;
+
+void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
+    for (const std::string& router : routers) {
+        // A pattern is no name yet, but what it goes with may be refused already.
+        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
+            throw Failure{EXIT_USAGE, reason};
+        }
+    }
+}
+
+std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
+    std::vector<std::string> names = fleet.find(arguments.routers);
+    if (names.empty()) {
+        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
+    }
+    return names;
+}
 
 namespace {
 
@@ -87,28 +107,12 @@ Command commandOf(const Arguments& arguments) {
     return command;
 }
 
-void refuseBadNames(const Command& command, const std::vector<std::string>& routers) {
-    for (const std::string& router : routers) {
-        // A pattern is no name yet, but what it goes with may be refused already.
-        if (const char* reason = fleet::refusal(command, fleet::isPattern(router) ? "x" : router)) {
-            throw Failure{EXIT_USAGE, reason};
-        }
-    }
-}
-
-std::vector<std::string> findRouters(Fleet& fleet, const Arguments& arguments) {
-    std::vector<std::string> names = fleet.find(arguments.routers);
-    if (names.empty()) {
-        throw Failure{EXIT_NO_ANSWER, "no such router in domain " + std::to_string(arguments.domain)};
-    }
-    return names;
-}
-
 int request(const Arguments& arguments, Session& session, Output& output) {
     const Command command = commandOf(arguments);
     refuseBadNames(command, arguments.routers);
     Domain& domain = session.domain(arguments.domain, arguments.settings.product);
     Fleet fleet(domain, session.wakeup(), arguments.settings);
+    fleet.onProgress(output.progress().callback());
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(command, names);
     const bool hasPlace = arguments.output && arguments.output->find(ROUTER_PLACE) != std::string::npos;
@@ -150,6 +154,7 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     refuseBadNames(update, arguments.routers);
     Domain& domain = session.domain(arguments.domain, arguments.settings.product);
     Fleet fleet(domain, wakeup, arguments.settings);
+    fleet.onProgress(output.progress().callback());
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(update, names);
     Outcome outcome;
@@ -196,7 +201,9 @@ int listRouters(const Arguments& arguments, Session& session, Output& output) {
         std::vector<std::unique_ptr<Domain>> joined;
         std::vector<Domain*> domains;
         for (std::size_t i = first; i < std::min(ids.size(), first + AT_ONCE); ++i) {
-            domains.push_back(joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
+            Domain* known = session.known(ids[i]);
+            domains.push_back(
+                known != nullptr ? known : joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
         }
         output.print(fleet::list(domains, wakeup, arguments.settings), first == 0);
     }
@@ -226,8 +233,16 @@ int explain(const Arguments& arguments, Session& session, Output& output) {
 } // namespace
 
 int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
-    Output output(arguments.isJson);
+    if (arguments.command->kind == CommandRow::Kind::SHELL) {
+        return runShell(arguments, wakeup);
+    }
     Session session(wakeup);
+    return runCommand(arguments, session);
+}
+
+int runCommand(const Arguments& arguments, Session& session) {
+    fleet::Wakeup& wakeup = session.wakeup();
+    Output output(arguments.isJson);
     int status = EXIT_DONE;
     try {
         switch (arguments.command->kind) {
@@ -243,6 +258,9 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
         case CommandRow::Kind::DUPDATE:
             status = dupdate(arguments, session, output);
             break;
+        case CommandRow::Kind::TREE:
+            status = showTrees(arguments, session, output);
+            break;
         case CommandRow::Kind::DIFF:
             refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
             status = diff(arguments, session, output);
@@ -252,9 +270,15 @@ int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup) {
             refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_GET}, arguments.routers);
             status = apply(arguments, session, output);
             break;
+        case CommandRow::Kind::CHECK:
+            status = checkFiles(arguments, session.wakeup(), output);
+            break;
+        case CommandRow::Kind::SHELL:
+            throw Failure{EXIT_USAGE, "this is the shell"};
         }
     } catch (const Failure& failure) {
         if (!wakeup.isInterrupted() && !failure.message.empty()) {
+            output.progress().clear();
             std::fprintf(stderr, "zulctl: %s\n", oneLine(failure.message).c_str());
         }
         status = failure.status;

@@ -1,4 +1,5 @@
-// What each command does, from arguments to an exit status.
+// What each command does, from arguments to an exit status, and what commands in files of their own begin
+// with.
 #pragma once
 
 #include "zulctl/arguments.h"
@@ -7,5 +8,13 @@ namespace zul::ctl {
 
 // `wakeup` may be interrupted at any moment.
 int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup);
+// One of several commands of a session.
+class Session;
+int runCommand(const Arguments& arguments, Session& session);
+
+// Throws a Failure if the command may not be sent to a router of one of these names.
+void refuseBadNames(const fleet::Command& command, const std::vector<std::string>& routers);
+// The names that ROUTERS stands for. Throws a Failure if there is none.
+std::vector<std::string> findRouters(fleet::Fleet& fleet, const Arguments& arguments);
 
 } // namespace zul::ctl

@@ -1,4 +1,5 @@
-// JSON on one line, valid whatever the bytes: those that are no UTF-8 become U+FFFD.
+// JSON on one line, valid whatever the bytes in it, and shown by a terminal as it is: bytes that are no UTF-8
+// become U+FFFD, every control character is escaped.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -8,8 +9,6 @@ namespace zul::ctl {
 
 using Json = nlohmann::ordered_json;
 
-inline std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
+std::string dump(const Json& json);
 
 } // namespace zul::ctl

@@ -2,7 +2,6 @@
 #include "zulctl/output.h"
 
 #include "middleware/base/terminal_text.h"
-#include "zulctl/json.h"
 
 #include <algorithm>
 #include <array>
@@ -14,10 +13,6 @@ namespace zul::ctl {
 
 namespace {
 
-const char* nameOf(fleet::Status status) {
-    static constexpr const char* NAMES[] = {"ok", "error", "not_found", "no_answer", "interrupted"};
-    return NAMES[static_cast<std::size_t>(status)];
-}
 const char* wordsOf(fleet::Status status) {
     static constexpr const char* WORDS[] = {"", "error: ", "no such entity: ", "no answer: ", ""};
     return WORDS[static_cast<std::size_t>(status)];
@@ -36,16 +31,9 @@ std::string oneLine(std::string_view text) {
     return line;
 }
 
-std::string nameOf(fleet::CommandKind kind) {
-    std::string name = admin::findCommand(kind)->name;
-    std::ranges::transform(name, name.begin(), [](char c) {
-        return c == '_' ? '-' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    });
-    return name;
-}
-
 void Output::write(std::string_view text) {
     if (failure_ == 0) {
+        progress_.clear();
         ZULTerminal_print(stdout, text);
     }
 }
@@ -75,20 +63,14 @@ void Output::print(const fleet::Result& result, bool isPart) {
                   (result.message.empty() ? "done" : result.message));
         return;
     }
-    writeLine(dump({{"router", result.router},
-                    {"command", nameOf(result.command)},
-                    {"entity", result.entity},
-                    {"status", nameOf(result.status)},
-                    {"message", result.message},
-                    {"parts", result.parts},
-                    {"ms", result.took.count()},
-                    {"guid", result.guid}}));
+    writeLine(jsonRow(result));
 }
 
 void Output::printText(const fleet::Result& result, bool isOneOfSeveral) {
     if (isJson_) {
         print(result);
     } else if (result.status != fleet::Status::OK) {
+        progress_.clear();
         std::fprintf(stderr, "zulctl: %s: ", oneLine(result.router).c_str());
         ZULTerminal_print(stderr, wordsOf(result.status) + result.message + "\n");
     } else {
@@ -102,14 +84,7 @@ void Output::printText(const fleet::Result& result, bool isOneOfSeveral) {
 void Output::print(const std::vector<fleet::RouterRow>& rows, bool isFirst) {
     if (isJson_) {
         for (const fleet::RouterRow& row : rows) {
-            writeLine(dump({{"router", row.name},
-                            {"domain", row.domain},
-                            {"product", fleet::nameOf(row.product)},
-                            {"participant", row.participant},
-                            {"host", row.host},
-                            {"guid", row.guid},
-                            {"answers", row.answers},
-                            {"duplicate", row.isDuplicate}}));
+            writeLine(jsonRow(row));
         }
         return;
     }
@@ -144,16 +119,19 @@ void Output::print(const std::vector<fleet::RouterRow>& rows, bool isFirst) {
 
 void Output::print(const std::string& router, const fleet::Cause& cause) {
     if (isJson_) {
-        writeLine(dump({{"router", router},
-                        {"cause", fleet::nameOf(cause.kind)},
-                        {"text", cause.text},
-                        {"evidence", cause.evidence}}));
+        writeLine(jsonRow(router, cause));
         return;
     }
     writeLine(oneLine(router) + ": " + fleet::nameOf(cause.kind) + ": " + oneLine(cause.text));
     for (const std::string& fact : cause.evidence) {
         writeLine("  " + oneLine(fact));
     }
+}
+
+void Output::print(const std::string& file, const plan::Finding& finding) {
+    const int line = std::max(finding.line, 1); // a whole document begins there
+    writeLine(isJson_ ? jsonRow(file, line, finding)
+                      : oneLine(file) + ":" + std::to_string(line) + ": " + oneLine(finding.message));
 }
 
 } // namespace zul::ctl

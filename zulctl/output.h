@@ -2,8 +2,8 @@
 // characters, never made to obey them; JSON is valid whatever the bytes.
 #pragma once
 
-#include "fleet/fleet.h"
-#include "plan/compare/planner.h"
+#include "zulctl/json_rows.h"
+#include "zulctl/progress.h"
 
 #include <string>
 #include <string_view>
@@ -11,17 +11,11 @@
 
 namespace zul::ctl {
 
-// How an apply or a restore ended.
-struct ApplyEnd {
-    std::string router;
-    const char* outcome; // of docs/zulctl.schema.json
-    std::string message;
-    std::string backup; // a file; empty when none was written
-};
-
 class Output {
 public:
     explicit Output(bool isJson) : isJson_(isJson) {}
+
+    bool isJson() const { return isJson_; }
 
     // `isPart`: one of several commands that make up what the user asked for, so its name is shown.
     void print(const fleet::Result& result, bool isPart = false);
@@ -29,10 +23,15 @@ public:
     void printText(const fleet::Result& result, bool isOneOfSeveral);
     void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
     void print(const std::string& router, const fleet::Cause& cause);
+    // How far a command is, until there are results.
+    ProgressLine& progress() { return progress_; }
+    // A line that is ready to be shown.
+    void printLine(std::string_view line) { writeLine(line); }
     void print(const plan::Difference& difference);
     // `purpose` is a word of docs/zulctl.schema.json.
     void print(const std::string& router, const plan::Plan& plan, const char* purpose);
     void print(const ApplyEnd& end);
+    void print(const std::string& file, const plan::Finding& finding);
     // For people only.
     void say(const std::string& sentence);
 
@@ -45,14 +44,13 @@ private:
     void writeLine(std::string_view text);
 
     bool isJson_;
+    ProgressLine progress_;
     int failure_ = 0; // errno of the first write that failed
 };
 
 // Text on one line of its own: control characters as \xNN, wherever it goes.
 std::string oneLine(std::string_view text);
-// The command that a step of a plan is.
+// What a step of a plan sends.
 fleet::Command commandOf(const plan::Step& step);
-// The name of a command as it is typed.
-std::string nameOf(fleet::CommandKind kind);
 
 } // namespace zul::ctl

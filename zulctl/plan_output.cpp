@@ -1,6 +1,5 @@
 // Differences, plans and how an apply ended.
 #include "plan/document/text.h"
-#include "zulctl/json.h"
 #include "zulctl/output.h"
 
 namespace zul::ctl {
@@ -8,14 +7,6 @@ namespace zul::ctl {
 namespace {
 
 constexpr std::size_t MAX_XML = 200; // bytes of it in a row for people
-
-fleet::CommandKind kindOf(plan::Step::Kind kind) {
-    constexpr fleet::CommandKind KINDS[] = {
-        ZUL_ROUTING_SERVICE_COMMAND_UPDATE,  ZUL_ROUTING_SERVICE_COMMAND_CREATE,
-        ZUL_ROUTING_SERVICE_COMMAND_DELETE,  ZUL_ROUTING_SERVICE_COMMAND_ENABLE,
-        ZUL_ROUTING_SERVICE_COMMAND_DISABLE, ZUL_ROUTING_SERVICE_COMMAND_LOAD};
-    return KINDS[static_cast<std::size_t>(kind)];
-}
 
 } // namespace
 
@@ -33,10 +24,7 @@ void Output::say(const std::string& sentence) {
 
 void Output::print(const plan::Difference& difference) {
     if (isJson_) {
-        writeLine(dump({{"path", difference.path},
-                        {"change", plan::nameOf(difference.change)},
-                        {"from", difference.from},
-                        {"to", difference.to}}));
+        writeLine(jsonRow(difference));
         return;
     }
     const bool hasBoth = !difference.from.empty() && !difference.to.empty();
@@ -50,19 +38,13 @@ void Output::print(const std::string& router, const plan::Plan& plan, const char
     std::size_t number = 0;
     for (const plan::Step& step : plan) {
         ++number;
-        const std::string command = nameOf(kindOf(step.kind));
         if (isJson_) {
-            writeLine(dump({{"plan", purpose},
-                            {"step", number},
-                            {"router", router},
-                            {"command", command},
-                            {"entity", step.entity},
-                            {"xml", step.xml}}));
+            writeLine(jsonRow(router, step, purpose, number));
             continue;
         }
         const bool isInside = step.kind == plan::Step::Kind::CREATE;
-        writeLine(oneLine(std::to_string(number) + ". " + command + (isInside ? " in " : " ") +
-                          (step.entity.empty() ? "the router" : step.entity) +
+        writeLine(oneLine(std::to_string(number) + ". " + nameOf(kindOf(step.kind)) +
+                          (isInside ? " in " : " ") + (step.entity.empty() ? "the router" : step.entity) +
                           (step.xml.empty() ? "" : ": " + plan::shortened(step.xml, MAX_XML))));
     }
 }
@@ -72,10 +54,7 @@ void Output::print(const ApplyEnd& end) {
         writeLine(oneLine(end.router + ": " + end.message));
         return;
     }
-    writeLine(dump({{"router", end.router},
-                    {"outcome", end.outcome},
-                    {"message", end.message},
-                    {"backup", end.backup}}));
+    writeLine(jsonRow(end));
 }
 
 } // namespace zul::ctl

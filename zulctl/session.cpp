@@ -27,11 +27,18 @@ std::unique_ptr<fleet::Domain> join(std::int32_t id, std::span<const fleet::Prod
 }
 
 fleet::Domain& Session::domain(std::int32_t id, fleet::Product product) {
-    std::unique_ptr<fleet::Domain>& domain = domains_[{id, product}];
+    const fleet::Product key = isLasting_ ? fleet::PRODUCTS[0] : product;
+    std::unique_ptr<fleet::Domain>& domain = domains_[{id, key}];
     if (domain == nullptr) {
-        domain = join(id, {&product, 1}, wakeup_);
+        const std::span<const fleet::Product> one(&product, 1);
+        domain = join(id, isLasting_ ? fleet::PRODUCTS : one, wakeup_);
     }
     return *domain;
+}
+
+fleet::Domain* Session::known(std::int32_t id) const {
+    const auto found = domains_.find({id, fleet::PRODUCTS[0]});
+    return isLasting_ && found != domains_.end() ? found->second.get() : nullptr;
 }
 
 } // namespace zul::ctl

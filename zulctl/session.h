@@ -35,16 +35,21 @@ std::unique_ptr<fleet::Domain> join(std::int32_t id, std::span<const fleet::Prod
 
 class Session {
 public:
-    // `wakeup` must outlive this; it may be interrupted at any moment.
-    explicit Session(fleet::Wakeup& wakeup) : wakeup_(wakeup) {}
+    // `wakeup` must outlive this; it may be interrupted at any moment. One that is to last joins a domain for
+    // both products at once, so that one participant serves all commands.
+    explicit Session(fleet::Wakeup& wakeup, bool isLasting = false)
+        : wakeup_(wakeup), isLasting_(isLasting) {}
 
     fleet::Wakeup& wakeup() { return wakeup_; }
     // A domain and the routers of one product in it, joined when first asked for and then kept. Throws a
     // Failure.
     fleet::Domain& domain(std::int32_t id, fleet::Product product);
+    // One that is there already, for both products. Null: none is.
+    fleet::Domain* known(std::int32_t id) const;
 
 private:
     fleet::Wakeup& wakeup_;
+    bool isLasting_;
     std::map<std::pair<std::int32_t, fleet::Product>, std::unique_ptr<fleet::Domain>> domains_;
 };
 

@@ -14,21 +14,27 @@ struct ZULParameterMark {
 inline bool ZULCdrOutput_beginParameter(ZULCdrOutput& stream, std::uint32_t id, ZULParameterForm form,
                                         ZULParameterMark& mark) {
     if (form == ZUL_PARAMETER_SHORT) {
-        if (id >= ZUL_PARAMETER_EXTENDED || !stream.reserve(4, 4)) {
+        if (id >= ZUL_PARAMETER_EXTENDED || !stream.reserve(4, ZUL_PARAMETER_SHORT_HEADER_SIZE)) {
             return false;
         }
         if (stream.data != nullptr) {
             stream.store16(stream.position, static_cast<std::uint16_t>(id));
         }
-        stream.position += 4;
+        stream.position += ZUL_PARAMETER_SHORT_HEADER_SIZE;
         mark = {.lengthAt = stream.position - 2, .valueAt = stream.position, .form = form};
         return true;
     }
-    const bool written = stream.align(4) &&
-                         stream.put16(ZUL_PARAMETER_EXTENDED | ZUL_PARAMETER_MUST_UNDERSTAND) &&
-                         stream.put16(ZUL_PARAMETER_EXTENDED_LENGTH) && stream.put32(id) && stream.put32(0);
+    if (!stream.reserve(4, ZUL_PARAMETER_LONG_HEADER_SIZE)) {
+        return false;
+    }
+    if (stream.data != nullptr) {
+        stream.store16(stream.position, ZUL_PARAMETER_EXTENDED | ZUL_PARAMETER_MUST_UNDERSTAND);
+        stream.store16(stream.position + 2, ZUL_PARAMETER_EXTENDED_LENGTH);
+        stream.store32(stream.position + 4, id);
+    }
+    stream.position += ZUL_PARAMETER_LONG_HEADER_SIZE;
     mark = {.lengthAt = stream.position - 4, .valueAt = stream.position, .form = form};
-    return written;
+    return true;
 }
 
 // Fills in the exact length of the value; fails when a short header cannot hold it.
@@ -49,8 +55,15 @@ inline bool ZULCdrOutput_endParameter(ZULCdrOutput& stream, const ZULParameterMa
 }
 
 inline bool ZULCdrOutput_putListEnd(ZULCdrOutput& stream) {
-    return stream.align(4) && stream.put16(ZUL_PARAMETER_LIST_END | ZUL_PARAMETER_MUST_UNDERSTAND) &&
-           stream.put16(0);
+    if (!stream.reserve(4, ZUL_PARAMETER_SHORT_HEADER_SIZE)) {
+        return false;
+    }
+    if (stream.data != nullptr) {
+        stream.store16(stream.position, ZUL_PARAMETER_LIST_END | ZUL_PARAMETER_MUST_UNDERSTAND);
+        stream.store16(stream.position + 2, 0);
+    }
+    stream.position += ZUL_PARAMETER_SHORT_HEADER_SIZE;
+    return true;
 }
 
 struct ZULParameterHeader {

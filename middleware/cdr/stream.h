@@ -35,6 +35,9 @@ constexpr std::uint16_t ZUL_PARAMETER_EXTENDED = 0x3F01; // followed by a 32-bit
 constexpr std::uint16_t ZUL_PARAMETER_LIST_END = 0x3F02;
 constexpr std::uint16_t ZUL_PARAMETER_IGNORE = 0x3F03;
 constexpr std::uint16_t ZUL_PARAMETER_EXTENDED_LENGTH = 8;
+constexpr std::size_t ZUL_PARAMETER_SHORT_HEADER_SIZE = 4; // bytes
+constexpr std::size_t ZUL_PARAMETER_LONG_HEADER_SIZE =
+    ZUL_PARAMETER_SHORT_HEADER_SIZE + ZUL_PARAMETER_EXTENDED_LENGTH;
 constexpr std::uint32_t ZUL_PARAMETER_EXTENDED_ID_MASK = 0x0FFFFFFF;
 constexpr std::uint32_t ZUL_PARAMETER_EXTENDED_MUST_UNDERSTAND = 0x40000000;
 

@@ -4,15 +4,18 @@
 
 #include <algorithm>
 #include <fastdds/rtps/transport/UDPv4TransportDescriptor.h>
+#include <fastdds/rtps/transport/UDPv6TransportDescriptor.h>
 #include <memory>
 
 namespace zul {
 
 namespace fast = eprosima::fastdds::dds;
 namespace rtps = eprosima::fastrtps::rtps;
+namespace transport = eprosima::fastdds::rtps;
 
 namespace {
 
+constexpr std::uint32_t RECEIVE_BUFFER = 1U << 20; // bytes; the kernel grants what its limit allows
 constexpr std::uint32_t INITIAL_ANNOUNCEMENTS = 10;
 const eprosima::fastrtps::Duration_t INITIAL_ANNOUNCEMENT_PERIOD{0, 5'000'000};
 
@@ -47,16 +50,32 @@ void applyCommon(const EndpointQos& qos, LibraryQos& library) {
     library.data_sharing().off();
 }
 
+// Sockets with room for the burst in which dozens of peers answer a new participant's first announcement:
+// what does not fit is lost, and repaired only a second later. A size that the operator's profile file gives
+// stays.
+template <class UdpDescriptor>
+void widenReceiveBuffer(std::shared_ptr<transport::TransportDescriptorInterface>& descriptor) {
+    const auto udp = std::dynamic_pointer_cast<UdpDescriptor>(descriptor);
+    if (udp != nullptr && udp->receiveBufferSize == 0) {
+        const auto own = std::make_shared<UdpDescriptor>(*udp); // the profile's is shared
+        own->receiveBufferSize = RECEIVE_BUFFER;
+        descriptor = own;
+    }
+}
+
 } // namespace
 
 void applyParticipantQos(const DDS_DomainParticipantQos& qos, fast::DomainParticipantQos& library) {
     // Shared memory leaves files behind after a crash and is no faster here: UDPv4 alone, unless the
     // operator's profile file names transports of its own.
-    auto& transport = library.transport();
-    if (transport.use_builtin_transports && transport.user_transports.empty()) {
-        transport.use_builtin_transports = false;
-        transport.user_transports.push_back(
-            std::make_shared<eprosima::fastdds::rtps::UDPv4TransportDescriptor>());
+    auto& transports = library.transport();
+    if (transports.use_builtin_transports && transports.user_transports.empty()) {
+        transports.use_builtin_transports = false;
+        transports.user_transports.push_back(std::make_shared<transport::UDPv4TransportDescriptor>());
+    }
+    for (auto& descriptor : transports.user_transports) {
+        widenReceiveBuffer<transport::UDPv4TransportDescriptor>(descriptor);
+        widenReceiveBuffer<transport::UDPv6TransportDescriptor>(descriptor);
     }
     if (qos.participant_name.name != nullptr) {
         library.name(qos.participant_name.name);

@@ -99,6 +99,7 @@ void checkTypes(const Symbols& symbols,
     Walk throughAll(false, loops);
     Users users;
     std::vector<const DDS_TypeCode*> wrong;
+    std::vector<const DDS_TypeCode*> tooDeep;
     std::set<const DDS_TypeCode*> known; // of the wrong ones
     const auto add = [&](const DDS_TypeCode* type, const std::string& reason, bool isOwn) {
         if (known.insert(type).second) {
@@ -106,6 +107,7 @@ void checkTypes(const Symbols& symbols,
             tell(type->name, reason, isOwn);
         }
     };
+    bool hasLoop = false;
     for (const auto& [name, symbol] : symbols.all()) {
         if (symbol.kind != SymbolKind::TYPE) {
             continue;
@@ -116,14 +118,27 @@ void checkTypes(const Symbols& symbols,
         } else if (!symbol.isDefined) {
             add(symbol.type, "'" + name + "' is announced but never defined", true);
         } else if (std::max(byValue.depthOf(symbol.type), throughAll.depthOf(symbol.type)) > TYPE_DEPTH_MAX) {
-            add(symbol.type,
-                "types stand more than " + std::to_string(TYPE_DEPTH_MAX) + " levels inside each other",
-                true);
+            tooDeep.push_back(symbol.type);
         }
         for (const DDS_TypeCode* loop : loops) {
             add(loop, "'" + loop->name + "' contains itself; put a sequence of it there", true);
+            hasLoop = true;
         }
         loops.clear();
+    }
+    // Of types inside each other the innermost one that is too deep; where they go round, any, unless that
+    // was told.
+    std::set<const DDS_TypeCode*> outer;
+    for (const DDS_TypeCode* type : tooDeep) {
+        outer.insert(users[type].begin(), users[type].end());
+    }
+    const auto isInner = [&outer](const DDS_TypeCode* type) {
+        return !outer.contains(type);
+    };
+    const bool goRound = !hasLoop && std::ranges::none_of(tooDeep, isInner);
+    for (const DDS_TypeCode* type : tooDeep) {
+        add(type, "types stand more than " + std::to_string(TYPE_DEPTH_MAX) + " levels inside each other",
+            isInner(type) || (goRound && type == tooDeep.front()));
     }
     for (std::size_t i = 0; i < wrong.size(); ++i) {
         for (const DDS_TypeCode* user : users[wrong[i]]) {

@@ -81,20 +81,26 @@ bool isName(std::string_view text) {
     return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isNamePart);
 }
 
+std::string inBrackets(std::string_view tag) {
+    return "<" + std::string(tag) + ">";
+}
+
 void checkAttribute(const ZULXMLObject& element, const ElementForm& form, const ZULXMLAttribute& given) {
-    const std::string name = given.name;
-    const std::string value = given.value;
+    const std::string_view name = given.name;
+    const std::string_view value = given.value;
     if (!contains(form.required, name) && !contains(form.optional, name)) {
-        throw ZULXMLError{element.line, "<" + std::string(form.tag) + "> has no attribute '" + name + "'"};
+        throw ZULXMLError{element.line, inBrackets(form.tag) + " has no attribute '" + given.name + "'"};
     }
     for (const AttributeWords& row : WORDS) {
         if (row.attribute == name && !contains(row.words, value)) {
-            throw ZULXMLError{element.line, "the attribute " + name + " is '" + value +
+            throw ZULXMLError{element.line, std::string("the attribute ") + given.name + " is '" +
+                                                given.value +
                                                 "'; it must be one of: " + std::string(row.words)};
         }
     }
     if (name == "name" && !isName(value)) {
-        throw ZULXMLError{element.line, "'" + value + "' is no name; use letters, digits, '_' and '-'"};
+        throw ZULXMLError{element.line,
+                          std::string("'") + given.value + "' is no name; use letters, digits, '_' and '-'"};
     }
 }
 
@@ -104,16 +110,17 @@ void checkForm(const ZULXMLObject& element) {
     const auto* form =
         std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),
                      [&element](const ElementForm& row) { return row.tag == element.tagName; });
-    const std::string tag = "<" + std::string(element.tagName) + ">";
+    const std::string_view tag = element.tagName;
     if (form == std::end(ELEMENTS)) {
-        throw ZULXMLError{element.line, tag + " has no place in a types section"};
+        throw ZULXMLError{element.line, inBrackets(tag) + " has no place in a types section"};
     }
     if (element.text != nullptr) {
-        throw ZULXMLError{element.line, tag + " must not hold text"};
+        throw ZULXMLError{element.line, inBrackets(tag) + " must not hold text"};
     }
     eachWord(form->required, [&](std::string_view name) {
         if (!hasAttribute(element, name)) {
-            throw ZULXMLError{element.line, tag + " needs the attribute '" + std::string(name) + "'"};
+            throw ZULXMLError{element.line,
+                              inBrackets(tag) + " needs the attribute '" + std::string(name) + "'"};
         }
         return true;
     });
@@ -122,7 +129,8 @@ void checkForm(const ZULXMLObject& element) {
     }
     for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
         if (form->children != ANY && !contains(form->children, child->tagName)) {
-            throw ZULXMLError{child->line, "<" + std::string(child->tagName) + "> cannot stand in " + tag};
+            throw ZULXMLError{child->line,
+                              inBrackets(child->tagName) + " cannot stand in " + inBrackets(tag)};
         }
     }
 }

@@ -5,8 +5,9 @@
 
 namespace zul::xml {
 
+// Of more typedefs than types may have levels, one in between: such types are refused in the end.
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type) {
-    while (type != nullptr && type->kind == DDS_TK_ALIAS) {
+    for (int level = 0; type != nullptr && type->kind == DDS_TK_ALIAS && level <= TYPE_DEPTH_MAX; ++level) {
         type = type->content;
     }
     return type;
@@ -16,6 +17,9 @@ const DDS_TypeCode* underlyingType(const DDS_TypeCode* type) {
 std::optional<Integer> TypeReader::integerOf(Scope scope, std::string_view text) {
     const std::optional<Integer> literal = parseInteger(text);
     const Symbol* symbol = literal ? nullptr : symbols_.resolve(scope, text);
+    if (symbol != nullptr && symbol->isWrong) {
+        throw Consequence{{0, "the const '" + std::string(text) + "' is wrong itself"}};
+    }
     const bool isValue = symbol != nullptr && symbol->kind == SymbolKind::CONSTANT && symbol->isDiscrete;
     return isValue ? std::optional(symbol->value) : literal;
 }
@@ -67,11 +71,15 @@ const DDS_TypeCode* TypeReader::namedType(Element element, Scope scope, std::str
     const std::string name(attribute(element, attributeName));
     const Symbol* symbol = symbols_.resolve(scope, name);
     if (symbol == nullptr || symbol->kind != SymbolKind::TYPE) {
-        fail(element,
-             "unknown type '" + name + "'; define it, or announce it with forward_dcl, before it is used");
+        const std::string message =
+            "unknown type '" + name + "'; define it, or announce it with forward_dcl, before it is used";
+        if (!types_.missing.text.empty()) {
+            throw Consequence{{element.line, message}}; // it may be in a file that could not be included
+        }
+        fail(element, message);
     }
     if (symbol->isWrong) {
-        fail(element, "the type '" + name + "' is wrong itself");
+        throw Consequence{{element.line, "the type '" + name + "' is wrong itself"}};
     }
     if (mustBeDefined && !symbol->isDefined) {
         fail(element, "the type '" + name + "' must be defined before this use, not only announced");

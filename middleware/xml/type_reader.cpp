@@ -51,6 +51,7 @@ bool TypeReader::read(const ZULXMLDocument& document) {
         entry.reason = entry.place + reason;
         if (isOwn) {
             first_.set(entry.line, entry.reason);
+            observe(nullptr, {entry.line, entry.reason});
         }
     });
     return first_.text.empty();
@@ -85,9 +86,47 @@ void TypeReader::readDefinitions(Element parent, Scope scope) {
             }
             checkForm(*child);
             (this->*definition->read)(*child, scope);
+        } catch (Consequence& error) {
+            tell(*child, name, entry, std::move(error), true);
         } catch (ZULXMLError& error) {
             tell(*child, name, entry, std::move(error));
         }
+    }
+}
+
+ZULXMLError TypeReader::placed(Element element, const ZULXMLError& error) const {
+    const std::int32_t line = error.line != 0 ? error.line : element.line;
+    return {lineOf(line), placeOf(line) + error.text};
+}
+
+void TypeReader::readParts(Element definition, const ZULXMLObject* first,
+                           const std::function<void(Element)>& read) {
+    std::optional<ZULXMLError> own;
+    std::optional<Consequence> consequence;
+    for (const ZULXMLObject* part = first; part != nullptr; part = part->next) {
+        try {
+            read(*part);
+        } catch (Consequence& error) {
+            consequence = consequence ? consequence : std::move(error);
+        } catch (ZULXMLError& error) {
+            if (own) {
+                observe(&definition, placed(*part, error));
+            } else {
+                own = std::move(error);
+            }
+        }
+    }
+    if (own) {
+        throw *own;
+    }
+    if (consequence) {
+        throw *consequence;
+    }
+}
+
+void TypeReader::observe(const ZULXMLObject* definition, const ZULXMLError& error) const {
+    if (observer_) {
+        observer_(definition, error);
     }
 }
 
@@ -115,10 +154,13 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 
 // Keeps what is wrong with a definition where its name is looked up, and marks the name for those that use
 // it. A failed include has no name: it is what may be missing where a name is not found.
-void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error) {
-    error.text = placeOf(error.line) + error.text;
-    error.line = lineOf(error.line);
+void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
+                      bool isConsequence) {
+    error = placed(element, error);
     first_.set(error.line, error.text);
+    if (!isConsequence) {
+        observe(&element, error);
+    }
     if (entry == nullptr) {
         if (std::strcmp(element.tagName, "include") == 0) {
             types_.missing.set(error.line, error.text);
@@ -132,8 +174,10 @@ void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry*
     if (symbol == nullptr && definition != nullptr && definition->kind != DDS_TK_NULL) {
         symbol = &symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line});
         symbol->type = newCode({.kind = definition->kind, .name = name});
+    } else if (symbol == nullptr && std::strcmp(element.tagName, "const") == 0) {
+        symbol = &symbols_.add(name, {.kind = SymbolKind::CONSTANT, .line = element.line});
     }
-    if (symbol != nullptr && symbol->kind == SymbolKind::TYPE) {
+    if (symbol != nullptr && symbol->kind != SymbolKind::MODULE) {
         symbol->isWrong = true;
     }
 }
@@ -185,6 +229,9 @@ void TypeReader::readConstant(Element element, Scope scope) {
     Symbol constant{.kind = SymbolKind::CONSTANT, .line = element.line, .isDiscrete = true};
     const std::string text(attribute(element, "value"));
     const Symbol* other = symbols_.resolve(scope, text);
+    if (other != nullptr && other->isWrong) {
+        throw Consequence{{element.line, "'" + text + "' is wrong itself"}};
+    }
     const bool namesConstant = other != nullptr && other->kind == SymbolKind::CONSTANT;
     const DDS_TypeCode* type = underlyingType(elementTypeOf(element, scope));
     bool isValid = false;
@@ -193,6 +240,9 @@ void TypeReader::readConstant(Element element, Scope scope) {
         constant.value = isValid ? other->value : Integer{};
         constant.enumeration = type;
     } else if (const TypeWord* word = findTypeWord(attribute(element, "type")); word == nullptr) {
+        if (type->kind == DDS_TK_ALIAS) { // of too many levels, which is told in the end
+            throw Consequence{{element.line, "the type of this const is wrong itself"}};
+        }
         fail(element, "a const is of a basic type or an enum");
     } else if (word->isDiscrete()) {
         const std::optional<Integer> value = valueOf(*word, scope, text);
@@ -249,29 +299,34 @@ void TypeReader::readTypedef(Element element, Scope scope) {
 void TypeReader::readEnum(Element element, Scope scope) {
     Symbol& symbol = beginType(element, scope, DDS_TK_ENUM);
     std::set<std::int32_t> values;
-    Integer next;
-    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        checkForm(*child);
+    std::optional<Integer> next = Integer{}; // nothing after an enumerator that is wrong
+    readParts(element, element.children.first, [&](Element child) {
+        const std::optional<Integer> following = std::exchange(next, std::nullopt);
+        checkForm(child);
+        const bool isGiven = hasAttribute(child, "value");
+        if (!isGiven && !following) {
+            return;
+        }
         const std::optional<Integer> value =
-            hasAttribute(*child, "value") ? integerOf(scope, attribute(*child, "value")) : next;
+            isGiven ? integerOf(scope, attribute(child, "value")) : following;
         const std::optional<std::int32_t> number = value ? toInt32(*value) : std::nullopt;
         if (!number || !values.insert(*number).second) {
-            fail(*child,
+            fail(child,
                  "the value of this enumerator must be a 32-bit integer or a const, used once in the enum");
         }
         std::vector<DDS_TypeCodeMember>& members = symbol.type->members;
-        members.push_back({.name = std::string(attribute(*child, "name")),
+        members.push_back({.name = std::string(attribute(child, "name")),
                            .id = static_cast<std::int32_t>(members.size()),
                            .value = *number});
         const Symbol enumerator{.kind = SymbolKind::CONSTANT,
-                                .line = child->line,
+                                .line = child.line,
                                 .isDiscrete = true,
                                 .value = *value,
                                 .enumeration = symbol.type};
-        symbols_.add(scopedName(scope, attribute(*child, "name")), enumerator);
+        symbols_.add(scopedName(scope, attribute(child, "name")), enumerator);
         next = value->negative ? Integer{value->magnitude > 1, value->magnitude - 1}
                                : Integer{false, value->magnitude + 1};
-    }
+    });
     if (symbol.type->members.empty()) {
         fail(element, "an enum needs an enumerator");
     }

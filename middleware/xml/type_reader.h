@@ -37,8 +37,13 @@ constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 // Each is given the scope ("" is the outermost) that its element is in.
 class TypeReader {
 public:
+    // Gets everything that is wrong, but for what only follows from something told before. The element is the
+    // definition that it was found in, of whatever document; null where it was found in the end.
+    using Observer = std::function<void(const ZULXMLObject* definition, const ZULXMLError& error)>;
+
     // `first` gets the first thing that is wrong, with the line and what to do about it.
-    TypeReader(ZULXMLTypeSet& types, ZULXMLError& first) : types_(types), first_(first) {}
+    TypeReader(ZULXMLTypeSet& types, ZULXMLError& first, Observer observer = {})
+        : types_(types), first_(first), observer_(std::move(observer)) {}
     // Reads all types sections of the document. What is wrong is left out, and the result is false.
     bool read(const ZULXMLDocument& document);
 
@@ -63,11 +68,15 @@ private:
     };
     struct Discriminator {
         const DDS_TypeCode* underlying;
-        const TypeWord* word; // its range; null for an enum
+        const TypeWord* word;                                   // its range; null for an enum
+        std::map<std::string_view, std::int32_t> enumerators{}; // of an enum
+        std::set<std::int32_t> values{};                        // of them
         std::set<std::int32_t> labels{};
         bool hasDefault = false;
     };
 
+    // What is wrong only because something else is.
+    struct Consequence : ZULXMLError {};
     [[noreturn]] static void fail(Element at, std::string message) {
         throw ZULXMLError{at.line, std::move(message)};
     }
@@ -77,7 +86,14 @@ private:
     void readDefinitions(Element parent, Scope scope);
     // The entry of the name that the element defines, if the element is the one that counts; otherwise null.
     ZULXMLTypeEntry* beginEntry(Element element, const std::string& name);
-    void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error);
+    void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
+              bool isConsequence = false);
+    void observe(const ZULXMLObject* definition, const ZULXMLError& error) const;
+    // Reads the parts of a definition from `first` on, all of them also when some are wrong; then throws the
+    // first error, and has told the others.
+    void readParts(Element definition, const ZULXMLObject* first, const std::function<void(Element)>& read);
+    // The error with the place that it has in the document asked for.
+    ZULXMLError placed(Element element, const ZULXMLError& error) const;
     // That line of the document being read, or of the outermost include that led to it.
     std::int32_t lineOf(std::int32_t line) const { return includes_.empty() ? line : includes_.front().line; }
     std::string placeOf(std::int32_t line) const;
@@ -120,6 +136,7 @@ private:
 
     ZULXMLTypeSet& types_;
     ZULXMLError& first_;
+    const Observer observer_;
     Symbols symbols_;
     std::map<const DDS_TypeCode*, Record> records_;
     const ZULXMLDocument* document_ = nullptr; // the one being read

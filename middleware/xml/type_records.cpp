@@ -25,9 +25,8 @@ void TypeReader::readRecord(Element element, Scope scope) {
     } else if (code.kind == DDS_TK_STRUCT && !hasMembers) {
         fail(element, "a struct without a baseType needs a member");
     }
-    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        readMember(*child, scope, code, record);
-    }
+    readParts(element, element.children.first,
+              [&](Element child) { readMember(child, scope, code, record); });
     records_.emplace(&code, std::move(record));
     symbol.isDefined = true;
 }
@@ -64,11 +63,11 @@ void TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Re
             fail(element, "the name or id of member '" + member.name + "' is used twice in its type");
         }
     }
-    member.type = typeOf(element, scope);
-    member.id = static_cast<std::int32_t>(id->magnitude);
     record.names.insert(member.name);
     record.ids.insert(id->magnitude);
     record.nextId = id->magnitude + 1;
+    member.type = typeOf(element, scope);
+    member.id = static_cast<std::int32_t>(id->magnitude);
     if (code.kind != DDS_TK_UNION) {
         member.isKey = isTrue(element, "key");
         if (member.isKey && isTrue(element, "optional")) {
@@ -87,9 +86,8 @@ void TypeReader::readUnion(Element element, Scope scope) {
     }
     Discriminator discriminator = readDiscriminator(*child, scope, *symbol.type);
     Record record;
-    while ((child = child->next) != nullptr) {
-        readCase(*child, scope, *symbol.type, discriminator, record);
-    }
+    readParts(element, child->next,
+              [&](Element each) { readCase(each, scope, *symbol.type, discriminator, record); });
     symbol.isDefined = true;
 }
 
@@ -106,7 +104,12 @@ TypeReader::Discriminator TypeReader::readDiscriminator(Element element, Scope s
         fail(element,
              "a discriminator is a boolean, a byte, a character, an integer or an enum defined before it");
     }
-    return {.underlying = underlying, .word = word};
+    Discriminator discriminator{.underlying = underlying, .word = word};
+    for (const DDS_TypeCodeMember& enumerator : underlying->members) {
+        discriminator.enumerators.emplace(enumerator.name, enumerator.value);
+        discriminator.values.insert(enumerator.value);
+    }
+    return discriminator;
 }
 
 void TypeReader::readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
@@ -129,23 +132,6 @@ void TypeReader::readCase(Element element, Scope scope, DDS_TypeCode& code, Disc
     code.members.back().isDefault = branch.isDefault;
 }
 
-namespace {
-
-// The value of the enumerator of that name or number.
-std::optional<std::int32_t> enumeratorValue(const DDS_TypeCode& enumeration, const std::string& text) {
-    const std::optional<Integer> number = parseInteger(text);
-    for (const DDS_TypeCodeMember& enumerator : enumeration.members) {
-        const std::int64_t value = enumerator.value;
-        const Integer same{value < 0, static_cast<std::uint64_t>(value < 0 ? -value : value)};
-        if (number ? *number == same : enumerator.name == text) {
-            return enumerator.value;
-        }
-    }
-    return std::nullopt;
-}
-
-} // namespace
-
 // Labels are kept in 32 bits; those of an unsigned 32-bit discriminator with the same bits.
 void TypeReader::readLabel(Element element, Scope scope, Discriminator& discriminator,
                            DDS_TypeCodeMember& branch) {
@@ -161,7 +147,16 @@ void TypeReader::readLabel(Element element, Scope scope, Discriminator& discrimi
     if (discriminator.word == nullptr) {
         const Symbol* symbol = symbols_.resolve(scope, text);
         const bool isOwn = symbol != nullptr && symbol->enumeration == discriminator.underlying;
-        label = isOwn ? toInt32(symbol->value) : enumeratorValue(*discriminator.underlying, text);
+        const std::optional<Integer> number = parseInteger(text);
+        const auto named = discriminator.enumerators.find(text);
+        if (isOwn) {
+            label = toInt32(symbol->value);
+        } else if (number) {
+            label = toInt32(*number);
+            label = label && discriminator.values.contains(*label) ? label : std::nullopt;
+        } else if (named != discriminator.enumerators.end()) {
+            label = named->second;
+        }
     } else if (const std::optional<Integer> value = valueOf(*discriminator.word, scope, text)) {
         label = discriminator.word->kind == DDS_TK_ULONG
                     ? std::optional(static_cast<std::int32_t>(static_cast<std::uint32_t>(value->magnitude)))

@@ -15,7 +15,7 @@ struct Symbol {
     std::int32_t line = 0;                     // where it was introduced
     DDS_TypeCode* type = nullptr;              // TYPE: its code, owned by the type set
     bool isDefined = false;                    // TYPE: its definition was read
-    bool isWrong = false;                      // TYPE: its definition was refused
+    bool isWrong = false;                      // TYPE, CONSTANT: its definition was refused
     bool isDiscrete = false;                   // CONSTANT: of a discrete type
     Integer value{};                           // CONSTANT: its value, if it is discrete
     const DDS_TypeCode* enumeration = nullptr; // CONSTANT: the enum that it is an enumerator of, or null

@@ -2,6 +2,7 @@
 // update did not bring about, and does that otherwise.
 #include "plan/compare/planner.h"
 
+#include "plan/check/check.h"
 #include "plan/compare/snippet.h"
 #include "plan/document/children.h"
 #include "plan/document/definition.h"

@@ -13,29 +13,13 @@
 #include <array>
 #include <bit>
 #include <ranges>
+#include <utility>
 
 namespace zul::plan {
 
 namespace {
 
 constexpr std::size_t MAX_POSITIONS = 64;
-constexpr std::size_t MAX_LISTED = 16; // words in one list of what was expected
-
-// "a, b or c", without repetitions.
-std::string listed(const std::vector<std::string>& words) {
-    std::vector<std::string> list;
-    for (const std::string& word : words) {
-        if (std::ranges::find(list, word) == list.end()) {
-            list.push_back(word);
-        }
-    }
-    std::string text;
-    const std::size_t shown = std::min(list.size(), MAX_LISTED);
-    for (std::size_t i = 0; i < shown; ++i) {
-        text.append(i == 0 ? "" : i + 1 == list.size() ? " or " : ", ").append(list[i]);
-    }
-    return text + (shown < list.size() ? " and others" : "");
-}
 
 template <class Action>
 void forEach(ContentModel::Positions positions, Action action) {
@@ -193,20 +177,21 @@ const Definition& Definition::ofProduct() {
 }
 
 const ContentModel* Definition::contentOf(std::string_view tag) const {
+    const Rule* rule = find(tag);
+    return rule != nullptr ? &rule->content : nullptr;
+}
+
+const Definition::Rule* Definition::find(std::string_view tag) const {
     const auto rule = rules_.find(tag);
-    return rule != rules_.end() ? &rule->second.content : nullptr;
+    return rule != rules_.end() ? &rule->second : nullptr;
 }
 
-void Definition::check(const xmlNode* element) const {
-    const auto rule = rules_.find(tagOf(element));
-    if (rule == rules_.end()) {
-        refuseAt(element, describe(element) + " is not known");
-    }
-    checkAttributes(rule->second, element);
-    checkContent(rule->second, element);
+void Definition::check(const Rule& rule, const xmlNode* element, const Report& report) {
+    checkAttributes(rule, element, report);
+    checkContent(rule, element, report);
 }
 
-void Definition::checkAttributes(const Rule& rule, const xmlNode* element) {
+void Definition::checkAttributes(const Rule& rule, const xmlNode* element, const Report& report) {
     for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
         if (isSchemaLocation(attribute)) {
             continue;
@@ -219,43 +204,52 @@ void Definition::checkAttributes(const Rule& rule, const xmlNode* element) {
             for (const Attribute& each : rule.attributes) {
                 names.push_back(each.name);
             }
-            refuseAt(element, describe(element) + " has no attribute " + shortened(name) + "; expected " +
-                                  (names.empty() ? "no attribute" : listed(names)));
-        }
-        const std::string value = attributeOf(element, declared->name.c_str());
-        if (!declared->words.empty() && std::ranges::find(declared->words, value) == declared->words.end()) {
-            refuseAt(element, "the attribute " + declared->name + " of " + describe(element) + " is " +
-                                  quoted(value) + "; expected " + listed(declared->words));
+            report(element, describe(element) + " has no attribute " + shortened(name) + "; expected " +
+                                (names.empty() ? "no attribute" : listed(names)));
+        } else if (!declared->words.empty()) {
+            const std::string value = attributeOf(element, declared->name.c_str());
+            if (std::ranges::find(declared->words, value) == declared->words.end()) {
+                report(element, "the attribute " + declared->name + " of " + describe(element) + " is " +
+                                    quoted(value) + "; expected " + listed(declared->words));
+            }
         }
     }
     for (const Attribute& each : rule.attributes) {
         if (each.isRequired && xmlHasProp(element, toXml(each.name)) == nullptr) {
-            refuseAt(element, describe(element) + " lacks an attribute; expected " + each.name);
+            report(element, describe(element) + " lacks an attribute; expected " + each.name);
         }
     }
 }
 
-void Definition::checkContent(const Rule& rule, const xmlNode* element) {
-    if (rule.isEmpty && element->children != nullptr) {
-        refuseAt(element, describe(element) + " has content; expected none");
+// After the first child that is wrong, only those are told that could stand nowhere: the others, and what is
+// missing in the end, may well follow from it.
+void Definition::checkContent(const Rule& rule, const xmlNode* element, const Report& report) {
+    if (rule.isEmpty) {
+        if (element->children != nullptr) {
+            report(element, describe(element) + " has content; expected none");
+        }
+        return;
     }
     ContentModel::State state = rule.content.begin();
+    bool holdsText = false;
+    bool isInOrder = true;
     for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (isText(child) && !rule.allowsText) {
-            refuseAt(element, describe(element) + " holds text; expected " + rule.content.expected(state));
+        if (!rule.allowsText && !holdsText && isText(child)) {
+            holdsText = true;
+            report(element, describe(element) + " holds text; expected " + rule.content.expected(state));
         }
         if (child->type != XML_ELEMENT_NODE) {
             continue;
         }
-        const auto next = rule.content.after(state, tagOf(child));
-        if (!next) {
-            refuseAt(child, describe(child) + " cannot stand here in " + describe(element) + "; expected " +
-                                rule.content.expected(state));
+        if (const auto next = rule.content.after(state, tagOf(child))) {
+            state = *next;
+        } else if (std::exchange(isInOrder, false) || !rule.content.knows(tagOf(child))) {
+            report(child, describe(child) + " cannot stand here in " + describe(element) + "; expected " +
+                              rule.content.expected(state));
         }
-        state = *next;
     }
-    if (!state.isComplete) {
-        refuseAt(element, describe(element) + " is not complete; expected " + rule.content.expected(state));
+    if (isInOrder && !holdsText && !state.isComplete) {
+        report(element, describe(element) + " is not complete; expected " + rule.content.expected(state));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <libxml/tree.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -35,6 +36,8 @@ public:
     // The last place among the children of `parent` where one of that tag may go: the element that it goes
     // before, null for the end. Nothing: it can go nowhere.
     std::optional<xmlNode*> placeFor(std::string_view tag, const xmlNode* parent) const;
+    // Whether an element of that tag may occur at all.
+    bool knows(std::string_view tag) const { return positionsOf(tag) != 0; }
     // Whether an element of that tag may occur more than once.
     bool repeats(std::string_view tag) const;
     // What may come next, in words.
@@ -59,19 +62,11 @@ private:
     Positions last_ = 0; // may end the list
 };
 
+// Takes what is wrong with an element, in one line that says what was expected.
+using Report = std::function<void(const xmlNode* at, std::string what)>;
+
 class Definition {
 public:
-    // The selected product's.
-    static const Definition& ofProduct();
-    explicit Definition(const xmlDtd& dtd);
-
-    // How the content of an element is made up; null when it is not declared.
-    const ContentModel* contentOf(std::string_view tag) const;
-    // Refuses what is wrong with the attributes of an element or the list of its children. What is inside the
-    // children is not looked at.
-    void check(const xmlNode* element) const;
-
-private:
     struct Attribute {
         std::string name;
         bool isRequired;
@@ -84,8 +79,21 @@ private:
         std::vector<Attribute> attributes;
     };
 
-    static void checkAttributes(const Rule& rule, const xmlNode* element);
-    static void checkContent(const Rule& rule, const xmlNode* element);
+    // The selected product's.
+    static const Definition& ofProduct();
+    explicit Definition(const xmlDtd& dtd);
+
+    // Null when an element is not declared.
+    const Rule* find(std::string_view tag) const;
+    // How its content is made up; null when it is not declared.
+    const ContentModel* contentOf(std::string_view tag) const;
+    // Reports everything that is wrong with the attributes of an element or the list of its children, and
+    // nothing that follows from what was reported. What is inside the children is not looked at.
+    static void check(const Rule& rule, const xmlNode* element, const Report& report);
+
+private:
+    static void checkAttributes(const Rule& rule, const xmlNode* element, const Report& report);
+    static void checkContent(const Rule& rule, const xmlNode* element, const Report& report);
 
     std::map<std::string, Rule, std::less<>> rules_; // by tag
 };

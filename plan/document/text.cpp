@@ -1,11 +1,14 @@
 // Where UTF-8 may be cut is found backwards, in four bytes at most.
 #include "plan/document/text.h"
 
+#include <algorithm>
+
 namespace zul::plan {
 
 namespace {
 
 constexpr std::size_t MAX_UTF8_LENGTH = 4; // bytes of one character
+constexpr std::size_t MAX_LISTED = 16;     // words in one list of what was expected
 
 bool isContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
@@ -47,6 +50,25 @@ std::string shortened(std::string_view text, std::size_t most) {
 
 std::string quoted(std::string_view text) {
     return "\"" + shortened(text) + "\"";
+}
+
+std::string listed(const std::vector<std::string>& words) {
+    std::vector<std::string> list;
+    for (const std::string& word : words) {
+        if (std::ranges::find(list, word) == list.end()) {
+            list.push_back(word);
+        }
+    }
+    std::string text;
+    const std::size_t shown = std::min(list.size(), MAX_LISTED);
+    for (std::size_t i = 0; i < shown; ++i) {
+        text.append(i == 0 ? "" : i + 1 == list.size() ? " or " : ", ").append(list[i]);
+    }
+    return text + (shown < list.size() ? " and others" : "");
+}
+
+std::string lineInWords(int line) {
+    return line != 0 ? "line " + std::to_string(line) + ": " : "";
 }
 
 } // namespace zul::plan

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zul::plan {
 
@@ -20,11 +21,18 @@ std::string shortened(std::string_view text, std::size_t most = MAX_SHOWN);
 // The same in double quotes.
 std::string quoted(std::string_view text);
 
+// "a, b or c", without repetitions; of many words only the first.
+std::string listed(const std::vector<std::string>& words);
+
+// "line 7: "; nothing for line 0, which is none.
+std::string lineInWords(int line);
+
 // Why something is refused, in a line that says what to do about it. Thrown where that is found; the
 // operation of the configuration or router that it ends makes an answer of it.
 struct Refusal {
     std::string why;
     bool isMissing = false; // what was named is not there
+    int line = 0;           // of the document that is refused; `why` begins with it
 };
 
 } // namespace zul::plan

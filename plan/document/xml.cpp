@@ -32,7 +32,7 @@ constexpr xml::Limit ATTRIBUTES{MAX_ATTRIBUTES, "an element has more than % attr
 class Reader : public xml::Guard {
 public:
     Reader(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names);
-    std::string errorInOneLine();
+    Refusal refusal();
 
 private:
     template <auto handler, int nodes, class... Arguments>
@@ -117,17 +117,16 @@ void Reader::startElement(void* context, const xmlChar* localname, const xmlChar
     }
 }
 
-std::string Reader::errorInOneLine() {
+Refusal Reader::refusal() {
     const ZULXMLError error = takeError();
     if (error.text.empty()) {
-        return "the document cannot be read";
+        return {"the document cannot be read"};
     }
-    const std::string place = error.line != 0 ? "line " + std::to_string(error.line) + ": " : "";
-    std::string words = shortened(place + error.text, MAX_FAILURE);
+    std::string words = shortened(lineInWords(error.line) + error.text, MAX_FAILURE);
     while (words.ends_with(' ')) {
         words.pop_back();
     }
-    return words;
+    return {.why = words, .line = error.line};
 }
 
 // The document, without its elements where no tree is wanted.
@@ -141,7 +140,7 @@ XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token&
     }
     Reader reader(text, buildsTree, stop, names);
     XmlDocument document = reader.read();
-    return document != nullptr ? std::move(document) : throw Refusal{reader.errorInOneLine()};
+    return document != nullptr ? std::move(document) : throw reader.refusal();
 }
 
 } // namespace

@@ -22,17 +22,24 @@ xmlNode* elementFrom(xmlNode* node) {
 
 } // namespace
 
+std::string_view valueOf(const xmlAttr* attribute, std::string& copy) {
+    const xmlNode* only = attribute->children;
+    if (only == nullptr || (only->next == nullptr && only->type == XML_TEXT_NODE)) {
+        return only != nullptr ? toView(only->content) : "";
+    }
+    copy = toString(xmlNodeListGetString(attribute->doc, only, 1));
+    return copy;
+}
+
 std::string attributeOf(const xmlNode* node, const char* name) {
     return toString(xmlGetNoNsProp(node, toXml(name)));
 }
 
+// A name may be long, and be described for each of many children: it is not copied.
 std::string describe(const xmlNode* node) {
-    const std::string name = nameOf(node);
-    return shortened(tagOf(node)) + (name.empty() ? "" : " " + quoted(name));
-}
-
-void refuseAt(const xmlNode* element, const std::string& what) {
-    throw Refusal{"line " + std::to_string(lineOf(element)) + ": " + what};
+    const xmlAttr* name = xmlHasProp(node, toXml("name"));
+    const xmlNode* text = name != nullptr ? name->children : nullptr;
+    return shortened(tagOf(node)) + (text != nullptr ? " " + quoted(toView(text->content)) : "");
 }
 
 std::string textOf(const xmlNode* node) {

@@ -10,6 +10,8 @@ namespace zul::plan {
 inline std::string_view tagOf(const xmlNode* node) {
     return toView(node->name);
 }
+// The value, with a NUL after it; in `copy` where it is not in memory as a whole.
+std::string_view valueOf(const xmlAttr* attribute, std::string& copy);
 // The value of an attribute; empty when it is absent.
 std::string attributeOf(const xmlNode* node, const char* name);
 inline std::string nameOf(const xmlNode* node) {
@@ -17,8 +19,6 @@ inline std::string nameOf(const xmlNode* node) {
 }
 // Its tag and, in quotes, its name attribute, for messages.
 std::string describe(const xmlNode* node);
-// Refuses a document for what is wrong with one of its elements.
-[[noreturn]] void refuseAt(const xmlNode* element, const std::string& what);
 // All text inside, without the blanks around it.
 std::string textOf(const xmlNode* node);
 

@@ -6,8 +6,11 @@
 #include "admin_types/modules.h"
 #include "plan/document/text.h"
 
+#include <cstddef>
 #include <new>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace zul::practice {
 
@@ -36,5 +39,11 @@ auto answered(const Operation& operation) -> decltype(operation()) {
         return Answer::error("out of memory");
     }
 }
+
+// The text of an answer as responses carry it: parts of at most 4096 characters, in order, at least one and
+// at least `atLeast`, of about equal length if `atLeast` asks for more than are needed; there may be empty
+// ones. No UTF-8 character is cut in two; in text that is no UTF-8 cuts may fall anywhere. The parts borrow
+// from `text`.
+std::vector<std::string_view> answerParts(std::string_view text, std::size_t atLeast);
 
 } // namespace zul::practice

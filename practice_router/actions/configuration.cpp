@@ -3,7 +3,7 @@
 
 #include "plan/document/children.h"
 #include "plan/document/definition.h"
-#include "plan/document/document.h"
+#include "plan/check/check.h"
 #include "plan/document/entity.h"
 #include "plan/document/layout.h"
 #include "plan/document/merge.h"

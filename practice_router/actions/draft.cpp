@@ -1,7 +1,7 @@
 // The copy of the service element is found by its place among its siblings.
 #include "practice_router/actions/draft.h"
 
-#include "plan/document/document.h"
+#include "plan/check/check.h"
 #include "plan/document/entity.h"
 #include "plan/document/xml_nodes.h"
 

@@ -1,7 +1,7 @@
 // Waits are cut into short ones, so that the end of the program is never held up.
 #include "practice_router/endpoints/responder.h"
 
-#include "practice_router/actions/answer_parts.h"
+#include "practice_router/actions/answer.h"
 
 namespace zul::practice {
 

@@ -97,7 +97,7 @@ struct Plugin {
     Print print;
 };
 
-// At every parity of the position: a header is aligned to 2, and members count from behind it.
+// At every parity of the position: a header is aligned to 2, and members count from after it.
 template <class Idl>
 void expectPlugin(Idl type, std::string_view name, const auto& plugin) {
     const Bounds* bounds = BOUNDS;

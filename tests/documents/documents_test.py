@@ -8,7 +8,7 @@ import unittest
 
 SOURCE = os.environ["ZUL_SOURCE"]
 DOCUMENTS = ["README.md", "CONTRIBUTING.md", "SECURITY.md", "CHANGELOG.md",
-             "docs/architecture.md", "docs/wire.md", "docs/oddities.md"]
+             "docs/architecture.md", "docs/wire.md", "docs/oddities.md", "docs/tutorial.md"]
 FOLDERS = "admin_types|benchmarks|cmake|docs|examples|fuzz|middleware|packaging|practice_router|product|" \
           "remote_config|resource|shell|tests|utils"
 PLACEHOLDERS = {"<target_router>": "ROUTER", "<entity_name>": "ENTITY", "<cfg_name>": "CONFIGURATION", "<xml_url>": "URL",

@@ -95,5 +95,27 @@ TEST_F(GatheringTest, WhoHasGoneOrIsInterruptedIsNotWaitedFor) {
     EXPECT_TRUE(gathering.isComplete());
 }
 
+TEST_F(GatheringTest, AnAnswerWithoutEndIsCutOff) {
+    gathering.expect(1, "a", {A}, START);
+    gathering.add({1, A, OK, std::string(MAX_ANSWER, 'x'), false, START});
+    EXPECT_FALSE(gathering.isComplete());
+    come(1, A, OK, "x", false);
+    EXPECT_EQ(ended(gathering), "a1:error:its answer is longer than 268435456 bytes:1:0 ");
+    EXPECT_TRUE(gathering.isComplete());
+}
+
+TEST_F(GatheringTest, RoomIsWhenEnoughHaveEndedOrGoneQuiet) {
+    EXPECT_EQ(gathering.whenFewerThan(1, 10ms), Clock::time_point::min());
+    gathering.expect(1, "a", {A}, START);
+    gathering.expect(2, "b", {B}, START + 5ms);
+    EXPECT_EQ(gathering.whenFewerThan(3, 10ms), Clock::time_point::min());
+    EXPECT_EQ(gathering.whenFewerThan(2, 10ms), START + 10ms);
+    EXPECT_EQ(gathering.whenFewerThan(1, 10ms), START + 15ms);
+    come(1, A, OK, "part", false, 9ms);
+    EXPECT_EQ(gathering.whenFewerThan(2, 10ms), START + 15ms);
+    come(2, B, OK, "b", true);
+    EXPECT_EQ(gathering.whenFewerThan(2, 10ms), Clock::time_point::min());
+}
+
 } // namespace
 } // namespace zul::fleet

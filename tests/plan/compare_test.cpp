@@ -1,4 +1,5 @@
 // What counts as a difference between two documents, and what does not, in both directions.
+#include "plan/check/check.h"
 #include "plan/compare/compare.h"
 #include "plan/document/xml.h"
 

@@ -1,5 +1,6 @@
 // Plans: which commands, in which order; and a thousand pairs of documents, each plan carried out by the
 // practice router's own configuration, with a refusal at every step.
+#include "plan/check/check.h"
 #include "plan/compare/planner.h"
 #include "plan/document/text.h"
 #include "practice_router/actions/configuration.h"

@@ -1,6 +1,6 @@
 // What goes out: parts that fit and keep characters whole, and garbage that no client can take for an answer.
 #include "admin_types/type_support.h"
-#include "practice_router/actions/answer_parts.h"
+#include "practice_router/actions/answer.h"
 #include "practice_router/endpoints/garbage.h"
 
 #include <gtest/gtest.h>

@@ -13,13 +13,19 @@ namespace {
 using namespace zul::practice;
 
 constexpr const char* DOCUMENT = R"(<dds>
+    <adapter_library name="Files">
+        <adapter_plugin name="Csv"><library_file>csv.so</library_file><factory_function>make</factory_function></adapter_plugin>
+    </adapter_library>
+    <transformation_library name="L">
+        <transformation_plugin name="P"><library_file>p.so</library_file><factory_function>make</factory_function></transformation_plugin>
+    </transformation_library>
     <routing_service name="S">
         <domain_route name="D">
             <participant_1><domain_id>0</domain_id></participant_1>
             <participant_2><domain_id>1</domain_id></participant_2>
             <session name="s1">
                 <topic_route name="T">
-                    <input/>
+                    <input><topic_name>t</topic_name></input>
                     <output/>
                 </topic_route>
             </session>
@@ -89,7 +95,7 @@ TEST_F(Edit, AnUpdateThatChangesSomethingElse) {
          "<value>" + line + "        <element><name>size</name><value>8</value></element>" + line + "        <element><name>new</name>"},
         // Where the definition orders the elements, a new one goes where it belongs.
         {"D::s1::T", "<topic_route><transformation plugin_name=\"L::P\"/></topic_route>",
-         "<input/>" + line + "    <transformation plugin_name=\"L::P\"/>" + line + "    <output/>"},
+         "</input>" + line + "    <transformation plugin_name=\"L::P\"/>" + line + "    <output/>"},
         {"S::E", "<domain_route enabled=\"true\"/>", "<domain_route name=\"E\" enabled=\"true\">"},
         {"", "<dds><qos_library name=\"Q\"/></dds>", "<qos_library name=\"Q\"/>"},
     };
@@ -111,7 +117,7 @@ TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
     } rows[] = {
         {UPDATE, "X", "<domain_route/>", "X", NOT_FOUND},
         {UPDATE, "D", nested("domain_route participant_1 domain_id", "500"), "from 0 to 232"},
-        {UPDATE, "D", nested("domain_route participant_1 domain_id", ""), "line 4"},
+        {UPDATE, "D", nested("domain_route participant_1 domain_id", ""), "line 10"},
         {UPDATE, "D", nested("domain_route x", "1"), "x matches nothing in domain_route \"D\""},
         {UPDATE, "D::s1", nested("session s2 documentation", "1"), "s2 matches nothing"},
         {UPDATE, "D", "<session name=\"s9\"/>", "session \"s9\" matches nothing"},
@@ -122,7 +128,7 @@ TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
         {UPDATE, "D", nested("domain_route participant_1", "<domain_id>1</domain_id><domain_id>2</domain_id>"),
          "a second domain_id in participant_1; expected one"},
         {UPDATE, "D", "<domain_route><property><x/></property><property><x><y/></x></property></domain_route>", "x is not known"},
-        {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", "invalid: line 2"},
+        {UPDATE, "", "<routing_service><S name=\"\"/></routing_service>", "invalid: line 8"},
         {UPDATE, "D", nested("session s1", "<x/>" + std::string(1 << 20, 'y')), "x matches nothing"},
         {UPDATE, "D", "<" + std::string(40000, 'z') + "/>", "zzz... matches nothing"},
         {UPDATE, "D", "<connection_1 plugin_name=\"A::B\"/>", "connection_1 has no place in domain_route"},
@@ -155,22 +161,30 @@ TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
 
 TEST_F(Edit, AnEntityThatCannotBeCreatedOrLeavesTraces) {
     const auto route = [](const std::string& tag) {
-        return "<" + tag + " name=\"" + tag + "\"><input/><output/></" + tag + ">";
+        return "<" + tag + " name=\"" + tag + "\"><input><topic_name>t</topic_name></input><output/></" +
+               tag + ">";
     };
-    const std::string participants =
-        nested("participant_1 domain_id", "4") + nested("participant_2 domain_id", "5");
-    EXPECT_EQ(send(CREATE, "", "<domain_route name=\"N\">" + participants + "</domain_route>").text,
-              "created N");
-    EXPECT_EQ(send(CREATE, "N", "<session name=\"s\"/>").text, "created N::s");
-    for (const std::string tag : {"topic_route", "auto_topic_route", "route", "auto_route"}) {
-        EXPECT_EQ(send(CREATE, "N::s", route(tag)).text, "created N::s::" + tag);
-        EXPECT_EQ(send(DISABLE, "N::s::" + tag).text, "disabled N::s::" + tag);
+    const std::string second = nested("participant_2 domain_id", "5");
+    for (const auto& [name, first] : {std::pair{"N", nested("participant_1 domain_id", "4")},
+                                      {"C", std::string("<connection_1 plugin_name=\"Files::Csv\"/>")}}) {
+        const std::string created = std::string("created ") + name;
+        EXPECT_EQ(send(CREATE, "",
+                       std::string("<domain_route name='") + name + "'>" + first + second + "</domain_route>")
+                      .text,
+                  created);
+        EXPECT_EQ(send(CREATE, name, "<session name=\"s\"/>").text, created + "::s");
     }
-    EXPECT_EQ(send(DELETE, "N::s").text, "deleted N::s");
-    EXPECT_EQ(send(ENABLE, "N::s::route").kind, NOT_FOUND);
-    EXPECT_EQ(send(CREATE, "N", "<session name=\"s\">" + route("route") + "</session>").kind, OK);
-    EXPECT_EQ(send(DISABLE, "N::s::route").kind, OK) << "a new entity knows nothing of the old one's state";
-    EXPECT_EQ(send(DELETE, "S::N").text, "deleted N");
+    for (const std::string path :
+         {"N::s::topic_route", "N::s::auto_topic_route", "C::s::route", "C::s::auto_route"}) {
+        EXPECT_EQ(send(CREATE, path.substr(0, 4), route(path.substr(6))).text, "created " + path);
+        EXPECT_EQ(send(DISABLE, path).text, "disabled " + path);
+    }
+    EXPECT_EQ(send(DELETE, "C::s").text, "deleted C::s");
+    EXPECT_EQ(send(ENABLE, "C::s::route").kind, NOT_FOUND);
+    EXPECT_EQ(send(CREATE, "C", "<session name=\"s\">" + route("route") + "</session>").kind, OK);
+    EXPECT_EQ(send(DISABLE, "C::s::route").kind, OK) << "a new entity knows nothing of the old one's state";
+    EXPECT_EQ(send(DELETE, "S::C").text, "deleted C");
+    EXPECT_EQ(send(DELETE, "N").text, "deleted N");
     EXPECT_EQ(text(), DOCUMENT);
 }
 

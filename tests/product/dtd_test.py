@@ -64,6 +64,25 @@ class DtdTest(unittest.TestCase):
         self.assertEqual(*[found and found[0] for found in common])
         self.assertIsNotNone(common[0])
 
+    def test_every_text_has_a_form_in_the_table_of_checks_and_every_row_its_place(self):
+        table = (ROOT / "plan/check/fields.cpp").read_text("utf-8")
+        places = re.findall(r'\.place = "([^"@]+)(?:@(\w+))?"', table)
+        self.assertGreater(len(places), 80)
+        texts = "\n".join(map(dtd_text, VARIANTS))
+        elements = set(re.findall(r"<!ELEMENT\s+(\S+)", texts))
+        for place, attribute in places:
+            tag = place.rsplit("/", 1)[-1]
+            self.assertLessEqual(set(place.split("/")), elements)
+            if attribute:
+                self.assertRegex(texts, rf"<!ATTLIST {tag}\s[^>]*(%(qos|entity)_attributes;|\b{attribute}\s)")
+        free = {"documentation", "expression", "multicast_address", "parameter", "role", "save_path"}
+        free |= {f"{word}topic_name" for word in ("", "allow_", "deny_")} | {f"{word}stream_name" for word in ("", "allow_", "deny_")}
+        free |= {"allow_type_name", "deny_type_name", "registered_type_name"}
+        with_text = set(re.findall(r"<!ELEMENT\s+(\S+)\s+\(#PCDATA", texts))
+        self.assertEqual(with_text - {place.rsplit("/", 1)[-1] for place, attribute in places if not attribute}, free)
+        for words in re.findall(r'\.words = "([^"]+)"', table):
+            self.assertEqual([word for word in words.split() if not re.search(rf"\b{word}\b", texts)], [])
+
     def test_shipped_documents_are_accepted(self):
         shipped = list(shipped_documents())
         self.assertGreaterEqual(len(shipped), 12)

@@ -86,7 +86,7 @@ class Faults(SessionTest):
                     shell.signal(signal.SIGSTOP)
                     router.wait_until_idle()  # more parts than it may send without acknowledgement
                 router.signal(signal.SIGTERM)
-                self.assertEqual(router.wait(3)[0], 0, "a blocked write once lasted 5 s, this update minutes")
+                self.assertEqual(router.wait(4.5)[0], 0, "a blocked write once lasted 5 s, this update minutes")
 
     def test_two_routers_with_one_name_and_one_that_comes_late(self):
         self.router()

@@ -97,7 +97,7 @@ class Commands(ControlTest):
         self.assertRegex(done.stderr, "cannot create the participant in domain 0")
 
     def test_words_are_one_word_and_what_they_hold_is_only_shown(self):
-        name, entity = "Werk \"Süd\"\x1b[2J\n\xff", "a b;=\udcff"
+        name, entity = "Werk \"Süd\"\x1b[2J\n\xff\x7f\x9b", "a b;=\udcff"
         router = self.router(name)
         status, rows = self.run_json("enable", name, entity)
         self.assertEqual((status, rows[0]["router"], rows[0]["status"]), (3, name, "not_found"))
@@ -106,6 +106,7 @@ class Commands(ControlTest):
         with Program("zulctl", "-d", self.domain, "enable", name, entity, terminal=True) as shown:
             self.assertNotIn("\x1b", shown.wait()[1])
         self.assertEqual(self.run_json("--discovery", "0.7", "list")[1][0]["router"], name)
+        self.assertNotRegex(self.run_text("--json", "--discovery", "0.7", "list")[1], "[\x00-\x09\x7f-\x9f]")
         self.assertEqual(len(self.run_text("--discovery", "0.7", "list")[1].splitlines()), 2)
 
     def test_many_routers_at_once_and_the_worst_of_their_statuses(self):

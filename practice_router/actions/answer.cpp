@@ -1,8 +1,5 @@
 // Each part takes its share of what is left, so that the parts are of about equal length.
-#include "practice_router/actions/answer_parts.h"
-
-#include "admin_types/modules.h"
-#include "plan/document/text.h"
+#include "practice_router/actions/answer.h"
 
 #include <algorithm>
 

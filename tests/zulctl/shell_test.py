@@ -1,0 +1,280 @@
+"""zulctl tree in its three forms; zulctl shell on a terminal and on a pipe."""
+
+import fcntl
+import json
+import os
+import pty
+import re
+import select
+import signal
+import stat
+import struct
+import subprocess
+import tempfile
+import termios
+import time
+import unittest
+
+from control import ControlTest
+from processes import BIN, Program
+from why_test import SHORT_LEASE
+
+NESTED = """<domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1><participant_2><domain_id>6</domain_id>
+</participant_2><session name="s1" enabled="false"><auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route>
+</session><session name="s2"/></domain_route>"""
+
+
+class Tree(ControlTest):
+    domain = 72
+
+    def test_entities_with_their_state_as_text_graph_and_rows(self):
+        self.router("r\"1\\\n\x1b[2J", "--config", self.document(NESTED))
+        self.router("empty")
+        self.assertEqual(self.run_text("unload", "empty")[0], 0)
+        status, out, log = self.run_text("--discovery", "1", "tree", "--all")
+        self.assertEqual((status, out, log), (1, r"""r"1\\x0a\x1b[2J: routing_service top
+`-- domain_route d [enabled]
+    |-- session s1 [disabled]
+    |   `-- auto_topic_route t [enabled]
+    `-- session s2 [enabled]
+""", "zulctl: empty: error: no configuration is loaded; load one first\n"))
+        status, rows = self.run_json("--discovery", "1", "tree", "*")
+        self.assertEqual((status, [(row["path"], row["state"]) for row in rows if "path" in row]), (1, [
+            ("", "unknown"), ("d", "enabled"), ("d::s1", "disabled"), ("d::s1::t", "enabled"), ("d::s2", "enabled")]))
+        self.assertEqual([row["status"] for row in rows if "status" in row], ["error"])
+        status, out, _ = self.run_text("--discovery", "1", "tree", "r*", "--dot")
+        string = r'"(?:[^"\\\n]|\\["\\])*"'
+        attribute = rf"(?:\w+=(?:\w+|{string}))"
+        statement = rf"(?:{attribute};|\w+(?: \[{attribute}(?:, {attribute})*\])?;|\w+ -> \w+;|(?:di|sub)graph \w+ {{|}})"
+        self.assertRegex(out, rf"\A(?:\s*{statement})+\s*\Z")
+        self.assertEqual((status, out.count("{"), out.count("->"), out.count("dashed")), (0, out.count("}"), 4, 1))
+        self.assertIn(r'label="r\"1\\\\x0a\\x1b[2J"', out)
+        self.assertEqual(self.run_text("--json", "tree", "x", "--dot")[0], 2)
+
+    def document(self, inside):
+        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory()), "document.xml")
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(f'<dds><routing_service name="top">{inside}</routing_service></dds>')
+        return path
+
+
+LEFT, UP, SEARCH, INTERRUPT, END = "\x1b[D", "\x1b[A", "\x12", "\x03", "\x04"
+ROUTE = "DefaultDomainRoute"
+
+
+class Prompt(Program):
+    """The shell on a terminal."""
+
+    def __init__(self, domain, home, *options, **environment):
+        super().__init__("zulctl", "-d", domain, *options, "shell", terminal=True,
+                         env={"HOME": home, "TERM": "xterm", "XDG_STATE_HOME": "", **environment})
+        fcntl.ioctl(self.write_end, termios.TIOCSWINSZ, struct.pack("4H", 50, 1000, 0, 0))  # no line is broken
+        self.lines = os.path.join(home, ".local/state/zulctl/history")
+
+    def prompt(self):
+        return self.expect("zulctl> ")[0]
+
+    def type(self, text, shown):
+        self.send(text)
+        return self.expect(shown)[0]
+
+    def is_plain(self):
+        """Whether the terminal shows what is typed and gives whole lines, as it did before."""
+        return termios.tcgetattr(self.write_end)[3] & (termios.ECHO | termios.ICANON) == termios.ECHO | termios.ICANON
+
+    def hang_up(self):
+        self.open_ends.discard(self.read_end)
+        os.close(self.read_end)
+        self.read_end = self.write_end = None
+
+
+class Shell(ControlTest):
+    domain = 73
+
+    def setUp(self):
+        self.home = self.enterContext(tempfile.TemporaryDirectory())
+
+    def start(self, *options, **environment):
+        prompt = self.enterContext(Prompt(self.domain, self.home, *options, **environment))
+        prompt.prompt()
+        return prompt
+
+    def test_keys_edit_and_lines_are_found_again_in_the_next_session(self):
+        self.router("r")
+        first = self.start()
+        first.type("enable r noe" + LEFT + "n\n", "named none\n")
+        first.type("junk", "junk")
+        first.type(INTERRUPT, "zulctl> ")
+        first.type("enable r two\n", "named two\n")
+        first.type("enable r 'a  b\\'\"c \\\"\" \n", r"named a b\\c \"\n")
+        first.type(b"enable r \xffW\xc3\xbc\n", "named \ufffdW\u00fc\n")
+        first.type("'\n", "zulctl> ")
+        first.send(END)
+        self.assertEqual(first.wait()[0], 2)
+        self.assertTrue(first.is_plain())
+        self.assertIn("a quote is not closed", first.log)
+        self.assertEqual(stat.S_IMODE(os.stat(first.lines).st_mode), 0o600)
+        with open(first.lines, encoding="utf-8") as file:
+            self.assertEqual(file.read().splitlines()[:2], ["enable r none", "enable r two"])
+        second = self.start()
+        second.type(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
+        second.prompt()
+        second.type(SEARCH + "non", "none")
+        second.type("\n", "named none\n")
+        second.prompt()
+        second.send("exit\n")
+        self.assertEqual(second.wait()[0], 3)
+
+    def test_words_are_completed_from_what_is_there(self):
+        self.router("plant one")
+        self.router("plant two")
+        self.router("bad\x1b[2J")
+        prompt = self.start("--discovery", "1")
+        prompt.type("list\n", "bad")
+        prompt.prompt()
+        prompt.type("disa\t", "ble ")
+        prompt.type("pl\t", r"ant\\ ")
+        prompt.type("\t", "\nplant one  plant two\n")
+        prompt.type("o\t", "ne ")
+        prompt.type("D\t", ROUTE[1:])
+        prompt.type("::\t", "DefaultSession")
+        prompt.type("\n", f"plant one: disabled {ROUTE}::DefaultSession\n")
+        prompt.prompt()
+        prompt.type("get 'plant two,plant o\t", "ne' ")
+        prompt.type("--out\t", "put ")
+        prompt.type(self.home + "/.lo\t", "cal/")
+        prompt.type(INTERRUPT, "zulctl> ")
+        # A router that does not answer holds up nothing.
+        self.router("quiet", "--silent")
+        prompt.type("-t 0.1 --discovery 20 enable quiet\n", "no answer: silent")
+        prompt.prompt()
+        begin = time.monotonic()
+        prompt.type("enable quiet \tx", "quiet [^\n]*x")
+        self.assertLess(time.monotonic() - begin, 5)
+
+    def test_each_of_many_pasted_lines_has_its_result_beside_it_and_nothing_waits_for_discovery(self):
+        self.router("r")
+        prompt = self.start("--discovery", "10")
+        prompt.type("tree r*\n", "auto_topic_route All")
+        prompt.prompt()
+        begin = time.monotonic()
+        lines = [f"enable {['r', '*', '--all'][i % 3]} none{i} # {'x' * 400}" for i in range(20)]
+        prompt.send("\n".join(lines) + "\n")
+        for i, line in enumerate(lines):
+            echo, answer = prompt.expect(f"r: no such entity: [^\n]*")
+            self.assertEqual((re.sub(r"[ \r]|\x1b\[\w+", "", echo), answer[0][-len(f" none{i}"):]),
+                             (("" if i == 0 else "\nzulctl>") + line.replace(" ", "") + "\n", f" none{i}"))
+        self.assertLess(time.monotonic() - begin, 10)
+
+    def test_an_interrupt_ends_the_wait_and_a_signal_or_hang_up_the_shell(self):
+        router = self.router("quiet", "--silent")
+        prompt = self.start()
+        prompt.send("enable quiet\n")
+        router.expect("ENABLE [^\n]*kept back")
+        prompt.type(INTERRUPT, "quiet: interrupted; [^\n]*\n")
+        prompt.prompt()
+        prompt.send("exit\n")
+        self.assertEqual(prompt.wait()[0], 5)
+        for end in (lambda shell: shell.signal(signal.SIGTERM), lambda shell: shell.signal(signal.SIGHUP), Prompt.hang_up):
+            for line in ("help exit\n", "pause quiet\n"):
+                shell = self.start()
+                if line.startswith("pause"):
+                    shell.send(line)
+                    router.expect("PAUSE [^\n]*kept back")
+                else:
+                    shell.type(line, "zulctl> ")
+                end(shell)
+                self.assertEqual(shell.wait()[0], 5)
+                self.assertTrue(shell.write_end is None or shell.is_plain())
+                with open(shell.lines, encoding="utf-8") as file:
+                    self.assertEqual(file.read().splitlines()[-1], line.rstrip())
+
+    def test_stopped_it_gives_the_terminal_back(self):
+        prompt = self.start()
+        prompt.type("hel", "hel")
+        prompt.signal(signal.SIGTSTP)
+        prompt.until(lambda: os.waitid(os.P_PID, prompt.process.pid, os.WSTOPPED | os.WNOHANG | os.WNOWAIT), "it did not stop")
+        self.assertTrue(prompt.is_plain())
+        prompt.signal(signal.SIGCONT)
+        prompt.type("p get\n", "print the router's configuration")
+
+    def test_lines_of_a_pipe_without_prompt_or_history(self):
+        self.router("r")
+        def run(text, *options):
+            done = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), *options, "shell"], input=text, text=True,
+                                  env=dict(os.environ, HOME=self.home), capture_output=True, check=False, timeout=60)
+            return done.returncode, done.stdout, done.stderr
+        self.assertEqual(run(f"# a comment\n\ndisable r {ROUTE}\nenable r {ROUTE} # again\nenable r none"),
+                         (3, f"r: disabled {ROUTE}\nr: enabled {ROUTE}\nr: no such entity: no entity named none\n", ""))
+        status, out, log = run("fly\nshell\nenable r \\\nenable r 'x\nenable r a b c\n-d 74 --discovery 0.1 enable r\nquit\nlist\n", "--json")
+        self.assertEqual((status, [json.loads(line)["status"] for line in out.splitlines()]), (4, ["no_answer"]))
+        for expected in ("fly", "this is the shell", "ends in a backslash", "quote is not closed", "usage: zulctl enable"):
+            self.assertIn(expected, log)
+        self.assertEqual((run("")[0], run("help enable\n")[0], os.listdir(self.home)), (0, 0, []))
+        with Program("zulctl", "-d", self.domain, "shell") as waiting:
+            waiting.send("help\n")
+            waiting.expect("Subcommands")
+            waiting.signal(signal.SIGINT)
+            self.assertEqual(waiting.wait()[0], 5)
+
+    def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
+            profile.write(SHORT_LEASE)
+            profile.flush()
+            router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": profile.name})
+        shell = self.enterContext(Program("zulctl", "-d", self.domain, "--discovery", "0.1", "-t", "0.1", "shell"))
+        def ask(expected):
+            shell.repeat_until(lambda: shell.send("enable r none\n"), expected)
+        ask("no entity named none")
+        router.signal(signal.SIGSTOP)
+        ask("no answer: gone")
+        router.signal(signal.SIGCONT)
+        shell.wait_until_idle()
+        shell.output = ""
+        shell.send("-t 20 --discovery 20 enable r back\n")
+        self.assertIn("named back", shell.expect("r: [^\n]*\n")[1][0])
+
+    def test_a_long_upload_shows_how_far_it_is_on_a_terminal_only(self):
+        router = self.router("big", "--count-only")
+        document = os.path.join(self.home, "document")
+        with open(document, "w", encoding="ascii") as file:
+            file.write("x" * 6_000_000)
+        master, terminal = pty.openpty()
+        self.addCleanup(os.close, master)
+        shell = self.enterContext(subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "shell"], stdin=subprocess.PIPE,
+                                                   stdout=subprocess.PIPE, stderr=terminal))
+        os.close(terminal)
+        def run(line):
+            shell.stdin.write(f"{line}\n".encode())
+            shell.stdin.flush()
+        run("enable big none")
+        self.assertIn(b"big: ", shell.stdout.readline())
+        router.signal(signal.SIGSTOP)  # its window fills
+        run(f"load big c --file {document}")
+        shown = b""
+        while not re.search(rb"\rbig: 4\.\d MB of 6\.0 MB sent", shown):
+            shown = shown[-100:] + os.read(master, 1024)
+        router.signal(signal.SIGCONT)
+        self.assertIn(b"big: ", shell.stdout.readline())
+        shell.stdin.close()
+        while select.select([master], [], [], 0)[0] or shell.poll() is None:
+            try:
+                shown = (shown + os.read(master, 1024))[-200:]
+            except OSError:  # it is closed
+                break
+        self.assertRegex(shown, rb"sent\r {20,}\r\Z")
+        self.assertEqual(self.run_text("load", "big", "c", "--file", document)[2], "")
+
+    def test_without_a_place_for_the_history_one_warning(self):
+        blocked = os.path.join(self.home, "file")
+        with open(blocked, "w", encoding="ascii"):
+            pass
+        for environment in ({"HOME": ""}, {"XDG_STATE_HOME": blocked}):
+            prompt = self.start(**environment)
+            prompt.type("enable ''\n", "zulctl> ")
+            prompt.send("exit\n")
+            self.assertEqual((prompt.wait()[0], prompt.log.count("no history is kept"), prompt.log.count("\n")), (2, 1, 2), prompt.log)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,34 @@
+// The lines of earlier sessions, in a file that only the user can read, a line each. A line is appended when
+// it is entered, so nothing is lost however the program ends, and programs that run at the same time share
+// it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zul::ctl::prompt {
+
+constexpr std::size_t MAX_HISTORY = 1000; // lines
+
+class HistoryFile {
+public:
+    // zulctl/history in the user's state folder, which is created. When it cannot be used, `warning` says
+    // why, and this remembers nothing.
+    static HistoryFile ofUser(std::string& warning);
+    ~HistoryFile();
+    HistoryFile(HistoryFile&& other) noexcept : fd_(other.fd_) { other.fd_ = -1; }
+    HistoryFile& operator=(HistoryFile&&) = delete;
+
+    // The last lines, the oldest first.
+    std::vector<std::string> load();
+    // A line that cannot be written is lost.
+    void append(const std::string& line) const;
+
+private:
+    explicit HistoryFile(int fd) : fd_(fd) {}
+
+    int fd_; // -1: there is none
+};
+
+} // namespace zul::ctl::prompt
