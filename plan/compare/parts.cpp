@@ -54,15 +54,20 @@ std::string identityIn(const xmlNode* element, std::string_view parent) {
         const std::string filter = attributeOf(element, "topic_filter");
         return filter.empty() ? "*" : filter;
     }
-    if (element->properties == nullptr && tag != "case") {
+    if (isQos(tag)) {
         return {};
     }
-    return isQos(tag)                   ? ""
-           : tag == "include"           ? attributeOf(element, "file")
-           : tag == "caseDiscriminator" ? attributeOf(element, "value")
-           : tag == "case"
-               ? nameOf(lastChild(element, "member") != nullptr ? lastChild(element, "member") : element)
-               : nameOf(element);
+    if (tag == "include") {
+        return attributeOf(element, "file");
+    }
+    if (tag == "caseDiscriminator") {
+        return attributeOf(element, "value");
+    }
+    if (tag == "case") {
+        const xmlNode* member = lastChild(element, "member");
+        return member != nullptr ? nameOf(member) : "";
+    }
+    return element->properties != nullptr ? nameOf(element) : "";
 }
 
 class Collector {
