@@ -301,7 +301,12 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         app.exit(wanted);
         return {};
     } catch (const CLI::Error& error) {
-        std::fprintf(stderr, "zulctl: %s\n", error.what());
+        const std::vector<std::string> left = app.remaining();
+        const bool isUnknown =
+            app.get_subcommands().empty() && !left.empty() && !left.front().starts_with('-');
+        std::fprintf(stderr, "zulctl: %s\n",
+                     isUnknown ? ("there is no command " + left.front() + "; --help lists them").c_str()
+                               : error.what());
         return {.status = EXIT_USAGE};
     } catch (const UsageError& error) {
         std::fprintf(stderr, "zulctl: %s\n", error.message.c_str());
