@@ -1,6 +1,8 @@
 // Signals are blocked but while the wait lasts: one that comes just before it ends it all the same.
 #include "zulctl/question.h"
 
+#include "zulctl/signals.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -51,6 +53,7 @@ std::string readLine(const fleet::Wakeup& wakeup) {
 } // namespace
 
 bool isYes(const std::string& question, const fleet::Wakeup& wakeup) {
+    const UsualTerminal terminal;
     std::fputs(question.c_str(), stderr);
     std::fflush(stderr);
     const std::string answer = readLine(wakeup);

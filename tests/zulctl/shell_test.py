@@ -198,6 +198,23 @@ class Shell(ControlTest):
         prompt.signal(signal.SIGCONT)
         prompt.type("p get\n", "print the router's configuration")
 
+    def test_a_question_is_answered_on_a_terminal_that_shows_and_edits_the_answer(self):
+        self.router("r")
+        prompt = self.start()
+        wanted = os.path.join(self.home, "wanted.xml")
+        prompt.type(f"get r -o {wanted}\n", "written")
+        with open(wanted, "r+", encoding="utf-8") as file:
+            text = file.read().replace("<domain_id>1<", "<domain_id>7<")
+            file.seek(0)
+            file.write(text)
+        prompt.prompt()
+        prompt.send(f"apply r {wanted} --backup {self.home}/before.xml\n")
+        prompt.until(lambda: "Send 3 commands to r? [y/N] " in prompt.log, "it does not ask")
+        self.assertTrue(prompt.is_plain())
+        prompt.type("n\x7fy\n", "r: runs what ")
+        prompt.prompt()
+        prompt.type(f"apply r {wanted}\n", "nothing is to be sent")
+
     def test_lines_of_a_pipe_without_prompt_or_history(self):
         self.router("r")
         def run(text, *options):
