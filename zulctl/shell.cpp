@@ -152,7 +152,8 @@ int Shell::run() {
             return EXIT_INTERRUPTED;
         }
     }
-    return status_;
+    // Results that could not be written may be the first that is seen of a hang-up, before its signal.
+    return editor_ != nullptr && input_.isHungUp() ? EXIT_INTERRUPTED : status_;
 }
 
 } // namespace

@@ -184,7 +184,7 @@ class Shell(ControlTest):
                 else:
                     shell.type(line, "zulctl> ")
                 end(shell)
-                self.assertEqual(shell.wait()[0], 5)
+                self.assertEqual(shell.wait()[0], 5, (line, end))
                 self.assertTrue(shell.write_end is None or shell.is_plain())
                 with open(shell.lines, encoding="utf-8") as file:
                     self.assertEqual(file.read().splitlines()[-1], line.rstrip())

@@ -170,7 +170,8 @@ Got Editor::readLine(std::string& line) {
     if (text == nullptr || length <= 0) {
         std::fputs("\n", screen_); // what was typed stays where it is
         std::fflush(screen_);
-        return got_ == Got::INPUT ? Got::END : got_ == Got::END ? Got::HANG_UP : got_;
+        // The library gives up by itself when it cannot set the terminal.
+        return got_ == Got::END || input_.isHungUp() ? Got::HANG_UP : got_ == Got::INPUT ? Got::END : got_;
     }
     line.assign(text, static_cast<std::size_t>(length));
     if (line.ends_with('\n')) {

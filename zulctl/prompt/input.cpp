@@ -52,6 +52,11 @@ bool Input::isPending() const {
     return poll(&input, 1, 0) == 1;
 }
 
+bool Input::isHungUp() const {
+    pollfd input{.fd = fd_, .events = 0, .revents = 0};
+    return poll(&input, 1, 0) == 1 && (input.revents & POLLHUP) != 0;
+}
+
 Got Input::readLine(std::string& line) {
     line.clear();
     for (;;) {

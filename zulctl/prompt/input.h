@@ -20,6 +20,8 @@ public:
     Got readByte(char& byte);
     // More is there without a wait, as when lines are pasted.
     bool isPending() const;
+    // A terminal that is gone; a pipe whose writers are.
+    bool isHungUp() const;
     // A line without its line feed; the last one may have none. A line too long to be one is cut.
     Got readLine(std::string& line);
 
