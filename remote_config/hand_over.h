@@ -21,8 +21,8 @@ namespace zul::remote_config {
 
 using Response = ZUL_RoutingService_Administration_CommandResponse;
 
-// What the hand-over is built on: the record that keeps the shared words, and the operations that the words do
-// not have themselves. A test puts its own in this place, to order them as it likes.
+// What the hand-over is built on: the record that keeps the shared words, and the operations that the words
+// do not have themselves. A test puts its own in this place, to order them as it likes.
 struct ClientPlatform {
     using Record = ROUTERRemoteConfigClient;
 

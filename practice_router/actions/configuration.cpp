@@ -1,9 +1,9 @@
 // Loading, unloading, and the edits of the active document that a snippet or a deletion makes.
 #include "practice_router/actions/configuration.h"
 
+#include "plan/check/check.h"
 #include "plan/document/children.h"
 #include "plan/document/definition.h"
-#include "plan/check/check.h"
 #include "plan/document/entity.h"
 #include "plan/document/layout.h"
 #include "plan/document/merge.h"
