@@ -31,11 +31,11 @@ struct Field {
     // rows that fit an element the first counts.
     std::string_view place;
     Form form = Form::TEXT;
+    Target target = Target::PROFILE; // of a REFERENCE
     std::int64_t least = INTEGER_MIN;
     std::int64_t most = INTEGER_MAX; // of a text: its longest, in characters
     std::string_view words = {};     // with a blank between them; of an INTEGER one that may stand for it
     std::int64_t word = INTEGER_MIN; // and the number that the word means
-    Target target = Target::PROFILE;
 };
 
 // The rows for elements of one tag.

@@ -119,11 +119,12 @@ std::string pathIn(const std::string& parent, const xmlNode* entity) {
     return parent.empty() ? nameOf(entity) : parent + std::string(PATH_SEPARATOR) + nameOf(entity);
 }
 
+[[noreturn]] void refuse(const xmlNode* at, const std::string& what) {
+    const int line = lineOf(at); // none in what was copied
+    throw Refusal{(line > 0 ? "line " + std::to_string(line) + ": " : "") + describe(at) + what};
+}
+
 void checkElement(const xmlNode* element) {
-    const auto refuse = [](const xmlNode* at, const std::string& what) {
-        const int line = lineOf(at); // none in what was copied
-        throw Refusal{(line > 0 ? "line " + std::to_string(line) + ": " : "") + describe(at) + what};
-    };
     const ContentModel* content = Definition::ofProduct().contentOf(tagOf(element));
     if (content == nullptr) {
         refuse(element, " is not known");

@@ -133,9 +133,10 @@ void Layout::insert(xmlNode* parent, xmlNode* element, xmlNode* before) {
         xmlAddChild(parent, element);
     }
     layOutInside(element);
+    const bool isLast = parent->last == element;
     if (inLines) {
         startLine(parent, element);
-        if (element->next == nullptr) {
+        if (isLast) {
             startLine(parent, nullptr);
         }
     }

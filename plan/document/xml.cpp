@@ -101,11 +101,11 @@ void Reader::startElement(void* context, const xmlChar* localname, const xmlChar
                           int namespaceCount, const xmlChar** namespaces, int attributeCount,
                           int defaultedCount, const xmlChar** attributes) {
     auto& reader = of<Reader>(context);
-    const bool isAccepted =
-        reader.keepsNodes(1 + attributeCount) &&
-        reader.keeps(DEPTH, static_cast<std::size_t>(reader.parser()->nameNr) + 1) &&
-        reader.keeps(ATTRIBUTES, static_cast<std::size_t>(namespaceCount + attributeCount)) &&
-        !reader.refusesNamespace(uri, namespaceCount, namespaces);
+    const bool isAccepted = reader.keepsNodes(1 + attributeCount) &&
+                            reader.keeps(DEPTH, static_cast<std::size_t>(reader.parser()->nameNr) + 1) &&
+                            reader.keeps(ATTRIBUTES, static_cast<std::size_t>(namespaceCount) +
+                                                         static_cast<std::size_t>(attributeCount)) &&
+                            !reader.refusesNamespace(uri, namespaceCount, namespaces);
     if (!isAccepted || !reader.buildsTree_) {
         return;
     }
