@@ -63,8 +63,7 @@ public:
     bool isComplete() const { return open_ == 0; }
     // When `expire` is due.
     Clock::time_point deadline() const;
-    // When fewer than `count` waits, of at least 1, will have been heard of within `patience`, if nothing
-    // comes.
+    // When fewer than `count` waits (at least 1) will have been heard of within `patience` if nothing comes.
     Clock::time_point whenFewerThan(std::size_t count, Clock::duration patience) const;
     // The answers that have ended since the last call.
     std::vector<Answer> takeEnded();

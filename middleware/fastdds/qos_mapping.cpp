@@ -51,8 +51,7 @@ void applyCommon(const EndpointQos& qos, LibraryQos& library) {
 }
 
 // Sockets with room for the burst in which dozens of peers answer a new participant's first announcement:
-// what does not fit is lost, and repaired only a second later. A size that the operator's profile file gives
-// stays.
+// what does not fit is lost, and repaired only a second later. A size in the operator's profile file stays.
 template <class UdpDescriptor>
 void widenReceiveBuffer(std::shared_ptr<transport::TransportDescriptorInterface>& descriptor) {
     const auto udp = std::dynamic_pointer_cast<UdpDescriptor>(descriptor);

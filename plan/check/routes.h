@@ -9,8 +9,7 @@ namespace zul::plan {
 struct Sides {
     bool hasParticipant[2] = {};
     bool hasConnection[2] = {};
-    // Of which exactly one is there on each side; otherwise the definition is broken, which is told
-    // elsewhere.
+    // Each side has exactly one of the two; where not, the definition is broken, which another check tells.
     bool areKnown() const;
 };
 Sides sidesOf(const xmlNode* domainRoute);

@@ -16,8 +16,7 @@ constexpr const char* nameOf(Change change) {
 
 // One thing that two documents configure otherwise.
 struct Difference {
-    // "DomainRoute::Session::Route" for an entity, "DomainRoute::Session/property[name]" for a setting of
-    // one,
+    // "DomainRoute::Session::Route" for an entity, "DomainRoute::Session/property[name]" for a setting of it,
     // "/administration.domain_id" for one of the router itself or of the document.
     std::string path;
     Change change;

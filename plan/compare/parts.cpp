@@ -117,8 +117,7 @@ void Collector::addAttributes() {
     }
 }
 
-// Both words name the same two sides. Without one, an input is on side 1 and an output where its input is
-// not.
+// Both words name the same two sides. Without one, an input is on side 1, an output where its input is not.
 std::string sideOf(const xmlNode* end) {
     return attributeOf(end, "participant") + attributeOf(end, "connection");
 }
