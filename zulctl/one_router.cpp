@@ -63,6 +63,7 @@ Result OneRouter::send(const fleet::Command& command) {
     std::vector<Result> results;
     fleet_.ask({name_}, command, [&results](Result&& result) { results.push_back(std::move(result)); });
     std::vector<std::string> guids;
+    guids.reserve(results.size());
     for (const Result& result : results) {
         guids.push_back(result.guid);
     }
