@@ -16,8 +16,8 @@
 
 namespace zul::fleet {
 
-constexpr std::size_t MAX_ANSWER = 256U
-                                   << 20; // bytes; who sends parts without end is not listened to for ever
+// Bytes. Each part starts the time-out anew, so who sends parts without end is cut off by size.
+constexpr std::size_t MAX_ANSWER = 256U << 20;
 
 // A response as it arrived, whoever it is for.
 struct Response {

@@ -18,7 +18,7 @@ constexpr std::string_view UNLIMITED = "LENGTH_UNLIMITED";
 
 // clang-format off
 constexpr Field FIELDS[] = {
-    // Durations
+    // Lengths of time
     {.place = "sec",     .form = Form::INTEGER, .least = 0, .words = "DURATION_INFINITE_SEC", .word = INTEGER_MAX},
     {.place = "nanosec", .form = Form::INTEGER, .least = 0, .most = 999'999'999, .words = "DURATION_INFINITE_NSEC", .word = INTEGER_MAX},
     // Properties and lists
@@ -66,7 +66,7 @@ constexpr Field FIELDS[] = {
     {.place = "topic_data/value",         .form = Form::BASE64},
     {.place = "group_data/value",         .form = Form::BASE64},
     {.place = "participant_name/name",    .form = Form::TEXT, .most = MAX_ENTITY_NAME},
-    // Plugins
+    // Libraries of plugins
     {.place = "library_file",     .form = Form::NEEDED},
     {.place = "factory_function", .form = Form::NEEDED},
     // The service
@@ -81,7 +81,7 @@ constexpr Field FIELDS[] = {
     {.place = "forward_dispose",            .form = Form::WORDS, .words = BOOLEAN},
     {.place = "forward_unregister",         .form = Form::WORDS, .words = BOOLEAN},
     {.place = "creation_mode",  .form = Form::WORDS, .words = "IMMEDIATE ON_WRITER ON_READER ON_EITHER ON_BOTH"},
-    // Names
+    // Names of elements
     {.place = "qos_library@name",            .form = Form::NAME},
     {.place = "qos_profile@name",            .form = Form::NAME},
     {.place = "adapter_library@name",        .form = Form::NAME},
@@ -99,7 +99,7 @@ constexpr Field FIELDS[] = {
     {.place = "valuetype@name",              .form = Form::NAME},
     {.place = "sparse_valuetype@name",       .form = Form::NAME},
     {.place = "member@name",                 .form = Form::NAME},
-    // References
+    // Names of other elements
     {.place = "qos_profile@base_name",       .form = Form::REFERENCE, .target = Target::PROFILE},
     {.place = "participant_qos@base_name",   .form = Form::REFERENCE, .target = Target::PROFILE},
     {.place = "topic_qos@base_name",         .form = Form::REFERENCE, .target = Target::PROFILE},

@@ -91,7 +91,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         int line;
         const char* message;
     } rows[] = {
-        // Numbers
+        // Numbers and their ranges
         {{.participant = "<participant_qos><discovery>" + seconds("lease_duration", "-1") + "</discovery></participant_qos>"}, 4,
          "the sec of lease_duration is \"-1\"; expected an integer from 0 to 2147483647 or DURATION_INFINITE_SEC"},
         {{.head = reader("<latency_budget><duration><nanosec>1000000000</nanosec></duration></latency_budget>")}, 2,
