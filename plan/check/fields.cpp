@@ -1,6 +1,7 @@
 // The table, and the forms that its rows name.
 #include "plan/check/fields.h"
 
+#include "middleware/dds/dds.h"
 #include "plan/document/entity.h"
 #include "plan/document/text.h"
 #include "plan/document/xml_nodes.h"
@@ -71,7 +72,7 @@ constexpr Field FIELDS[] = {
     {.place = "factory_function", .form = Form::NEEDED},
     // The service
     {.place = "enabled",        .form = Form::WORDS, .words = BOOLEAN},
-    {.place = "domain_id",      .form = Form::INTEGER, .least = 0, .most = 232},
+    {.place = "domain_id",      .form = Form::INTEGER, .least = 0, .most = DDS_DOMAIN_ID_MAX},
     {.place = "save_on_update", .form = Form::WORDS, .words = BOOLEAN},
     {.place = "mask",           .form = Form::FLAGS, .words = "MASK_DEFAULT FLOATING_POINT STDIO REALTIME_PRIORITY PRIORITY_ENFORCE"},
     {.place = "priority",       .form = Form::INTEGER},
