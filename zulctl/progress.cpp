@@ -59,7 +59,8 @@ void ProgressLine::show(const fleet::Progress& progress) {
         if (answers_.size() > 1) {
             text = std::to_string(answers_.size()) + " routers: ";
         }
-        text += megabytes(bytes) + " received in " + std::to_string(parts) + " parts";
+        text +=
+            megabytes(bytes) + " received in " + std::to_string(parts) + (parts == 1 ? " part" : " parts");
     }
     clear();
     text.resize(plan::wholeCharacters(text, std::min(text.size(), width() - 1)));

@@ -29,7 +29,8 @@ private:
     sigset_t before_{};
 };
 
-// A line without its end; what there is of it when the input ends or an interrupt comes.
+// A line without its end; what there is of it when the input ends or an interrupt comes, nothing when a read
+// fails.
 std::string readLine(const fleet::Wakeup& wakeup) {
     const SignalsBlocked blocked;
     std::string line;
@@ -42,7 +43,11 @@ std::string readLine(const fleet::Wakeup& wakeup) {
             break;
         }
         char character = 0;
-        if (read(STDIN_FILENO, &character, 1) != 1 || character == '\n') {
+        const ssize_t count = read(STDIN_FILENO, &character, 1);
+        if (count < 0) {
+            return {};
+        }
+        if (count == 0 || character == '\n') {
             break;
         }
         line += character;

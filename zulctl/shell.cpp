@@ -10,7 +10,9 @@
 #include "zulctl/prompt/words.h"
 #include "zulctl/signals.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 #include <unistd.h>
 
 namespace zul::ctl {
@@ -88,7 +90,11 @@ Got Shell::signalled() {
 }
 
 Got Shell::read(std::string& line) {
-    return editor_ != nullptr ? editor_->readLine(line) : input_.readLine(line);
+    if (editor_ == nullptr) {
+        return input_.readLine(line);
+    }
+    signals_.takeRedraw(); // the prompt is about to be drawn
+    return editor_->readLine(line);
 }
 
 void Shell::remember(const std::string& line) {
@@ -142,6 +148,10 @@ int Shell::run() {
         const Got got = read(line);
         if (got == Got::END) {
             return status_;
+        }
+        if (got == Got::FAILED) {
+            complain("cannot read standard input: " + std::generic_category().message(errno));
+            return EXIT_USAGE;
         }
         if (got == Got::INPUT) {
             runLine(line);

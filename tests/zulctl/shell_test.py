@@ -189,14 +189,25 @@ class Shell(ControlTest):
                 with open(shell.lines, encoding="utf-8") as file:
                     self.assertEqual(file.read().splitlines()[-1], line.rstrip())
 
-    def test_stopped_it_gives_the_terminal_back(self):
+    def test_stopped_it_gives_the_terminal_back_and_draws_its_prompt_once(self):
+        router = self.router("quiet", "--silent")
         prompt = self.start()
+        def stop_and_go_on():
+            prompt.signal(signal.SIGTSTP)
+            prompt.until(lambda: os.waitid(os.P_PID, prompt.process.pid, os.WSTOPPED | os.WNOHANG | os.WNOWAIT), "it did not stop")
+            self.assertTrue(prompt.is_plain())
+            prompt.signal(signal.SIGCONT)
         prompt.type("hel", "hel")
-        prompt.signal(signal.SIGTSTP)
-        prompt.until(lambda: os.waitid(os.P_PID, prompt.process.pid, os.WSTOPPED | os.WNOHANG | os.WNOWAIT), "it did not stop")
-        self.assertTrue(prompt.is_plain())
-        prompt.signal(signal.SIGCONT)
+        stop_and_go_on()
         prompt.type("p get\n", "print the router's configuration")
+        prompt.prompt()
+        prompt.send("enable quiet\n")
+        router.expect("ENABLE [^\n]*kept back")
+        stop_and_go_on()
+        prompt.type(INTERRUPT, "quiet: interrupted")
+        prompt.prompt()
+        self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
+        self.assertEqual(prompt.wait()[0], 5)
 
     def test_a_question_is_answered_on_a_terminal_that_shows_and_edits_the_answer(self):
         self.router("r")
@@ -228,6 +239,8 @@ class Shell(ControlTest):
         for expected in ("fly", "this is the shell", "ends in a backslash", "quote is not closed", "usage: zulctl enable"):
             self.assertIn(expected, log)
         self.assertEqual((run("")[0], run("help enable\n")[0], os.listdir(self.home)), (0, 0, []))
+        unread = subprocess.run(["bash", "-c", f"{BIN}/zulctl -d {self.domain} shell </"], capture_output=True, check=False, timeout=60)
+        self.assertEqual((unread.returncode, unread.stderr), (2, b"zulctl: cannot read standard input: Is a directory\n"))
         with Program("zulctl", "-d", self.domain, "shell") as waiting:
             waiting.send("help\n")
             waiting.expect("Subcommands")
@@ -251,8 +264,9 @@ class Shell(ControlTest):
         shell.send("-t 20 --discovery 20 enable r back\n")
         self.assertIn("named back", shell.expect("r: [^\n]*\n")[1][0])
 
-    def test_a_long_upload_shows_how_far_it_is_on_a_terminal_only(self):
+    def test_a_long_upload_or_answer_shows_how_far_it_is_on_a_terminal_only(self):
         router = self.router("big", "--count-only")
+        self.router("slow", "--delay-ms", "700", "--parts", "30")
         document = os.path.join(self.home, "document")
         with open(document, "w", encoding="ascii") as file:
             file.write("x" * 6_000_000)
@@ -269,17 +283,22 @@ class Shell(ControlTest):
         router.signal(signal.SIGSTOP)  # its window fills
         run(f"load big c --file {document}")
         shown = b""
-        while not re.search(rb"\rbig: 4\.\d MB of 6\.0 MB sent", shown):
-            shown = shown[-100:] + os.read(master, 1024)
+        def await_shown(pattern):
+            nonlocal shown
+            while not re.search(pattern, shown):
+                shown = shown[-100:] + os.read(master, 1024)
+        await_shown(rb"\rbig: 4\.\d MB of 6\.0 MB sent")
         router.signal(signal.SIGCONT)
         self.assertIn(b"big: ", shell.stdout.readline())
+        run("get slow")
+        await_shown(rb"\rslow: 0\.0 MB received in 1 part")
         shell.stdin.close()
         while select.select([master], [], [], 0)[0] or shell.poll() is None:
             try:
                 shown = (shown + os.read(master, 1024))[-200:]
             except OSError:  # it is closed
                 break
-        self.assertRegex(shown, rb"sent\r {20,}\r\Z")
+        self.assertRegex(shown, rb"parts?\r {20,}\r\Z")
         self.assertEqual(self.run_text("load", "big", "c", "--file", document)[2], "")
 
     def test_without_a_place_for_the_history_one_warning(self):

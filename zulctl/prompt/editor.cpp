@@ -165,6 +165,7 @@ Got Editor::readCharacter(wchar_t& character) {
 
 Got Editor::readLine(std::string& line) {
     got_ = Got::INPUT;
+    el_resize(library_->editor);
     int length = 0;
     const char* text = el_gets(library_->editor, &length);
     if (text == nullptr || length <= 0) {

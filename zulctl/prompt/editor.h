@@ -27,7 +27,7 @@ public:
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
 
-    // A line without its line feed. After STOPPED what was typed is gone. Never REDRAW.
+    // A line without its line feed. After STOPPED what was typed is gone. Never REDRAW or FAILED.
     Got readLine(std::string& line);
     // To the lines that the arrow keys and the search find.
     void remember(const std::string& line);

@@ -67,16 +67,15 @@ Got Input::readLine(std::string& line) {
             return Got::INPUT;
         }
         std::array<char, 65536> bytes;
-        Got got = wait();
+        const Got got = wait();
         ssize_t count = -1;
         if (got == Got::INPUT) {
             count = read(fd_, bytes.data(), bytes.size());
             if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
                 count = 0;
             } else if (count <= 0) {
-                got = line.empty() ? Got::END : Got::INPUT;
                 block_.clear();
-                return got;
+                return count < 0 ? Got::FAILED : line.empty() ? Got::END : Got::INPUT;
             }
         }
         if (got == Got::STOPPED) {

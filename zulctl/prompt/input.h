@@ -7,8 +7,8 @@
 namespace zul::ctl::prompt {
 
 // How a read went. STOPPED: a signal asks for an end of it. REDRAW: one that changes what a terminal shows.
-// HANG_UP: the terminal is gone; one that is there ends its input with a key.
-enum class Got { INPUT, END, STOPPED, REDRAW, HANG_UP };
+// HANG_UP: the terminal is gone; one that is there ends its input with a key. FAILED: `errno` says why.
+enum class Got { INPUT, END, STOPPED, REDRAW, HANG_UP, FAILED };
 
 class Input {
 public:
@@ -22,7 +22,8 @@ public:
     bool isPending() const;
     // A terminal that is gone; a pipe whose writers are.
     bool isHungUp() const;
-    // A line without its line feed; the last one may have none. A line too long to be one is cut.
+    // A line without its line feed; the last one before the END may have none. A line too long to be one is
+    // cut. What a read that FAILED cuts off is no line.
     Got readLine(std::string& line);
 
 private:
