@@ -3,6 +3,7 @@
 #include "plan/compare/planner.h"
 
 #include "plan/check/check.h"
+#include "plan/compare/changed_profiles.h"
 #include "plan/compare/snippet.h"
 #include "plan/document/children.h"
 #include "plan/document/definition.h"
@@ -85,6 +86,7 @@ public:
 
 private:
     void updateService();
+    void noteProfile(Steps steps);
     void visitChildren(xmlNode* running, const xmlNode* wanted, const std::string& path,
                        const Around& around);
     void visit(xmlNode* running, const xmlNode* wanted, const std::string& parent, const Around& around);
@@ -113,6 +115,7 @@ private:
     bool isOneOfSeveral_ = false;
     Plan steps_;
     std::vector<std::string> waiting_; // to be enabled, those around before those inside
+    ChangedProfiles changedProfiles_;
 };
 
 std::string pathIn(const std::string& parent, const xmlNode* entity) {
@@ -177,16 +180,29 @@ void Planner::refuseWhatIsLeft() const {
     }
 }
 
+// library, profile, what changes in it
+void Planner::noteProfile(Steps steps) {
+    if (steps.size() > 2 && steps[0]->tag == "qos_library") {
+        const std::string path = steps[0]->identity + std::string(PATH_SEPARATOR) + steps[1]->identity;
+        changedProfiles_.add(path, steps[2]->isAttribute ? "" : steps[2]->tag);
+    }
+}
+
 // Sections come with the service's settings, in one update.
 void Planner::updateService() {
     Settings settings(service_, wantedService_);
     Snippet document(tagOf(xmlDocGetRootElement(work_.get())));
     bool hasSections = false;
+    changedProfiles_ = {};
     compareSections(work_.get(), wanted_,
                     [&](Steps steps, Change change, const std::string&, const std::string& to) {
                         hasSections = true;
                         document.add(steps, change, to);
+                        if (isFixed(steps, change)) {
+                            noteProfile(steps);
+                        }
                     });
+    changedProfiles_.follow(wanted_);
     if (!hasSections && !settings.isDifferent) {
         return;
     }
@@ -229,7 +245,8 @@ void Planner::visit(xmlNode* running, const xmlNode* wanted, const std::string& 
     const bool isEnabled = stateOf(running).enabled;
     const bool shallBe = stateOf(wanted).enabled;
     Settings settings(running, wanted);
-    const bool stops = isEnabled && shallBe && settings.needsRestart && around.isActive && !around.isStopped;
+    const bool needsRestart = settings.needsRestart || changedProfiles_.areUsedBy(wanted);
+    const bool stops = isEnabled && shallBe && needsRestart && around.isActive && !around.isStopped;
     // The enable command is refused inside what stays disabled.
     const bool isSetByUpdate = !isEnabled && shallBe && !around.willBeActive;
     const std::size_t begin = steps_.size();

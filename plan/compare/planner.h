@@ -4,7 +4,8 @@
 // For each parent: first deletes, then updates, then creates; sections that entities use come first of all.
 // An update adds and replaces. Where something has to go that no update takes away, the nearest entity around
 // is deleted and created anew. What takes effect only when an entity is enabled again is done while it is
-// disabled; of several entities inside each other the outermost is enough.
+// disabled, and who takes it from a profile is disabled and enabled after that; of several entities inside
+// each other the outermost is enough.
 #pragma once
 
 #include "plan/compare/compare.h"

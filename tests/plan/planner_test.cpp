@@ -80,8 +80,19 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
     const std::string REPORT = "<reporting><sampling_period><sec>0</sec><nanosec>50</nanosec></sampling_period></reporting>";
     const std::string PARTITION = "<publisher_qos><partition><name><element>x</element></name></partition></publisher_qos>";
     const std::string RELIABLE = "<datareader_qos><reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability></datareader_qos>";
+    const std::string DEADLINE = "<datareader_qos><deadline><period><sec>1</sec><nanosec>0</nanosec></period></deadline></datareader_qos>";
+    const auto profiled = [](const std::string& qos) { // T starts from what starts from it, U has another base
+        return document(route("D", "0", session(topics("T", "<datareader_qos base_name='Q::c'/>") + topics("U", "<datareader_qos base_name='Q::d'/>"))),
+                        "<qos_library name='Q'><qos_profile name='a'>" + qos + "</qos_profile><qos_profile name='b' base_name='Q::a'/>"
+                        "<qos_profile name='c'><datareader_qos base_name='Q::b'/></qos_profile><qos_profile name='d'><datawriter_qos base_name='Q::b'/></qos_profile></qos_library>");
+    };
+    const auto changed = [](const std::string& qos) {
+        return "update  <dds><qos_library name=\"Q\"><qos_profile name=\"a\">" + qos + "</qos_profile></qos_library></dds>";
+    };
     const struct { std::string running, wanted, plan; } rows[] = {
         {document(route("D", "0", "")), document(route("D", "0", "")), ""},
+        {profiled(""), profiled(RELIABLE), changed(RELIABLE) + "; disable D::s::T; enable D::s::T"},
+        {profiled(""), profiled(DEADLINE), changed(DEADLINE)},
         {document(route("D", "0", "")), document(route("D", "0x7", "")),
          "disable D; update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>; enable D"},
         {document(route("D", "0", "", OFF)), document(route("D", "7", "", OFF)),
