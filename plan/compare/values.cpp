@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -149,35 +150,40 @@ std::string words(std::string_view text) {
     return upper == "EXTENSIBLE" ? "APPENDABLE" : sorted(upper, '|');
 }
 
-template <std::size_t size>
-const ValueRule& find(const Row (&rows)[size], std::string_view name, std::string_view parent) {
-    static constexpr ValueRule NONE{};
-    static const auto index = [&rows] {
-        std::unordered_map<std::string_view, const Row*> first;
+// The rows of a table by their names. Of those that fit the first counts.
+class Index {
+public:
+    explicit Index(std::span<const Row> rows) {
         for (const Row& row : rows) {
-            first.emplace(row.name, &row);
+            rows_[row.name].push_back(&row);
         }
-        return first;
-    }();
-    const auto found = index.find(name);
-    if (found == index.end()) {
+    }
+    const ValueRule& find(std::string_view name, std::string_view parent) const {
+        static constexpr ValueRule NONE{};
+        if (const auto found = rows_.find(name); found != rows_.end()) {
+            for (const Row* row : found->second) {
+                if (row->parent.empty() || row->parent == parent) {
+                    return row->rule;
+                }
+            }
+        }
         return NONE;
     }
-    const Row* row = found->second;
-    while (row != std::end(rows) && !(row->name == name && (row->parent.empty() || row->parent == parent))) {
-        ++row;
-    }
-    return row != std::end(rows) ? row->rule : NONE;
-}
+
+private:
+    std::unordered_map<std::string_view, std::vector<const Row*>> rows_;
+};
 
 } // namespace
 
 const ValueRule& ruleOfElement(std::string_view tag, std::string_view parent) {
-    return find(ELEMENTS, tag, parent);
+    static const Index index(ELEMENTS);
+    return index.find(tag, parent);
 }
 
 const ValueRule& ruleOfAttribute(std::string_view name) {
-    return find(ATTRIBUTES, name, {});
+    static const Index index(ATTRIBUTES);
+    return index.find(name, {});
 }
 
 std::string canonical(ValueForm form, std::string_view text) {
