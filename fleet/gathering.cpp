@@ -1,6 +1,6 @@
 // One wait for each router that a request must reach. An answer from a writer that nobody expected takes the
-// wait that has no writer yet, or opens one that has ended: it is the only word of
-// a router that was not known.
+// wait that has no writer yet, or opens one that has ended: it is the only word of a router that was not
+// known.
 #include "fleet/gathering.h"
 
 #include "admin_types/modules.h"
@@ -73,8 +73,8 @@ const Answer* Gathering::add(const Response& response) {
     }
     wait->answer.message += response.message;
     ++wait->answer.parts;
-    wait->last = response.at;
-    wait->answer.took = std::chrono::duration_cast<std::chrono::milliseconds>(response.at - wait->begin);
+    wait->last = std::max(wait->last, response.at); // it may come before the call that sends returns
+    wait->answer.took = std::chrono::duration_cast<std::chrono::milliseconds>(wait->last - wait->begin);
     if (response.isFinal) {
         end(*wait, statusOf(response.kind));
         return nullptr;

@@ -83,6 +83,9 @@ TEST_F(GatheringTest, TheTimeoutCountsFromTheLastPartOfEach) {
     EXPECT_EQ(ended(gathering), "a1:no_answer:part:1:900 ");
     come(1, A, OK, "too late", true);
     EXPECT_EQ(ended(gathering), "");
+    gathering.expect(3, "c", {C}, START + 5ms);
+    come(3, C, OK, "before the send returned", true, 2ms);
+    EXPECT_EQ(ended(gathering), "c3:ok:before the send returned:1:0 ");
 }
 
 TEST_F(GatheringTest, WhoHasGoneOrIsInterruptedIsNotWaitedFor) {
