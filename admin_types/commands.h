@@ -13,7 +13,6 @@ namespace admin {
 enum class CommandBranch : std::uint32_t { ENTITY_DESC = 1, DUMMY = 2, ENTITY_NAME = 3, PEER_DESC = 4 };
 
 struct Command {
-    const char* name;
     ZUL_RoutingService_Administration_CommandKind kind;
     CommandBranch branch;
     std::size_t longestName = ENTITY_NAME_BOUND;     // characters; longer ones are not sent
@@ -26,22 +25,22 @@ constexpr std::size_t SHORTER_NAME = ENTITY_NAME_BOUND - 1; // oddity 5
 // The order of the rows is the order of the labels in the union's type description.
 // clang-format off
 inline constexpr Command COMMANDS[] = {
-    {.name = "LOAD",     .kind = ZUL_ROUTING_SERVICE_COMMAND_LOAD,     .branch = CommandBranch::ENTITY_DESC,
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_LOAD,     .branch = CommandBranch::ENTITY_DESC,
      .nameTooLong = "cfgName too long"},
-    {.name = "ANNOUNCE", .kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, .branch = CommandBranch::DUMMY},
-    {.name = "UNLOAD",   .kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,   .branch = CommandBranch::DUMMY}, // oddity 22
-    {.name = "INSERT",   .kind = ZUL_ROUTING_SERVICE_COMMAND_INSERT,   .branch = CommandBranch::ENTITY_DESC},
-    {.name = "UPDATE",   .kind = ZUL_ROUTING_SERVICE_COMMAND_UPDATE,   .branch = CommandBranch::ENTITY_DESC},
-    {.name = "PAUSE",    .kind = ZUL_ROUTING_SERVICE_COMMAND_PAUSE,    .branch = CommandBranch::ENTITY_NAME},
-    {.name = "RESUME",   .kind = ZUL_ROUTING_SERVICE_COMMAND_RESUME,   .branch = CommandBranch::ENTITY_NAME},
-    {.name = "ENABLE",   .kind = ZUL_ROUTING_SERVICE_COMMAND_ENABLE,   .branch = CommandBranch::ENTITY_NAME},
-    {.name = "DISABLE",  .kind = ZUL_ROUTING_SERVICE_COMMAND_DISABLE,  .branch = CommandBranch::ENTITY_NAME},
-    {.name = "CREATE",   .kind = ZUL_ROUTING_SERVICE_COMMAND_CREATE,   .branch = CommandBranch::ENTITY_DESC,
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE, .branch = CommandBranch::DUMMY},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_UNLOAD,   .branch = CommandBranch::DUMMY}, // oddity 22
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_INSERT,   .branch = CommandBranch::ENTITY_DESC},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_UPDATE,   .branch = CommandBranch::ENTITY_DESC},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_PAUSE,    .branch = CommandBranch::ENTITY_NAME},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_RESUME,   .branch = CommandBranch::ENTITY_NAME},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_ENABLE,   .branch = CommandBranch::ENTITY_NAME},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_DISABLE,  .branch = CommandBranch::ENTITY_NAME},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_CREATE,   .branch = CommandBranch::ENTITY_DESC,
      .longestName = SHORTER_NAME, .nameTooLong = "parentEntityName too long"},
-    {.name = "DELETE",   .kind = ZUL_ROUTING_SERVICE_COMMAND_DELETE,   .branch = CommandBranch::ENTITY_NAME, .longestName = SHORTER_NAME},
-    {.name = "SAVE",     .kind = ZUL_ROUTING_SERVICE_COMMAND_SAVE,     .branch = CommandBranch::DUMMY},
-    {.name = "GET",      .kind = ZUL_ROUTING_SERVICE_COMMAND_GET,      .branch = CommandBranch::DUMMY},
-    {.name = "ADD_PEER", .kind = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .branch = CommandBranch::PEER_DESC,
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_DELETE,   .branch = CommandBranch::ENTITY_NAME, .longestName = SHORTER_NAME},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_SAVE,     .branch = CommandBranch::DUMMY},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_GET,      .branch = CommandBranch::DUMMY},
+    {.kind = ZUL_ROUTING_SERVICE_COMMAND_ADD_PEER, .branch = CommandBranch::PEER_DESC,
      .longestName = SHORTER_NAME, .nameTooLong = "domainRouteName too long"},
 };
 // clang-format on

@@ -4,7 +4,9 @@
 
 #include "middleware/base/basic_types.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <span>
 
 // Enumerators as (name, value) pairs. No command has the value 0, so that a record of zeroes is not a
 // valid one.
@@ -54,6 +56,27 @@ enum ZUL_FederationService_Administration_CommandResponseKind : DDS_Long {
 };
 
 namespace admin {
+
+struct KindName {
+    DDS_Long kind;
+    const char* name;
+};
+#define X(name, value) {value, #name},
+inline constexpr KindName COMMAND_NAMES[] = {ZUL_ADMINISTRATION_COMMAND_KINDS(X)};
+inline constexpr KindName RESPONSE_NAMES[] = {ZUL_ADMINISTRATION_RESPONSE_KINDS(X)};
+#undef X
+
+constexpr const char* nameIn(std::span<const KindName> names, DDS_Long kind) {
+    const auto found = std::ranges::find(names, kind, &KindName::kind);
+    return found != names.end() ? found->name : "UNKNOWN";
+}
+// "ADD_PEER", "ENTITY_NOT_FOUND" and so on; "UNKNOWN" for a value that is none.
+constexpr const char* commandName(DDS_Long kind) {
+    return nameIn(COMMAND_NAMES, kind);
+}
+constexpr const char* responseName(DDS_Long kind) {
+    return nameIn(RESPONSE_NAMES, kind);
+}
 
 constexpr std::uint32_t ENTITY_NAME_BOUND = 255;  // characters
 constexpr std::uint32_t XML_CONTENT_BOUND = 4096; // characters

@@ -17,7 +17,7 @@ const char* nameOf(fleet::Status status) {
 } // namespace
 
 std::string nameOf(fleet::CommandKind kind) {
-    std::string name = admin::findCommand(kind)->name;
+    std::string name = admin::commandName(kind);
     std::ranges::transform(name, name.begin(), [](char c) {
         return c == '_' ? '-' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
     });

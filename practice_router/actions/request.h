@@ -35,10 +35,4 @@ struct Request {
 
 constexpr const char* EVERY_ROUTER = "*";
 
-// "ENABLE" and so on; "UNKNOWN" for a value that is none.
-constexpr const char* kindName(std::int32_t kind) {
-    const admin::Command* command = admin::findCommand(kind);
-    return command != nullptr ? command->name : "UNKNOWN";
-}
-
 } // namespace zul::practice

@@ -15,32 +15,20 @@ namespace {
 constexpr std::size_t MAX_LOGGED = 200; // bytes of one text
 constexpr int OUTPUT_POLL_MILLISECONDS = 100;
 
-constexpr const char* answerName(ZUL_RoutingService_Administration_CommandResponseKind kind) {
-    switch (kind) {
-#define X(name, value)                                                                                       \
-    case value:                                                                                              \
-        return #name;
-        ZUL_ADMINISTRATION_RESPONSE_KINDS(X)
-#undef X
-    default:
-        return "UNKNOWN";
-    }
-}
-
 // A text as one piece of a log line.
 std::string shown(std::string_view text) {
     return text.empty() ? "-" : shortened(text, MAX_LOGGED);
 }
 
 std::string describe(const Answer& answer) {
-    return std::string(answerName(answer.kind)) + " " + shown(answer.text);
+    return std::string(admin::responseName(answer.kind)) + " " + shown(answer.text);
 }
 
 } // namespace
 
 // One line on standard output at once. A full pipe that nobody reads holds the router up, but not its end.
 void Worker::log(const Request& request, const std::string& outcome) {
-    const std::string line = std::string(kindName(request.kind)) + " invocation " +
+    const std::string line = std::string(admin::commandName(request.kind)) + " invocation " +
                              std::to_string(request.id.invocation) + " target " + shown(request.target) +
                              " entity " + shown(request.entity) + ": " + outcome + "\n";
     static_assert(4 * (MAX_LOGGED + 64) < PIPE_BUF, "a line fits as soon as a pipe has room");

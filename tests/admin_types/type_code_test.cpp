@@ -81,10 +81,7 @@ TEST(TypeCodes, ACommandWhoseRowSaysOtherwise) {
         for (const std::int32_t label : branch.labels) {
             const admin::Command* command = admin::findCommand(label);
             ASSERT_NE(command, nullptr) << label;
-            EXPECT_EQ(static_cast<std::uint32_t>(command->branch), branch.id) << command->name;
-            const DDS_TypeCode* kinds = ZUL_RoutingService_Administration_CommandKind_get_typecode();
-            EXPECT_EQ(kinds->members[static_cast<std::size_t>(label) - 1].name,
-                      std::string("ZUL_ROUTING_SERVICE_COMMAND_") + command->name);
+            EXPECT_EQ(static_cast<std::uint32_t>(command->branch), branch.id) << label;
             ++labels;
         }
     }

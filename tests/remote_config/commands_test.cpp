@@ -68,7 +68,7 @@ protected:
 
 TEST_F(Commands, SendNamesUpToTheirLimitAndRefuseLongerOnes) {
     for (const admin::Command& command : admin::COMMANDS) {
-        SCOPED_TRACE(command.name);
+        SCOPED_TRACE(admin::commandName(command.kind));
         const auto prepare = [&](std::size_t target, std::size_t entity) {
             return zul::remote_config::prepareRequest(client, {"sender", command.kind}, name(target).c_str(),
                                                       name(entity).c_str(), &result);
