@@ -56,6 +56,11 @@ std::string incompatiblePolicy(const Endpoint& endpoint) {
     const DDS_EndpointBuiltinTopicData& qos = endpoint.qos;
     const bool limitsTime = qos.deadline.period.sec != DDS_DURATION_INFINITE.sec;
     const bool limitsLiveliness = qos.liveliness.lease_duration.sec != DDS_DURATION_INFINITE.sec;
+    if (qos.has_xcdr1 == 0) {
+        return endpoint.isReader
+                   ? "DATA_REPRESENTATION: it does not read XCDR version 1, which zulctl writes"
+                   : "DATA_REPRESENTATION: it does not write XCDR version 1, which zulctl reads";
+    }
     if (qos.has_partition != 0) {
         return "PARTITION: it is in a partition, zulctl in none";
     }
@@ -127,7 +132,9 @@ Cause nobodyNamed(const Picture& picture, const std::string& router) {
 std::optional<Cause> endpointFault(const Picture& picture, const Participant& participant) {
     for (const Endpoint* endpoint :
          {participant.requestReader(picture.product), participant.responseWriter(picture.product)}) {
-        if (endpoint == nullptr || picture.matched.contains(endpoint->guid)) {
+        // A match is what this side makes of it: the library's writers match readers of any representation.
+        if (endpoint == nullptr ||
+            (picture.matched.contains(endpoint->guid) && endpoint->qos.has_xcdr1 != 0)) {
             continue;
         }
         if (endpoint->type != typeOf(*endpoint)) {

@@ -36,6 +36,8 @@ struct DDS_EndpointBuiltinTopicData {
     DDS_LivelinessQosPolicy liveliness;
     DDS_OwnershipQosPolicy ownership;
     DDS_Boolean has_partition; // it is in some partition besides the one without a name
+    // Of its data representations (OMG XTypes 1.3, 7.6.3.1): it writes XCDR version 1, or reads it too.
+    DDS_Boolean has_xcdr1;
 };
 struct DDS_PublicationBuiltinTopicData : DDS_EndpointBuiltinTopicData {};  // a writer
 struct DDS_SubscriptionBuiltinTopicData : DDS_EndpointBuiltinTopicData {}; // a reader

@@ -9,7 +9,9 @@
 #include <fastdds/rtps/reader/ReaderDiscoveryInfo.h>
 #include <fastdds/rtps/writer/WriterDiscoveryInfo.h>
 #include <fastrtps/utils/IPLocator.h>
+#include <iterator>
 #include <string>
+#include <type_traits>
 
 namespace zul {
 
@@ -45,6 +47,14 @@ std::string addressOf(const rtps::ParticipantProxyData& data) {
     return {};
 }
 
+// A reader takes any that it lists, a writer writes the first; XCDR version 1 where there is no list.
+bool hasXcdr1(const fast::DataRepresentationQosPolicy& policy, bool isReader) {
+    const auto& listed = policy.m_value;
+    const auto end =
+        isReader ? listed.end() : listed.begin() + std::min<std::ptrdiff_t>(1, std::ssize(listed));
+    return listed.empty() || std::find(listed.begin(), end, fast::XCDR_DATA_REPRESENTATION) != end;
+}
+
 // Both kinds of endpoint have the same members.
 template <class Data>
 Data toData(const auto& endpoint) {
@@ -69,11 +79,12 @@ Data toData(const auto& endpoint) {
                                                                                 : DDS_SHARED_OWNERSHIP_QOS;
     const std::vector<std::string> partitions = qos.m_partition.names();
     data.has_partition = std::ranges::any_of(partitions, [](const auto& name) { return !name.empty(); });
+    data.has_xcdr1 = hasXcdr1(qos.representation, std::is_same_v<Data, DDS_SubscriptionBuiltinTopicData>);
     return data;
 }
 
-// Runs what a discovery of another participant leads to; the library tells
-// of a participant's own endpoints, too.
+// Runs what a discovery of another participant leads to; the library tells of a participant's own endpoints,
+// too.
 template <class Call>
 void forward(const char* context, const fast::DomainParticipant& self, const rtps::GUID_t& found, Call call) {
     callLibrary(context, false, [&] {

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 // A router of the picture, with one letter for what is told of it: (h)ere, (l)eft, lease ran (o)ut; its
 // endpoints (r)eader and (w)riter, capitals if matched; (t)ype other than ours; (b)est-effort; (d)urable;
-// (p)artition; (f)ederation; (s)ecured.
+// (p)artition; (2) XCDR version 2 only; (f)ederation; (s)ecured.
 Participant router(std::uint8_t number, const std::string& name, const std::string& letters) {
     const auto has = [&letters](char letter) {
         return letters.find(letter) != std::string::npos;
@@ -35,6 +35,7 @@ Participant router(std::uint8_t number, const std::string& name, const std::stri
             has('d') ? DDS_TRANSIENT_LOCAL_DURABILITY_QOS : DDS_VOLATILE_DURABILITY_QOS;
         endpoint.qos.deadline.period = endpoint.qos.liveliness.lease_duration = DDS_DURATION_INFINITE;
         endpoint.qos.has_partition = has('p');
+        endpoint.qos.has_xcdr1 = !has('2');
         participant.endpoints.push_back(endpoint);
     };
     if (has('r') || has('R')) {
@@ -84,6 +85,7 @@ TEST(Cause, IsNamedWithItsEvidence) {
         {"incompatible_qos", picture({{"r1", "hRwb"}}), "it offers BEST_EFFORT"},
         {"incompatible_qos", picture({{"r1", "hrWd"}}), "DURABILITY"},
         {"incompatible_qos", picture({{"r1", "hrwp"}}), "PARTITION"},
+        {"incompatible_qos", picture({{"r1", "hRW2"}}, none), "DATA_REPRESENTATION: it does not read"},
         {"one_way", picture({{"r1", "hR"}}), "response writer is not seen"},
         {"one_way", picture({{"r1", "hrW"}}), "request reader is seen, but not matched"},
         {"silent", picture({{"r1", "hRW"}}, none), "no answer for 15 ms"},

@@ -25,13 +25,13 @@ CONFIGURATION = """<CycloneDDS><Domain Id="any">
 class CycloneRouter(Program):
     """The router, ready when constructed."""
 
-    def __init__(self, domain, product="Routing"):
+    def __init__(self, domain, product="Routing", *options):
         self.folder = tempfile.TemporaryDirectory()
         self.trace_file = os.path.join(self.folder.name, "trace")
         self.topic = f"zul/{product.lower()}_service/administration/command_"
         self.type = f"ZUL::{product}Service::Administration::Command"
         super().__init__(
-            os.path.join(os.path.abspath(BIN), "..", "tests", "zul_cyclone_router"), domain, self.topic, self.type,
+            os.path.join(os.path.abspath(BIN), "..", "tests", "zul_cyclone_router"), domain, self.topic, self.type, *options,
             env={"CYCLONEDDS_URI": CONFIGURATION.format(trace=self.trace_file)})
         self.expect("ready\n")
 

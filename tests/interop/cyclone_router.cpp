@@ -145,7 +145,12 @@ void printRequests(dds_entity_t reader, void*) {
 
 int main(int, char** arguments) {
     const auto domain = static_cast<dds_domainid_t>(std::atoi(arguments[1]));
-    const dds_entity_t participant = checked("participant", dds_create_participant(domain, nullptr, nullptr));
+    const bool isNamed = arguments[4] != nullptr; // and then it reads and writes XCDR version 2 only
+    dds_qos_t* participantQos = dds_create_qos();
+    dds_qset_entity_name(participantQos, isNamed ? arguments[4] : "");
+    const dds_entity_t participant =
+        checked("participant", dds_create_participant(domain, participantQos, nullptr));
+    dds_delete_qos(participantQos);
     static const ddsi_serdata_ops sampleCalls = sampleOperations();
     static const ddsi_sertype_ops typeCalls = typeOperations();
     ddsi_sertype* type = nullptr; // the topic's
@@ -153,7 +158,8 @@ int main(int, char** arguments) {
         type = new ddsi_sertype{};
         ddsi_sertype_init_flags(type, (arguments[3] + ofType).c_str(), &typeCalls, &sampleCalls,
                                 DDSI_SERTYPE_FLAG_TOPICKIND_NO_KEY);
-        type->allowed_data_representation = DDS_DATA_REPRESENTATION_FLAG_XCDR1;
+        type->allowed_data_representation =
+            isNamed ? DDS_DATA_REPRESENTATION_FLAG_XCDR2 : DDS_DATA_REPRESENTATION_FLAG_XCDR1;
         return checked("topic", dds_create_topic_sertype(participant, (arguments[2] + topic).c_str(), &type,
                                                          nullptr, nullptr, nullptr));
     };

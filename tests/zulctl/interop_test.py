@@ -51,6 +51,11 @@ class Interop(unittest.TestCase):
                 self.assertEqual((status, row["parts"], row["status"]), (1, 2, "error") if "tree" in arguments else (0, 2, "ok"))
                 self.assertRegex(row["message"], "no configuration: line 1" if "tree" in arguments else r"\Apart 1, part 2\Z")
 
+    def test_a_router_of_another_data_representation_is_told_from_a_silent_one(self):
+        with CycloneRouter(self.domain, "Routing", "ZUL Routing Service: r2"), Program(
+                "zulctl", "-d", self.domain, "-t", "0.5", "--json", "why", "r2") as control:
+            self.assertRegex(control.wait()[1], '"cause":"incompatible_qos".*DATA_REPRESENTATION: it does not read XCDR version 1')
+
     def test_apply_plans_from_what_another_stack_says(self):
         """Each request is exactly what was planned, and what runs at the end is read back and compared."""
         runs = '<dds><routing_service name="S">{}</routing_service></dds>'
