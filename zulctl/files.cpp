@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -36,6 +37,49 @@ bool writeAll(int descriptor, std::string_view text) {
     return true;
 }
 
+// A new file beside the one that it is to become. What has not become it is gone at the end. Each step is
+// true when it succeeded, else `errno` says why not.
+class FreshFile {
+public:
+    explicit FreshFile(const std::string& path)
+        : path_(path), name_(path + ".XXXXXX"), descriptor_(mkstemp(name_.data())) {}
+    ~FreshFile() {
+        const int error = errno;
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+            unlink(name_.c_str());
+        }
+        errno = error;
+    }
+    FreshFile(const FreshFile&) = delete;
+    FreshFile& operator=(const FreshFile&) = delete;
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    // Until then it is the user's alone. Null: as of any file that is created.
+    bool hasAccessOf(const struct stat* other) const {
+        if (other != nullptr) {
+            return fchown(descriptor_, other->st_uid, other->st_gid) == 0 &&
+                   fchmod(descriptor_, other->st_mode) == 0;
+        }
+        const mode_t mask = umask(0);
+        umask(mask);
+        return fchmod(descriptor_, 0666 & ~mask) == 0;
+    }
+    bool write(std::string_view text) const { return writeAll(descriptor_, text) && fsync(descriptor_) == 0; }
+    // In place of what may be there.
+    bool replace() const { return rename(name_.c_str(), path_.c_str()) == 0; }
+    // Where nothing is, with EEXIST otherwise.
+    bool appear() const {
+        return link(name_.c_str(), path_.c_str()) == 0 ||
+               ((errno == EPERM || errno == EOPNOTSUPP) && replace()); // a file system without links
+    }
+
+private:
+    const std::string& path_;
+    std::string name_;
+    int descriptor_;
+};
+
 } // namespace
 
 std::optional<std::string> readFile(const std::string& path, std::string& error) {
@@ -61,39 +105,34 @@ std::optional<std::string> readFile(const std::string& path, std::string& error)
 }
 
 bool writeFile(const std::string& path, const std::string& text, std::string& error) {
-    File file(std::fopen(path.c_str(), "wbe"));
-    const bool isWritten =
-        file != nullptr && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    if (isWritten && std::fclose(file.release()) == 0) {
-        return true;
+    struct stat before {};
+    const bool isNew = lstat(path.c_str(), &before) != 0 && errno == ENOENT;
+    if (isNew || S_ISREG(before.st_mode)) {
+        FreshFile fresh(path);
+        // A folder may be read-only, and a file somebody else's, and yet it may be written.
+        if (fresh.isOpen() && fresh.hasAccessOf(isNew ? nullptr : &before)) {
+            const bool isWritten = fresh.write(text) && fresh.replace();
+            error = isWritten ? "" : explain("write", path);
+            return isWritten;
+        }
     }
-    error = explain("write", path);
-    return false;
+    const File file(std::fopen(path.c_str(), "wbe"));
+    const bool isWritten = file != nullptr && writeAll(fileno(file.get()), text);
+    error = isWritten ? "" : explain("write", path);
+    return isWritten;
 }
 
-// Under another name first, then linked to its own: that fails where there is a file already.
 bool writeOnce(const std::string& path, const std::string& text, std::string& error) {
     if (access(path.c_str(), F_OK) == 0) {
         const auto there = readFile(path, error);
         return there && *there == text;
     }
-    std::string fresh = path + ".XXXXXX";
-    const int descriptor = mkstemp(fresh.data());
-    if (descriptor < 0) {
-        error = explain("write", path);
-        return false;
-    }
-    bool isWritten = writeAll(descriptor, text) && fsync(descriptor) == 0;
-    isWritten = close(descriptor) == 0 && isWritten;
-    bool isThere = isWritten && link(fresh.c_str(), path.c_str()) == 0;
-    if (isWritten && !isThere && errno == EPERM) { // a file system without links
-        isThere = rename(fresh.c_str(), path.c_str()) == 0;
-    }
-    if (!isThere && errno != EEXIST) {
+    FreshFile fresh(path);
+    const bool isWritten = fresh.isOpen() && fresh.write(text) && fresh.appear();
+    if (!isWritten && errno != EEXIST) {
         error = explain("write", path);
     }
-    unlink(fresh.c_str());
-    return isThere;
+    return isWritten;
 }
 
 std::string pathFor(std::string pattern, const std::string& router) {

@@ -122,6 +122,12 @@ class Commands(ControlTest):
         self.assertEqual(sorted(os.listdir(folder)), ["q%2f...xml", "r1.xml"])
         self.assertEqual(self.run_text("get", "r1,r2", "-o", folder + "/x")[:2], (2, ""))
         self.assertEqual(self.run_text("get", "r1", "-o", folder + "/none/x")[0], 2)
+        # No room: what was there stays.
+        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get q/.. -o {folder}/r1.xml"
+        self.assertEqual(subprocess.run(["bash", "-c", full], stderr=subprocess.DEVNULL, check=False, timeout=60).returncode, 2)
+        with open(folder + "/r1.xml", encoding="utf-8") as file:
+            self.assertIn("</dds>", file.read())
+        self.assertEqual(sorted(os.listdir(folder)), ["q%2f...xml", "r1.xml"])
         for expected, routers in ((4, "r1,quiet"), (1, "r1,r2"), (4, "r1,nobody")):
             self.assertEqual(self.run_json("-t", "1.5", "--discovery", "1", "enable", routers)[0], expected, routers)
         self.assertEqual(self.run_json("enable", "r1", "no")[0], 3)
