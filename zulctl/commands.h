@@ -1,5 +1,4 @@
-// What each command does, from arguments to an exit status, and what commands in files of their own begin
-// with.
+// What each command does, from arguments to an exit status; what commands in other files share.
 #pragma once
 
 #include "zulctl/arguments.h"

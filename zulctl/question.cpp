@@ -29,8 +29,8 @@ private:
     sigset_t before_{};
 };
 
-// A line without its end; what there is of it when the input ends or an interrupt comes, nothing when a read
-// fails.
+// A line without its end; what there is of it when the input ends or an interrupt comes. Of a read that fails
+// nothing counts.
 std::string readLine(const fleet::Wakeup& wakeup) {
     const SignalsBlocked blocked;
     std::string line;

@@ -41,8 +41,7 @@ public:
         : wakeup_(wakeup), isLasting_(isLasting) {}
 
     fleet::Wakeup& wakeup() { return wakeup_; }
-    // A domain and the routers of one product in it, joined when first asked for and then kept. Throws a
-    // Failure.
+    // A domain and the routers of one product in it, joined when first asked for and kept. Throws a Failure.
     fleet::Domain& domain(std::int32_t id, fleet::Product product);
     // One that is there already, for both products. Null: none is.
     fleet::Domain* known(std::int32_t id) const;

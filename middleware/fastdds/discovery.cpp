@@ -83,8 +83,8 @@ Data toData(const auto& endpoint) {
     return data;
 }
 
-// Runs what a discovery of another participant leads to; the library tells of a participant's own endpoints,
-// too.
+// Runs what a discovery of another participant leads to. The library tells of a participant's own endpoints
+// as well, which are left out.
 template <class Call>
 void forward(const char* context, const fast::DomainParticipant& self, const rtps::GUID_t& found, Call call) {
     callLibrary(context, false, [&] {

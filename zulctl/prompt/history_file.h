@@ -1,6 +1,5 @@
 // The lines of earlier sessions, in a file that only the user can read, a line each. A line is appended when
-// it is entered, so nothing is lost however the program ends, and programs that run at the same time share
-// it.
+// it is entered, so nothing is lost however the program ends, and programs share the file.
 #pragma once
 
 #include <optional>
