@@ -1,5 +1,5 @@
-// Everything is created disabled, so that the request id is set and the
-// listeners are ready before anything arrives.
+// Everything is created disabled, so that the request id is set and the listeners are ready before anything
+// arrives at them.
 #include "fleet/domain.h"
 
 #include "admin_types/type_support.h"
@@ -21,6 +21,8 @@ constexpr DDS_Duration_t WRITE_BLOCKING_TIME{0, 100'000'000};
 constexpr DDS_Long MAX_UNACKNOWLEDGED = 1024;
 // A fleet answers all at once.
 constexpr DDS_Long MAX_RECEIVED = 256;
+// Bytes of responses that nobody has looked at: more than the routers that are asked at once may send.
+constexpr std::size_t MAX_WAITING = 2 * MAX_ANSWER;
 
 struct DeleteRequest {
     void operator()(Request* request) const {
@@ -87,9 +89,11 @@ struct Domain::Link {
     DDS_DataReader* reader = nullptr;
 };
 
-Domain::Domain(std::int32_t id, Wakeup& wakeup) : id_(id), wakeup_(wakeup), discovery_(wakeup) {}
+Domain::Domain(std::int32_t id, Wakeup& wakeup)
+    : id_(id), wakeup_(wakeup), discovery_(wakeup), responses_(MAX_WAITING) {}
 
 Domain::~Domain() {
+    responses_.close(); // a listener that waits for room would keep the reader
     if (participant_ != nullptr) {
         DDS_DomainParticipant_delete_contained_entities(participant_);
         DDS_DomainParticipantFactory_delete_participant(DDS_DomainParticipantFactory_get_instance(),
@@ -271,19 +275,13 @@ void Domain::receive(const ZUL_RoutingService_Administration_CommandResponse& re
         discovery_.noteName(prefixOf(writer), response.message, &Participant::announced);
     }
     if (response.id.host == host_ && response.id.app == application_) {
-        const std::lock_guard lock(mutex_);
-        responses_.push_back({.invocation = response.id.invocation,
-                              .writer = prefixOf(writer),
-                              .kind = response.kind,
-                              .message = response.message,
-                              .isFinal = response.is_final != 0,
-                              .at = Clock::now()});
+        responses_.push({.invocation = response.id.invocation,
+                         .writer = prefixOf(writer),
+                         .kind = response.kind,
+                         .message = response.message,
+                         .isFinal = response.is_final != 0,
+                         .at = Clock::now()});
     }
-}
-
-std::vector<Response> Domain::takeResponses() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(responses_, {});
 }
 
 } // namespace zul::fleet

@@ -5,7 +5,7 @@
 
 #include "fleet/command.h"
 #include "fleet/discovery.h"
-#include "fleet/gathering.h"
+#include "fleet/response_queue.h"
 
 #include <functional>
 #include <memory>
@@ -44,7 +44,7 @@ public:
               std::int32_t& invocation, const OnPiece& onPiece = {});
 
     // The responses to requests of this participant that have arrived since the last call.
-    std::vector<Response> takeResponses();
+    std::vector<Response> takeResponses() { return responses_.take(); }
 
 private:
     struct Link;
@@ -63,8 +63,7 @@ private:
     std::int32_t host_ = 0; // of the ids of all requests
     std::int32_t application_ = 0;
     std::int32_t lastInvocation_ = 0;
-    std::mutex mutex_;
-    std::vector<Response> responses_; // shared with the delivery threads
+    ResponseQueue responses_;
 };
 
 } // namespace zul::fleet

@@ -46,8 +46,7 @@ public:
     // Counted from the request or the last part.
     explicit Gathering(Clock::duration timeout) : timeout_(timeout) {}
 
-    // A request has been sent. `routers` are those that it must reach; when there
-    // is none, one answer is enough.
+    // A request has been sent. `routers` are those that it must reach; with none, one answer is enough.
     void expect(std::int32_t invocation, const std::string& router, const std::vector<GuidPrefix>& routers,
                 Clock::time_point sent);
     // Credits a response, or drops it: a foreign, a late or a duplicate one. Returns what there is now of an

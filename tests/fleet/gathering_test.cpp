@@ -1,7 +1,10 @@
 // Answers in orders that a live network does not give on demand.
 #include "fleet/gathering.h"
 
+#include "fleet/response_queue.h"
+
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace zul::fleet {
 namespace {
@@ -118,6 +121,30 @@ TEST_F(GatheringTest, RoomIsWhenEnoughHaveEndedOrGoneQuiet) {
     EXPECT_EQ(gathering.whenFewerThan(2, 10ms), START + 15ms);
     come(2, B, OK, "b", true);
     EXPECT_EQ(gathering.whenFewerThan(2, 10ms), Clock::time_point::min());
+}
+
+// A thread that gathers late, and at last not at all.
+TEST(ResponseQueue, HoldsNoMoreThanItsLimitLosesNothingAndLetsGo) {
+    constexpr std::size_t LIMIT = 100000, SIZE = 1000, COUNT = 1000;
+    ResponseQueue queue(LIMIT);
+    std::atomic<std::size_t> pushed{0};
+    std::jthread delivery([&] {
+        for (std::int32_t i = 0; i < static_cast<std::int32_t>(2 * COUNT); ++i, ++pushed) {
+            queue.push({.invocation = i, .message = std::string(SIZE, 'x')});
+        }
+    });
+    std::size_t seen = 0;
+    while (seen < COUNT) {
+        while (pushed < seen + LIMIT / (SIZE + sizeof(Response))) {
+            std::this_thread::yield();
+        }
+        const std::vector<Response> taken = queue.take();
+        EXPECT_LE(taken.size(), LIMIT / SIZE);
+        for (const Response& response : taken) {
+            EXPECT_EQ(response.invocation, static_cast<std::int32_t>(seen++));
+        }
+    }
+    queue.close();
 }
 
 } // namespace
