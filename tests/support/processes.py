@@ -30,6 +30,9 @@ class Program:
         if terminal:
             self.write_end, stdin = pty.openpty()
             self.read_end, stdout = self.write_end, stdin
+            modes = termios.tcgetattr(stdin)
+            modes[3] |= termios.NOFLSH  # or Ctrl-C throws away what was printed and is not read yet
+            termios.tcsetattr(stdin, termios.TCSANOW, modes)
         else:
             stdin, self.write_end = os.pipe()
             self.read_end, out = (None, stdout) if stdout else os.pipe()
