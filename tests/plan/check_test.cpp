@@ -113,7 +113,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the forward_dispose of topic_route \"R\" is \"True\"; expected true or false"},
         {{.routes = "<thread_settings><mask>STDIO|X</mask></thread_settings>"}, 6, "the mask of thread_settings is \"STDIO|X\"; expected "
          "MASK_DEFAULT, FLOATING_POINT, STDIO, REALTIME_PRIORITY or PRIORITY_ENFORCE, with | between them"},
-        {{.head = reader("<user_data><value>a*b</value></user_data>")}, 2, "the value of user_data is \"a*b\"; expected base64"},
+        {{.head = reader("<user_data><value><!-- -->a<!-- --> <!-- -->b*</value></user_data>")}, 2, "the value of user_data is \"a b*\"; expected base64"},
         {{.head = reader("<user_data><value><element>a</element></value></user_data>")}, 2, "the value of user_data is not made up as it should be; "
          "expected a text, and no elements"},
         {{.participant = "<participant_qos><participant_name><name>" + std::string(255, 'n') + "</name></participant_name></participant_qos>"}, 4,
@@ -184,6 +184,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         {{.head = types(typedefs(300, ""))}, 2, "types stand more than 256 levels inside each other"},
         {{.head = types("<forward_dcl name='S' kind='struct'/>" + typedefs(300, "sequenceMaxLength='1'", "type='nonBasic' nonBasicTypeName='S'") +
                         "<struct name='S'><member name='m' type='nonBasic' nonBasicTypeName='T300'/></struct>")}, 2, "more than 256 levels"},
+        {{.head = types("<const name='C' type='byte' value='1'> </const>")}, 2, "const \"C\" has content; expected none"},
         {{.head = types("<module name='" + std::string(255, 'm') + "'/>")}, 2, "expected 1 to 254 letters"},
     };
     for (const auto& row : rows) {
