@@ -81,12 +81,17 @@ private:
             nextId = id + 1;
         }
     };
+    // What an enum has, for the unions that it selects the cases of.
+    struct Enumerators {
+        std::size_t count = 0; // of its members that are here: more come when a wrong enum is defined again
+        ByName<std::int32_t> byName{};
+        std::unordered_set<std::int32_t> values{};
+    };
     struct Discriminator {
         const DDS_TypeCode* underlying;
-        const TypeWord* word;                                   // its range; null for an enum
-        std::map<std::string_view, std::int32_t> enumerators{}; // of an enum
-        std::set<std::int32_t> values{};                        // of them
-        std::set<std::int32_t> labels{};
+        const TypeWord* word;           // its range; null for an enum
+        const Enumerators* enumerators; // of an enum
+        std::unordered_set<std::int32_t> labels{};
         bool hasDefault = false;
     };
 
@@ -141,6 +146,7 @@ private:
     void readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record);
     void readUnion(Element element, Scope scope, Name name);
     Discriminator readDiscriminator(Element element, Scope scope, DDS_TypeCode& code);
+    const Enumerators& enumeratorsOf(const DDS_TypeCode& enumeration);
     void readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
                   Record& record);
     void readLabel(Element element, Scope scope, Discriminator& discriminator, DDS_TypeCodeMember& branch);
@@ -154,10 +160,11 @@ private:
     ZULXMLError& first_;
     const Observer observer_;
     Symbols symbols_;
-    std::map<const DDS_TypeCode*, Record> bases_; // that a type is derived from
-    const TypeSections* sections_ = nullptr;      // those being read
-    std::vector<Include> includes_;               // that lead to it, from the outermost in
-    std::set<std::string> included_;              // files
+    std::map<const DDS_TypeCode*, Record> bases_;      // that a type is derived from
+    std::map<const DDS_TypeCode*, Enumerators> enums_; // that select the cases of a union
+    const TypeSections* sections_ = nullptr;           // those being read
+    std::vector<Include> includes_;                    // that lead to it, from the outermost in
+    std::set<std::string> included_;                   // files
 };
 
 // The type that `type` names through its typedefs; null for null.

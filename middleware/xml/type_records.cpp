@@ -114,12 +114,19 @@ TypeReader::Discriminator TypeReader::readDiscriminator(Element element, Scope s
         fail(element,
              "a discriminator is a boolean, a byte, a character, an integer or an enum defined before it");
     }
-    Discriminator discriminator{.underlying = underlying, .word = word};
-    for (const DDS_TypeCodeMember& enumerator : underlying->members) {
-        discriminator.enumerators.emplace(enumerator.name, enumerator.value);
-        discriminator.values.insert(enumerator.value);
+    return {.underlying = underlying,
+            .word = word,
+            .enumerators = isEnum ? &enumeratorsOf(*underlying) : nullptr};
+}
+
+const TypeReader::Enumerators& TypeReader::enumeratorsOf(const DDS_TypeCode& enumeration) {
+    Enumerators& known = enums_[&enumeration];
+    for (; known.count < enumeration.members.size(); ++known.count) {
+        const DDS_TypeCodeMember& enumerator = enumeration.members[known.count];
+        known.byName.emplace(enumerator.name, enumerator.value);
+        known.values.insert(enumerator.value);
     }
-    return discriminator;
+    return known;
 }
 
 void TypeReader::readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
@@ -158,13 +165,14 @@ void TypeReader::readLabel(Element element, Scope scope, Discriminator& discrimi
         const Symbol* symbol = symbols_.resolve(scope, text);
         const bool isOwn = symbol != nullptr && symbol->enumeration == discriminator.underlying;
         const std::optional<Integer> number = parseInteger(text);
-        const auto named = discriminator.enumerators.find(text);
+        const Enumerators& enumerators = *discriminator.enumerators;
+        const auto named = enumerators.byName.find(text);
         if (isOwn) {
             label = toInt32(symbol->value);
         } else if (number) {
             label = toInt32(*number);
-            label = label && discriminator.values.contains(*label) ? label : std::nullopt;
-        } else if (named != discriminator.enumerators.end()) {
+            label = label && enumerators.values.contains(*label) ? label : std::nullopt;
+        } else if (named != enumerators.byName.end()) {
             label = named->second;
         }
     } else if (const std::optional<Integer> value = valueOf(*discriminator.word, scope, text)) {

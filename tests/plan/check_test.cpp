@@ -253,7 +253,12 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
 // With the square of their number in any step, each of these would take minutes.
 TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
     constexpr int MANY = 100000;
-    std::string circle, wide, routes, labels;
+    std::string circle, wide, routes, labels, enumerators, unions;
+    const auto unionOf = [](const std::string& name, const std::string& cases) {
+        return "<union name='" + name + "'><discriminator type='nonBasic' nonBasicTypeName='E'/>" + cases +
+               "</union>";
+    };
+    const std::string label = "<case><caseDiscriminator value='0'/><member name='m' type='byte'/></case>";
     for (int i = 0; i < MANY; ++i) {
         const std::string number = std::to_string(i);
         circle +=
@@ -261,17 +266,17 @@ TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
         wide += "<x/>";
         routes +=
             i % 2 != 0 ? "" : "<topic_route name='r" + number + "'>" + INPUT + "<output/></topic_route>";
-        labels +=
-            i % 2 != 0 ? "" : "<case><caseDiscriminator value='0'/><member name='m' type='byte'/></case>";
+        labels += i % 2 != 0 ? "" : label;
+        enumerators += i % 4 != 0 ? "" : "<enumerator name='e" + number + "'/>";
+        unions += i % 8 != 0 ? "" : unionOf("U" + number, label);
     }
-    const std::string union_ = "<union name='U'><discriminator type='nonBasic' nonBasicTypeName='E'/>";
     const std::pair<std::string, std::size_t> rows[] = {
         {documentOf({.head = "<qos_library name='L'>" + circle + "</qos_library>"}), 1},
         {documentOf({.head = wide}), MANY},
         {documentOf({.routes = routes}), 0},
-        {documentOf(
-             {.head = types("<enum name='E'><enumerator name='A'/></enum>" + union_ + labels + "</union>")}),
+        {documentOf({.head = types("<enum name='E'><enumerator name='A'/></enum>" + unionOf("U", labels))}),
          MANY / 2 - 1},
+        {documentOf({.head = types("<enum name='E'>" + enumerators + "</enum>" + unions)}), 0},
     };
     for (const auto& [xml, count] : rows) {
         const auto begin = std::chrono::steady_clock::now();
