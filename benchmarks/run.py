@@ -31,7 +31,7 @@ LIMIT = 900  # seconds for a whole measuring program
 
 START_UP_RUNS = 21
 CHECK_RUNS = 21
-CHECKED_BYTES = 4 * 1024 * 1024 - 64 * 1024  # of the document, whose last part goes beyond
+CHECKED_BYTES = 4 * 1024 * 1024 - 64 * 1024  # of a document, whose last part goes beyond
 COLD_STARTS = 200
 UPLOAD_BYTES = 64 * 1024 * 1024
 UPLOAD_LINE = b'<element name="padding"><value>an upload of ordinary text</value></element>\n'
@@ -86,6 +86,7 @@ FIGURES = {
     "compare": Figure("comparison of two documents of 4 MB / xmllint of one", "ms", "<=2.0"),
     "update": Figure("router's update, 8000 new properties / 2000", "ns", "<=4.6"),
     "check": Figure("check of a document of 4 MB / xmllint with the DTD", "ms", "<=2.0"),
+    "check_types": Figure("check of 4 MB of types / xmllint with the DTD", "ms", "<=2.0"),
 }
 
 Samples = dict[str, list[tuple[float, float]]]  # figure -> (ours, baseline) of every round
@@ -236,6 +237,47 @@ class Bench:
         </domain_route>
     </routing_service>
 </dds>\n''', "ascii")
+        return path
+
+    def types(self) -> pathlib.Path:
+        """A document of nothing but types: modules, each with a constant, an enum, a typedef, structs and a union."""
+        fields = "".join(f'                <member name="field_{i}" type="int32"/>\n' for i in range(8))
+        modules: list[str] = []
+        size = 0
+        while size < CHECKED_BYTES:
+            i = len(modules)
+            modules.append(
+                f'''        <module name="M{i}">
+            <const name="ROOM" type="uint32" value="{i % 100 + 1}"/>
+            <enum name="Kind">
+                <enumerator name="NONE"/>
+                <enumerator name="SOME" value="{i % 1000 + 5}"/>
+                <enumerator name="ALL"/>
+            </enum>
+            <typedef name="Name" type="string" stringMaxLength="ROOM"/>
+            <struct name="Point">
+                <member name="x" type="float64"/>
+                <member name="y" type="float64"/>
+            </struct>
+            <struct name="Track" extensibility="mutable">
+                <member name="id" type="int32" key="true" id="10"/>
+{fields}                <member name="name" type="nonBasic" nonBasicTypeName="Name"/>
+                <member name="points" type="nonBasic" nonBasicTypeName="Point" sequenceMaxLength="ROOM"/>
+                <member name="matrix" type="float32" arrayDimensions="3,4"/>
+            </struct>
+            <union name="Choice">
+                <discriminator type="nonBasic" nonBasicTypeName="Kind"/>
+                <case><caseDiscriminator value="NONE"/><member name="number" type="int32"/></case>
+                <case>
+                    <caseDiscriminator value="SOME"/>
+                    <caseDiscriminator value="ALL"/>
+                    <member name="point" type="nonBasic" nonBasicTypeName="Point"/>
+                </case>
+            </union>
+        </module>\n''')
+            size += len(modules[-1])
+        path = self.work / "types.xml"
+        path.write_text(f'<?xml version="1.0"?>\n<dds>\n    <types>\n{"".join(modules)}    </types>\n</dds>\n', "ascii")
         return path
 
 
@@ -415,7 +457,9 @@ def against_xmllint(name: str, document: pathlib.Path, *command: object) -> Samp
 
 
 def check(bench: Bench) -> Samples:
-    return against_xmllint("check", bench.document(), bench.zulctl, "check", bench.document())
+    document, types = bench.document(), bench.types()
+    return (against_xmllint("check", document, bench.zulctl, "check", document)
+            | against_xmllint("check_types", types, bench.zulctl, "check", types))
 
 
 def compare(bench: Bench) -> Samples:

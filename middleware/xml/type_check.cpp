@@ -77,7 +77,7 @@ private:
     std::vector<Visit> open_; // from the outermost in
 };
 
-// Which named types use a type directly, through types without a name.
+// Which named types use a type directly, through types without a name, in the order of their own names.
 using Users = std::unordered_map<const DDS_TypeCode*, std::vector<const DDS_TypeCode*>>;
 void addUses(const DDS_TypeCode& user, const DDS_TypeCode& part, Users& users) {
     for (std::size_t i = 0; i < partCount(part); ++i) {
@@ -90,14 +90,21 @@ void addUses(const DDS_TypeCode& user, const DDS_TypeCode& part, Users& users) {
     }
 }
 
+Users usersIn(const std::vector<const Symbol*>& types) {
+    Users users;
+    for (const Symbol* symbol : types) {
+        addUses(*symbol->type, *symbol->type, users);
+    }
+    return users;
+}
+
 } // namespace
 
-void checkTypes(const Symbols& symbols,
+void checkTypes(const std::vector<const Symbol*>& types,
                 const std::function<void(const std::string&, const std::string&, bool)>& tell) {
     std::set<const DDS_TypeCode*> loops;
     Walk byValue(true, loops);
     Walk throughAll(false, loops);
-    Users users;
     std::vector<const DDS_TypeCode*> wrong;
     std::vector<const DDS_TypeCode*> tooDeep;
     std::set<const DDS_TypeCode*> known; // of the wrong ones
@@ -108,17 +115,14 @@ void checkTypes(const Symbols& symbols,
         }
     };
     bool hasLoop = false;
-    for (const auto& [name, symbol] : symbols.all()) {
-        if (symbol.kind != SymbolKind::TYPE) {
-            continue;
-        }
-        addUses(*symbol.type, *symbol.type, users);
-        if (symbol.isWrong && known.insert(symbol.type).second) {
-            wrong.push_back(symbol.type);
-        } else if (!symbol.isDefined) {
-            add(symbol.type, "'" + name + "' is announced but never defined", true);
-        } else if (std::max(byValue.depthOf(symbol.type), throughAll.depthOf(symbol.type)) > TYPE_DEPTH_MAX) {
-            tooDeep.push_back(symbol.type);
+    for (const Symbol* symbol : types) {
+        const DDS_TypeCode* type = symbol->type;
+        if (symbol->isWrong && known.insert(type).second) {
+            wrong.push_back(type);
+        } else if (!symbol->isDefined) {
+            add(type, "'" + type->name + "' is announced but never defined", true);
+        } else if (std::max(byValue.depthOf(type), throughAll.depthOf(type)) > TYPE_DEPTH_MAX) {
+            tooDeep.push_back(type);
         }
         for (const DDS_TypeCode* loop : loops) {
             add(loop, "'" + loop->name + "' contains itself; put a sequence of it there", true);
@@ -126,6 +130,10 @@ void checkTypes(const Symbols& symbols,
         }
         loops.clear();
     }
+    if (wrong.empty() && tooDeep.empty()) {
+        return;
+    }
+    Users users = usersIn(types);
     // Of types inside each other the innermost one that is too deep; where they go round, any, unless that
     // was told.
     std::set<const DDS_TypeCode*> outer;

@@ -10,11 +10,11 @@ namespace zul::xml {
 // Most levels of types inside each other; sequences, arrays and typedefs count, too.
 constexpr int TYPE_DEPTH_MAX = 256;
 
-// Finds the types that are announced and never defined, contain themselves other than through a sequence, or
-// are too deep; then those that are made of a wrong one, however far down. `tell(name, reason, isOwn)` is
-// called once for each; `isOwn` is false for the latter.
+// Finds those of the types that are announced and never defined, contain themselves other than through a
+// sequence, or are too deep; then those that are made of a wrong one, however far down. `tell(name, reason,
+// isOwn)` is called once for each; `isOwn` is false for the latter.
 void checkTypes(
-    const Symbols& symbols,
+    const std::vector<const Symbol*>& types,
     const std::function<void(const std::string& name, const std::string& reason, bool isOwn)>& tell);
 
 } // namespace zul::xml

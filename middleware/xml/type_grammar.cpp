@@ -85,7 +85,7 @@ std::string inBrackets(std::string_view tag) {
     return "<" + std::string(tag) + ">";
 }
 
-void checkAttribute(const ZULXMLObject& element, const ElementForm& form, const ZULXMLAttribute& given) {
+void checkAttribute(const TypeElement& element, const ElementForm& form, const ZULXMLAttribute& given) {
     const std::string_view name = given.name;
     const std::string_view value = given.value;
     if (!contains(form.required, name) && !contains(form.optional, name)) {
@@ -106,15 +106,14 @@ void checkAttribute(const ZULXMLObject& element, const ElementForm& form, const 
 
 } // namespace
 
-void checkForm(const ZULXMLObject& element) {
-    const auto* form =
-        std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),
-                     [&element](const ElementForm& row) { return row.tag == element.tagName; });
-    const std::string_view tag = element.tagName;
+void checkForm(const TypeElement& element) {
+    const auto* form = std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),
+                                    [&element](const ElementForm& row) { return row.tag == element.tag; });
+    const std::string_view tag = element.tag;
     if (form == std::end(ELEMENTS)) {
         throw ZULXMLError{element.line, inBrackets(tag) + " has no place in a types section"};
     }
-    if (element.text != nullptr) {
+    if (element.holdsText) {
         throw ZULXMLError{element.line, inBrackets(tag) + " must not hold text"};
     }
     eachWord(form->required, [&](std::string_view name) {
@@ -124,13 +123,12 @@ void checkForm(const ZULXMLObject& element) {
         }
         return true;
     });
-    for (std::size_t i = 0; i < element.attributeCount; ++i) {
-        checkAttribute(element, *form, element.attributes[i]);
+    for (const ZULXMLAttribute& given : element.attributes) {
+        checkAttribute(element, *form, given);
     }
-    for (const ZULXMLObject* child = element.children.first; child != nullptr; child = child->next) {
-        if (form->children != ANY && !contains(form->children, child->tagName)) {
-            throw ZULXMLError{child->line,
-                              inBrackets(child->tagName) + " cannot stand in " + inBrackets(tag)};
+    for (const TypeElement* child = element.first; child != nullptr; child = child->next) {
+        if (form->children != ANY && !contains(form->children, child->tag)) {
+            throw ZULXMLError{child->line, inBrackets(child->tag) + " cannot stand in " + inBrackets(tag)};
         }
     }
 }

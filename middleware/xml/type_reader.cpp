@@ -5,7 +5,6 @@
 #include "middleware/xml/parser.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <system_error>
 #include <utility>
 
@@ -33,19 +32,21 @@ const TypeReader::Definition* TypeReader::findDefinition(std::string_view tag) {
     return nullptr;
 }
 
-bool TypeReader::read(const ZULXMLDocument& document) {
-    const std::unique_ptr<char, void (*)(void*)> real(::realpath(document.path.c_str(), nullptr), std::free);
+bool TypeReader::read(const TypeSections& sections) {
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(sections.path().c_str(), nullptr),
+                                                      std::free);
     if (real != nullptr) {
         included_.insert(real.get());
     }
-    readSections(document, "");
-    for (const auto& [name, symbol] : symbols_.all()) {
-        const auto entry = types_.byName.find(name);
-        if (symbol.kind == SymbolKind::TYPE && entry != types_.byName.end()) {
-            entry->second.code = symbol.isDefined && !symbol.isWrong ? symbol.type : nullptr;
-        }
+    types_.byName.reserve(sections.count());
+    symbols_.reserve(sections.count());
+    readSections(sections, "");
+    const std::vector<const Symbol*> found = symbols_.types();
+    for (const Symbol* symbol : found) {
+        types_.byName.at(symbol->type->name).code =
+            symbol->isDefined && !symbol->isWrong ? symbol->type : nullptr;
     }
-    checkTypes(symbols_, [this](const std::string& name, const std::string& reason, bool isOwn) {
+    checkTypes(found, [this](const std::string& name, const std::string& reason, bool isOwn) {
         ZULXMLTypeEntry& entry = types_.byName.at(name);
         entry.code = nullptr;
         entry.reason = entry.place + reason;
@@ -57,35 +58,32 @@ bool TypeReader::read(const ZULXMLDocument& document) {
     return first_.text.empty();
 }
 
-void TypeReader::readSections(const ZULXMLDocument& document, Scope scope) {
-    const ZULXMLDocument* outer = std::exchange(document_, &document);
-    for (const ZULXMLObject* section = document.root->children.first; section != nullptr;
-         section = section->next) {
-        if (std::strcmp(section->tagName, "types") == 0) {
-            try {
-                checkForm(*section);
-            } catch (ZULXMLError& error) {
-                tell(*section, "", nullptr, std::move(error));
-            }
-            readDefinitions(*section, scope);
+void TypeReader::readSections(const TypeSections& sections, Scope scope) {
+    const TypeSections* outer = std::exchange(sections_, &sections);
+    for (const TypeElement* section = sections.first(); section != nullptr; section = section->next) {
+        try {
+            checkForm(*section);
+        } catch (ZULXMLError& error) {
+            tell(*section, "", nullptr, std::move(error));
         }
+        readDefinitions(*section, scope);
     }
-    document_ = outer;
+    sections_ = outer;
 }
 
 void TypeReader::readDefinitions(Element parent, Scope scope) {
-    for (const ZULXMLObject* child = parent.children.first; child != nullptr; child = child->next) {
+    for (const TypeElement* child = parent.first; child != nullptr; child = child->next) {
         const std::string_view ownName = attribute(*child, "name");
         const std::string name = ownName.empty() ? "" : scopedName(scope, ownName);
         ZULXMLTypeEntry* entry = name.empty() ? nullptr : beginEntry(*child, name);
         try {
-            const Definition* definition = findDefinition(child->tagName);
+            const Definition* definition = findDefinition(child->tag);
             if (definition == nullptr) {
                 fail(*child,
-                     "<" + std::string(child->tagName) + "> cannot stand in <" + parent.tagName + ">");
+                     "<" + std::string(child->tag) + "> cannot stand in <" + std::string(parent.tag) + ">");
             }
             checkForm(*child);
-            (this->*definition->read)(*child, scope);
+            (this->*definition->read)(*child, scope, name);
         } catch (Consequence& error) {
             tell(*child, name, entry, std::move(error), true);
         } catch (ZULXMLError& error) {
@@ -99,11 +97,11 @@ ZULXMLError TypeReader::placed(Element element, const ZULXMLError& error) const 
     return {lineOf(line), placeOf(line) + error.text};
 }
 
-void TypeReader::readParts(Element definition, const ZULXMLObject* first,
+void TypeReader::readParts(Element definition, const TypeElement* first,
                            const std::function<void(Element)>& read) {
     std::optional<ZULXMLError> own;
     std::optional<Consequence> consequence;
-    for (const ZULXMLObject* part = first; part != nullptr; part = part->next) {
+    for (const TypeElement* part = first; part != nullptr; part = part->next) {
         try {
             read(*part);
         } catch (Consequence& error) {
@@ -124,22 +122,22 @@ void TypeReader::readParts(Element definition, const ZULXMLObject* first,
     }
 }
 
-void TypeReader::observe(const ZULXMLObject* definition, const ZULXMLError& error) const {
+void TypeReader::observe(const TypeElement* definition, const ZULXMLError& error) const {
     if (observer_) {
         observer_(definition, error);
     }
 }
 
 // The first of several counts, and any definition more than an announcement.
-ZULXMLTypeEntry* TypeReader::beginEntry(Element element, const std::string& name) {
-    ZULXMLTypeEntry fresh{
-        .tag = element.tagName, .line = lineOf(element.line), .place = placeOf(element.line)};
-    const auto [place, isNew] = types_.byName.try_emplace(name, fresh);
-    if (!isNew && place->second.tag == "forward_dcl" && fresh.tag != place->second.tag) {
-        place->second = std::move(fresh);
-        return &place->second;
+ZULXMLTypeEntry* TypeReader::beginEntry(Element element, Name name) {
+    const auto [place, isNew] = types_.byName.try_emplace(name);
+    ZULXMLTypeEntry& entry = place->second;
+    const bool counts = isNew || (entry.tag == "forward_dcl" && element.tag != entry.tag);
+    if (counts) {
+        entry = {
+            .tag = std::string(element.tag), .line = lineOf(element.line), .place = placeOf(element.line)};
     }
-    return isNew ? &place->second : nullptr;
+    return counts ? &entry : nullptr;
 }
 
 // "in '<file>', line <n>: " for each include on the way to that line of the document being read.
@@ -154,7 +152,7 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 
 // Keeps what is wrong with a definition where its name is looked up, and marks the name for those that use
 // it. A failed include has no name: it is what may be missing where a name is not found.
-void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
+void TypeReader::tell(Element element, Name name, ZULXMLTypeEntry* entry, ZULXMLError error,
                       bool isConsequence) {
     error = placed(element, error);
     first_.set(error.line, error.text);
@@ -162,19 +160,19 @@ void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry*
         observe(&element, error);
     }
     if (entry == nullptr) {
-        if (std::strcmp(element.tagName, "include") == 0) {
+        if (element.tag == "include") {
             types_.missing.set(error.line, error.text);
         }
         return;
     }
     entry->line = error.line;
     entry->reason = error.text;
-    const Definition* definition = findDefinition(element.tagName);
+    const Definition* definition = findDefinition(element.tag);
     Symbol* symbol = symbols_.find(name);
     if (symbol == nullptr && definition != nullptr && definition->kind != DDS_TK_NULL) {
         symbol = &symbols_.add(name, {.kind = SymbolKind::TYPE, .line = element.line});
         symbol->type = newCode({.kind = definition->kind, .name = name});
-    } else if (symbol == nullptr && std::strcmp(element.tagName, "const") == 0) {
+    } else if (symbol == nullptr && element.tag == "const") {
         symbol = &symbols_.add(name, {.kind = SymbolKind::CONSTANT, .line = element.line});
     }
     if (symbol != nullptr && symbol->kind != SymbolKind::MODULE) {
@@ -183,14 +181,15 @@ void TypeReader::tell(Element element, const std::string& name, ZULXMLTypeEntry*
 }
 
 // Each file is taken in once, so that files which include each other come to an end.
-void TypeReader::readInclude(Element element, Scope scope) {
+void TypeReader::readInclude(Element element, Scope scope, Name) {
     const std::string file(attribute(element, "file"));
-    if (document_->path.empty()) {
+    const std::string& including = sections_->path();
+    if (including.empty()) {
         fail(element, "include works only in a document that is read from a file");
     }
-    const std::size_t slash = document_->path.rfind('/');
+    const std::size_t slash = including.rfind('/');
     const bool isRelative = !file.starts_with('/') && slash != std::string::npos;
-    const std::string path = isRelative ? document_->path.substr(0, slash + 1) + file : file;
+    const std::string path = isRelative ? including.substr(0, slash + 1) + file : file;
     const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
     if (real == nullptr) {
         fail(element, "cannot include '" + file + "': " + std::system_category().message(errno));
@@ -208,15 +207,14 @@ void TypeReader::readInclude(Element element, Scope scope) {
     }
     includes_.push_back({file, element.line});
     if (other->root != nullptr) {
-        readSections(*other, scope);
+        readSections(TypeSections(*other), scope);
     } else {
         tell(element, "", nullptr, other->error);
     }
     includes_.pop_back();
 }
 
-void TypeReader::readModule(Element element, Scope scope) {
-    const std::string name = scopedName(scope, attribute(element, "name"));
+void TypeReader::readModule(Element element, Scope, Name name) {
     const Symbol* known = symbols_.find(name);
     const bool isReopened = known != nullptr && known->kind == SymbolKind::MODULE;
     if (!isReopened) {
@@ -225,7 +223,7 @@ void TypeReader::readModule(Element element, Scope scope) {
     readDefinitions(element, name);
 }
 
-void TypeReader::readConstant(Element element, Scope scope) {
+void TypeReader::readConstant(Element element, Scope scope, Name name) {
     Symbol constant{.kind = SymbolKind::CONSTANT, .line = element.line, .isDiscrete = true};
     const std::string text(attribute(element, "value"));
     const Symbol* other = symbols_.resolve(scope, text);
@@ -255,11 +253,10 @@ void TypeReader::readConstant(Element element, Scope scope) {
     if (!isValid) {
         fail(element, "'" + text + "' is no value of the type of this const");
     }
-    symbols_.add(scopedName(scope, attribute(element, "name")), constant);
+    symbols_.add(name, constant);
 }
 
-void TypeReader::readForward(Element element, Scope scope) {
-    const std::string name = scopedName(scope, attribute(element, "name"));
+void TypeReader::readForward(Element element, Scope, Name name) {
     const DDS_TCKind kind = findDefinition(attribute(element, "kind"))->kind;
     const Symbol* known = symbols_.find(name);
     if (known != nullptr && known->kind == SymbolKind::TYPE && known->type->kind == kind) {
@@ -270,8 +267,7 @@ void TypeReader::readForward(Element element, Scope scope) {
     symbols_.add(name, symbol);
 }
 
-Symbol& TypeReader::beginType(Element element, Scope scope, DDS_TCKind kind) {
-    const std::string name = scopedName(scope, attribute(element, "name"));
+Symbol& TypeReader::beginType(Element element, Name name, DDS_TCKind kind) {
     Symbol* symbol = symbols_.find(name);
     const bool isAnnounced = symbol != nullptr && symbol->kind == SymbolKind::TYPE && !symbol->isDefined &&
                              symbol->type->kind == kind;
@@ -288,19 +284,21 @@ Symbol& TypeReader::beginType(Element element, Scope scope, DDS_TCKind kind) {
     return *symbol;
 }
 
-void TypeReader::readTypedef(Element element, Scope scope) {
+void TypeReader::readTypedef(Element element, Scope scope, Name name) {
     const DDS_TypeCode* type = typeOf(element, scope);
-    Symbol& symbol = beginType(element, scope, DDS_TK_ALIAS);
+    Symbol& symbol = beginType(element, name, DDS_TK_ALIAS);
     symbol.type->content = type;
     symbol.isDefined = true;
 }
 
 // Enumerators are names of the scope that their enum is in.
-void TypeReader::readEnum(Element element, Scope scope) {
-    Symbol& symbol = beginType(element, scope, DDS_TK_ENUM);
-    std::set<std::int32_t> values;
+void TypeReader::readEnum(Element element, Scope scope, Name name) {
+    Symbol& symbol = beginType(element, name, DDS_TK_ENUM);
+    std::vector<DDS_TypeCodeMember>& members = symbol.type->members;
+    members.reserve(element.count);
+    std::unordered_set<std::int32_t> values;
     std::optional<Integer> next = Integer{}; // nothing after an enumerator that is wrong
-    readParts(element, element.children.first, [&](Element child) {
+    readParts(element, element.first, [&](Element child) {
         const std::optional<Integer> following = std::exchange(next, std::nullopt);
         checkForm(child);
         const bool isGiven = hasAttribute(child, "value");
@@ -314,7 +312,6 @@ void TypeReader::readEnum(Element element, Scope scope) {
             fail(child,
                  "the value of this enumerator must be a 32-bit integer or a const, used once in the enum");
         }
-        std::vector<DDS_TypeCodeMember>& members = symbol.type->members;
         members.push_back({.name = std::string(attribute(child, "name")),
                            .id = static_cast<std::int32_t>(members.size()),
                            .value = *number});
@@ -327,7 +324,7 @@ void TypeReader::readEnum(Element element, Scope scope) {
         next = value->negative ? Integer{value->magnitude > 1, value->magnitude - 1}
                                : Integer{false, value->magnitude + 1};
     });
-    if (symbol.type->members.empty()) {
+    if (members.empty()) {
         fail(element, "an enum needs an enumerator");
     }
     symbol.isDefined = true;

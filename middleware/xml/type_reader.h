@@ -7,7 +7,9 @@
 #include "middleware/xml/type_grammar.h"
 
 #include <deque>
+#include <map>
 #include <set>
+#include <unordered_set>
 
 // What a document says of one scoped name: the first element that defines it, or else announces it.
 struct ZULXMLTypeEntry {
@@ -20,9 +22,10 @@ struct ZULXMLTypeEntry {
 
 // The type codes that were read; owns them and all they refer to but the basic types. Nothing in it moves.
 struct ZULXMLTypeSet {
-    std::deque<DDS_TypeCode> codes;
-    std::map<std::string, ZULXMLTypeEntry, std::less<>> byName; // by scoped name
-    ZULXMLError missing{};                                      // the first include that failed
+    std::pmr::monotonic_buffer_resource memory{}; // freed as a whole
+    std::pmr::deque<DDS_TypeCode> codes{&memory};
+    zul::xml::ByName<ZULXMLTypeEntry> byName{&memory};
+    ZULXMLError missing{}; // the first include that failed
 };
 
 namespace zul::xml {
@@ -34,44 +37,61 @@ constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 
 // One run over a document and what it includes. Functions that read one definition, or a part of it, throw
 // what is wrong as a ZULXMLError; that becomes the definition's error, and reading goes on with the next.
-// Each is given the scope ("" is the outermost) that its element is in.
+// Each is given the scope that its element is in.
 class TypeReader {
 public:
     // Gets everything that is wrong, but for what only follows from something told before. The element is the
     // definition that it was found in, of whatever document; null where it was found in the end.
-    using Observer = std::function<void(const ZULXMLObject* definition, const ZULXMLError& error)>;
+    using Observer = std::function<void(const TypeElement* definition, const ZULXMLError& error)>;
 
     // `first` gets the first thing that is wrong, with the line and what to do about it.
     TypeReader(ZULXMLTypeSet& types, ZULXMLError& first, Observer observer = {})
         : types_(types), first_(first), observer_(std::move(observer)) {}
-    // Reads all types sections of the document. What is wrong is left out, and the result is false.
-    bool read(const ZULXMLDocument& document);
+    // Reads all types sections of a document. What is wrong is left out, and the result is false.
+    bool read(const TypeSections& sections);
+    bool read(const ZULXMLDocument& document) { return read(TypeSections(document)); }
 
 private:
-    using Element = const ZULXMLObject&;
-    using Scope = const std::string&;
+    using Element = const TypeElement&;
+    using Scope = const std::string&; // its name; "" is the outermost
+    using Name = const std::string&;  // the scoped one of a definition
     struct Definition {
         std::string_view tag;
-        void (TypeReader::*read)(Element, Scope);
+        void (TypeReader::*read)(Element, Scope, Name);
         DDS_TCKind kind; // of the type; DDS_TK_NULL for what defines none
     };
     static const Definition DEFINITIONS[];
     static const Definition* findDefinition(std::string_view tag);
 
-    // The names and ids that the members of a struct or value type take up, for those derived from it.
+    // The names and ids that the members of a struct, value type or union take up; names are borrowed.
     struct Record {
         const Record* base = nullptr;
         std::size_t bases = 0; // above it
-        std::set<std::string> names{};
-        std::set<std::uint64_t> ids{};
+        std::unordered_set<std::string_view> names{};
+        std::unordered_set<std::uint64_t> ids{};
         std::uint64_t nextId = 0;
+        void deriveFrom(const Record& other) {
+            base = &other;
+            bases = other.bases + 1;
+            nextId = other.nextId;
+        }
+        void add(std::string_view name, std::uint64_t id) {
+            names.insert(name);
+            ids.insert(id);
+            nextId = id + 1;
+        }
+    };
+    // What an enum has, for the unions that it selects the cases of.
+    struct Enumerators {
+        std::size_t count = 0; // of its members that are here: more come when a wrong enum is defined again
+        ByName<std::int32_t> byName{};
+        std::unordered_set<std::int32_t> values{};
     };
     struct Discriminator {
         const DDS_TypeCode* underlying;
-        const TypeWord* word;                                   // its range; null for an enum
-        std::map<std::string_view, std::int32_t> enumerators{}; // of an enum
-        std::set<std::int32_t> values{};                        // of them
-        std::set<std::int32_t> labels{};
+        const TypeWord* word;           // its range; null for an enum
+        const Enumerators* enumerators; // of an enum
+        std::unordered_set<std::int32_t> labels{};
         bool hasDefault = false;
     };
 
@@ -82,30 +102,30 @@ private:
     }
 
     // type_reader.cpp: sections, modules and small definitions
-    void readSections(const ZULXMLDocument& document, Scope scope);
+    void readSections(const TypeSections& sections, Scope scope);
     void readDefinitions(Element parent, Scope scope);
     // The entry of the name that the element defines, if the element is the one that counts; otherwise null.
-    ZULXMLTypeEntry* beginEntry(Element element, const std::string& name);
-    void tell(Element element, const std::string& name, ZULXMLTypeEntry* entry, ZULXMLError error,
+    ZULXMLTypeEntry* beginEntry(Element element, Name name);
+    void tell(Element element, Name name, ZULXMLTypeEntry* entry, ZULXMLError error,
               bool isConsequence = false);
-    void observe(const ZULXMLObject* definition, const ZULXMLError& error) const;
+    void observe(const TypeElement* definition, const ZULXMLError& error) const;
     // Reads the parts of a definition from `first` on, all of them also when some are wrong; then throws the
     // first error, and has told the others.
-    void readParts(Element definition, const ZULXMLObject* first, const std::function<void(Element)>& read);
+    void readParts(Element definition, const TypeElement* first, const std::function<void(Element)>& read);
     // The error with the place that it has in the document asked for.
     ZULXMLError placed(Element element, const ZULXMLError& error) const;
     // That line of the document being read, or of the outermost include that led to it.
     std::int32_t lineOf(std::int32_t line) const { return includes_.empty() ? line : includes_.front().line; }
     std::string placeOf(std::int32_t line) const;
-    void readInclude(Element element, Scope scope);
-    void readModule(Element element, Scope scope);
-    void readConstant(Element element, Scope scope);
-    void readForward(Element element, Scope scope);
-    void readTypedef(Element element, Scope scope);
-    void readEnum(Element element, Scope scope);
-    // Introduces the type that the element names: a new one, or the one announced. Its code has kind, name
+    void readInclude(Element element, Scope scope, Name);
+    void readModule(Element element, Scope scope, Name name);
+    void readConstant(Element element, Scope scope, Name name);
+    void readForward(Element element, Scope scope, Name name);
+    void readTypedef(Element element, Scope scope, Name name);
+    void readEnum(Element element, Scope scope, Name name);
+    // Introduces the type that the element defines: a new one, or the one announced. Its code has kind, name
     // and extensibility.
-    Symbol& beginType(Element element, Scope scope, DDS_TCKind kind);
+    Symbol& beginType(Element element, Name name, DDS_TCKind kind);
 
     // type_members.cpp: the types of members, bounds and values
     DDS_TypeCode* newCode(DDS_TypeCode code) { return &types_.codes.emplace_back(std::move(code)); }
@@ -120,11 +140,13 @@ private:
     std::optional<Integer> valueOf(const TypeWord& type, Scope scope, std::string_view text);
 
     // type_records.cpp: structs, value types and unions
-    void readRecord(Element element, Scope scope);
+    void readRecord(Element element, Scope scope, Name name);
     void readBase(Element element, Scope scope, DDS_TypeCode& code, Record& record);
+    const Record& recordOf(const DDS_TypeCode& base);
     void readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record);
-    void readUnion(Element element, Scope scope);
+    void readUnion(Element element, Scope scope, Name name);
     Discriminator readDiscriminator(Element element, Scope scope, DDS_TypeCode& code);
+    const Enumerators& enumeratorsOf(const DDS_TypeCode& enumeration);
     void readCase(Element element, Scope scope, DDS_TypeCode& code, Discriminator& discriminator,
                   Record& record);
     void readLabel(Element element, Scope scope, Discriminator& discriminator, DDS_TypeCodeMember& branch);
@@ -138,10 +160,11 @@ private:
     ZULXMLError& first_;
     const Observer observer_;
     Symbols symbols_;
-    std::map<const DDS_TypeCode*, Record> records_;
-    const ZULXMLDocument* document_ = nullptr; // the one being read
-    std::vector<Include> includes_;            // that lead to it, from the outermost in
-    std::set<std::string> included_;           // files
+    std::map<const DDS_TypeCode*, Record> bases_;      // that a type is derived from
+    std::map<const DDS_TypeCode*, Enumerators> enums_; // that select the cases of a union
+    const TypeSections* sections_ = nullptr;           // those being read
+    std::vector<Include> includes_;                    // that lead to it, from the outermost in
+    std::set<std::string> included_;                   // files
 };
 
 // The type that `type` names through its typedefs; null for null.

@@ -1,29 +1,32 @@
 // A flat table by scoped name; scopes are only prefixes.
 #include "middleware/xml/type_scope.h"
 
+#include <algorithm>
+
 namespace zul::xml {
 
-std::string scopedName(const std::string& scope, std::string_view name) {
-    return scope.empty() ? std::string(name) : scope + "::" + std::string(name);
+std::string scopedName(std::string_view scope, std::string_view name) {
+    std::string scoped(scope);
+    return scoped.append(scope.empty() ? "" : "::").append(name);
 }
 
-Symbol* Symbols::find(const std::string& scopedName) {
+Symbol* Symbols::find(std::string_view scopedName) {
     const auto found = symbols_.find(scopedName);
     return found != symbols_.end() ? &found->second : nullptr;
 }
 
-Symbol* Symbols::resolve(const std::string& scope, std::string_view name) {
+Symbol* Symbols::resolve(std::string_view scope, std::string_view name) {
     if (name.starts_with("::")) {
-        return find(std::string(name.substr(2)));
+        return find(name.substr(2));
     }
-    for (std::string around = scope;;) {
-        Symbol* found = find(scopedName(around, name));
-        if (found != nullptr || around.empty()) {
+    while (!scope.empty()) {
+        if (Symbol* found = find(scopedName(scope, name))) {
             return found;
         }
-        const std::size_t last = around.rfind("::");
-        around.resize(last != std::string::npos ? last : 0);
+        const std::size_t last = scope.rfind("::");
+        scope = scope.substr(0, last != std::string_view::npos ? last : 0);
     }
+    return find(name);
 }
 
 Symbol& Symbols::add(const std::string& scopedName, const Symbol& symbol) {
@@ -32,7 +35,16 @@ Symbol& Symbols::add(const std::string& scopedName, const Symbol& symbol) {
         throw ZULXMLError{symbol.line, "'" + scopedName + "' is already defined in line " +
                                            std::to_string(place->second.line) + "; give it another name"};
     }
+    if (symbol.kind == SymbolKind::TYPE) {
+        types_.push_back(&place->second);
+    }
     return place->second;
+}
+
+std::vector<const Symbol*> Symbols::types() const {
+    std::vector<const Symbol*> types = types_;
+    std::ranges::sort(types, {}, [](const Symbol* symbol) { return std::string_view(symbol->type->name); });
+    return types;
 }
 
 } // namespace zul::xml

@@ -4,7 +4,9 @@
 #include "middleware/xml/document.h"
 #include "middleware/xml/type_words.h"
 
-#include <map>
+#include <memory_resource>
+#include <unordered_map>
+#include <vector>
 
 namespace zul::xml {
 
@@ -21,23 +23,36 @@ struct Symbol {
     const DDS_TypeCode* enumeration = nullptr; // CONSTANT: the enum that it is an enumerator of, or null
 };
 
+struct HashOfName {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+};
+// What is known of scoped names; none of it moves.
+template <class Known>
+using ByName = std::pmr::unordered_map<std::string, Known, HashOfName, std::equal_to<>>;
+
 // The scoped name of `name` in `scope` ("" is the outermost).
-std::string scopedName(const std::string& scope, std::string_view name);
+std::string scopedName(std::string_view scope, std::string_view name);
 
 class Symbols {
 public:
     // The symbol of exactly that scoped name, or null. Valid as long as the table.
-    Symbol* find(const std::string& scopedName);
+    Symbol* find(std::string_view scopedName);
     // Looks a name up as it is used in `scope`: there, then in the scopes around it; "::" in front starts
     // from the outermost. Null when nothing has that name.
-    Symbol* resolve(const std::string& scope, std::string_view name);
+    Symbol* resolve(std::string_view scope, std::string_view name);
+    // Makes room for so many.
+    void reserve(std::size_t count) { symbols_.reserve(count); }
     // Adds a symbol. Throws a ZULXMLError when the scoped name is taken.
     Symbol& add(const std::string& scopedName, const Symbol& symbol);
 
-    const std::map<std::string, Symbol>& all() const { return symbols_; }
+    // The types in the order of their names.
+    std::vector<const Symbol*> types() const;
 
 private:
-    std::map<std::string, Symbol> symbols_;
+    std::pmr::monotonic_buffer_resource memory_;
+    ByName<Symbol> symbols_{&memory_};
+    std::vector<const Symbol*> types_; // of the symbols, those of types, as they were added
 };
 
 } // namespace zul::xml

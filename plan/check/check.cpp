@@ -270,7 +270,7 @@ std::vector<Finding> findFaults(const xmlDoc* document, const std::string& path,
 std::vector<Finding> findFaults(std::string_view xml, const std::string& path, const std::stop_token& stop) {
     XmlDocument document;
     try {
-        document = parseXml(xml, stop);
+        document = parseContent(xml, stop);
     } catch (const Refusal& refusal) {
         return {{refusal.line, refusal.why.substr(lineInWords(refusal.line).size())}};
     }

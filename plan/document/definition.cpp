@@ -207,7 +207,8 @@ void Definition::checkAttributes(const Rule& rule, const xmlNode* element, const
             report(element, describe(element) + " has no attribute " + shortened(name) + "; expected " +
                                 (names.empty() ? "no attribute" : listed(names)));
         } else if (!declared->words.empty()) {
-            const std::string value = attributeOf(element, declared->name.c_str());
+            std::string copy;
+            const std::string_view value = valueOf(attribute, copy);
             if (std::ranges::find(declared->words, value) == declared->words.end()) {
                 report(element, "the attribute " + declared->name + " of " + describe(element) + " is " +
                                     quoted(value) + "; expected " + listed(declared->words));

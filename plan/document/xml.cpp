@@ -28,27 +28,34 @@ constexpr xml::Limit DEPTH{MAX_DEPTH, "elements stand more than % deep in each o
 constexpr xml::Limit ATTRIBUTES{MAX_ATTRIBUTES, "an element has more than % attributes; take some out"};
 // clang-format on
 
-// Lets the library build its tree, or only counts what it would build.
+// What the library builds of its tree.
+enum class Tree {
+    NONE,    // nothing: what it would build is only counted
+    CONTENT, // all but the blanks that lay out the elements
+    WHOLE
+};
+
 class Reader : public xml::Guard {
 public:
-    Reader(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names);
+    Reader(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names);
     Refusal refusal();
 
 private:
     template <auto handler, int nodes, class... Arguments>
     static void count(void* context, Arguments... arguments);
+    static void leaveOut(void* context, const xmlChar* blanks, int length);
     static void startElement(void* context, const xmlChar* localname, const xmlChar* prefix,
                              const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
                              int attributeCount, int defaultedCount, const xmlChar** attributes);
     bool keepsNodes(int more);
     bool refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces);
 
-    bool buildsTree_;
+    const Tree tree_;
     std::size_t nodes_ = 0; // elements, attributes, comments and the like
 };
 
-Reader::Reader(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names)
-    : Guard(RULES, xml::textSource(text), stop), buildsTree_(buildsTree) {
+Reader::Reader(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names)
+    : Guard(RULES, xml::textSource(text), stop), tree_(tree) {
     if (parser() == nullptr) {
         return;
     }
@@ -61,7 +68,10 @@ Reader::Reader(std::string_view text, bool buildsTree, const std::stop_token& st
     events.startElementNs = startElement;
     events.endElementNs = count<xmlSAX2EndElementNs, 0>;
     events.characters = count<xmlSAX2Characters, 0>;
-    events.ignorableWhitespace = count<xmlSAX2Characters, 0>;
+    events.ignorableWhitespace = events.characters; // the same: the library need not tell them apart
+    if (tree == Tree::CONTENT) {
+        events.ignorableWhitespace = leaveOut;
+    }
     events.cdataBlock = count<xmlSAX2CDataBlock, 1>;
     events.comment = count<xmlSAX2Comment, 1>;
     events.processingInstruction = count<xmlSAX2ProcessingInstruction, 1>;
@@ -77,8 +87,19 @@ bool Reader::keepsNodes(int more) {
 template <auto handler, int nodes, class... Arguments>
 void Reader::count(void* context, Arguments... arguments) {
     auto& reader = of<Reader>(context);
-    if (reader.keepsNodes(nodes) && reader.buildsTree_) {
+    if (reader.keepsNodes(nodes) && reader.tree_ != Tree::NONE) {
         handler(context, arguments...);
+    }
+}
+
+// Blanks that the library takes for layout. After a comment and the like they may be part of a text.
+void Reader::leaveOut(void* context, const xmlChar* blanks, int length) {
+    auto& reader = of<Reader>(context);
+    const xmlNode* before = reader.parser()->node->last;
+    if (before == nullptr || before->type == XML_ELEMENT_NODE) {
+        reader.noteEvent();
+    } else {
+        count<xmlSAX2Characters, 0>(context, blanks, length);
     }
 }
 
@@ -106,7 +127,7 @@ void Reader::startElement(void* context, const xmlChar* localname, const xmlChar
                             reader.keeps(ATTRIBUTES, static_cast<std::size_t>(namespaceCount) +
                                                          static_cast<std::size_t>(attributeCount)) &&
                             !reader.refusesNamespace(uri, namespaceCount, namespaces);
-    if (!isAccepted || !reader.buildsTree_) {
+    if (!isAccepted || reader.tree_ == Tree::NONE) {
         return;
     }
     xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
@@ -129,8 +150,8 @@ Refusal Reader::refusal() {
     return {.why = words, .line = error.line};
 }
 
-// The document, without its elements where no tree is wanted.
-XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token& stop, xmlDict* names) {
+// The document, with as much of its tree as is wanted.
+XmlDocument parse(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names) {
     if (text.empty()) {
         throw Refusal{"the document is empty"};
     }
@@ -138,7 +159,7 @@ XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token&
         throw Refusal{"the document has " + std::to_string(text.size()) + " bytes; at most " +
                       std::to_string(MAX_DOCUMENT_SIZE) + " are accepted"};
     }
-    Reader reader(text, buildsTree, stop, names);
+    Reader reader(text, tree, stop, names);
     XmlDocument document = reader.read();
     return document != nullptr ? std::move(document) : throw reader.refusal();
 }
@@ -146,11 +167,15 @@ XmlDocument parse(std::string_view text, bool buildsTree, const std::stop_token&
 } // namespace
 
 XmlDocument parseXml(std::string_view text, const std::stop_token& stop, xmlDict* names) {
-    return parse(text, true, stop, names);
+    return parse(text, Tree::WHOLE, stop, names);
+}
+
+XmlDocument parseContent(std::string_view text, const std::stop_token& stop) {
+    return parse(text, Tree::CONTENT, stop, nullptr);
 }
 
 void checkXml(std::string_view text, const std::stop_token& stop) {
-    parse(text, false, stop, nullptr);
+    parse(text, Tree::NONE, stop, nullptr);
 }
 
 XmlDocument copyXml(xmlDoc* document) {
