@@ -84,11 +84,7 @@ TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
         "<dds>&b;</dds>";
     const std::string longName(ZUL_XML_NAME_MAX + 1, 'n');
     const std::string mib(1 << 20, 'x');
-    const struct {
-        std::string text;
-        int line;
-        const char* reason;
-    } rows[] = {
+    const std::tuple<std::string, int, const char*> rows[] = {
         {open + repeat("<a>\n", 10000) + repeat("</a>", 10000) + "</dds>", 65, "more than 64 levels"},
         {open + repeat("<element note='some words that take room'/>", 2500000), 2,
          "longer than 4194304 bytes"},
@@ -114,15 +110,15 @@ TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
         {"<dds/>\n<dds/>", 2, "Extra content"},
         {"", 1, ""},
     };
-    for (const auto& row : rows) {
-        const std::string head = row.text.substr(0, 60);
-        const DocumentPtr document = readText(row.text);
+    for (const auto& [text, line, reason] : rows) {
+        const std::string head = text.substr(0, 60);
+        const DocumentPtr document = readText(text);
         ASSERT_EQ(document->root, nullptr) << head;
-        EXPECT_EQ(document->error.line, row.line) << head << ": " << document->error.text;
-        EXPECT_NE(document->error.text.find(row.reason), std::string::npos)
+        EXPECT_EQ(document->error.line, line) << head << ": " << document->error.text;
+        EXPECT_NE(document->error.text.find(reason), std::string::npos)
             << head << ": " << document->error.text;
         EXPECT_FALSE(document->error.text.empty());
-        EXPECT_NE(log.take().find("XML line " + std::to_string(row.line)), std::string::npos);
+        EXPECT_NE(log.take().find("XML line " + std::to_string(line)), std::string::npos);
     }
     for (const char* path : {"/nonexistent/file.xml", "/dev/zero", "/"}) {
         const DocumentPtr document = readFile(path);

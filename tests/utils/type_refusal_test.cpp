@@ -19,11 +19,7 @@ std::string typedefOf(const std::string& attributes) {
 TEST(TypeRefusals, AFaultThatPassesOrIsToldOfAnotherLine) {
     const std::string color = "<enum name='Color'><enumerator name='RED'/></enum>";
     const std::string byteMember = member(BYTE), announceB = "<forward_dcl name='B' kind='struct'/>";
-    const struct {
-        std::string definitions; // the first line is 2
-        int line;
-        const char* text;
-    } rows[] = {
+    const std::tuple<std::string, int, const char*> rows[] = { // the first line of the definitions is 2
         {structOf(member("type='long'")), 2, "unknown type word 'long'"},
         {color + "\n" + color, 3, "'Color' is already defined in line 2"},
         {color + "\n<module name='Color'/>", 3, "already defined"},
@@ -63,13 +59,13 @@ TEST(TypeRefusals, AFaultThatPassesOrIsToldOfAnotherLine) {
         {unionOf("type='int64'", caseOf("2147483648")), 3, "fits in 32 bits"},
         {"\n<include file='other.xml'/>", 3, "read from a file"},
     };
-    for (const auto& row : rows) {
-        const DocumentPtr document = readText(typesDocument(row.definitions));
+    for (const auto& [definitions, line, text] : rows) {
+        const DocumentPtr document = readText(typesDocument(definitions));
         ZULXMLTypeSet types;
         ZULXMLError error;
-        EXPECT_FALSE(zul::xml::TypeReader(types, error).read(*document)) << row.definitions;
-        EXPECT_EQ(error.line, row.line) << row.definitions << "\n" << error.text;
-        EXPECT_NE(error.text.find(row.text), std::string::npos) << row.definitions << "\n" << error.text;
+        EXPECT_FALSE(zul::xml::TypeReader(types, error).read(*document)) << definitions;
+        EXPECT_EQ(error.line, line) << definitions << "\n" << error.text;
+        EXPECT_NE(error.text.find(text), std::string::npos) << definitions << "\n" << error.text;
     }
 }
 // clang-format on
