@@ -22,8 +22,8 @@ TEST(TypeCodes, AConstructThatIsReadOtherwise) {
          "float128:12:longdouble char8:13:char char16:14:wchar string:15:string wstring:16:wstring"},
         {"<const name='N' type='int16' value='+3'/><const name='M' type='uint64' value='N'/>"
          "<const name='F' type='float64' value='1e3'/><const name='S' type='string' value=''/>" +
-             structOf(member("type='wstring' stringMaxLength='M' sequenceMaxLength='N' arrayDimensions='2, N,0x4'")),
-         "struct m:0:array[2][3][4]<seq(3)<wstring(3)>>"},
+             structOf(member("type='wstring' stringMaxLength='M' sequenceMaxLength='N' arrayDimensions='2, N,0x1F'")),
+         "struct m:0:array[2][3][31]<seq(3)<wstring(3)>>"},
         {structOf(member("type='string' stringMaxLength='-1' sequenceMaxLength='-1'")), "struct m:0:seq<string>"},
         {structOf(member("type='string' stringMaxLength='-1' sequenceMaxLength='9'")), "struct m:0:seq(9)<string>"},
         {base + structOf(member(BYTE + " key='true'") + member(BYTE + " optional='true' id='70'", "o") + member(BYTE, "p"),
