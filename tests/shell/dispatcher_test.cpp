@@ -1,7 +1,7 @@
 // Commands, the requests they send, and what they print.
-#include "admin_types/commands.h"
 #include "shell/dispatcher.h"
 #include "shell/splitter.h"
+#include "tests/admin_types/samples.h"
 #include "tests/remote_config/client_fixture.h"
 
 namespace {
@@ -27,22 +27,12 @@ protected:
         ROUTERShell_parseCommand(&shell, words, count);
         return testing::internal::GetCapturedStdout();
     }
-    // What was written: kind, target, name and the rest of each request.
+    // What was written, but for its id.
     static Lines requests() {
         Lines all;
         for (const auto& request : fake_dds::world().written) {
-            const auto& [kind, branches] = request->command;
-            const auto branch = admin::findCommand(kind)->branch;
-            std::string& text = all.emplace_back(std::to_string(kind) + " " + request->target_router);
-            if (const char* name = admin::findName(branches, branch)) {
-                text += " '" + std::string(name) + "'";
-            }
-            if (branch == admin::CommandBranch::ENTITY_DESC) {
-                text += std::string(" ") + branches.entity_desc.xml_url.content;
-            } else if (branch == admin::CommandBranch::PEER_DESC) {
-                text += branches.peer_desc.is_first_participant != 0 ? " p1 " : " p2 ";
-                text += ZULSequence::at(branches.peer_desc.peer_list, 0);
-            }
+            const std::string shown = text(*request);
+            all.push_back(shown.substr(shown.find(' ') + 1));
         }
         return all;
     }
@@ -51,31 +41,30 @@ protected:
 };
 
 TEST_F(Dispatcher, SendsOneRequestAndPrintsItsAnswer) {
-    const std::pair<const char*, Lines> cases[] = {
-        {"ENABLE r1", {"7 r1 ''"}},
-        {"disable r1 Dr1::S extra words", {"8 r1 'Dr1::S'"}},
-        {"Pause r1", {"5 r1 ''"}},
-        {"resume r1 dr1", {"6 r1 'dr1'"}},
-        {"delete r1 dr1", {"11 r1 'dr1'"}},
-        {"unload r1", {"2 r1"}},
-        {"save r1 extra", {"12 r1"}},
-        {"get r1 extra", {"13 r1"}},
-        {"update r1 . file.xml", {"4 r1 '' file://file.xml"}},
-        {"update r1 file.xml", {"4 r1 '' file://file.xml"}},
-        {"update r1 .. file.xml REMOTE extra", {"4 r1 '..' file://file.xml"}},
-        {"update r1 dr1 str://x local", {"4 r1 'dr1' str://x local"}},
-        {"load r1 cfg file.xml", {"1 r1 'cfg' file://file.xml"}},
-        {"load r1 cfg file:///dev/null LOCAL", {"1 r1 'cfg' str://\"\""}},
-        {"create r1 domain_route x.xml remote", {"10 r1 '' file://x.xml"}},
-        {"create r1 Session dr1 x.xml Remote", {"10 r1 'dr1' file://x.xml"}},
-        {"create r1 topic_route dr1::s x.xml", {"10 r1 'dr1::s' file://x.xml"}},
-        {"create r1 auto_route dr1::s /dev/null local", {"10 r1 'dr1::s' str://\"\""}},
-        {"add_peer r1 dr1 P1 a,b extra", {"14 r1 'dr1' p1 a"}},
-        {"add_peer r1 dr1 p2 a", {"14 r1 'dr1' p2 a"}},
+    const std::pair<const char*, const char*> cases[] = {
+        {"ENABLE r1", "r1 7"},
+        {"disable r1 Dr1::S extra words", "r1 8 name=Dr1::S"},
+        {"Pause r1", "r1 5"},
+        {"resume r1 dr1", "r1 6 name=dr1"},
+        {"delete r1 dr1", "r1 11 name=dr1"},
+        {"unload r1", "r1 2"},
+        {"save r1 extra", "r1 12"},
+        {"get r1 extra", "r1 13"},
+        {"update r1 . file.xml", "r1 4 desc{,1,file://file.xml}"},
+        {"update r1 file.xml", "r1 4 desc{,1,file://file.xml}"},
+        {"update r1 .. file.xml REMOTE extra", "r1 4 desc{..,1,file://file.xml}"},
+        {"update r1 dr1 str://x local", "r1 4 desc{dr1,1,str://x local}"},
+        {"load r1 cfg file.xml", "r1 1 desc{cfg,1,file://file.xml}"},
+        {"load r1 cfg file:///dev/null LOCAL", "r1 1 desc{cfg,1,str://\"\"}"},
+        {"create r1 domain_route x.xml remote", "r1 10 desc{,1,file://x.xml}"},
+        {"create r1 Session dr1 x.xml Remote", "r1 10 desc{dr1,1,file://x.xml}"},
+        {"create r1 auto_route dr1::s /dev/null local", "r1 10 desc{dr1::s,1,str://\"\"}"},
+        {"add_peer r1 dr1 P1 a,b extra", "r1 14 peer{dr1,1,a,b}"},
+        {"add_peer r1 dr1 p2 a", "r1 14 peer{dr1,0,a}"},
     };
     for (const auto& [line, expected] : cases) {
         EXPECT_EQ(run(line), "Result: done\n") << line;
-        EXPECT_EQ(requests(), expected) << line;
+        EXPECT_EQ(requests(), Lines{expected}) << line;
         EXPECT_EQ(run(line, 3, ""), "Error: (null)\n") << line; // every kind but 0
         fake_dds::fail("write", 1);
         const bool hasStatus = *line == 'l' || std::string_view(line).starts_with("update");
@@ -118,7 +107,7 @@ TEST_F(Dispatcher, PrintsWhyItSendsNothing) {
 }
 
 TEST_F(Dispatcher, PrintsADupdatesSuccessAsAStatus) {
-    const Lines steps = {"8 r1 'd'", "4 r1 'd' file://x", "7 r1 'd'"};
+    const Lines steps = {"r1 8 name=d", "r1 4 desc{d,1,file://x}", "r1 7 name=d"};
     for (const DDS_Long kind : {0, 2}) {
         EXPECT_EQ(run("DUPDATE r1 d x", kind), "Can't open local file x\n" + std::string(SILENCE));
         EXPECT_EQ(requests(), steps);
@@ -129,7 +118,7 @@ TEST_F(Dispatcher, PrintsADupdatesSuccessAsAStatus) {
 
 TEST_F(Dispatcher, AnnouncesHelpsAndEndsWithoutAnOutcome) {
     EXPECT_EQ(run("hello"), "");
-    EXPECT_EQ(requests(), Lines{"9 *"});
+    EXPECT_EQ(requests(), Lines{"* 9"});
     EXPECT_EQ(run("HELP me"), "\nZUL Routing Service Shell, licensed under the Apache License, Version 2.0\n"
                               "--------------------------------------------\n"
                               "Commands:\n"

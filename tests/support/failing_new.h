@@ -1,4 +1,5 @@
-// The n-th allocation fails, those of the standard library counted too. For one source of a program.
+// Where `g_newCanFail` is true, the allocations that fail are those of the standard library, too. For one
+// source of a program.
 #pragma once
 
 #include "middleware/base/heap.h"
@@ -21,15 +22,3 @@ void* operator new(std::size_t size) {
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
-
-// While it lives, the allocation that follows after `allocations` further ones fails, once.
-struct FailingAllocation {
-    explicit FailingAllocation(long allocations) {
-        ZULHeap_failAfter(allocations);
-        g_newCanFail = true;
-    }
-    ~FailingAllocation() {
-        ZULHeap_failAfter(-1);
-        g_newCanFail = false;
-    }
-};

@@ -15,6 +15,25 @@ inline std::string typesDocument(std::string_view definitions) {
     return "<dds><types>\n" + std::string(definitions) + "\n</types></dds>";
 }
 
+// The full names in a tree, "::root{ ::root::a 'text'{} ::root::b{}}"; what does not fit together is marked.
+inline std::string dump(const ZULXMLObject& object) {
+    std::string text = object.fullName;
+    text += object.text != nullptr ? " '" + std::string(object.text) + "'{" : "{";
+    const ZULXMLObject* previous = nullptr;
+    std::size_t count = 0;
+    for (const ZULXMLObject* child = object.children.first; child != nullptr; child = child->next) {
+        const bool isSound = child->previous == previous && child->parent == &object &&
+                             child->list == &object.children && child->context == object.context &&
+                             ZULXMLObject_findChild(&object, child->name) == child;
+        text += (isSound ? " " : " UNSOUND ") + dump(*child);
+        previous = child;
+        ++count;
+    }
+    const bool isSound =
+        object.children.last == previous && object.children.count == count && object.childSet.size() == count;
+    return text + (isSound ? "}" : " UNSOUND}");
+}
+
 // The pattern once for each blank-separated word, which stands for its every "*".
 inline std::string forEach(std::string_view words, std::string_view pattern) {
     std::string all;

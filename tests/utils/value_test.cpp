@@ -85,32 +85,31 @@ TEST(Guid, AWordInAnotherByteOrder) {
 
 TEST(ThreadSettings, AMaskThatIsReadOtherwise) {
     const std::string illegal = " line 7: illegal value\n";
+    const std::string padded = "STDIO" + std::string(5000, ' ');
+    const std::string tooLong(ROUTER_THREAD_SETTINGS_TEXT_MAX + 1, 'x');
     const std::tuple<const char*, std::uint32_t, std::string> rows[] = {
         {" \t\n", 0, ""},
         {"STDIO | FLOATING_POINT", 3, ""},
         {"dds_thread_settings_kind_mask_default|THREAD_SETTINGS_KIND_MASK_DEFAULT", 0, ""},
         {"DDS_THREAD_SETTINGS_REALTIME_PRIORITY|thread_settings_priority_enforce\n|stdio", 26, ""},
+        {padded.c_str(), 2, ""},
         {"stdio|bogus", 0, illegal},
         {"DDS_THREAD_SETTINGS_MASK_DEFAULT", 0, illegal},
         {"THREAD_SETTINGS_KINK_MASK_DEFAULT", 0, illegal},
         {"STDIO|", 0, illegal},
         {"STDIO FLOATING_POINT", 0, illegal},
         {nullptr, 0, " reader failed: trim string\n"},
+        {tooLong.c_str(), 0,
+         " line 7: a thread-settings mask has at most 1023 characters; name each keyword once\n"},
     };
-    const auto expectMask = [](const char* text, std::uint32_t mask, const std::string& logged) {
+    for (const auto& [text, mask, logged] : rows) {
         CapturedLog log;
         bool error = logged.empty();
         EXPECT_EQ(ROUTERUtils_getThreadSettingsKindMaskElement(7, text, &error), mask) << textOf(text);
         EXPECT_EQ(error, !logged.empty()) << textOf(text);
         const std::string context = "ERROR [ROUTERUtils_getThreadSettingsKindMaskElement] XML";
         EXPECT_EQ(log.take(), logged.empty() ? "" : context + logged);
-    };
-    for (const auto& [text, mask, logged] : rows) {
-        expectMask(text, mask, logged);
     }
-    expectMask(("STDIO" + std::string(5000, ' ')).c_str(), 2, "");
-    expectMask(std::string(ROUTER_THREAD_SETTINGS_TEXT_MAX + 1, 'x').c_str(), 0,
-               " line 7: a thread-settings mask has at most 1023 characters; name each keyword once\n");
 }
 
 } // namespace

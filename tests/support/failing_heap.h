@@ -1,0 +1,23 @@
+// An operation again with its first, second, ... allocation failing, until none is left that can.
+#pragma once
+
+#include "middleware/base/heap.h"
+
+#include <gtest/gtest.h>
+
+// How many there are. `check(isDone)` looks at what each attempt left.
+template <class Operation, class Check = void (*)(bool)>
+long failEachAllocation(
+    Operation succeeds, Check check = [](bool) {}) {
+    for (long allocations = 0; allocations < 5000; ++allocations) {
+        ZULHeap_failAfter(allocations);
+        const bool isDone = succeeds();
+        ZULHeap_failAfter(-1);
+        check(isDone);
+        if (isDone) {
+            return allocations;
+        }
+    }
+    ADD_FAILURE() << "it never succeeds";
+    return -1;
+}
