@@ -104,8 +104,7 @@ TEST(Plugin, ABufferOrSampleThatIsLostLentTwiceOrTooSmall) {
     ZULEndpointData* reader = record.onEndpointAttached(participant, {ZUL_ENDPOINT_READER});
     ASSERT_NE(reader, nullptr);
     EXPECT_EQ(record.getBuffer(reader, 1), nullptr);
-    // The pool's entry; record; target; name, content, entity name, route name; peer list and its 16
-    // elements.
+    // The pool's entry; record; target; name, content, entity name, route name; peer list; its 16 elements.
     void* first = nullptr;
     EXPECT_EQ(failEachAllocation([&] { return (first = record.getSample(reader)) != nullptr; }), 24);
     void* const second = record.getSample(reader); // lent until the endpoint goes, which frees it
