@@ -18,13 +18,19 @@ std::size_t partCount(const DDS_TypeCode& type) {
 const DDS_TypeCode* partAt(const DDS_TypeCode& type, std::size_t index) {
     return index == 0 ? type.content : type.members[index - 1].type;
 }
+bool hasParts(const DDS_TypeCode& type) {
+    return type.content != nullptr || !type.members.empty();
+}
 
 // A walk over type codes along what they are made of. By value, a sequence ends the walk, and coming back to
 // an open type is the error; through everything, coming back is how recursive types end.
 class Walk {
 public:
     // `loops` gets the types that contain themselves.
-    Walk(bool byValue, std::set<const DDS_TypeCode*>& loops) : byValue_(byValue), loops_(loops) {}
+    Walk(bool byValue, std::size_t count, std::set<const DDS_TypeCode*>& loops)
+        : byValue_(byValue), loops_(loops) {
+        depths_.reserve(count);
+    }
 
     // The levels from `type` down.
     int depthOf(const DDS_TypeCode* type) {
@@ -54,16 +60,17 @@ private:
             return;
         }
         const DDS_TypeCode* part = partAt(*visit.type, visit.nextPart);
-        const auto depth = part != nullptr ? depths_.find(part) : depths_.end();
-        if (part != nullptr && depth == depths_.end()) {
-            depths_.emplace(part, OPEN);
+        if (part == nullptr || !hasParts(*part)) {
+            visit.deepest = std::max(visit.deepest, part != nullptr ? 1 : 0);
+            ++visit.nextPart;
+            return;
+        }
+        const auto [depth, isNew] = depths_.try_emplace(part, OPEN);
+        if (isNew) {
             open_.push_back({part}); // this part is looked at again once its depth is known
             return;
         }
         ++visit.nextPart;
-        if (part == nullptr) {
-            return;
-        }
         // An open type is named: nothing but its owner leads to an anonymous one.
         if (depth->second == OPEN && byValue_) {
             loops_.insert(part);
@@ -73,8 +80,9 @@ private:
 
     bool byValue_;
     std::set<const DDS_TypeCode*>& loops_;
-    std::unordered_map<const DDS_TypeCode*, int> depths_;
-    std::vector<Visit> open_; // from the outermost in
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_map<const DDS_TypeCode*, int> depths_{&memory_}; // of those with parts
+    std::vector<Visit> open_;                                            // from the outermost in
 };
 
 // Which named types use a type directly, through types without a name, in the order of their own names.
@@ -90,9 +98,9 @@ void addUses(const DDS_TypeCode& user, const DDS_TypeCode& part, Users& users) {
     }
 }
 
-Users usersIn(const std::vector<const Symbol*>& types) {
+Users usersIn(const NamedTypes& types) {
     Users users;
-    for (const Symbol* symbol : types) {
+    for (const auto& [name, symbol] : types) {
         addUses(*symbol->type, *symbol->type, users);
     }
     return users;
@@ -100,11 +108,11 @@ Users usersIn(const std::vector<const Symbol*>& types) {
 
 } // namespace
 
-void checkTypes(const std::vector<const Symbol*>& types,
+void checkTypes(const NamedTypes& types,
                 const std::function<void(const std::string&, const std::string&, bool)>& tell) {
     std::set<const DDS_TypeCode*> loops;
-    Walk byValue(true, loops);
-    Walk throughAll(false, loops);
+    Walk byValue(true, types.size(), loops);
+    Walk throughAll(false, types.size(), loops);
     std::vector<const DDS_TypeCode*> wrong;
     std::vector<const DDS_TypeCode*> tooDeep;
     std::set<const DDS_TypeCode*> known; // of the wrong ones
@@ -115,12 +123,12 @@ void checkTypes(const std::vector<const Symbol*>& types,
         }
     };
     bool hasLoop = false;
-    for (const Symbol* symbol : types) {
+    for (const auto& [name, symbol] : types) {
         const DDS_TypeCode* type = symbol->type;
         if (symbol->isWrong && known.insert(type).second) {
             wrong.push_back(type);
         } else if (!symbol->isDefined) {
-            add(type, "'" + type->name + "' is announced but never defined", true);
+            add(type, "'" + std::string(name) + "' is announced but never defined", true);
         } else if (std::max(byValue.depthOf(type), throughAll.depthOf(type)) > TYPE_DEPTH_MAX) {
             tooDeep.push_back(type);
         }

@@ -14,7 +14,7 @@ constexpr int TYPE_DEPTH_MAX = 256;
 // sequence, or are too deep; then those that are made of a wrong one, however far down. `tell(name, reason,
 // isOwn)` is called once for each; `isOwn` is false for the latter.
 void checkTypes(
-    const std::vector<const Symbol*>& types,
+    const NamedTypes& types,
     const std::function<void(const std::string& name, const std::string& reason, bool isOwn)>& tell);
 
 } // namespace zul::xml

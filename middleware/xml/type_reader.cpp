@@ -41,9 +41,9 @@ bool TypeReader::read(const TypeSections& sections) {
     types_.byName.reserve(sections.count());
     symbols_.reserve(sections.count());
     readSections(sections, "");
-    const std::vector<const Symbol*> found = symbols_.types();
-    for (const Symbol* symbol : found) {
-        types_.byName.at(symbol->type->name).code =
+    const NamedTypes found = symbols_.types();
+    for (const auto& [name, symbol] : found) {
+        types_.byName.find(name)->second.code =
             symbol->isDefined && !symbol->isWrong ? symbol->type : nullptr;
     }
     checkTypes(found, [this](const std::string& name, const std::string& reason, bool isOwn) {

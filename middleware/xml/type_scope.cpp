@@ -36,14 +36,14 @@ Symbol& Symbols::add(const std::string& scopedName, const Symbol& symbol) {
                                            std::to_string(place->second.line) + "; give it another name"};
     }
     if (symbol.kind == SymbolKind::TYPE) {
-        types_.push_back(&place->second);
+        types_.emplace_back(place->first, &place->second);
     }
     return place->second;
 }
 
-std::vector<const Symbol*> Symbols::types() const {
-    std::vector<const Symbol*> types = types_;
-    std::ranges::sort(types, {}, [](const Symbol* symbol) { return std::string_view(symbol->type->name); });
+NamedTypes Symbols::types() const {
+    NamedTypes types = types_;
+    std::ranges::sort(types);
     return types;
 }
 

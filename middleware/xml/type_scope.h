@@ -34,6 +34,9 @@ using ByName = std::pmr::unordered_map<std::string, Known, HashOfName, std::equa
 // The scoped name of `name` in `scope` ("" is the outermost).
 std::string scopedName(std::string_view scope, std::string_view name);
 
+// Types with their scoped names, which belong to a table of symbols.
+using NamedTypes = std::vector<std::pair<std::string_view, const Symbol*>>;
+
 class Symbols {
 public:
     // The symbol of exactly that scoped name, or null. Valid as long as the table.
@@ -47,12 +50,12 @@ public:
     Symbol& add(const std::string& scopedName, const Symbol& symbol);
 
     // The types in the order of their names.
-    std::vector<const Symbol*> types() const;
+    NamedTypes types() const;
 
 private:
     std::pmr::monotonic_buffer_resource memory_;
     ByName<Symbol> symbols_{&memory_};
-    std::vector<const Symbol*> types_; // of the symbols, those of types, as they were added
+    NamedTypes types_; // in the order in which they were added
 };
 
 } // namespace zul::xml
