@@ -43,8 +43,9 @@ bool TypeReader::read(const TypeSections& sections) {
     readSections(sections, "");
     const NamedTypes found = symbols_.types();
     for (const auto& [name, symbol] : found) {
-        types_.byName.find(name)->second.code =
-            symbol->isDefined && !symbol->isWrong ? symbol->type : nullptr;
+        if (const auto entry = types_.byName.find(name); entry != types_.byName.end()) {
+            entry->second.code = symbol->isDefined && !symbol->isWrong ? symbol->type : nullptr;
+        }
     }
     checkTypes(found, [this](const std::string& name, const std::string& reason, bool isOwn) {
         ZULXMLTypeEntry& entry = types_.byName.at(name);
