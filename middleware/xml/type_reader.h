@@ -128,7 +128,7 @@ private:
     Symbol& beginType(Element element, Name name, DDS_TCKind kind);
 
     // type_members.cpp: the types of members, bounds and values
-    DDS_TypeCode* newCode(DDS_TypeCode code) { return &types_.codes.emplace_back(std::move(code)); }
+    DDS_TypeCode* newCode(DDS_TypeCode&& code) { return &types_.codes.emplace_back(std::move(code)); }
     const DDS_TypeCode* typeOf(Element element, Scope scope);
     const DDS_TypeCode* elementTypeOf(Element element, Scope scope);
     const DDS_TypeCode* namedType(Element element, Scope scope, std::string_view attributeName,
