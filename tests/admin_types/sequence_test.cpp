@@ -4,12 +4,19 @@
 #include "tests/middleware/captured_log.h"
 #include "tests/support/failing_heap.h"
 
-#include <regex>
-
 namespace {
 
 #define ZUL_TYPE ZUL_RoutingService_Administration_CommandResponse // ZUL_SEQ(name) is its operation
 using Seq = ZUL_SEQUENCE;
+
+// The lines of a log without "ERROR [<operation of the sequence>] ".
+std::string withoutHeads(std::string lines) {
+    constexpr std::string_view HEAD = "ERROR [ZUL_RoutingService_Administration_CommandResponseSeq_";
+    for (std::size_t at = 0; (at = lines.find(HEAD, at)) != std::string::npos;) {
+        lines.erase(at, lines.find("] ", at) + 2 - at);
+    }
+    return lines;
+}
 
 // clang-format off
 TEST(Sequence, ARefusalThatChangesSomethingOrDoesNotSayWhy) {
@@ -62,8 +69,7 @@ TEST(Sequence, ARefusalThatChangesSomethingOrDoesNotSayWhy) {
                                                               : ZUL_SEQ(loan_contiguous)(&subject, elements, 3, 3)));
         const Seq before = subject;
         EXPECT_FALSE(row.act(subject));
-        const std::regex head("ERROR \\[ZUL_RoutingService_Administration_CommandResponseSeq_\\w+\\] ");
-        EXPECT_EQ(std::regex_replace(log.take(), head, ""), row.reason + std::string("\n"));
+        EXPECT_EQ(withoutHeads(log.take()), row.reason + std::string("\n"));
         EXPECT_TRUE(subject.contiguous == before.contiguous && subject.maximum == before.maximum &&
                     subject.length == before.length);
         EXPECT_TRUE((row.state != LOANED || ZUL_SEQ(unloan)(&subject)) && ZUL_SEQ(finalize)(&subject));
