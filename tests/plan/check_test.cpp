@@ -104,7 +104,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the value of transport_priority is \"2147483648\"; expected an integer of 32 bits"},
         {{.routes = "<thread_settings><priority>+-5</priority></thread_settings>"}, 6,
          "the priority of thread_settings is \"+-5\"; expected an integer of 32 bits"},
-        // Words
+        // Words that an element may hold
         {{.head = reader("<reliability><kind>reliable</kind></reliability>")}, 2,
          "the kind of reliability is \"reliable\"; expected BEST_EFFORT_RELIABILITY_QOS or RELIABLE_RELIABILITY_QOS"},
         {{.more = admin("<datareader_qos><reliability><kind>BEST_EFFORT_RELIABILITY_QOS</kind></reliability></datareader_qos>")}, 8,
@@ -120,7 +120,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "; expected at most 254 characters"},
         {{.head = "<adapter_library name='A'><adapter_plugin name='F'><library_file> </library_file><factory_function>f</factory_function>"
                   "</adapter_plugin></adapter_library>"}, 2, "the library_file of adapter_plugin \"F\" is \"\"; expected a text"},
-        // Properties
+        // Properties and lists
         {{.more = "<property><value>x</value></property>"}, 8, "the value of property is not made up as it should be; expected elements called element"},
         {{.more = "<property><value><element><name>a</name></element></value></property>"}, 8,
          "the element of value is not made up as it should be; expected one name, one value and at most one propagate"},
@@ -158,7 +158,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         {{.more = "<monitoring>" + seconds("sampling_period", "DURATION_INFINITE_SEC") + seconds("status_publication_period", "9") + "</monitoring>"}, 8,
          "the sampling_period in monitoring is above the status_publication_period"},
         {{.more = admin("<save_on_update>true</save_on_update>")}, 8, "save_on_update is true and the administration has no save_path"},
-        // Routes
+        // Routes and their ends
         {{.routes = route("<input participant='2'><topic_name>t</topic_name></input>\n<output participant='2'/>")}, 7,
          "both ends of topic_route \"R\" are on side 2; expected the output on side 1"},
         {{.routes = route(INPUT + "<output participant='1'/>")}, 6, "both ends of topic_route \"R\" are on side 1"},
