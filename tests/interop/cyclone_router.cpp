@@ -4,6 +4,7 @@
 // neither interprets nor converts.
 //
 //   zul_cyclone_router <domain> <head of the topic names> <head of the type names>
+//                      [<name of the participant> [xcdr2]]
 //
 // Prints "ready" once it may be discovered. Ends with its input.
 #include <charconv>
@@ -143,11 +144,12 @@ void printRequests(dds_entity_t reader, void*) {
 
 } // namespace
 
-int main(int, char** arguments) {
+int main(int count, char** arguments) {
     const auto domain = static_cast<dds_domainid_t>(std::atoi(arguments[1]));
-    const bool isNamed = arguments[4] != nullptr; // and then it reads and writes XCDR version 2 only
+    const char* name = count > 4 ? arguments[4] : "";
+    const bool isXcdr2 = count > 5; // it reads and writes XCDR version 2 only; else version 1 only
     dds_qos_t* participantQos = dds_create_qos();
-    dds_qset_entity_name(participantQos, isNamed ? arguments[4] : "");
+    dds_qset_entity_name(participantQos, name);
     const dds_entity_t participant =
         checked("participant", dds_create_participant(domain, participantQos, nullptr));
     dds_delete_qos(participantQos);
@@ -159,7 +161,7 @@ int main(int, char** arguments) {
         ddsi_sertype_init_flags(type, (arguments[3] + ofType).c_str(), &typeCalls, &sampleCalls,
                                 DDSI_SERTYPE_FLAG_TOPICKIND_NO_KEY);
         type->allowed_data_representation =
-            isNamed ? DDS_DATA_REPRESENTATION_FLAG_XCDR2 : DDS_DATA_REPRESENTATION_FLAG_XCDR1;
+            isXcdr2 ? DDS_DATA_REPRESENTATION_FLAG_XCDR2 : DDS_DATA_REPRESENTATION_FLAG_XCDR1;
         return checked("topic", dds_create_topic_sertype(participant, (arguments[2] + topic).c_str(), &type,
                                                          nullptr, nullptr, nullptr));
     };

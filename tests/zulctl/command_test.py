@@ -44,6 +44,18 @@ class Commands(ControlTest):
                 self.assertTrue(option in manual and option in completed, option)
 
     def test_every_command_does_what_it_says_and_exits_as_it_went(self):
+        self.check_every_command(self.run_text)
+
+    def test_every_command_does_the_same_in_json(self):
+        words = {"ok": "", "error": "error: ", "not_found": "no such entity: "}
+
+        def run(*arguments):
+            status, rows = self.run_json(*arguments)
+            return status, "".join(f"{row['router']}: {row['command']}: {words[row['status']]}{row['message']}\n" for row in rows), ""
+        self.check_every_command(run)
+
+    def check_every_command(self, run):
+        """`run` returns exit status, results as text shows them, and standard error."""
         folder = self.enterContext(tempfile.TemporaryDirectory())
         self.router("r1", "--save-dir", folder)
         local = os.path.join(folder, "local.xml")
@@ -73,7 +85,7 @@ class Commands(ControlTest):
                 (0, "unloaded other", "unload", "--all"),
                 (1, "no configuration is loaded", "save", "r1,r1")):
             with self.subTest(arguments):
-                found, out, log = self.run_text("--discovery", "0.7" if "--all" in arguments else "10", *arguments)
+                found, out, log = run("--discovery", "0.7" if "--all" in arguments else "10", *arguments)
                 self.assertEqual((found, log), (status, ""), out)
                 self.assertRegex(out, expected)
 

@@ -1,7 +1,5 @@
-"""zulctl and a router on another maker's DDS stack, whose participant does not tell the router's name: exact bytes out, answers of
-either byte order in."""
+"""zulctl and a router on another maker's DDS stack: every command, as text and as JSON; exact bytes out, answers of either byte order in."""
 
-import json
 import os
 import sys
 import tempfile
@@ -10,81 +8,128 @@ import unittest
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "interop"))
 import wire  # noqa: E402
 from cyclone import CycloneRouter  # noqa: E402
-from control import SCHEMA, faults  # noqa: E402
+from control import rows_of  # noqa: E402
 from processes import Program  # noqa: E402
 
 ROUTER = "r\xfc 1"
 GREETING, DESCRIPTION, DUMMY, NAME, PEERS = 9, 1, 2, 3, 4
-SNIPPET = 'str://"<session><s><p> 5</p></s></session>"'
 TEXT = "<!-- \xe9 ' \" & -->" * 500
-INLINE = f'str://"{TEXT}"'
-PIECES = [INLINE[at:at + 4096] for at in range(0, len(INLINE), 4096)]
+SNIPPET = '<session><s><p> 5</p></s></session>'
+LIBRARY = '<adapter_library name="L"><adapter_plugin name="P"><library_file>l</library_file><factory_function>f</factory_function>' \
+          '</adapter_plugin></adapter_library>'
+RUNNING = f'<dds>{LIBRARY}<routing_service name="S"><domain_route name="D"><connection_1 plugin_name="L::P"/>' \
+          '<connection_2 plugin_name="L::P"/></domain_route></routing_service></dds>'
+STOPPED = RUNNING.replace('"D"', '"D" enabled="false"')
+GET = 13, DUMMY, 0
+ENABLE = (7, NAME, "D"), "enabled D"
+
+
+def upload(kind, name, xml):
+    """The requests that carry a text, in pieces; the last one is answered."""
+    url = f'str://"{xml}"'
+    pieces = [url[at:at + 4096] for at in range(0, len(url), 4096)]
+    return [((kind, DESCRIPTION, name, piece is pieces[-1], piece), f"did {kind}" if piece is pieces[-1] else "") for piece in pieces]
+
+
+def command(words, request, answer="part 1, part 2"):
+    return words.split(), [(request, answer)], 0, answer, {"status": "ok", "message": answer, "parts": 2}
+
+
+def uploads(words, xml, *asked):
+    """`xml` is the last argument."""
+    return [*words.split(), xml], asked, 0, asked[-1][1], {"status": "ok", "message": asked[-1][1], "parts": 2}
+
+
+# Arguments, in which R is the router; requests with their answers; exit status; of the text; of the last row of JSON.
+TABLE = (
+    (["enable", "R", "d 1\xff"], [((7, NAME, "d 1\xff"), "on")], 0, r"r\\xfc 1: on\n", {"status": "ok", "entity": "d 1\ufffd", "parts": 2}),
+    command("disable R", (8, NAME, "")),
+    command("pause R d", (5, NAME, "d")),
+    command("resume R d", (6, NAME, "d")),
+    command("delete R d", (11, NAME, "d")),
+    command("get R", GET),
+    command("save R", (12, DUMMY, 0)),
+    command("unload R", (2, DUMMY, 0)),
+    command("add-peer R d p1 a b,c", (14, PEERS, "d", True, ["a", "b,c"])),
+    command("load R c --remote-file /a/b", (1, DESCRIPTION, "c", True, "file:///a/b")),
+    command("update R --set session.s.p=5", (4, DESCRIPTION, "", True, f'str://"{SNIPPET.replace(" 5", "5")}"')),
+    uploads("load R c --xml", TEXT, *upload(1, "c", TEXT)),
+    uploads("create R session d --xml", "<session/>", *upload(10, "d", "<session/>")),
+    uploads("dupdate R d --xml", "<x/>", ((8, NAME, "d"), "off"), *upload(4, "d", "<x/>"), ((7, NAME, "d"), "on again")),
+    (["tree", "R"], [(GET, STOPPED)], 0, r"domain_route D \[disabled\]", {"path": "D", "state": "disabled"}),
+    (["tree", "R"], [(GET, "none")], 1, r"\A\Z", {"status": "error"}),
+    (["diff", "R", "RUNNING"], [(GET, STOPPED)], 1, "changed D/enabled: false -> true", {"path": "D/enabled", "from": "false", "to": "true"}),
+    (["diff", "R", "RUNNING"], [(GET, RUNNING)], 0, "runs what", {}),
+    (["apply", "R", "RUNNING", "--yes"], [(GET, STOPPED), ENABLE, (GET, RUNNING)], 0, "1. enable D\n", {"outcome": "applied"}),
+    (["apply", "R", "RUNNING", "--yes"], [(GET, STOPPED), ENABLE, (GET, STOPPED)], 1, "1. enable D\n", {"outcome": "differs"}),
+    (["restore", "R", "RUNNING", "--yes"], [(GET, STOPPED), ENABLE, (GET, RUNNING)], 0, "1. enable D\n", {"outcome": "applied"}),
+    (["shell"], [ENABLE], 0, "enabled D", {"entity": "D", "message": "enabled D"}),
+)
 
 
 class Interop(unittest.TestCase):
     domain = 69
 
-    def test_every_form_of_a_request_in_both_products(self):
-        peers = ["a", "b,c \xe9"]
-        for product, arguments, requests in (
-                ("Routing", ["enable", ROUTER, "d 1\xff"], [(7, NAME, "d 1\xff")]),
-                ("Federation", ["get", ROUTER], [(13, DUMMY, 0)]),
-                ("Routing", ["tree", ROUTER], [(13, DUMMY, 0)]),  # what comes back is no document
-                ("Routing", ["add-peer", ROUTER, "d", "p1", *peers], [(14, PEERS, "d", True, peers)]),
-                ("Federation", ["update", ROUTER, "--set", "session.s.p= 5"], [(4, DESCRIPTION, "", True, SNIPPET)]),
-                ("Routing", ["load", ROUTER, "c", "--xml", TEXT],
-                 [(1, DESCRIPTION, "c", piece is PIECES[-1], piece) for piece in PIECES])):
-            options = ["--federation"] if product == "Federation" else []
-            with self.subTest(arguments[0]), CycloneRouter(self.domain, product) as router, Program(
-                    "zulctl", "-d", self.domain, "--discovery", 20, "--json", *options, *[os.fsdecode(word.encode("latin-1")) for word in arguments]) as control:
-                while requests:
+    def run_control(self, router, name, requests, *arguments, typed=None):
+        """Runs zulctl with these words of Latin-1, and answers what it asks, which has to be exactly the requests."""
+        requests = list(requests)
+        with Program("zulctl", "-d", self.domain, *[os.fsdecode(word.encode("latin-1")) for word in arguments]) as control:
+            if typed:
+                control.send(typed.encode("latin-1"))
+                control.close_input()
+            while True:
+                control.read(0.01)
+                router.read(0.01)
+                if "\n" in router.output:
                     payload = router.request()[1]
                     identity = wire.identity_of(payload)
-                    if payload == wire.request(identity, ROUTER, GREETING, DUMMY, 0):  # again until it is answered
-                        router.write(wire.response(identity, 1, "it is me", True, "<"))
-                    else:
-                        self.assertEqual(payload, wire.request(identity, ROUTER, *requests.pop(0)))
-                router.write(wire.response(identity, 0, "part 1,", False, ">"), wire.response(identity, 0, " part 2", True, "<"))
-                status, out = control.wait()
-                row = json.loads(out)
-                self.assertEqual(faults(row, SCHEMA), [])
-                self.assertEqual((status, row["parts"], row["status"]), (1, 2, "error") if "tree" in arguments else (0, 2, "ok"))
-                self.assertRegex(row["message"], "no configuration: line 1" if "tree" in arguments else r"\Apart 1, part 2\Z")
-
-    def test_a_router_of_another_data_representation_is_told_from_a_silent_one(self):
-        with CycloneRouter(self.domain, "Routing", "ZUL Routing Service: r2"), Program(
-                "zulctl", "-d", self.domain, "-t", "0.5", "--json", "why", "r2") as control:
-            self.assertRegex(control.wait()[1], '"cause":"incompatible_qos".*DATA_REPRESENTATION: it does not read XCDR version 1')
-
-    def test_apply_plans_from_what_another_stack_says(self):
-        """Each request is exactly what was planned, and what runs at the end is read back and compared."""
-        runs = '<dds><routing_service name="S">{}</routing_service></dds>'
-        route = '<domain_route name="D"{}><connection_1 plugin_name="L::P"/><connection_2 plugin_name="L::P"/></domain_route>'
-        stopped, running = runs.format(route.format(' enabled="false"')), runs.format(route.format(""))
-        libraries = '<adapter_library name="L"><adapter_plugin name="P"><library_file>l</library_file><factory_function>f</factory_function>' \
-                    '</adapter_plugin></adapter_library><routing_service'
-        stopped, running = (text.replace("<routing_service", libraries) for text in (stopped, running))
-        folder = self.enterContext(tempfile.TemporaryDirectory())
-        wanted = os.path.join(folder, "wanted.xml")
-        with open(wanted, "w", encoding="utf-8") as file:
-            file.write(running)
-        for last, expected, outcome in ((running, 0, "applied"), (stopped, 1, "differs")):
-            with CycloneRouter(self.domain, "Routing") as router, Program(
-                    "zulctl", "-d", self.domain, "--discovery", 3, "--json", "apply", os.fsdecode(ROUTER.encode("latin-1")), wanted,
-                    "--yes", "--backup", os.path.join(folder, "before.xml")) as control:
-                requests = [((13, DUMMY, 0), stopped), ((7, NAME, "D"), "enabled D"), ((13, DUMMY, 0), last)]
-                while requests:
-                    payload = router.request()[1]
-                    identity = wire.identity_of(payload)
-                    if payload == wire.request(identity, ROUTER, GREETING, DUMMY, 0):
-                        router.write(wire.response(identity, 1, "it is me", True, "<"))
+                    if payload == wire.request(identity, name, GREETING, DUMMY, 0):  # again until it is answered
+                        router.write(wire.response(identity, 0, "it is me", True, "<"))
                         continue
                     request, answer = requests.pop(0)
-                    self.assertEqual(payload, wire.request(identity, ROUTER, *request))
-                    router.write(wire.response(identity, 0, answer[:99], False, ">"), wire.response(identity, 0, answer[99:], True, "<"))
-                status, out = control.wait()
-            rows = [json.loads(line) for line in out.splitlines()]
-            self.assertEqual((status, [faults(row, SCHEMA) for row in rows], rows[-1]["outcome"]), (expected, [[]] * 3, outcome))
+                    self.assertEqual(payload, wire.request(identity, name, *request))
+                    if answer:
+                        router.write(wire.response(identity, 0, answer[:4], False, ">"), wire.response(identity, 0, answer[4:], True, "<"))
+                elif control.process.poll() is not None:
+                    break
+            self.assertEqual(requests, [], control.log)
+            return control.wait()
+
+    def check(self, row, router, name, *options):
+        """A row of the table in both forms."""
+        words, requests, status, shown, last = row
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        with open(os.path.join(folder, "wanted.xml"), "w", encoding="utf-8") as wanted:
+            wanted.write(RUNNING)
+        words = [{"R": name, "RUNNING": wanted.name}.get(word, word) for word in words]
+        for form in ("text", "json"):
+            with self.subTest(words=words[:3], form=form):
+                form_option = ["--json"] if form == "json" else []
+                backup = ["--backup", f"{folder}/{form}.xml"] if "--yes" in words else []
+                typed = f'enable "{name}" D\n' if words == ["shell"] else None
+                found, out = self.run_control(router, name, requests, "--discovery", "3", *form_option, *options, *words, *backup, typed=typed)
+                self.assertEqual(found, status, out)
+                if form == "text":
+                    self.assertRegex(out, shown)
+                else:
+                    last_row = ([{}] + rows_of(out))[-1]
+                    self.assertEqual(last_row | last, last_row)
+
+    def test_every_command_in_text_and_json(self):
+        with CycloneRouter(self.domain) as router:
+            for row in TABLE:
+                self.check(row, router, ROUTER)
+        with CycloneRouter(self.domain, "Federation") as router:
+            self.check(command("get R", GET), router, ROUTER, "--federation")
+
+    def test_who_is_there_and_why_not(self):
+        xcdr2 = "DATA_REPRESENTATION: it does not read XCDR version 1"
+        for options, timeout, status, answers, cause, fact in (
+                ([], "10", 0, True, "answers", "it answered after"), (["xcdr2"], "0.5", 4, False, "incompatible_qos", xcdr2)):
+            with CycloneRouter(self.domain, "Routing", "ZUL Routing Service: r2", *options) as router:
+                shown = f" {'yes' if answers else 'no'} .*: r2"
+                self.check((["list"], [], 0, shown, {"router": "r2", "answers": answers}), router, "r2", "-t", timeout)
+                self.check((["why", "R"], [], status, f"{cause}: (.|\n)*{fact}", {"cause": cause}), router, "r2", "-t", timeout)
 
 
 if __name__ == "__main__":
