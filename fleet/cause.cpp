@@ -31,6 +31,14 @@ Candidates routersNamed(const Picture& picture, const std::string& name) {
     return found;
 }
 
+// One that shows nothing but a router's name: its administration may be off.
+const Participant* bareOneNamed(const Picture& picture, const std::string& name) {
+    const auto found = std::ranges::find_if(picture.participants, [&name](const Participant& participant) {
+        return participant.endpoints.empty() && participant.routerName() == name;
+    });
+    return found != picture.participants.end() ? &*found : nullptr;
+}
+
 std::string describe(const Participant& participant) {
     return "participant \"" + participant.name + "\", " + textOf(participant.prefix) +
            (participant.host.empty() ? "" : ", on " + participant.host);
@@ -234,7 +242,9 @@ std::vector<std::string> nearestFirst(std::vector<std::string> names, const std:
 Cause findCause(const Picture& picture, const std::string& router) {
     Candidates candidates = routersNamed(picture, router);
     if (candidates.empty()) {
-        return nobodyNamed(picture, router);
+        Cause cause = nobodyNamed(picture, router);
+        const Participant* bare = bareOneNamed(picture, router);
+        return bare != nullptr && cause.kind == CauseKind::NO_SUCH_NAME ? causeOf(picture, *bare) : cause;
     }
     // One that is here says more than one that has gone, one of the right product more than another.
     std::ranges::stable_sort(candidates, std::ranges::greater{}, [&picture](const Participant* each) {

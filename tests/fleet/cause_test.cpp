@@ -65,7 +65,7 @@ Picture picture(const std::vector<std::pair<std::string, std::string>>& routers,
 TEST(Cause, IsNamedWithItsEvidence) {
     const auto answered = Picture::Reply::ANSWERED;
     const auto none = Picture::Reply::NONE;
-    Picture elsewhere = picture({});
+    Picture elsewhere = picture({{"r1", "h"}}); // here it has other tasks
     elsewhere.others = {picture({{"r1", "hRW"}})};
     elsewhere.others[0].domain = 9;
     Picture strangers = picture({});
@@ -93,6 +93,7 @@ TEST(Cause, IsNamedWithItsEvidence) {
         {"gone", picture({{"r1", "orw"}}), "for 20 s; its lease ran out 7 s ago"},
         {"not_authenticated", picture({{"r1", "hs"}}), "identity token"},
         {"unknown", picture({{"r1", "hrw"}}), "request reader is seen, but not matched"},
+        {"unknown", picture({{"x", "hRW"}, {"r1", "h"}}), "request reader is not seen"},
         // Two at once, or two of the name: what rules the other out, and who is here.
         {"gone", picture({{"r1", "lrwtb"}}), "it left"},
         {"type_mismatch", picture({{"r1", "hRwtb"}}), "CommandResponseOther"},

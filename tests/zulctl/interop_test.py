@@ -123,12 +123,13 @@ class Interop(unittest.TestCase):
             self.check(command("get R", GET), router, ROUTER, "--federation")
 
     def test_who_is_there_and_why_not(self):
-        xcdr2 = "DATA_REPRESENTATION: it does not read XCDR version 1"
-        for options, timeout, status, answers, cause, fact in (
-                ([], "10", 0, True, "answers", "it answered after"), (["xcdr2"], "0.5", 4, False, "incompatible_qos", xcdr2)):
-            with CycloneRouter(self.domain, "Routing", "ZUL Routing Service: r2", *options) as router:
-                shown = f" {'yes' if answers else 'no'} .*: r2"
-                self.check((["list"], [], 0, shown, {"router": "r2", "answers": answers}), router, "r2", "-t", timeout)
+        for product, options, timeout, status, shown, cause, fact in (
+                ("Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
+                ("Routing", ["xcdr2"], "0.5", 4, " no .*: r2", "incompatible_qos", "DATA_REPRESENTATION: it does not read XCDR version 1"),
+                ("Other", [], "0.5", 4, r"PARTICIPANT\n\Z", "unknown", "its request reader is not seen")):
+            with CycloneRouter(self.domain, product, "ZUL Routing Service: r2", *options) as router:
+                listed = {"router": "r2", "answers": status == 0} if product == "Routing" else {}
+                self.check((["list"], [], 0, shown, listed), router, "r2", "-t", timeout)
                 self.check((["why", "R"], [], status, f"{cause}: (.|\n)*{fact}", {"cause": cause}), router, "r2", "-t", timeout)
 
 
