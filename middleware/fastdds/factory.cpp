@@ -70,7 +70,8 @@ bool isPrefixFree(DDS_DomainParticipantFactory& self, const rtps::GuidPrefix_t& 
 
 // A participant that has started; its entities are created disabled.
 LibraryParticipant startParticipant(DDS_DomainParticipantFactory& self, DDS_DomainId_t domainId,
-                                    const DDS_DomainParticipantQos& qos, zul::DiscoveryBridge& discovery) {
+                                    const DDS_DomainParticipantQos& qos, zul::DiscoveryBridge& discovery,
+                                    zul::ResourceCheck& resources) {
     auto* factory = fast::DomainParticipantFactory::get_instance();
     factory->load_profiles();
     fast::DomainParticipantQos libraryQos;
@@ -81,6 +82,9 @@ LibraryParticipant startParticipant(DDS_DomainParticipantFactory& self, DDS_Doma
     }
     const auto gate = std::make_shared<zul::Gate>();
     zul::putGateInFront(gate, libraryQos);
+    if (!resources.passes(CREATE)) {
+        return nullptr;
+    }
     LibraryParticipant participant;
     {
         const DisabledCreation disabled;
@@ -123,14 +127,13 @@ DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
         return nullptr;
     }
     return zul::createInLibrary(__func__, nullptr, [&]() -> DDS_DomainParticipant* {
-        if (!zul::hasResourcesForParticipant(CREATE)) {
-            return nullptr;
-        }
+        zul::ResourceCheck resources;
         auto participant = std::make_unique<DDS_DomainParticipant>();
         if (listener != nullptr) {
             participant->discovery.forwardTo(*listener);
         }
-        LibraryParticipant started = startParticipant(*self, domainId, *qos, participant->discovery);
+        LibraryParticipant started =
+            startParticipant(*self, domainId, *qos, participant->discovery, resources);
         if (started == nullptr || !DDS_DomainParticipantQos_copy(&participant->qos, qos)) {
             return nullptr;
         }

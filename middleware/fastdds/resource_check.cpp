@@ -42,10 +42,10 @@ bool hasDescriptors() {
 bool hasThreads() {
     std::latch end{1}; // all of them exist at the same time
     std::vector<std::jthread> threads;
-    threads.reserve(THREADS_NEEDED);
+    threads.reserve(THREADS_NEEDED - 1);
     bool hasAll = true;
     try {
-        while (threads.size() < THREADS_NEEDED) {
+        while (threads.size() < THREADS_NEEDED - 1) { // this one is the last
             threads.emplace_back([&end] { end.wait(); });
         }
     } catch (const std::system_error&) {
@@ -57,16 +57,28 @@ bool hasThreads() {
 
 } // namespace
 
-bool hasResourcesForParticipant(const char* context) {
-    if (!hasDescriptors()) {
+ResourceCheck::Shortage ResourceCheck::tryOut() {
+    return !hasDescriptors() ? Shortage::DESCRIPTORS : !hasThreads() ? Shortage::THREADS : Shortage::NONE;
+}
+
+ResourceCheck::ResourceCheck() {
+    try {
+        shortage_ = std::async(std::launch::async, tryOut);
+    } catch (const std::system_error&) {
+        std::promise<Shortage> known; // there is not even that thread
+        known.set_value(Shortage::THREADS);
+        shortage_ = known.get_future();
+    }
+}
+
+bool ResourceCheck::passes(const char* context) {
+    const Shortage shortage = shortage_.get();
+    if (shortage == Shortage::DESCRIPTORS) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, TOO_FEW_DESCRIPTORS_d, DESCRIPTORS_NEEDED);
-        return false;
-    }
-    if (!hasThreads()) {
+    } else if (shortage == Shortage::THREADS) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, TOO_FEW_THREADS_d, THREADS_NEEDED);
-        return false;
     }
-    return true;
+    return shortage == Shortage::NONE;
 }
 
 } // namespace zul
