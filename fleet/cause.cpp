@@ -140,9 +140,7 @@ Cause nobodyNamed(const Picture& picture, const std::string& router) {
 std::optional<Cause> endpointFault(const Picture& picture, const Participant& participant) {
     for (const Endpoint* endpoint :
          {participant.requestReader(picture.product), participant.responseWriter(picture.product)}) {
-        // A match is what this side makes of it: the library's writers match readers of any representation.
-        if (endpoint == nullptr ||
-            (picture.matched.contains(endpoint->guid) && endpoint->qos.has_xcdr1 != 0)) {
+        if (endpoint == nullptr || picture.isMatched(*endpoint)) {
             continue;
         }
         if (endpoint->type != typeOf(*endpoint)) {
@@ -190,12 +188,12 @@ Cause causeOf(const Picture& picture, const Participant& participant) {
         return *fault;
     }
     const auto state = [&picture](const char* role, const Endpoint* endpoint) {
-        return std::string(role) + (endpoint == nullptr                        ? " is not seen"
-                                    : picture.matched.contains(endpoint->guid) ? " is matched"
-                                                                               : " is seen, but not matched");
+        return std::string(role) + (endpoint == nullptr            ? " is not seen"
+                                    : picture.isMatched(*endpoint) ? " is matched"
+                                                                   : " is seen, but not matched");
     };
-    const bool reads = reader != nullptr && picture.matched.contains(reader->guid);
-    const bool writes = writer != nullptr && picture.matched.contains(writer->guid);
+    const bool reads = reader != nullptr && picture.isMatched(*reader);
+    const bool writes = writer != nullptr && picture.isMatched(*writer);
     std::vector<std::string> evidence{describe(participant), state("its request reader", reader),
                                       state("its response writer", writer)};
     if (reads != writes) {
@@ -219,9 +217,14 @@ Cause causeOf(const Picture& picture, const Participant& participant) {
 
 } // namespace
 
+bool Picture::isMatched(const Endpoint& endpoint) const {
+    // The library's writers match readers of any representation.
+    return matched.contains(endpoint.guid) && endpoint.qos.has_xcdr1 != 0;
+}
+
 bool Picture::isMatched(const Participant& participant) const {
     const auto has = [this](const Endpoint* endpoint) {
-        return endpoint != nullptr && matched.contains(endpoint->guid);
+        return endpoint != nullptr && isMatched(*endpoint);
     };
     return participant.isHere() && has(participant.requestReader(product)) &&
            has(participant.responseWriter(product));

@@ -24,7 +24,9 @@ struct Picture {
     // What other domains showed, where they were looked at.
     std::vector<Picture> others{};
 
-    // It is here, and its request reader and its response writer both match ours.
+    // It matches ours, and what it exchanges is encoded as ours is.
+    bool isMatched(const Endpoint& endpoint) const;
+    // It is here, and its request reader and its response writer both match.
     bool isMatched(const Participant& participant) const;
 };
 
