@@ -78,6 +78,10 @@ class Prompt(Program):
         self.send(text)
         return self.expect(shown)[0]
 
+    def ask(self, text, shown):
+        """Types, and waits for the prompt after what is shown."""
+        return self.type(text, shown) + self.prompt()
+
     def is_plain(self):
         """Whether the terminal shows what is typed and gives whole lines, as it did before."""
         return termios.tcgetattr(self.write_end)[3] & (termios.ECHO | termios.ICANON) == termios.ECHO | termios.ICANON
@@ -117,11 +121,9 @@ class Shell(ControlTest):
         with open(first.lines, encoding="utf-8") as file:
             self.assertEqual(file.read().splitlines()[:2], ["enable r none", "enable r two"])
         second = self.start()
-        second.type(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
-        second.prompt()
+        second.ask(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
         second.type(SEARCH + "non", "none")
-        second.type("\n", "named none\n")
-        second.prompt()
+        second.ask("\n", "named none\n")
         second.send("exit\n")
         self.assertEqual(second.wait()[0], 3)
 
@@ -130,24 +132,21 @@ class Shell(ControlTest):
         self.router("plant two")
         self.router("bad\x1b[2J")
         prompt = self.start("--discovery", "1")
-        prompt.type("list\n", "bad")
-        prompt.prompt()
+        prompt.ask("list\n", "bad")
         prompt.type("disa\t", "ble ")
         prompt.type("pl\t", r"ant\\ ")
         prompt.type("\t", "\nplant one  plant two\n")
         prompt.type("o\t", "ne ")
         prompt.type("D\t", ROUTE[1:])
         prompt.type("::\t", "DefaultSession")
-        prompt.type("\n", f"plant one: disabled {ROUTE}::DefaultSession\n")
-        prompt.prompt()
+        prompt.ask("\n", f"plant one: disabled {ROUTE}::DefaultSession\n")
         prompt.type("get 'plant two,plant o\t", "ne' ")
         prompt.type("--out\t", "put ")
         prompt.type(self.home + "/.lo\t", "cal/")
         prompt.type(INTERRUPT, "zulctl> ")
         # A router that does not answer holds up nothing.
         self.router("quiet", "--silent")
-        prompt.type("-t 0.1 --discovery 20 enable quiet\n", "no answer: silent")
-        prompt.prompt()
+        prompt.ask("-t 0.1 --discovery 20 enable quiet\n", "no answer: silent")
         begin = time.monotonic()
         prompt.type("enable quiet \tx", "quiet [^\n]*x")
         self.assertLess(time.monotonic() - begin, 5)
@@ -155,8 +154,7 @@ class Shell(ControlTest):
     def test_each_of_many_pasted_lines_has_its_result_beside_it_and_nothing_waits_for_discovery(self):
         self.router("r")
         prompt = self.start("--discovery", "10")
-        prompt.type("tree r*\n", "auto_topic_route All")
-        prompt.prompt()
+        prompt.ask("tree r*\n", "auto_topic_route All")
         begin = time.monotonic()
         lines = [f"enable {['r', '*', '--all'][i % 3]} none{i} # {'x' * 400}" for i in range(20)]
         prompt.send("\n".join(lines) + "\n")
@@ -171,8 +169,7 @@ class Shell(ControlTest):
         prompt = self.start()
         prompt.send("enable quiet\n")
         router.expect("ENABLE [^\n]*kept back")
-        prompt.type(INTERRUPT, "quiet: interrupted; [^\n]*\n")
-        prompt.prompt()
+        prompt.ask(INTERRUPT, "quiet: interrupted; [^\n]*\n")
         prompt.send("exit\n")
         self.assertEqual(prompt.wait()[0], 5)
         for end in (lambda shell: shell.signal(signal.SIGTERM), lambda shell: shell.signal(signal.SIGHUP), Prompt.hang_up):
@@ -199,13 +196,11 @@ class Shell(ControlTest):
             prompt.signal(signal.SIGCONT)
         prompt.type("hel", "hel")
         stop_and_go_on()
-        prompt.type("p get\n", "print the router's configuration")
-        prompt.prompt()
+        prompt.ask("p get\n", "print the router's configuration")
         prompt.send("enable quiet\n")
         router.expect("ENABLE [^\n]*kept back")
         stop_and_go_on()
-        prompt.type(INTERRUPT, "quiet: interrupted")
-        prompt.prompt()
+        prompt.ask(INTERRUPT, "quiet: interrupted")
         self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
         self.assertEqual(prompt.wait()[0], 5)
 
@@ -222,8 +217,7 @@ class Shell(ControlTest):
         prompt.send(f"apply r {wanted} --backup {self.home}/before.xml\n")
         prompt.until(lambda: "Send 3 commands to r? [y/N] " in prompt.log, "it does not ask")
         self.assertTrue(prompt.is_plain())
-        prompt.type("n\x7fy\n", "r: runs what ")
-        prompt.prompt()
+        prompt.ask("n\x7fy\n", "r: runs what ")
         prompt.type(f"apply r {wanted}\n", "nothing is to be sent")
 
     def test_lines_of_a_pipe_without_prompt_or_history(self):
