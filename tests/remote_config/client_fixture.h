@@ -26,11 +26,10 @@ protected:
         ROUTERRemoteConfigResult_initialize(&result);
     }
     void TearDown() override {
-        fake_dds::awaitIdle();
+        ROUTERRemoteConfigResult_finalize(&result);
+        EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client)); // with its listener
         EXPECT_EQ(client.currentResponse.load(), nullptr);
         EXPECT_FALSE(fake_dds::world().loan.has_value());
-        ROUTERRemoteConfigResult_finalize(&result);
-        EXPECT_TRUE(ROUTERRemoteConfigClient_finalize(&client));
         EXPECT_FALSE(fake_dds::world().isConnected);
     }
     std::string text() const { return result.text == nullptr ? "(null)" : result.text; }

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -135,6 +136,10 @@ TEST_F(Commands, SendALocalFileInPieces) {
     // A NUL byte cuts its piece.
     EXPECT_EQ(load(write("a" + std::string(4088, '\0') + "rest"), false), ROUTER_URL_COMMAND_OK);
     EXPECT_EQ(pieces(), (Lines{"str://\"a", "rest\""}));
+    // A pipe that nobody writes to is no empty file.
+    std::filesystem::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), S_IRUSR), 0);
+    EXPECT_EQ(load(path, false), ROUTER_URL_COMMAND_FILE_READ_ERROR);
 }
 
 TEST_F(Commands, AnUploadEndsAtAFailedWriteOrAnInterruptBetweenPieces) {
