@@ -12,18 +12,6 @@ ENABLE_SYNTAX = "Command syntax: enable <target_router> [<entity_name>]\n"
 GET_SYNTAX = "Command syntax: get <target_router>\n"
 
 
-def go_to_the_background():
-    """Makes a process group that is gone already the terminal's: reads then fail at once with EIO."""
-    signal.signal(signal.SIGTTOU, signal.SIG_IGN)
-    child = os.fork()
-    if child == 0:
-        signal.pause()
-    os.setpgid(child, child)
-    os.tcsetpgrp(0, child)
-    os.kill(child, signal.SIGKILL)
-    os.waitpid(child, 0)
-
-
 class Terminal(SessionTest):
     domain = 22
 
@@ -107,7 +95,8 @@ class Input(SessionTest):
         shell.close_input()
         self.assertEqual(shell.prompt(), "No response received\n")
         at_a_pace(shell, GET_SYNTAX)
-        at_a_pace(self.shell(terminal=True, preexec=go_to_the_background), "")
+        # A terminal that cannot be read.
+        at_a_pace(self.shell(terminal=True, preexec=lambda: os.dup2(os.open("/dev/tty", os.O_WRONLY), 0)), "")
 
     def test_input_that_is_not_there_yet_is_waited_for(self):
         for terminal, unfinished in ((False, b"fo"), (True, b"fo\x04")):
