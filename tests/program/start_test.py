@@ -85,6 +85,13 @@ class Start(SessionTest):
         router = self.router(preexec=lambda: os.close(0))
         self.assertEqual(os.readlink(f"/proc/{router.process.pid}/fd/0"), os.devnull)
 
+    def test_a_router_that_is_found_at_its_next_announcement_only(self):
+        # An answer that is lost comes again after three seconds: that happened to every tenth start. A busy machine may
+        # delay one.
+        self.router()
+        found = [run("zulctl", "-d", self.domain, "--discovery", 2, "get", "r1")[0] == 0 for _ in range(60)]
+        self.assertLess(found.count(False), 2)
+
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors and threads of its own")
     def test_too_few_descriptors_or_threads_end_in_a_message(self):
         def as_nobody_with(threads):
