@@ -107,8 +107,3 @@ class Start(SessionTest):
             self.assertEqual((status, output), (255, "Domain id 21, timeout 15\n"), (what, log))
             self.assertRegex(log, rf"a participant needs \d+ (more|free) {what}: raise the limit")
             self.assertIn("[ROUTERRemoteConfigClient_createConnection] failed to create participant\n", log)
-
-    def test_federation_shell(self):
-        shell = self.shell(program="zulfssh")
-        self.assertIn("load     - Load ZUL Federation Service XML configuration\n", shell.run("help"))
-        self.assertEqual(shell.exit(), (0, "Stopping...\n"))
