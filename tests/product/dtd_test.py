@@ -103,7 +103,3 @@ class DtdTest(unittest.TestCase):
                 first = re.search(r"^-:(\d+): element \S+: validity error", report, re.M)
                 self.assertIsNotNone(first, report)
                 self.assertEqual(int(first[1]), marks[0] + 1, report)
-
-
-if __name__ == "__main__":
-    unittest.main()
