@@ -18,10 +18,9 @@ constexpr std::size_t SHORT_FORM_LIMIT = 65536;
 
 template <class IdlType>
 inline constexpr bool travelsAsParameterList = false;
-template <class Record>
-inline constexpr bool travelsAsParameterList<Struct<Record>> = Description<Record>::form == WireForm::MUTABLE;
-template <class Record>
-inline constexpr bool travelsAsParameterList<Union<Record>> = true;
+template <Composite IdlType>
+inline constexpr bool travelsAsParameterList<IdlType> =
+    Description<typename IdlType::Value>::form == WireForm::MUTABLE;
 
 template <class IdlType>
 struct PluginOperations {
