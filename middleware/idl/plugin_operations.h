@@ -150,7 +150,7 @@ struct EndpointOperations {
 
     static ZULEndpointData* attach(ZULParticipantData*, const ZULEndpointInfo& info) {
         ZULEndpointData* data =
-            ZULEndpointData_new(info, {.createData = createSample, .destroyData = destroySample});
+            ZULEndpointData_new({.createData = createSample, .destroyData = destroySample});
         if (data == nullptr || info.kind != ZUL_ENDPOINT_WRITER) {
             return data;
         }
