@@ -92,7 +92,7 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, D
     samples.release(filled);
     if (asLoan) {
         received.samples = filled.data();
-        ZULSequence::loan_contiguous(infos, filledInfos, count, count, CONTEXT);
+        ZULSequence::loan(infos, filledInfos, nullptr, count, count, CONTEXT);
         self.loans.keep(loan);
         return DDS_RETCODE_OK;
     }
