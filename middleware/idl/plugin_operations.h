@@ -51,9 +51,10 @@ struct PluginOperations {
     }
 
     // ---- wire ----
-    static bool serializeSample(ZULEndpointData* data, const Value& sample, ZULCdrOutput& stream,
-                                bool serializeEncapsulation, std::uint16_t encapsulationId,
-                                bool serializeBody) {
+    // Flattened: calls that the compiler would leave inside cost a fifth of a small request's encoding.
+    [[gnu::flatten]] static bool serializeSample(ZULEndpointData* data, const Value& sample,
+                                                 ZULCdrOutput& stream, bool serializeEncapsulation,
+                                                 std::uint16_t encapsulationId, bool serializeBody) {
         const std::size_t previousOrigin = stream.origin;
         if (serializeEncapsulation) {
             if (!ZULEncapsulation_isValid(encapsulationId)) {
