@@ -69,20 +69,18 @@ private:
             return;
         }
         // Per attribute: local name, prefix, URI, begin and end of the value.
-        std::vector<std::pair<std::string, std::string>> pairs;
-        const char* given = nullptr;
-        pairs.reserve(static_cast<std::size_t>(attributeCount));
-        for (int i = 0; i < attributeCount; ++i, attributes += 5) {
-            pairs.emplace_back(qualified(attributes[1], attributes[0]),
-                               std::string(chars(attributes[3]), chars(attributes[4])));
-            if (pairs.back().first == "name") {
-                given = pairs.back().second.c_str();
-            }
-        }
+        const auto count = static_cast<std::size_t>(attributeCount);
+        std::vector<std::pair<std::string, std::string>> texts;
         std::vector<ZULXMLAttribute> borrowed;
-        borrowed.reserve(pairs.size());
-        for (const auto& [name, value] : pairs) {
+        texts.reserve(count); // and none moves
+        borrowed.reserve(count);
+        const char* given = nullptr;
+        for (std::size_t i = 0; i < count; ++i, attributes += 5) {
+            const auto& [name, value] =
+                texts.emplace_back(qualified(attributes[1], attributes[0]),
+                                   std::string(chars(attributes[3]), chars(attributes[4])));
             borrowed.push_back({name.c_str(), value.c_str()});
+            given = name == "name" ? value.c_str() : given;
         }
         const std::string name = ownName(tag, given);
         ZULXMLObject* object = name.empty() ? nullptr : createObject(tag, name, borrowed);
