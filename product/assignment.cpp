@@ -67,8 +67,8 @@ bool parse(char* text, Assignment& assignment) {
 
     char* context = nullptr;
     char* last = nullptr;
-    for (char* token = ZULString_tokenize(text, ".", &context); token != nullptr;
-         token = ZULString_tokenize(nullptr, ".", &context)) {
+    for (char* token = strtok_r(text, ".", &context); token != nullptr;
+         token = strtok_r(nullptr, ".", &context)) {
         if (assignment.componentCount == MAX_COMPONENTS) {
             return false;
         }
@@ -78,9 +78,9 @@ bool parse(char* text, Assignment& assignment) {
     if (last == nullptr) {
         return false;
     }
-    const char* element = ZULString_tokenize(last, "[]", &context);
+    const char* element = strtok_r(last, "[]", &context);
     assignment.components[assignment.componentCount - 1] = element;
-    assignment.member = ZULString_tokenize(nullptr, "[]", &context);
+    assignment.member = strtok_r(nullptr, "[]", &context);
     return element != nullptr;
 }
 

@@ -5,7 +5,6 @@
 #include <cstdint>
 
 using DDS_Boolean = std::uint8_t; // 0 or 1
-using DDS_Char = char;
 using DDS_Long = std::int32_t;
 using DDS_UnsignedLong = std::uint32_t;
 
@@ -47,6 +46,7 @@ constexpr DDS_Time_t DDS_TIME_INVALID{-1, 0xFFFFFFFF};
 struct DDS_InstanceHandle_t {
     std::uint8_t value[16];
     DDS_Boolean isValid;
+    bool operator==(const DDS_InstanceHandle_t&) const = default;
 };
 constexpr DDS_InstanceHandle_t DDS_HANDLE_NIL{};
 

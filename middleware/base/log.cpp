@@ -1,5 +1,5 @@
-// The templates, and the one way out: a line is put together first and written with one call, so that lines
-// of several threads do not mix. A sink is called under the lock that guards it.
+// A line is put together first and written with one call, so that lines of several threads do not mix. A sink
+// is called under the lock that guards it.
 #include "middleware/base/log.h"
 
 #include "middleware/base/terminal_text.h"
@@ -10,27 +10,6 @@
 #include <mutex>
 #include <string>
 #include <unistd.h>
-
-const ZULLogTemplate ZUL_LOG_ANY_s{0x2000000, "%s\n"};
-const ZULLogTemplate ZUL_LOG_ANY_FAILURE_s{0x2000001, "failure: %s\n"};
-const ZULLogTemplate ZUL_LOG_INIT_FAILURE_s{0x2000002, "failed to initialize %s\n"};
-const ZULLogTemplate ZUL_LOG_CREATION_FAILURE_s{0x2000003, "failed to create %s\n"};
-const ZULLogTemplate ZUL_LOG_DESTRUCTION_FAILURE_s{0x2000004, "failed to destroy %s\n"};
-const ZULLogTemplate ZUL_LOG_GET_FAILURE_s{0x2000005, "failed to get %s\n"};
-const ZULLogTemplate ZUL_LOG_ADD_FAILURE_s{0x2000006, "failed to add %s\n"};
-const ZULLogTemplate ZUL_LOG_REMOVE_FAILURE_s{0x2000007, "failed to remove %s\n"};
-const ZULLogTemplate ZUL_LOG_BAD_PARAMETER_s{0x2000008, "bad parameter: %s\n"};
-const ZULLogTemplate ZUL_LOG_ASSERTION_s{0x2000009, "refused: %s\n"};
-const ZULLogTemplate ZUL_LOG_ALLOCATION_FAILURE_d{0x200000A, "failed to allocate %d bytes\n"};
-const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRUCT_d{0x200000B, "out of memory for a structure of %d bytes\n"};
-const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRING_d{0x200000C, "out of memory for a string of %d characters\n"};
-const ZULLogTemplate ZUL_LOG_INSUFFICIENT_SPACE_dd{0x200000D,
-                                                   "insufficient space: %d available, %d needed\n"};
-const ZULLogTemplate ZUL_LOG_SEMAPHORE_TAKE_FAILURE{0x200000E, "failed to take semaphore\n"};
-const ZULLogTemplate ZUL_LOG_SEMAPHORE_GIVE_FAILURE{0x200000F, "failed to give semaphore\n"};
-const ZULLogTemplate ZUL_LOG_XML_PARSE_FAILURE_ds{0x2000010, "XML line %d: %s\n"};
-const ZULLogTemplate ZUL_LOG_XML_ILLEGAL_VALUE_d{0x2000011, "XML line %d: illegal value\n"};
-const ZULLogTemplate ZUL_LOG_XML_INTERNAL_FAILURE_s{0x2000012, "XML reader failed: %s\n"};
 
 namespace {
 

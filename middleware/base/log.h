@@ -4,6 +4,7 @@
 // messages are wanted is the caller's gate; the middleware's own is below.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -16,25 +17,27 @@ struct ZULLogTemplate {
     const char* format;
 };
 
-extern const ZULLogTemplate ZUL_LOG_ANY_s;                 // any message
-extern const ZULLogTemplate ZUL_LOG_ANY_FAILURE_s;         // any failure
-extern const ZULLogTemplate ZUL_LOG_INIT_FAILURE_s;        // an object could not be initialized
-extern const ZULLogTemplate ZUL_LOG_CREATION_FAILURE_s;    // an object could not be created
-extern const ZULLogTemplate ZUL_LOG_DESTRUCTION_FAILURE_s; // an object could not be destroyed
-extern const ZULLogTemplate ZUL_LOG_GET_FAILURE_s;         // something could not be read or found
-extern const ZULLogTemplate ZUL_LOG_ADD_FAILURE_s;         // something could not be added
-extern const ZULLogTemplate ZUL_LOG_REMOVE_FAILURE_s;      // something could not be removed
-extern const ZULLogTemplate ZUL_LOG_BAD_PARAMETER_s;       // an argument was refused
-extern const ZULLogTemplate ZUL_LOG_ASSERTION_s;           // a precondition did not hold
-extern const ZULLogTemplate ZUL_LOG_ALLOCATION_FAILURE_d;  // bytes
-extern const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRUCT_d;  // bytes of the structure
-extern const ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRING_d;  // characters of the string
-extern const ZULLogTemplate ZUL_LOG_INSUFFICIENT_SPACE_dd; // available, needed
-extern const ZULLogTemplate ZUL_LOG_SEMAPHORE_TAKE_FAILURE;
-extern const ZULLogTemplate ZUL_LOG_SEMAPHORE_GIVE_FAILURE;
-extern const ZULLogTemplate ZUL_LOG_XML_PARSE_FAILURE_ds; // line number of the document, what is wrong there
-extern const ZULLogTemplate ZUL_LOG_XML_ILLEGAL_VALUE_d;  // line number of the document
-extern const ZULLogTemplate ZUL_LOG_XML_INTERNAL_FAILURE_s; // what the reader could not do
+// clang-format off
+inline constexpr ZULLogTemplate ZUL_LOG_ANY_s                  {0x2000000, "%s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_ANY_FAILURE_s          {0x2000001, "failure: %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_INIT_FAILURE_s         {0x2000002, "failed to initialize %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_CREATION_FAILURE_s     {0x2000003, "failed to create %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_DESTRUCTION_FAILURE_s  {0x2000004, "failed to destroy %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_GET_FAILURE_s          {0x2000005, "failed to get %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_ADD_FAILURE_s          {0x2000006, "failed to add %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_REMOVE_FAILURE_s       {0x2000007, "failed to remove %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_BAD_PARAMETER_s        {0x2000008, "bad parameter: %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_ASSERTION_s            {0x2000009, "refused: %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_ALLOCATION_FAILURE_d   {0x200000A, "failed to allocate %d bytes\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRUCT_d   {0x200000B, "out of memory for a structure of %d bytes\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_OUT_OF_HEAP_STRING_d   {0x200000C, "out of memory for a string of %d characters\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_INSUFFICIENT_SPACE_dd  {0x200000D, "insufficient space: %d available, %d needed\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_SEMAPHORE_TAKE_FAILURE {0x200000E, "failed to take semaphore\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_SEMAPHORE_GIVE_FAILURE {0x200000F, "failed to give semaphore\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_XML_PARSE_FAILURE_ds   {0x2000010, "XML line %d: %s\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_XML_ILLEGAL_VALUE_d    {0x2000011, "XML line %d: illegal value\n"};
+inline constexpr ZULLogTemplate ZUL_LOG_XML_INTERNAL_FAILURE_s {0x2000012, "XML reader failed: %s\n"};
+// clang-format on
 
 // One argument of a template. The text is borrowed for the call; a null text prints as "(null)".
 class ZULLogArgument {
@@ -63,12 +66,8 @@ void ZULLog_emitDebug(const char* format, std::span<const ZULLogArgument> argume
 template <class... Arguments>
 void ZULLog_message(ZULLogLevel level, const char* context, const ZULLogTemplate& message,
                     const Arguments&... arguments) {
-    if constexpr (sizeof...(arguments) == 0) {
-        ZULLog_emit(level, context, message, {});
-    } else {
-        const ZULLogArgument list[] = {ZULLogArgument(arguments)...};
-        ZULLog_emit(level, context, message, list);
-    }
+    const std::array<ZULLogArgument, sizeof...(arguments)> list{ZULLogArgument(arguments)...};
+    ZULLog_emit(level, context, message, list);
 }
 
 template <class... Arguments>

@@ -40,10 +40,7 @@ std::size_t ZULString_room(const char* text) {
 }
 
 char* DDS_String_dup(const char* text) {
-    if (text == nullptr) {
-        return nullptr;
-    }
-    return ZULString_join({text});
+    return text == nullptr ? nullptr : ZULString_join({text});
 }
 
 char* ZULString_join(std::initializer_list<std::string_view> texts) {
@@ -72,8 +69,4 @@ void ZULString_copyBounded(char* buffer, std::size_t size, std::string_view text
     const std::size_t length = std::min(text.size(), size - 1);
     std::copy_n(text.begin(), length, buffer);
     buffer[length] = '\0';
-}
-
-char* ZULString_tokenize(char* text, const char* delimiters, char** context) {
-    return strtok_r(text, delimiters, context);
 }

@@ -28,7 +28,3 @@ bool ZULString_equalsIgnoreCase(std::string_view left, std::string_view right);
 
 // Copies `text` into `buffer` of `size` bytes (terminator included), cut to what fits. `size` is at least 1.
 void ZULString_copyBounded(char* buffer, std::size_t size, std::string_view text);
-
-// Re-entrant tokenizer: `text` on the first call, null on later ones; `context` carries the position. Returns
-// the next token, ended in place, or null when none is left. Empty tokens are skipped.
-char* ZULString_tokenize(char* text, const char* delimiters, char** context);

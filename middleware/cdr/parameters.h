@@ -4,52 +4,36 @@
 
 #include "middleware/cdr/stream.h"
 
-// A parameter being written: where its length goes and where its value began.
-struct ZULParameterMark {
-    std::size_t lengthAt;
-    std::size_t valueAt;
-    ZULParameterForm form;
-};
-
-inline bool ZULCdrOutput_beginParameter(ZULCdrOutput& stream, std::uint32_t id, ZULParameterForm form,
-                                        ZULParameterMark& mark) {
-    if (form == ZUL_PARAMETER_SHORT) {
-        if (id >= ZUL_PARAMETER_EXTENDED || !stream.reserve(4, ZUL_PARAMETER_SHORT_HEADER_SIZE)) {
-            return false;
-        }
-        if (stream.data != nullptr) {
-            stream.store16(stream.position, static_cast<std::uint16_t>(id));
-        }
-        stream.position += ZUL_PARAMETER_SHORT_HEADER_SIZE;
-        mark = {.lengthAt = stream.position - 2, .valueAt = stream.position, .form = form};
-        return true;
-    }
-    if (!stream.reserve(4, ZUL_PARAMETER_LONG_HEADER_SIZE)) {
+// One parameter: its header, the value that `putValue` writes, and then, in the header, the value's exact
+// length. Fails when a short header cannot hold the id or the length.
+template <class PutValue>
+bool ZULCdrOutput_putParameter(ZULCdrOutput& stream, std::uint32_t id, ZULParameterForm form,
+                               PutValue putValue) {
+    const bool isShort = form == ZUL_PARAMETER_SHORT;
+    const std::size_t headerSize = isShort ? ZUL_PARAMETER_SHORT_HEADER_SIZE : ZUL_PARAMETER_LONG_HEADER_SIZE;
+    if ((isShort && id >= ZUL_PARAMETER_EXTENDED) || !stream.reserve(4, headerSize)) {
         return false;
     }
-    if (stream.data != nullptr) {
+    if (stream.data != nullptr && isShort) {
+        stream.store16(stream.position, static_cast<std::uint16_t>(id));
+    } else if (stream.data != nullptr) {
         stream.store16(stream.position, ZUL_PARAMETER_EXTENDED | ZUL_PARAMETER_MUST_UNDERSTAND);
         stream.store16(stream.position + 2, ZUL_PARAMETER_EXTENDED_LENGTH);
         stream.store32(stream.position + 4, id);
     }
-    stream.position += ZUL_PARAMETER_LONG_HEADER_SIZE;
-    mark = {.lengthAt = stream.position - 4, .valueAt = stream.position, .form = form};
-    return true;
-}
-
-// Fills in the exact length of the value; fails when a short header cannot hold it.
-inline bool ZULCdrOutput_endParameter(ZULCdrOutput& stream, const ZULParameterMark& mark) {
-    const std::size_t length = stream.position - mark.valueAt;
-    if (length > (mark.form == ZUL_PARAMETER_SHORT ? UINT16_MAX : UINT32_MAX)) {
+    stream.position += headerSize;
+    const std::size_t start = stream.position;
+    if (!putValue()) {
         return false;
     }
-    if (stream.data == nullptr) {
-        return true;
+    const std::size_t length = stream.position - start;
+    if (length > (isShort ? UINT16_MAX : UINT32_MAX)) {
+        return false;
     }
-    if (mark.form == ZUL_PARAMETER_SHORT) {
-        stream.store16(mark.lengthAt, static_cast<std::uint16_t>(length));
-    } else {
-        stream.store32(mark.lengthAt, static_cast<std::uint32_t>(length));
+    if (stream.data != nullptr && isShort) {
+        stream.store16(start - 2, static_cast<std::uint16_t>(length));
+    } else if (stream.data != nullptr) {
+        stream.store32(start - 4, static_cast<std::uint32_t>(length));
     }
     return true;
 }

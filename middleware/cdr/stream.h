@@ -63,9 +63,7 @@ struct ZULCdrOutput {
     std::size_t origin = 0;
     bool bigEndian = false;
 
-    // Moves to the next multiple (of at most 4), over zeroes; fails when that lies past the end.
-    bool align(std::size_t alignment) { return reserve(alignment, 0); }
-    // Aligns when `size` bytes fit after the padding.
+    // Moves to the next multiple (of at most 4), over zeroes, when `size` bytes fit after the padding.
     bool reserve(std::size_t alignment, std::size_t size) {
         const std::size_t room = capacity - position;
         const std::size_t padding = ZULCdr_padding(position - origin, alignment);
@@ -89,16 +87,6 @@ struct ZULCdrOutput {
             data[position] = value;
         }
         ++position;
-        return true;
-    }
-    bool put16(std::uint16_t value) {
-        if (!reserve(2, 2)) {
-            return false;
-        }
-        if (data != nullptr) {
-            store16(position, value);
-        }
-        position += 2;
         return true;
     }
     bool put32(std::uint32_t value) {
@@ -216,13 +204,9 @@ struct ZULCdrInput {
 // Encapsulation header: identifier and options, two aligned 16-bit words, most significant byte first,
 // whatever the byte order of what follows; sets byte order and origin. Fails for an identifier outside 0..3.
 inline bool ZULCdrOutput_putEncapsulation(ZULCdrOutput& stream, std::uint16_t id) {
-    const std::size_t padding = ZULCdr_padding(stream.position - stream.origin, ZUL_ENCAPSULATION_ALIGNMENT);
     if (!ZULEncapsulation_isValid(id) ||
-        stream.capacity - stream.position < padding + ZUL_ENCAPSULATION_SIZE) {
+        !stream.reserve(ZUL_ENCAPSULATION_ALIGNMENT, ZUL_ENCAPSULATION_SIZE)) {
         return false;
-    }
-    if (padding != 0) {
-        stream.align(ZUL_ENCAPSULATION_ALIGNMENT);
     }
     const std::uint8_t header[ZUL_ENCAPSULATION_SIZE] = {0, static_cast<std::uint8_t>(id), 0, 0};
     if (stream.data != nullptr) {

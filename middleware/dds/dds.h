@@ -14,8 +14,14 @@
 
 using DDS_DomainId_t = DDS_Long;
 using DDS_StatusMask = DDS_UnsignedLong;
+// Communication statuses (OMG DDS 1.4, 2.2.4.1).
 constexpr DDS_StatusMask DDS_STATUS_MASK_NONE = 0;
+constexpr DDS_StatusMask DDS_REQUESTED_DEADLINE_MISSED_STATUS = 1U << 2;
+constexpr DDS_StatusMask DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS = 1U << 6;
+constexpr DDS_StatusMask DDS_SAMPLE_LOST_STATUS = 1U << 7;
+constexpr DDS_StatusMask DDS_SAMPLE_REJECTED_STATUS = 1U << 8;
 constexpr DDS_StatusMask DDS_DATA_AVAILABLE_STATUS = 1U << 10;
+constexpr DDS_StatusMask DDS_LIVELINESS_CHANGED_STATUS = 1U << 12;
 constexpr DDS_StatusMask DDS_PUBLICATION_MATCHED_STATUS = 1U << 13;
 constexpr DDS_StatusMask DDS_SUBSCRIPTION_MATCHED_STATUS = 1U << 14;
 
@@ -202,7 +208,10 @@ struct DDS_ReceivedSamples {
     void** samples;
     DDS_Long count;
 };
-// What is refused is listed in middleware/dds/reading_rules.h; then, and on NO_DATA, no sequence has changed.
+// BAD_PARAMETER for null infos, a maximum number of samples below 1, or an instance that does not exist.
+// PRECONDITION_NOT_MET for a condition of another reader, or when the two sequences differ in length, maximum
+// or ownership, still hold a loan, or are owned and have less room than the number of samples asked for
+// (OMG DDS 1.4, 2.2.2.5.3.8 to 2.2.2.5.3.17). Then, and on NO_DATA, no sequence has changed.
 DDS_ReturnCode_t DDS_DataReader_read_or_take_untyped(DDS_DataReader* self, const DDS_DataSeqView& data,
                                                      DDS_SampleInfoSeq* infos,
                                                      const DDS_ReadOrTakeParams& params,

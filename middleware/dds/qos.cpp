@@ -20,14 +20,19 @@ const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT{
 
 namespace {
 
-DDS_PropertyQosPolicy_Property* find(const DDS_PropertyQosPolicy* policy, const char* name) {
-    const auto& list = policy->value;
-    for (DDS_Long i = 0; i < list.length; ++i) {
+// The property of that name, or a new one at the end; null when the list or memory is full.
+DDS_PropertyQosPolicy_Property* findOrAdd(DDS_PropertyQosPolicy& policy, const char* name,
+                                          const char* context) {
+    auto& list = policy.value;
+    const DDS_Long length = list.length;
+    for (DDS_Long i = 0; i < length; ++i) {
         if (std::strcmp(list.contiguous[i].name, name) == 0) {
             return &list.contiguous[i];
         }
     }
-    return nullptr;
+    const bool hasRoom =
+        length < DDS_PROPERTY_LIST_MAX && ZULSequence::ensure_length(&list, length + 1, length + 1, context);
+    return hasRoom ? &list.contiguous[length] : nullptr;
 }
 
 } // namespace
@@ -40,30 +45,13 @@ DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPoli
     using Element = ZULSequenceElement<DDS_PropertyQosPolicy_Property>;
     const DDS_PropertyQosPolicy_Property wanted{const_cast<char*>(name), const_cast<char*>(value), propagate};
     DDS_PropertyQosPolicy_Property fresh{};
-    if (!Element::copy(fresh, wanted)) {
-        Element::finalize(fresh, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
-        return DDS_RETCODE_OUT_OF_RESOURCES;
+    DDS_PropertyQosPolicy_Property* slot =
+        Element::copy(fresh, wanted) ? findOrAdd(*policy, name, __func__) : nullptr;
+    if (slot != nullptr) {
+        std::swap(*slot, fresh);
     }
-    DDS_PropertyQosPolicy_Property* slot = find(policy, name);
-    if (slot == nullptr) {
-        const DDS_Long length = policy->value.length;
-        const bool hasRoom = length < DDS_PROPERTY_LIST_MAX &&
-                             ZULSequence::ensure_length(&policy->value, length + 1, length + 1, __func__);
-        slot = hasRoom ? ZULSequence::get_reference(&policy->value, length, __func__) : nullptr;
-    }
-    if (slot == nullptr) {
-        Element::finalize(fresh, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
-    Element::finalize(*slot, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
-    *slot = fresh;
-    return DDS_RETCODE_OK;
-}
-
-const char* DDS_PropertyQosPolicyHelper_lookup_property(const DDS_PropertyQosPolicy* policy,
-                                                        const char* name) {
-    const DDS_PropertyQosPolicy_Property* found = find(policy, name);
-    return found != nullptr ? found->value : nullptr;
+    Element::finalize(fresh, DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT);
+    return slot != nullptr ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
 void DDS_DomainParticipantQos_initialize(DDS_DomainParticipantQos* self) {

@@ -90,9 +90,6 @@ constexpr DDS_Long DDS_PROPERTY_LIST_MAX = 32; // properties of one participant
 // Adds the property or replaces the one of that name. Out of resources when the list or memory is full.
 DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPolicy* policy, const char* name,
                                                              const char* value, DDS_Boolean propagate);
-// The value, valid until the policy changes, or null.
-const char* DDS_PropertyQosPolicyHelper_lookup_property(const DDS_PropertyQosPolicy* policy,
-                                                        const char* name);
 
 // What names a participant in the requests it sends: no two participants that are alive, or have just gone,
 // have the same pair.

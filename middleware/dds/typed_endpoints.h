@@ -10,13 +10,18 @@
 
 namespace zul::dds {
 
+inline DDS_ReturnCode_t refuse(const char* context, const char* argument) {
+    ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, argument);
+    return DDS_RETCODE_BAD_PARAMETER;
+}
+
 // Compares the name of the endpoint's type plugin, not the name it is registered under: a program may
 // register a type under a name of its own.
 template <class Typed, class Untyped>
 Typed* narrow(Untyped* endpoint, const char* pluginTypeName, const char* typeName, const char* context,
               const char* nullMessage, const char* wrongTypeMessage) {
     if (endpoint == nullptr || pluginTypeName == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, nullMessage);
+        refuse(context, nullMessage);
         return nullptr;
     }
     if (std::strcmp(pluginTypeName, typeName) != 0) {
@@ -38,7 +43,7 @@ Typed* narrowReader(DDS_DataReader* reader, const char* typeName) {
 template <class Untyped, class Typed>
 Untyped* widen(Typed* endpoint, const char* context, const char* nullMessage) {
     if (endpoint == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, nullMessage);
+        refuse(context, nullMessage);
     }
     return reinterpret_cast<Untyped*>(endpoint);
 }
@@ -47,8 +52,7 @@ Untyped* widen(Typed* endpoint, const char* context, const char* nullMessage) {
 inline bool writeParams(DDS_WriteParams_t& params, const DDS_InstanceHandle_t* handle,
                         const DDS_Time_t* timestamp, const char* context) {
     if (handle == nullptr || timestamp == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s,
-                          handle == nullptr ? "handle" : "source_timestamp");
+        refuse(context, handle == nullptr ? "handle" : "source_timestamp");
         return false;
     }
     params = {.handle = *handle, .source_timestamp = *timestamp};
@@ -72,9 +76,7 @@ template <class T, class Traits>
 DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const DDS_ReadOrTakeParams& params, const char* context) {
     if (data == nullptr || infos == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s,
-                          data == nullptr ? "received_data" : "info_seq");
-        return DDS_RETCODE_BAD_PARAMETER;
+        return refuse(context, data == nullptr ? "received_data" : "info_seq");
     }
     ZULSequence::open(data, context);
     if (!canTakeSamples(*data, params.max_samples)) {
@@ -99,8 +101,8 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader* reader, DDS_Sequence<T, Traits>* dat
     if (!received.is_loan) {
         return ZULSequence::set_length(data, received.count, context) ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
     }
-    if (!ZULSequence::loan_discontiguous(data, reinterpret_cast<T**>(received.samples), received.count,
-                                         received.count, context)) {
+    if (!ZULSequence::loan(data, nullptr, reinterpret_cast<T**>(received.samples), received.count,
+                           received.count, context)) {
         DDS_DataReader_return_loan_untyped(reader, received.samples, received.count, infos);
         return DDS_RETCODE_ERROR;
     }
@@ -112,8 +114,7 @@ DDS_ReturnCode_t readOrTakeWithCondition(DDS_DataReader* reader, DDS_Sequence<T,
                                          DDS_SampleInfoSeq* infos, DDS_ReadOrTakeParams params,
                                          const DDS_ReadCondition* condition, const char* context) {
     if (condition == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "condition");
-        return DDS_RETCODE_BAD_PARAMETER;
+        return refuse(context, "condition");
     }
     params.condition = condition;
     return readOrTake(reader, data, infos, params, context);
@@ -124,9 +125,7 @@ template <class Seq, class T>
 DDS_ReturnCode_t nextSample(DDS_DataReader* reader, T* sample, DDS_SampleInfo* info, bool take,
                             const char* context) {
     if (sample == nullptr || info == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s,
-                          sample == nullptr ? "received_data" : "sample_info");
-        return DDS_RETCODE_BAD_PARAMETER;
+        return refuse(context, sample == nullptr ? "received_data" : "sample_info");
     }
     // Sequences over what is the caller's, which are never finalised.
     Seq one{};
@@ -144,8 +143,7 @@ template <class T, class Traits>
 DDS_ReturnCode_t returnLoan(DDS_DataReader* reader, DDS_Sequence<T, Traits>* data, DDS_SampleInfoSeq* infos,
                             const char* context) {
     if (data == nullptr || infos == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_BAD_PARAMETER_s, "received_data");
-        return DDS_RETCODE_BAD_PARAMETER;
+        return refuse(context, "received_data");
     }
     if (ZULSequence::has_ownership(data, context) && ZULSequence::has_ownership(infos, context)) {
         return DDS_RETCODE_OK; // nothing was loaned

@@ -3,7 +3,6 @@
 #include "middleware/fastdds/delivery_thread.h"
 
 #include "middleware/fastdds/library_call.h"
-#include "middleware/fastdds/status_bits.h"
 
 namespace zul {
 
@@ -17,11 +16,11 @@ struct Delivery {
 // Data comes last: a match is known before its first sample is delivered.
 constexpr Delivery DELIVERIES[] = {
     {DDS_SUBSCRIPTION_MATCHED_STATUS, &DDS_DataReaderListener::on_subscription_matched},
-    {STATUS_REQUESTED_INCOMPATIBLE_QOS, &DDS_DataReaderListener::on_requested_incompatible_qos},
-    {STATUS_REQUESTED_DEADLINE_MISSED, &DDS_DataReaderListener::on_requested_deadline_missed},
-    {STATUS_LIVELINESS_CHANGED, &DDS_DataReaderListener::on_liveliness_changed},
-    {STATUS_SAMPLE_REJECTED, &DDS_DataReaderListener::on_sample_rejected},
-    {STATUS_SAMPLE_LOST, &DDS_DataReaderListener::on_sample_lost},
+    {DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS, &DDS_DataReaderListener::on_requested_incompatible_qos},
+    {DDS_REQUESTED_DEADLINE_MISSED_STATUS, &DDS_DataReaderListener::on_requested_deadline_missed},
+    {DDS_LIVELINESS_CHANGED_STATUS, &DDS_DataReaderListener::on_liveliness_changed},
+    {DDS_SAMPLE_REJECTED_STATUS, &DDS_DataReaderListener::on_sample_rejected},
+    {DDS_SAMPLE_LOST_STATUS, &DDS_DataReaderListener::on_sample_lost},
     {DDS_DATA_AVAILABLE_STATUS, &DDS_DataReaderListener::on_data_available},
 };
 

@@ -87,12 +87,25 @@ Data toData(const auto& endpoint) {
 // as well, which are left out.
 template <class Call>
 void forward(const char* context, const fast::DomainParticipant& self, const rtps::GUID_t& found, Call call) {
-    callLibrary(context, false, [&] {
+    inCallback(context, [&] {
         if (found.guidPrefix != self.guid().guidPrefix) {
             call();
         }
-        return true;
     });
+}
+
+template <class Data>
+using EndpointCallback = void (*)(void* listenerData, const Data* data, DDS_UnsignedLong instanceState);
+template <class Data>
+void forwardEndpoint(const char* context, const fast::DomainParticipant& self, const auto& endpoint,
+                     bool isRemoved, EndpointCallback<Data> callback, void* listenerData) {
+    if (callback != nullptr) {
+        forward(context, self, endpoint.guid(), [&] {
+            const auto data = toData<Data>(endpoint);
+            callback(listenerData, &data,
+                     isRemoved ? DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE : DDS_ALIVE_INSTANCE_STATE);
+        });
+    }
 }
 
 } // namespace
@@ -124,28 +137,16 @@ void DiscoveryBridge::on_participant_discovery(fast::DomainParticipant* particip
 
 void DiscoveryBridge::on_subscriber_discovery(fast::DomainParticipant* participant,
                                               rtps::ReaderDiscoveryInfo&& info) {
-    if (listener_.on_subscription != nullptr) {
-        forward(__func__, *participant, info.info.guid(), [&] {
-            const auto data = toData<DDS_SubscriptionBuiltinTopicData>(info.info);
-            listener_.on_subscription(listener_.listener_data, &data,
-                                      info.status == rtps::ReaderDiscoveryInfo::REMOVED_READER
-                                          ? DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE
-                                          : DDS_ALIVE_INSTANCE_STATE);
-        });
-    }
+    forwardEndpoint(__func__, *participant, info.info,
+                    info.status == rtps::ReaderDiscoveryInfo::REMOVED_READER, listener_.on_subscription,
+                    listener_.listener_data);
 }
 
 void DiscoveryBridge::on_publisher_discovery(fast::DomainParticipant* participant,
                                              rtps::WriterDiscoveryInfo&& info) {
-    if (listener_.on_publication != nullptr) {
-        forward(__func__, *participant, info.info.guid(), [&] {
-            const auto data = toData<DDS_PublicationBuiltinTopicData>(info.info);
-            listener_.on_publication(listener_.listener_data, &data,
-                                     info.status == rtps::WriterDiscoveryInfo::REMOVED_WRITER
-                                         ? DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE
-                                         : DDS_ALIVE_INSTANCE_STATE);
-        });
-    }
+    forwardEndpoint(__func__, *participant, info.info,
+                    info.status == rtps::WriterDiscoveryInfo::REMOVED_WRITER, listener_.on_publication,
+                    listener_.listener_data);
 }
 
 } // namespace zul

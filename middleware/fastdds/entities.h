@@ -26,23 +26,16 @@
 #include <string>
 #include <vector>
 
-namespace zul {
-
-// Takes a type's adapter out of the library's shared pointer, for as long as a wrapper needs it.
-using AdapterPtr = std::shared_ptr<TypeAdapter>;
-
-} // namespace zul
-
 struct DDS_Entity {};
 
 struct DDS_Topic {
     eprosima::fastdds::dds::Topic* topic = nullptr;
-    zul::AdapterPtr adapter;
+    std::shared_ptr<zul::TypeAdapter> adapter;
 };
 
 struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     eprosima::fastdds::dds::DataWriter* writer = nullptr;
-    zul::AdapterPtr adapter;
+    std::shared_ptr<zul::TypeAdapter> adapter;
     zul::BoundedWait wait; // for room, in a write
     zul::MatchedEndpoints matched;
     DDS_DataWriterListener listener{};
@@ -53,8 +46,10 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
 };
 
 struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
-    eprosima::fastdds::dds::DataReader* reader = nullptr;
-    zul::AdapterPtr adapter;
+    using Reader = eprosima::fastdds::dds::DataReader;
+
+    Reader* reader = nullptr;
+    std::shared_ptr<zul::TypeAdapter> adapter;
     zul::MatchedEndpoints matched;
     DDS_Long maxSamples = 0; // most samples of one read or take
     std::atomic<bool> leavesReadSamples{false};
@@ -66,21 +61,24 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     bool isEnabled() const { return reader->is_enabled(); }
     void note(DDS_StatusMask status);
     void tellOfLoss();
-    void on_data_available(eprosima::fastdds::dds::DataReader* reader) override;
-    void on_subscription_matched(eprosima::fastdds::dds::DataReader* reader,
-                                 const eprosima::fastdds::dds::SubscriptionMatchedStatus& status) override;
+    void on_subscription_matched(Reader*, const eprosima::fastdds::dds::SubscriptionMatchedStatus&) override;
+    void on_sample_rejected(Reader*, const eprosima::fastrtps::SampleRejectedStatus&) override;
+    void on_data_available(Reader*) override { note(DDS_DATA_AVAILABLE_STATUS); }
+    void on_requested_deadline_missed(Reader*,
+                                      const eprosima::fastrtps::RequestedDeadlineMissedStatus&) override {
+        note(DDS_REQUESTED_DEADLINE_MISSED_STATUS);
+    }
+    void on_liveliness_changed(Reader*, const eprosima::fastrtps::LivelinessChangedStatus&) override {
+        note(DDS_LIVELINESS_CHANGED_STATUS);
+    }
     void
-    on_requested_deadline_missed(eprosima::fastdds::dds::DataReader* reader,
-                                 const eprosima::fastrtps::RequestedDeadlineMissedStatus& status) override;
-    void on_liveliness_changed(eprosima::fastdds::dds::DataReader* reader,
-                               const eprosima::fastrtps::LivelinessChangedStatus& status) override;
-    void on_sample_rejected(eprosima::fastdds::dds::DataReader* reader,
-                            const eprosima::fastrtps::SampleRejectedStatus& status) override;
-    void on_requested_incompatible_qos(
-        eprosima::fastdds::dds::DataReader* reader,
-        const eprosima::fastdds::dds::RequestedIncompatibleQosStatus& status) override;
-    void on_sample_lost(eprosima::fastdds::dds::DataReader* reader,
-                        const eprosima::fastdds::dds::SampleLostStatus& status) override;
+    on_requested_incompatible_qos(Reader*,
+                                  const eprosima::fastdds::dds::RequestedIncompatibleQosStatus&) override {
+        note(DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS);
+    }
+    void on_sample_lost(Reader*, const eprosima::fastdds::dds::SampleLostStatus&) override {
+        note(DDS_SAMPLE_LOST_STATUS);
+    }
 };
 
 struct DDS_Publisher {
@@ -103,7 +101,7 @@ struct DDS_DomainParticipant final : DDS_Entity {
     eprosima::fastdds::dds::DomainParticipant* participant = nullptr;
     bool enabled = false; // its entities are; the library's participant is from the start
     DDS_DomainParticipantQos qos;
-    std::map<std::string, zul::AdapterPtr, std::less<>> types;
+    std::map<std::string, std::shared_ptr<zul::TypeAdapter>, std::less<>> types;
     std::vector<std::unique_ptr<DDS_Topic>> topics;
     std::vector<std::unique_ptr<DDS_Publisher>> publishers;
     std::vector<std::unique_ptr<DDS_Subscriber>> subscribers;

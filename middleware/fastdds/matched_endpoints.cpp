@@ -1,14 +1,10 @@
 #include "middleware/fastdds/matched_endpoints.h"
 
-#include <cstring>
-
 namespace zul {
 
 void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
     const std::lock_guard lock(mutex_);
-    std::erase_if(handles_, [&handle](const DDS_InstanceHandle_t& known) {
-        return std::memcmp(known.value, handle.value, sizeof(handle.value)) == 0;
-    });
+    std::erase(handles_, handle);
     if (change > 0) {
         handles_.push_back(handle);
     }

@@ -29,8 +29,8 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self) {
         const auto isEnabled = [](const auto& endpoint) {
             return endpoint->isEnabled();
         };
-        return std::all_of(participant->writers.begin(), participant->writers.end(), isEnabled) &&
-                       std::all_of(participant->readers.begin(), participant->readers.end(), isEnabled)
+        return std::ranges::all_of(participant->writers, isEnabled) &&
+                       std::ranges::all_of(participant->readers, isEnabled)
                    ? DDS_RETCODE_OK
                    : DDS_RETCODE_ERROR;
     });
@@ -106,9 +106,14 @@ Wrapper* adopt(const char* context, std::vector<std::unique_ptr<Wrapper>>& owner
     });
 }
 
-// What is created in an enabled participant is enabled at once, when its QoS says so.
-bool startsAtOnce(const DDS_DomainParticipant& participant) {
-    return participant.enabled && participant.qos.entity_factory.autoenable_created_entities != 0;
+// What is created in an enabled participant is enabled at once, when its QoS says so. False for null.
+template <class Entity>
+bool enableIfDue(Entity* entity, const DDS_DomainParticipant& participant) {
+    if (entity != nullptr && participant.enabled &&
+        participant.qos.entity_factory.autoenable_created_entities != 0) {
+        entity->enable();
+    }
+    return entity != nullptr;
 }
 
 } // namespace
@@ -120,10 +125,7 @@ DDS_Publisher* DDS_DomainParticipant_create_publisher(DDS_DomainParticipant* sel
     return adopt(__func__, self->publishers, [self](DDS_Publisher& publisher) {
         publisher.owner = self;
         publisher.publisher = self->participant->create_publisher(fast::PUBLISHER_QOS_DEFAULT);
-        if (publisher.publisher != nullptr && startsAtOnce(*self)) {
-            publisher.publisher->enable();
-        }
-        return publisher.publisher != nullptr;
+        return enableIfDue(publisher.publisher, *self);
     });
 }
 
@@ -134,10 +136,7 @@ DDS_Subscriber* DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant* s
     return adopt(__func__, self->subscribers, [self](DDS_Subscriber& subscriber) {
         subscriber.owner = self;
         subscriber.subscriber = self->participant->create_subscriber(fast::SUBSCRIBER_QOS_DEFAULT);
-        if (subscriber.subscriber != nullptr && startsAtOnce(*self)) {
-            subscriber.subscriber->enable();
-        }
-        return subscriber.subscriber != nullptr;
+        return enableIfDue(subscriber.subscriber, *self);
     });
 }
 

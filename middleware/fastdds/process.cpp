@@ -2,18 +2,31 @@
 // logged, so one is logged here, while signals are blocked.
 #include "middleware/dds/process.h"
 
-#include "middleware/base/standard_streams.h"
 #include "middleware/fastdds/library_call.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <fastdds/dds/log/Log.hpp>
+#include <fcntl.h>
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 using eprosima::fastdds::dds::Log;
 
 namespace {
+
+// Opens /dev/null on each standard descriptor that is closed: the next file or socket would get the number
+// otherwise, and output and log lines would go there. Where there is no /dev/null, nothing is done.
+void openStandardStreams() {
+    int descriptor = 0;
+    do {
+        descriptor = open("/dev/null", O_RDWR); // the lowest number that is free
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0) {
+        close(descriptor);
+    }
+}
 
 class LogBridge final : public eprosima::fastdds::dds::LogConsumer {
 public:
@@ -30,7 +43,7 @@ public:
 } // namespace
 
 void ZULProcess_takeOver() {
-    ZULStandardStreams_open();
+    openStandardStreams();
     // Without its thread the library's log keeps its lines: no failure of the program.
     zul::createInLibrary(__func__, false, [] {
         Log::ClearConsumers();

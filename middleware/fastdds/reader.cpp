@@ -1,8 +1,7 @@
-// Data reader: its statuses are noted for the delivery thread.
+// Data reader: what the library tells of it is noted for the delivery thread.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"
-#include "middleware/fastdds/status_bits.h"
 
 #include <fastrtps/xmlparser/XMLProfileManager.h>
 #include <string>
@@ -44,35 +43,17 @@ void DDS_DataReader::tellOfLoss() {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, "DDS_DataReader", ZUL_LOG_ANY_s, std::string_view(message));
     }
 }
-void DDS_DataReader::on_data_available(fast::DataReader* /*reader*/) {
-    note(DDS_DATA_AVAILABLE_STATUS);
-}
-void DDS_DataReader::on_subscription_matched(fast::DataReader* /*reader*/,
-                                             const fast::SubscriptionMatchedStatus& status) {
+
+void DDS_DataReader::on_subscription_matched(Reader*, const fast::SubscriptionMatchedStatus& status) {
     zul::inCallback(__func__, [&] {
         matched.update(zul::toHandle(status.last_publication_handle), status.current_count_change);
     });
     note(DDS_SUBSCRIPTION_MATCHED_STATUS);
 }
-void DDS_DataReader::on_requested_deadline_missed(fast::DataReader* /*reader*/,
-                                                  const eprosima::fastrtps::RequestedDeadlineMissedStatus&) {
-    note(zul::STATUS_REQUESTED_DEADLINE_MISSED);
-}
-void DDS_DataReader::on_liveliness_changed(fast::DataReader* /*reader*/,
-                                           const eprosima::fastrtps::LivelinessChangedStatus&) {
-    note(zul::STATUS_LIVELINESS_CHANGED);
-}
-void DDS_DataReader::on_sample_rejected(fast::DataReader* /*reader*/,
-                                        const eprosima::fastrtps::SampleRejectedStatus&) {
+
+void DDS_DataReader::on_sample_rejected(Reader*, const eprosima::fastrtps::SampleRejectedStatus&) {
     zul::inCallback(__func__, [this] { tellOfLoss(); });
-    note(zul::STATUS_SAMPLE_REJECTED);
-}
-void DDS_DataReader::on_requested_incompatible_qos(fast::DataReader* /*reader*/,
-                                                   const fast::RequestedIncompatibleQosStatus&) {
-    note(zul::STATUS_REQUESTED_INCOMPATIBLE_QOS);
-}
-void DDS_DataReader::on_sample_lost(fast::DataReader* /*reader*/, const fast::SampleLostStatus&) {
-    note(zul::STATUS_SAMPLE_LOST);
+    note(DDS_SAMPLE_REJECTED_STATUS);
 }
 
 DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic* topic,

@@ -1,6 +1,5 @@
 // Reading and taking: the library decodes into samples of the type's pool, which go out as loans or as
 // copies. Whatever may fail comes before samples are taken, because what is taken and not returned is lost.
-#include "middleware/dds/reading_rules.h"
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/pooled_samples.h"
@@ -12,6 +11,37 @@
 namespace fast = eprosima::fastdds::dds;
 
 namespace {
+
+constexpr const char* CONTEXT = "DDS_DataReader_read_or_take_untyped";
+
+// Nil comes before the one instance, and nothing after it, whatever else a handle may once have named.
+DDS_ReturnCode_t checkInstance(const DDS_ReadOrTakeParams& params) {
+    if (params.instances == DDS_ANY_INSTANCE) {
+        return DDS_RETCODE_OK;
+    }
+    if (params.handle == nullptr) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    if (params.instances == DDS_THIS_INSTANCE) {
+        return *params.handle == ZUL_HANDLE_KEYLESS_INSTANCE ? DDS_RETCODE_OK : DDS_RETCODE_BAD_PARAMETER;
+    }
+    return params.handle->isValid == 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA;
+}
+
+// What the standard asks of the arguments, and of the two sequences together.
+DDS_ReturnCode_t checkArguments(const DDS_DataSeqView& data, const DDS_SampleInfoSeq* infos,
+                                const DDS_ReadOrTakeParams& params) {
+    const bool isLimited = params.max_samples != DDS_LENGTH_UNLIMITED;
+    if (infos == nullptr || (isLimited && params.max_samples < 1)) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    ZULSequence::open(infos, CONTEXT);
+    const bool isPair =
+        data.length == infos->length && data.maximum == infos->maximum && data.has_ownership == infos->owned;
+    const bool hasRoom =
+        data.maximum == 0 || (data.has_ownership && !(isLimited && params.max_samples > data.maximum));
+    return isPair && hasRoom ? checkInstance(params) : DDS_RETCODE_PRECONDITION_NOT_MET;
+}
 
 // The default limit matches what the reader asks of its pool; `limit` is what one call may return.
 DDS_Long samplesToAskFor(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, DDS_Long limit) {
@@ -27,34 +57,16 @@ DDS_Long samplesToAskFor(const DDS_DataReader& self, const DDS_ReadOrTakeParams&
     return limit;
 }
 
-struct States {
-    fast::SampleStateMask sample;
-    fast::ViewStateMask view;
-    fast::InstanceStateMask instance;
-};
-
-DDS_ReturnCode_t statesOf(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, States& states) {
-    DDS_ReadCondition condition{params.sample_states, params.view_states, params.instance_states};
-    if (params.condition != nullptr && !self.conditions.find(params.condition, condition)) {
-        return DDS_RETCODE_PRECONDITION_NOT_MET;
-    }
-    states = {static_cast<fast::SampleStateMask>(condition.sampleStates),
-              static_cast<fast::ViewStateMask>(condition.viewStates),
-              static_cast<fast::InstanceStateMask>(condition.instanceStates)};
-    return DDS_RETCODE_OK;
-}
-
 // May throw when memory runs out, but not after samples were taken.
 DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, DDS_SampleInfoSeq* infos,
                             const DDS_ReadOrTakeParams& params, DDS_ReceivedSamples& received) {
-    constexpr const char* CONTEXT = "DDS_DataReader_read_or_take_untyped";
-    DDS_ReturnCode_t code = ZULReading_check(data, infos, params);
-    States states;
-    if (code == DDS_RETCODE_OK) {
-        code = statesOf(self, params, states);
+    const DDS_ReturnCode_t refusal = checkArguments(data, infos, params);
+    if (refusal != DDS_RETCODE_OK) {
+        return refusal;
     }
-    if (code != DDS_RETCODE_OK) {
-        return code;
+    DDS_ReadCondition states{params.sample_states, params.view_states, params.instance_states};
+    if (params.condition != nullptr && !self.conditions.find(params.condition, states)) {
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
     }
     const bool asLoan = data.maximum == 0;
     const DDS_Long limit = asLoan ? self.maxSamples : std::min(self.maxSamples, data.maximum);
@@ -71,10 +83,11 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, D
     fast::SampleInfoSeq libraryInfos;
     libraryInfos.length(samples.maximum()); // makes room
     libraryInfos.length(0);
-    code = zul::toReturnCode(
-        params.take
-            ? self.reader->take(samples, libraryInfos, room, states.sample, states.view, states.instance)
-            : self.reader->read(samples, libraryInfos, room, states.sample, states.view, states.instance));
+    const auto operation = params.take ? &fast::DataReader::take : &fast::DataReader::read;
+    const DDS_ReturnCode_t code = zul::toReturnCode((self.reader->*operation)(
+        samples, libraryInfos, room, static_cast<fast::SampleStateMask>(states.sampleStates),
+        static_cast<fast::ViewStateMask>(states.viewStates),
+        static_cast<fast::InstanceStateMask>(states.instanceStates)));
     if (code != DDS_RETCODE_OK) {
         return code;
     }
@@ -92,7 +105,7 @@ DDS_ReturnCode_t readOrTake(DDS_DataReader& self, const DDS_DataSeqView& data, D
     samples.release(filled);
     if (asLoan) {
         received.samples = filled.data();
-        ZULSequence::loan_contiguous(infos, filledInfos, count, count, CONTEXT);
+        ZULSequence::loan(infos, filledInfos, nullptr, count, count, CONTEXT);
         self.loans.keep(loan);
         return DDS_RETCODE_OK;
     }

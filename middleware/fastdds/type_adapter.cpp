@@ -62,17 +62,4 @@ std::function<uint32_t()> TypeAdapter::getSerializedSizeProvider(void* data) {
     };
 }
 
-void* TypeAdapter::createData() {
-    return getReaderSample();
-}
-
-void TypeAdapter::deleteData(void* data) {
-    returnReaderSample(data);
-}
-
-bool TypeAdapter::getKey(void* /*data*/, eprosima::fastrtps::rtps::InstanceHandle_t* /*handle*/,
-                         bool /*forceMd5*/) {
-    return false; // keyless
-}
-
 } // namespace zul

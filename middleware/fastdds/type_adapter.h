@@ -26,9 +26,10 @@ public:
     bool serialize(void* data, eprosima::fastrtps::rtps::SerializedPayload_t* payload) override;
     bool deserialize(eprosima::fastrtps::rtps::SerializedPayload_t* payload, void* data) override;
     std::function<uint32_t()> getSerializedSizeProvider(void* data) override;
-    void* createData() override;
-    void deleteData(void* data) override;
-    bool getKey(void* data, eprosima::fastrtps::rtps::InstanceHandle_t* handle, bool forceMd5) override;
+    void* createData() override { return getReaderSample(); }
+    void deleteData(void* data) override { returnReaderSample(data); }
+    // No type here has a key.
+    bool getKey(void*, eprosima::fastrtps::rtps::InstanceHandle_t*, bool) override { return false; }
 
 private:
     ZULTypePlugin plugin_;

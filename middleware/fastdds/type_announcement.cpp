@@ -27,38 +27,26 @@ constexpr std::uint16_t ENUM_BITS = 32;
 using Identifier = std::optional<types::TypeIdentifier>;
 using Object = std::optional<types::TypeObject>;
 
-types::octet primitiveKind(DDS_TCKind kind) {
-    switch (kind) {
-    case DDS_TK_BOOLEAN:
-        return types::TK_BOOLEAN;
-    case DDS_TK_OCTET:
-        return types::TK_BYTE;
-    case DDS_TK_SHORT:
-        return types::TK_INT16;
-    case DDS_TK_LONG:
-        return types::TK_INT32;
-    case DDS_TK_LONGLONG:
-        return types::TK_INT64;
-    case DDS_TK_USHORT:
-        return types::TK_UINT16;
-    case DDS_TK_ULONG:
-        return types::TK_UINT32;
-    case DDS_TK_ULONGLONG:
-        return types::TK_UINT64;
-    case DDS_TK_FLOAT:
-        return types::TK_FLOAT32;
-    case DDS_TK_DOUBLE:
-        return types::TK_FLOAT64;
-    case DDS_TK_LONGDOUBLE:
-        return types::TK_FLOAT128;
-    case DDS_TK_CHAR:
-        return types::TK_CHAR8;
-    case DDS_TK_WCHAR:
-        return types::TK_CHAR16;
-    default:
-        return types::TK_NONE;
-    }
-}
+// clang-format off
+constexpr struct {
+    DDS_TCKind kind;
+    types::octet described;
+} PRIMITIVES[] = {
+    {DDS_TK_BOOLEAN, types::TK_BOOLEAN},
+    {DDS_TK_OCTET, types::TK_BYTE},
+    {DDS_TK_SHORT, types::TK_INT16},
+    {DDS_TK_LONG, types::TK_INT32},
+    {DDS_TK_LONGLONG, types::TK_INT64},
+    {DDS_TK_USHORT, types::TK_UINT16},
+    {DDS_TK_ULONG, types::TK_UINT32},
+    {DDS_TK_ULONGLONG, types::TK_UINT64},
+    {DDS_TK_FLOAT, types::TK_FLOAT32},
+    {DDS_TK_DOUBLE, types::TK_FLOAT64},
+    {DDS_TK_LONGDOUBLE, types::TK_FLOAT128},
+    {DDS_TK_CHAR, types::TK_CHAR8},
+    {DDS_TK_WCHAR, types::TK_CHAR16},
+};
+// clang-format on
 
 types::TypeIdentifier identifyString(std::uint32_t bound) {
     types::TypeIdentifier identifier;
@@ -120,10 +108,12 @@ public:
         if (code->kind == DDS_TK_SEQUENCE) {
             return identifySequence(*code);
         }
-        if (const types::octet kind = primitiveKind(code->kind); kind != types::TK_NONE) {
-            types::TypeIdentifier identifier;
-            identifier._d(kind);
-            return identifier;
+        for (const auto& primitive : PRIMITIVES) {
+            if (primitive.kind == code->kind) {
+                types::TypeIdentifier identifier;
+                identifier._d(primitive.described);
+                return identifier;
+            }
         }
         // A type that contains itself has no such description.
         if (std::find(describing_.begin(), describing_.end(), code) != describing_.end()) {

@@ -19,22 +19,15 @@ constexpr std::size_t SHORT_PARAMETER_HEADER_SIZE = 4;
 constexpr std::size_t aligned(std::size_t at) {
     return at + ZULCdr_padding(at, 4);
 }
+// After a header that is always short, which only the smallest size counts as such.
 template <Bound bound>
-constexpr std::size_t listEnd(std::size_t at) {
+constexpr std::size_t afterShortHeader(std::size_t at) {
     return aligned(at) + (bound == Bound::MAXIMUM ? PARAMETER_HEADER_SIZE : SHORT_PARAMETER_HEADER_SIZE);
 }
 
-template <Bound bound>
-constexpr std::size_t endOf(Long, std::size_t at) {
-    return aligned(at) + 4;
-}
-template <Bound bound>
-constexpr std::size_t endOf(Boolean, std::size_t at) {
-    return at + 1;
-}
-template <Bound bound, class E>
-constexpr std::size_t endOf(Enum<E>, std::size_t at) {
-    return aligned(at) + 4;
+template <Bound bound, Scalar IdlType>
+constexpr std::size_t endOf(IdlType, std::size_t at) {
+    return std::is_same_v<IdlType, Boolean> ? at + 1 : aligned(at) + 4;
 }
 template <Bound bound, std::uint32_t Length>
 constexpr std::size_t endOf(String<Length>, std::size_t at) {
@@ -50,9 +43,7 @@ constexpr std::size_t endOf(StringSequence<Elements, Length>, std::size_t at) {
 }
 template <Bound bound, class Record>
 constexpr std::size_t endOf(Union<Record>, std::size_t at) {
-    constexpr std::size_t discriminatorHeader =
-        bound == Bound::MAXIMUM ? PARAMETER_HEADER_SIZE : SHORT_PARAMETER_HEADER_SIZE;
-    at = aligned(at) + discriminatorHeader + 4;
+    at = afterShortHeader<bound>(at) + 4; // the discriminator
     at = aligned(at) + PARAMETER_HEADER_SIZE;
     std::size_t end = 0;
     forEachMember<Record>([&end, at](auto type, const auto&) {
@@ -60,7 +51,7 @@ constexpr std::size_t endOf(Union<Record>, std::size_t at) {
         const bool better = end == 0 || (bound == Bound::MAXIMUM ? branchEnd > end : branchEnd < end);
         end = better ? branchEnd : end;
     });
-    return listEnd<bound>(end);
+    return afterShortHeader<bound>(end); // the end of the list
 }
 template <Bound bound, class Record>
 constexpr std::size_t endOf(Struct<Record>, std::size_t at) {
@@ -71,7 +62,7 @@ constexpr std::size_t endOf(Struct<Record>, std::size_t at) {
         }
         at = endOf<bound>(type, at);
     });
-    return isMutable ? listEnd<bound>(at) : at;
+    return isMutable ? afterShortHeader<bound>(at) : at;
 }
 
 // The size of a value from the given alignment; with an encapsulation header, that header (aligned to 2) and

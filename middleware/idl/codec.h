@@ -19,15 +19,13 @@ constexpr Allocation RESET_ONLY{1, 0, 0};
 
 // ---- encoding ----
 
-inline bool serialize(Long, ZULCdrOutput& stream, const DDS_Long& value, ZULParameterForm) {
+// Enumerators are not checked on writing.
+template <Scalar IdlType>
+bool serialize(IdlType, ZULCdrOutput& stream, const typename IdlType::Value& value, ZULParameterForm) {
     return stream.put32(static_cast<std::uint32_t>(value));
 }
 inline bool serialize(Boolean, ZULCdrOutput& stream, const DDS_Boolean& value, ZULParameterForm) {
     return stream.put8(value != 0 ? 1 : 0);
-}
-template <class E>
-bool serialize(Enum<E>, ZULCdrOutput& stream, const E& value, ZULParameterForm) {
-    return stream.put32(static_cast<std::uint32_t>(value)); // not checked on writing
 }
 template <std::uint32_t Bound>
 bool serialize(String<Bound>, ZULCdrOutput& stream, char* const& value, ZULParameterForm) {
@@ -55,9 +53,8 @@ bool serialize(StringSequence<Elements, Bound>, ZULCdrOutput& stream, const DDS_
 template <class Type>
 bool serializeParameter(Type type, ZULCdrOutput& stream, std::uint32_t id, const typename Type::Value& value,
                         ZULParameterForm headerForm, ZULParameterForm form) {
-    ZULParameterMark mark{};
-    return ZULCdrOutput_beginParameter(stream, id, headerForm, mark) &&
-           serialize(type, stream, value, form) && ZULCdrOutput_endParameter(stream, mark);
+    return ZULCdrOutput_putParameter(stream, id, headerForm,
+                                     [&] { return serialize(type, stream, value, form); });
 }
 
 template <class Record>
@@ -239,17 +236,14 @@ bool deserialize(Union<Record> type, ZULCdrInput& stream, Record& record) {
 
 // ---- skipping ----
 
-inline bool skip(Long, ZULCdrInput& stream) {
-    DDS_Long ignored = 0;
-    return deserialize(Long{}, stream, ignored);
+template <Scalar IdlType>
+bool skip(IdlType, ZULCdrInput& stream) {
+    std::uint32_t ignored = 0;
+    return stream.get32(ignored);
 }
 inline bool skip(Boolean, ZULCdrInput& stream) {
-    DDS_Boolean ignored = 0;
-    return deserialize(Boolean{}, stream, ignored);
-}
-template <class E>
-bool skip(Enum<E>, ZULCdrInput& stream) {
-    return skip(Long{}, stream);
+    std::uint8_t ignored = 0;
+    return stream.get8(ignored);
 }
 template <std::uint32_t Bound>
 bool skip(String<Bound>, ZULCdrInput& stream) {

@@ -21,11 +21,8 @@ using Deallocation = DDS_TypeDeallocationParams_t;
 
 constexpr const char* STRING_SEQUENCE = "DDS_StringSeq"; // context of what a string sequence refuses
 
-inline bool initialize(Long, DDS_Long& value, const Allocation&) {
-    value = 0;
-    return true;
-}
-inline bool initialize(Boolean, DDS_Boolean& value, const Allocation&) {
+template <Scalar IdlType>
+bool initialize(IdlType, typename IdlType::Value& value, const Allocation&) {
     value = 0;
     return true;
 }
@@ -63,8 +60,7 @@ bool initialize(StringSequence<Elements, Bound>, DDS_StringSeq& value, const All
     return true;
 }
 
-template <class IdlType>
-requires std::is_arithmetic_v<typename IdlType::Value> || std::is_enum_v<typename IdlType::Value>
+template <Scalar IdlType>
 void finalize(IdlType, typename IdlType::Value&) {}
 template <std::uint32_t Bound>
 void finalize(String<Bound>, char*& value) {
@@ -75,47 +71,31 @@ template <std::uint32_t Elements, std::uint32_t Bound>
 void finalize(StringSequence<Elements, Bound>, DDS_StringSeq& value) {
     ZULSequence::finalize(&value, STRING_SEQUENCE);
 }
-template <class Record>
-void finalize(Struct<Record>, Record& record) {
-    forEachMember(record, [](auto type, const auto&, auto& value) { finalize(type, value); });
-}
-template <class Record>
-void finalize(Union<Record>, Record& record) {
+template <Composite IdlType>
+void finalize(IdlType, typename IdlType::Value& record) {
     forEachMember(record, [](auto type, const auto&, auto& value) { finalize(type, value); });
 }
 
-template <class Record>
-bool initializeAll(Record& record, const Allocation& params) {
-    return forEachMember(
-        record, [&params](auto type, const auto&, auto& value) { return initialize(type, value, params); });
-}
-template <class Record>
-bool initialize(Struct<Record> type, Record& record, const Allocation& params) {
+// Of a union all branches are initialised, whichever the discriminator selects.
+template <Composite IdlType>
+bool initialize(IdlType type, typename IdlType::Value& record, const Allocation& params) {
     if (params.allocate_memory != 0) {
-        record = Record{};
+        record = {};
     }
-    if (initializeAll(record, params)) {
-        return true;
+    if constexpr (requires { record._d; }) {
+        using Described = Description<typename IdlType::Value>;
+        record._d = static_cast<decltype(record._d)>(Described::defaultDiscriminator);
     }
-    finalize(type, record);
-    return false;
-}
-// All branches are prepared, whichever the discriminator selects.
-template <class Record>
-bool initialize(Union<Record> type, Record& record, const Allocation& params) {
-    if (params.allocate_memory != 0) {
-        record = Record{};
+    const bool done = forEachMember(record, [&params](auto memberType, const auto&, auto& value) {
+        return initialize(memberType, value, params);
+    });
+    if (!done) {
+        finalize(type, record);
     }
-    record._d = static_cast<decltype(record._d)>(Description<Record>::defaultDiscriminator);
-    if (initializeAll(record, params)) {
-        return true;
-    }
-    finalize(type, record);
-    return false;
+    return done;
 }
 
-template <class IdlType>
-requires std::is_arithmetic_v<typename IdlType::Value> || std::is_enum_v<typename IdlType::Value>
+template <Scalar IdlType>
 bool prepare(IdlType, typename IdlType::Value&, const typename IdlType::Value*) {
     return true;
 }
@@ -163,8 +143,7 @@ bool prepare(Union<Record>, Record& destination, const Record* source) {
     });
 }
 
-template <class IdlType>
-requires std::is_arithmetic_v<typename IdlType::Value> || std::is_enum_v<typename IdlType::Value>
+template <Scalar IdlType>
 void assign(IdlType, typename IdlType::Value& destination, const typename IdlType::Value& source) {
     destination = source;
 }

@@ -18,10 +18,9 @@ constexpr std::size_t SHORT_FORM_LIMIT = 65536;
 
 template <class IdlType>
 inline constexpr bool travelsAsParameterList = false;
-template <class Record>
-inline constexpr bool travelsAsParameterList<Struct<Record>> = Description<Record>::form == WireForm::MUTABLE;
-template <class Record>
-inline constexpr bool travelsAsParameterList<Union<Record>> = true;
+template <Composite IdlType>
+inline constexpr bool travelsAsParameterList<IdlType> =
+    Description<typename IdlType::Value>::form == WireForm::MUTABLE;
 
 template <class IdlType>
 struct PluginOperations {
@@ -52,9 +51,10 @@ struct PluginOperations {
     }
 
     // ---- wire ----
-    static bool serializeSample(ZULEndpointData* data, const Value& sample, ZULCdrOutput& stream,
-                                bool serializeEncapsulation, std::uint16_t encapsulationId,
-                                bool serializeBody) {
+    // Flattened: calls that the compiler would leave inside cost a fifth of a small request's encoding.
+    [[gnu::flatten]] static bool serializeSample(ZULEndpointData* data, const Value& sample,
+                                                 ZULCdrOutput& stream, bool serializeEncapsulation,
+                                                 std::uint16_t encapsulationId, bool serializeBody) {
         const std::size_t previousOrigin = stream.origin;
         if (serializeEncapsulation) {
             if (!ZULEncapsulation_isValid(encapsulationId)) {
@@ -151,7 +151,7 @@ struct EndpointOperations {
 
     static ZULEndpointData* attach(ZULParticipantData*, const ZULEndpointInfo& info) {
         ZULEndpointData* data =
-            ZULEndpointData_new(info, {.createData = createSample, .destroyData = destroySample});
+            ZULEndpointData_new({.createData = createSample, .destroyData = destroySample});
         if (data == nullptr || info.kind != ZUL_ENDPOINT_WRITER) {
             return data;
         }

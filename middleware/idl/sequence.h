@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 // How a sequence treats one element. The primary template suits elements without owned memory; a type with
@@ -106,6 +107,10 @@ void reset(DDS_Sequence<T, Traits>& self) {
 
 inline bool refuse(const char* context, const ZULLogTemplate& message, const char* argument) {
     ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, message, argument);
+    return false;
+}
+inline bool refuseSpace(const char* context, DDS_Long available, DDS_Long needed) {
+    ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, available, needed);
     return false;
 }
 
@@ -225,8 +230,7 @@ bool set_length(DDS_Sequence<T, Traits>* self, DDS_Long length, const char* cont
         return false;
     }
     if (length < 0 || length > self->maximum) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, self->maximum, length);
-        return false;
+        return refuseSpace(context, self->maximum, length);
     }
     self->length = length;
     return true;
@@ -257,9 +261,11 @@ T* get_reference(const DDS_Sequence<T, Traits>* self, DDS_Long index, const char
     return &at(*self, index);
 }
 
+// Installs a buffer of the caller's, which must outlive the loan: of elements or, if that is null, of
+// pointers to them.
 template <class T, class Traits>
-bool checkLoan(const DDS_Sequence<T, Traits>* self, const void* buffer, DDS_Long length, DDS_Long maximum,
-               const char* context) {
+bool loan(DDS_Sequence<T, Traits>* self, std::type_identity_t<T>* contiguous,
+          std::type_identity_t<T>** discontiguous, DDS_Long length, DDS_Long maximum, const char* context) {
     if (!open(self, context)) {
         return false;
     }
@@ -270,38 +276,13 @@ bool checkLoan(const DDS_Sequence<T, Traits>* self, const void* buffer, DDS_Long
         return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "negative argument");
     }
     if (length > maximum) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, maximum, length);
-        return false;
+        return refuseSpace(context, maximum, length);
     }
-    if (buffer == nullptr && maximum > 0) {
+    if (contiguous == nullptr && discontiguous == nullptr && maximum > 0) {
         return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "NULL buffer can't have non-zero maximum");
     }
-    return true;
-}
-
-// Installs the caller's buffer, which must outlive the loan.
-template <class T, class Traits>
-bool loan_contiguous(DDS_Sequence<T, Traits>* self, T* buffer, DDS_Long length, DDS_Long maximum,
-                     const char* context) {
-    if (!checkLoan(self, buffer, length, maximum, context)) {
-        return false;
-    }
-    self->contiguous = buffer;
-    self->discontiguous = nullptr; // of an empty loan
-    self->maximum = maximum;
-    self->length = length;
-    self->owned = false;
-    return true;
-}
-
-template <class T, class Traits>
-bool loan_discontiguous(DDS_Sequence<T, Traits>* self, T** buffer, DDS_Long length, DDS_Long maximum,
-                        const char* context) {
-    if (!checkLoan(self, buffer, length, maximum, context)) {
-        return false;
-    }
-    self->contiguous = nullptr;
-    self->discontiguous = buffer;
+    self->contiguous = contiguous;
+    self->discontiguous = discontiguous;
     self->maximum = maximum;
     self->length = length;
     self->owned = false;
@@ -359,21 +340,21 @@ bool copyElements(DDS_Sequence<T, Traits>& self, const DDS_Sequence<T, Traits>& 
     return copied;
 }
 
+template <class T, class Traits>
+bool openForCopy(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source, const char* context) {
+    return open(self, context) &&
+           (source != nullptr ? open(source, context) : refuse(context, ZUL_LOG_BAD_PARAMETER_s, "src"));
+}
+
 // Copies the elements; the destination must have room for them. All or nothing.
 template <class T, class Traits>
 bool copy_no_alloc(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source,
                    const char* context) {
-    if (!open(self, context)) {
+    if (!openForCopy(self, source, context)) {
         return false;
     }
-    if (source == nullptr) {
-        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "src");
-    }
-    open(source, context);
     if (source->length > self->maximum) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_INSUFFICIENT_SPACE_dd, self->maximum,
-                          source->length);
-        return false;
+        return refuseSpace(context, self->maximum, source->length);
     }
     return prepareElements<T, Traits>(*self, *source, nullptr) && copyElements(*self, *source);
 }
@@ -381,13 +362,9 @@ bool copy_no_alloc(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>*
 // The same, growing an owned destination when needed.
 template <class T, class Traits>
 bool copy(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source, const char* context) {
-    if (!open(self, context)) {
+    if (!openForCopy(self, source, context)) {
         return false;
     }
-    if (source == nullptr) {
-        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "src");
-    }
-    open(source, context);
     const DDS_Long length = source->length;
     if (length <= self->maximum) {
         return copy_no_alloc(self, source, context);
@@ -406,35 +383,32 @@ bool copy(DDS_Sequence<T, Traits>* self, const DDS_Sequence<T, Traits>* source, 
 
 // ---- arrays ----
 
+// Runs a copy from or to an array of `length` elements: `copyView(view)` gets the array as a sequence.
+template <class T, class Traits, class CopyView>
+bool copyArray(const DDS_Sequence<T, Traits>* self, T* array, DDS_Long length, const char* context,
+               CopyView copyView) {
+    if (!open(self, context)) {
+        return false;
+    }
+    DDS_Sequence<T, Traits> view{};
+    if (!loan(&view, array, nullptr, length, length, context)) {
+        return refuse(context, ZUL_LOG_ANY_FAILURE_s, "loan contiguous array");
+    }
+    const bool copied = copyView(view) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "copying array sequence");
+    return (unloan(&view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "unloan contiguous array")) &&
+           copied;
+}
 // Copies `length` elements of an array into the sequence, or the sequence into an array with room for
 // `length` elements, which must be initialised records. All or nothing.
 template <class T, class Traits>
 bool from_array(DDS_Sequence<T, Traits>* self, const T* array, DDS_Long length, const char* context) {
-    if (!open(self, context)) {
-        return false;
-    }
-    DDS_Sequence<T, Traits> view{};
-    if (!loan_contiguous(&view, const_cast<T*>(array), length, length, context)) {
-        return refuse(context, ZUL_LOG_ANY_FAILURE_s, "loan contiguous array");
-    }
-    const bool copied =
-        copy(self, &view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "copying array sequence");
-    return (unloan(&view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "unloan contiguous array")) &&
-           copied;
+    return copyArray(self, const_cast<T*>(array), length, context,
+                     [self, context](const auto& view) { return copy(self, &view, context); });
 }
 template <class T, class Traits>
 bool to_array(const DDS_Sequence<T, Traits>* self, T* array, DDS_Long length, const char* context) {
-    if (!open(self, context)) {
-        return false;
-    }
-    DDS_Sequence<T, Traits> view{};
-    if (!loan_contiguous(&view, array, length, length, context)) {
-        return refuse(context, ZUL_LOG_ANY_FAILURE_s, "loan contiguous array");
-    }
-    const bool copied = copy_no_alloc(&view, self, context) ||
-                        refuse(context, ZUL_LOG_ANY_FAILURE_s, "copying array sequence");
-    return (unloan(&view, context) || refuse(context, ZUL_LOG_ANY_FAILURE_s, "unloan contiguous array")) &&
-           copied;
+    return copyArray(self, array, length, context,
+                     [self, context](auto& view) { return copy_no_alloc(&view, self, context); });
 }
 
 // ---- parameters and internals ----
@@ -460,33 +434,21 @@ bool get_params(const DDS_Sequence<T, Traits>* self, Params DDS_Sequence<T, Trai
     *params = self->*field;
     return true;
 }
-template <class T, class Traits>
-bool set_allocation_params(DDS_Sequence<T, Traits>* self, const DDS_TypeAllocationParams_t* params,
-                           const char* context) {
+template <class Params, class T, class Traits>
+bool set_params(DDS_Sequence<T, Traits>* self, Params DDS_Sequence<T, Traits>::*field, const Params* params,
+                const char* context) {
     if (!open(self, context)) {
         return false;
     }
     if (params == nullptr) {
         return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "params");
     }
-    if (self->maximum != 0) {
+    if (std::is_same_v<Params, DDS_TypeAllocationParams_t> && self->maximum != 0) {
         return refuse(
             context, ZUL_LOG_ASSERTION_s,
             "Member allocation parameters can be configured only when the maximum size of the sequence is 0");
     }
-    self->elementAllocation = *params;
-    return true;
-}
-template <class T, class Traits>
-bool set_deallocation_params(DDS_Sequence<T, Traits>* self, const DDS_TypeDeallocationParams_t* params,
-                             const char* context) {
-    if (!open(self, context)) {
-        return false;
-    }
-    if (params == nullptr) {
-        return refuse(context, ZUL_LOG_BAD_PARAMETER_s, "params");
-    }
-    self->elementDeallocation = *params;
+    self->*field = *params;
     return true;
 }
 template <class T, class Traits>

@@ -65,6 +65,3 @@ struct DDS_TypeCode {
 
 // The type code of a primitive kind (DDS_TK_SHORT to DDS_TK_OCTET); valid for ever. Null for another kind.
 const DDS_TypeCode* DDS_TypeCode_primitive(DDS_TCKind kind);
-
-// Same structure, names, bounds, ids, labels and flags, all the way down.
-bool DDS_TypeCode_equals(const DDS_TypeCode* left, const DDS_TypeCode* right);

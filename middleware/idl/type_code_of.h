@@ -5,6 +5,9 @@
 #include "middleware/idl/type_code.h"
 #include "middleware/idl/types.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace zul::idl {
 
 inline const DDS_TypeCode* typeCode(Long) {
@@ -28,38 +31,39 @@ const DDS_TypeCode* typeCode(StringSequence<Elements, Bound>) {
     return &code;
 }
 
-template <class Module>
-std::string scopedName(const char* name) {
-    return std::string(Module::scope) + "::" + name;
+// The code of a named type, still without its parts.
+template <class Described>
+DDS_TypeCode namedCode(DDS_TCKind kind) {
+    return {.kind = kind, .name = std::string(Described::Module::scope) + "::" + Described::name};
 }
 
 template <class Alias, std::uint32_t Bound>
 const DDS_TypeCode* typeCode(StringAlias<Alias, Bound>) {
-    static const DDS_TypeCode code{.kind = DDS_TK_ALIAS,
-                                   .name = scopedName<typename Alias::Module>(Alias::name),
-                                   .content = typeCode(String<Bound>{})};
+    static const DDS_TypeCode code = [] {
+        DDS_TypeCode built = namedCode<Alias>(DDS_TK_ALIAS);
+        built.content = typeCode(String<Bound>{});
+        return built;
+    }();
     return &code;
 }
 
-template <class Module>
-constexpr DDS_ExtensibilityKind announcedExtensibility(WireForm form) {
-    if (!Module::marksExtensibility || form == WireForm::EXTENSIBLE) {
+template <class Described>
+constexpr DDS_ExtensibilityKind announcedExtensibility() {
+    if (!Described::Module::marksExtensibility || Described::form == WireForm::EXTENSIBLE) {
         return DDS_EXTENSIBLE_EXTENSIBILITY;
     }
-    return form == WireForm::FINAL ? DDS_FINAL_EXTENSIBILITY : DDS_MUTABLE_EXTENSIBILITY;
+    return Described::form == WireForm::FINAL ? DDS_FINAL_EXTENSIBILITY : DDS_MUTABLE_EXTENSIBILITY;
 }
 
 template <class E>
 const DDS_TypeCode* typeCode(Enum<E>) {
     static const DDS_TypeCode code = [] {
         using Described = Description<E>;
-        DDS_TypeCode built{.kind = DDS_TK_ENUM,
-                           .name = scopedName<typename Described::Module>(Described::name)};
+        DDS_TypeCode built = namedCode<Described>(DDS_TK_ENUM);
         for (const Enumerator& enumerator : Described::enumerators) {
-            const auto position = static_cast<std::int32_t>(built.members.size());
             built.members.push_back({.name = std::string(Described::Module::enumeratorPrefix) +
                                              Described::enumeratorInfix + enumerator.name,
-                                     .id = position,
+                                     .id = static_cast<std::int32_t>(built.members.size()),
                                      .value = enumerator.value});
         }
         return built;
@@ -72,10 +76,8 @@ template <class Record>
 const DDS_TypeCode* typeCode(Struct<Record>) {
     static const DDS_TypeCode code = [] {
         using Described = Description<Record>;
-        DDS_TypeCode built{.kind = DDS_TK_STRUCT,
-                           .name = scopedName<typename Described::Module>(Described::name),
-                           .extensibility =
-                               announcedExtensibility<typename Described::Module>(Described::form)};
+        DDS_TypeCode built = namedCode<Described>(DDS_TK_STRUCT);
+        built.extensibility = announcedExtensibility<Described>();
         forEachMember<Record>([&built](auto type, const auto& member) {
             built.members.push_back({.name = member.name,
                                      .id = static_cast<std::int32_t>(member.id),
@@ -90,19 +92,13 @@ template <class Record>
 const DDS_TypeCode* typeCode(Union<Record>) {
     static const DDS_TypeCode code = [] {
         using Described = Description<Record>;
-        DDS_TypeCode built{.kind = DDS_TK_UNION,
-                           .name = scopedName<typename Described::Module>(Described::name),
-                           .extensibility =
-                               announcedExtensibility<typename Described::Module>(Described::form),
-                           .content = typeCode(typename Described::Discriminator{})};
+        DDS_TypeCode built = namedCode<Described>(DDS_TK_UNION);
+        built.extensibility = announcedExtensibility<Described>();
+        built.content = typeCode(typename Described::Discriminator{});
         forEachMember<Record>([&built](auto type, const auto& branch) {
             DDS_TypeCodeMember described{
                 .name = branch.name, .id = static_cast<std::int32_t>(branch.id), .type = typeCode(type)};
-            for (const DDS_Long label : branch.labels) {
-                if (label != 0) {
-                    described.labels.push_back(label);
-                }
-            }
+            std::ranges::remove_copy(branch.labels, std::back_inserter(described.labels), 0);
             built.members.push_back(std::move(described));
         });
         return built;

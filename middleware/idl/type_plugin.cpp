@@ -4,6 +4,8 @@
 
 #include "middleware/base/heap.h"
 
+#include <algorithm>
+#include <list>
 #include <mutex>
 #include <new>
 
@@ -13,80 +15,62 @@ namespace {
 
 // Objects of one kind, kept for reuse. Lent ones stay known, so that deleting the pool frees them too. What
 // an object needs here is allocated before it is made: nothing can fail when it comes back.
-template <class T>
 class Pool {
 public:
     // Null when memory is exhausted or `make` gives null.
     template <class Make>
-    T* get(Make make) {
+    void* get(Make make) {
         const std::lock_guard lock(mutex_);
-        Entry* entry = free_ != nullptr ? take(free_) : makeEntry(make);
-        if (entry == nullptr) {
+        if (free_.empty() && !add(make)) {
             return nullptr;
         }
-        push(lent_, entry);
-        return entry->object;
+        lent_.splice(lent_.begin(), free_, free_.begin());
+        return lent_.front();
     }
     // Tolerates null and what is not lent.
-    void put(const T* object) {
+    void put(const void* object) {
         const std::lock_guard lock(mutex_);
-        for (Entry** link = &lent_; *link != nullptr; link = &(*link)->next) {
-            if ((*link)->object == object) {
-                push(free_, take(*link));
-                return;
-            }
+        const auto place = std::ranges::find(lent_, object);
+        if (place != lent_.end()) {
+            free_.splice(free_.begin(), lent_, place);
         }
     }
+    // Only the deletion of the pool may follow.
     template <class Release>
-    void clear(Release release) {
-        for (Entry** list : {&lent_, &free_}) {
-            while (*list != nullptr) {
-                Entry* entry = take(*list);
-                release(entry->object);
-                ZULHeap_free(entry);
-            }
-        }
+    void releaseAll(Release release) {
+        std::ranges::for_each(lent_, release);
+        std::ranges::for_each(free_, release);
     }
 
 private:
-    struct Entry {
-        T* object;
-        Entry* next;
-    };
-
     template <class Make>
-    static Entry* makeEntry(Make make) {
-        auto* entry = ZULHeap_allocate<Entry>();
-        if (entry != nullptr && (entry->object = make()) == nullptr) {
-            ZULHeap_free(entry);
-            return nullptr;
+    bool add(Make make) {
+        try {
+            free_.push_front(nullptr);
+        } catch (const std::bad_alloc&) {
+            return false;
         }
-        return entry;
-    }
-    static void push(Entry*& list, Entry* entry) {
-        entry->next = list;
-        list = entry;
-    }
-    static Entry* take(Entry*& list) {
-        Entry* entry = list;
-        list = entry->next;
-        return entry;
+        free_.front() = make();
+        if (free_.front() == nullptr) {
+            free_.pop_front();
+        }
+        return !free_.empty();
     }
 
+    using Objects = std::list<void*, ZULHeapAllocator<void*>>;
     std::mutex mutex_;
-    Entry* lent_ = nullptr; // the last one lent comes first
-    Entry* free_ = nullptr;
+    Objects lent_; // the last one lent comes first
+    Objects free_;
 };
 
 } // namespace
 
 struct ZULEndpointData {
-    ZULEndpointInfo info;
     ZULEndpointDataOperations operations;
     std::size_t maxSerializedSize = 0;
     std::size_t bufferSize = 0;
-    Pool<void> samples{};
-    Pool<std::uint8_t> buffers{};
+    Pool samples{};
+    Pool buffers{};
 };
 
 ZULParticipantData* ZULParticipantData_new() {
@@ -97,16 +81,15 @@ void ZULParticipantData_delete(ZULParticipantData* data) {
     ZULHeap_free(data);
 }
 
-ZULEndpointData* ZULEndpointData_new(const ZULEndpointInfo& info,
-                                     const ZULEndpointDataOperations& operations) {
+ZULEndpointData* ZULEndpointData_new(const ZULEndpointDataOperations& operations) {
     void* memory = ZULHeap_allocate<ZULEndpointData>();
-    return memory == nullptr ? nullptr : new (memory) ZULEndpointData{.info = info, .operations = operations};
+    return memory == nullptr ? nullptr : new (memory) ZULEndpointData{.operations = operations};
 }
 
 void ZULEndpointData_delete(ZULEndpointData* data) {
     if (data != nullptr) {
-        data->samples.clear(data->operations.destroyData);
-        data->buffers.clear(ZULHeap_free);
+        data->samples.releaseAll(data->operations.destroyData);
+        data->buffers.releaseAll(ZULHeap_free);
         data->~ZULEndpointData();
         ZULHeap_free(data);
     }
@@ -136,9 +119,10 @@ bool ZULEndpointData_createBufferPool(ZULEndpointData* data, std::size_t maximum
 }
 
 std::uint8_t* ZULEndpointData_getBuffer(ZULEndpointData* data, std::size_t size) {
-    return size > data->bufferSize
-               ? nullptr
-               : data->buffers.get([data] { return ZULHeap_allocate<std::uint8_t>(data->bufferSize); });
+    const auto make = [data] {
+        return ZULHeap_allocate<std::uint8_t>(data->bufferSize);
+    };
+    return size > data->bufferSize ? nullptr : static_cast<std::uint8_t*>(data->buffers.get(make));
 }
 
 void ZULEndpointData_returnBuffer(ZULEndpointData* data, std::uint8_t* buffer) {

@@ -63,8 +63,7 @@ ZULParticipantData* ZULParticipantData_new();
 void ZULParticipantData_delete(ZULParticipantData* data);
 
 // Null when memory is exhausted. Thread-safe afterwards.
-ZULEndpointData* ZULEndpointData_new(const ZULEndpointInfo& info,
-                                     const ZULEndpointDataOperations& operations);
+ZULEndpointData* ZULEndpointData_new(const ZULEndpointDataOperations& operations);
 // Frees all samples and buffers, those still lent out included.
 void ZULEndpointData_delete(ZULEndpointData* data);
 

@@ -54,6 +54,10 @@ struct Union {
     using Value = Record;
 };
 
+// A number or an enumerator: a value without memory of its own.
+template <class IdlType>
+concept Scalar = std::is_arithmetic_v<typename IdlType::Value> || std::is_enum_v<typename IdlType::Value>;
+
 // How a struct travels.
 enum class WireForm {
     FINAL,      // members in order, all of them
@@ -68,6 +72,12 @@ enum class WireForm {
 // a `defaultDiscriminator`, and its members are branches.
 template <class T>
 struct Description;
+
+// A struct or a union.
+template <class IdlType>
+concept Composite = requires {
+    Description<typename IdlType::Value>::members;
+};
 
 // One member: its IDL type, and the path of member pointers that leads to it from the record. A struct's
 // members count their ids from 0.

@@ -1,6 +1,8 @@
 // A set of constant records by tag name, and the classes of the quality-of-service elements.
 #include "middleware/xml/extension_registry.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr ZULXMLExtensionClass BUILTIN_CLASSES[] = {
@@ -20,17 +22,11 @@ ZULXMLObject* ZULXMLExtensionClass_createPlain(const ZULXMLExtensionClass* self,
     return ZULXMLObject_new(self->tagName, name, parent, attributes);
 }
 
-void ZULXMLExtensionRegistry_initialize(ZULXMLExtensionRegistry* self) {
+bool ZULXMLExtensionRegistry_initialize(ZULXMLExtensionRegistry* self) {
     *self = {};
-}
-
-bool ZULXMLExtensionRegistry_addBuiltin(ZULXMLExtensionRegistry* self) {
-    for (const ZULXMLExtensionClass& extensionClass : BUILTIN_CLASSES) {
-        if (!ZULXMLExtensionRegistry_add(self, &extensionClass)) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::all_of(BUILTIN_CLASSES, [self](const ZULXMLExtensionClass& extensionClass) {
+        return ZULXMLExtensionRegistry_add(self, &extensionClass);
+    });
 }
 
 bool ZULXMLExtensionRegistry_add(ZULXMLExtensionRegistry* self, const ZULXMLExtensionClass* extensionClass) {

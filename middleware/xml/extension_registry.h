@@ -20,10 +20,8 @@ struct ZULXMLExtensionRegistry {
 ZULXMLObject* ZULXMLExtensionClass_createPlain(const ZULXMLExtensionClass* self, ZULXMLObject* parent,
                                                const char* name, std::span<const ZULXMLAttribute> attributes);
 
-// Starts an empty registry.
-void ZULXMLExtensionRegistry_initialize(ZULXMLExtensionRegistry* self);
-// Adds the classes of the quality-of-service elements. False when memory is exhausted.
-bool ZULXMLExtensionRegistry_addBuiltin(ZULXMLExtensionRegistry* self);
+// With the classes of the quality-of-service elements; false when memory is exhausted.
+bool ZULXMLExtensionRegistry_initialize(ZULXMLExtensionRegistry* self);
 // False when the tag name is taken or memory is exhausted.
 bool ZULXMLExtensionRegistry_add(ZULXMLExtensionRegistry* self, const ZULXMLExtensionClass* extensionClass);
 // The class of exactly that tag name, or null.

@@ -40,8 +40,7 @@ ZULXMLDocument* logged(ZULXMLDocument* document, const char* context) {
 } // namespace
 
 bool ZULXMLParser_initialize(ZULXMLParser* self) {
-    ZULXMLExtensionRegistry_initialize(&self->registry);
-    if (!ZULXMLExtensionRegistry_addBuiltin(&self->registry)) {
+    if (!ZULXMLExtensionRegistry_initialize(&self->registry)) {
         ZULXMLParser_finalize(self);
         return false;
     }

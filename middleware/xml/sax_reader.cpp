@@ -37,17 +37,133 @@ std::string qualified(const xmlChar* prefix, const xmlChar* name) {
 
 class Reader : public Guard {
 public:
-    Reader(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source);
+    Reader(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source)
+        : Guard(RULES, std::move(source)), document_(document), registry_(registry) {
+        if (parser() != nullptr) {
+            xmlSAXHandler& events = *parser()->sax;
+            events.startElementNs = onStartElement;
+            events.endElementNs = onEndElement;
+            events.characters = onCharacters;
+            events.ignorableWhitespace = onCharacters;
+            events.cdataBlock = onCharacters;
+            events.comment = [](void* context, const xmlChar*) {
+                of<Reader>(context).noteEvent();
+            };
+            events.processingInstruction = nullptr;
+            events.reference = nullptr;
+            events.internalSubset = nullptr;
+        }
+    }
 
 private:
     static void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix, const xmlChar*,
-                               int, const xmlChar**, int attributeCount, int, const xmlChar** attributes);
-    static void onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*);
-    static void onCharacters(void* context, const xmlChar* text, int length);
-    void startElement(const std::string& tag, int attributeCount, const xmlChar** attributes);
-    std::string ownName(const std::string& tag, const char* given);
+                               int, const xmlChar**, int attributeCount, int, const xmlChar** attributes) {
+        auto& reader = of<Reader>(context);
+        reader.noteEvent();
+        reader.protect(
+            [&] { reader.startElement(qualified(prefix, localName), attributeCount, attributes); });
+    }
+
+    void startElement(const std::string& tag, int attributeCount, const xmlChar** attributes) {
+        if (!keeps(DEPTH, texts_.size() + 1) || !keeps(ELEMENTS, ++elements_) || !keeps(TAG, tag.size())) {
+            return;
+        }
+        // Per attribute: local name, prefix, URI, begin and end of the value.
+        const auto count = static_cast<std::size_t>(attributeCount);
+        std::vector<std::pair<std::string, std::string>> texts;
+        std::vector<ZULXMLAttribute> borrowed;
+        texts.reserve(count); // and none moves
+        borrowed.reserve(count);
+        const char* given = nullptr;
+        for (std::size_t i = 0; i < count; ++i, attributes += 5) {
+            const auto& [name, value] =
+                texts.emplace_back(qualified(attributes[1], attributes[0]),
+                                   std::string(chars(attributes[3]), chars(attributes[4])));
+            borrowed.push_back({name.c_str(), value.c_str()});
+            given = name == "name" ? value.c_str() : given;
+        }
+        const std::string name = ownName(tag, given);
+        ZULXMLObject* object = name.empty() ? nullptr : createObject(tag, name, borrowed);
+        if (object == nullptr) {
+            return;
+        }
+        fullNames_ += std::string_view(object->fullName).size();
+        if (keeps(FULL_NAMES, fullNames_)) {
+            current_ = object;
+            texts_.emplace_back();
+        }
+    }
+
+    // The own name: what the attribute says, if no sibling has it; otherwise one is made up. Empty, after
+    // refusing, when the attribute cannot be used.
+    std::string ownName(const std::string& tag, const char* given) {
+        if (given != nullptr && (*given == '\0' || std::string_view(given).size() > ZUL_XML_NAME_MAX)) {
+            refuse("the attribute name of <" + tag + "> must have 1 to " + std::to_string(ZUL_XML_NAME_MAX) +
+                   " characters");
+            return {};
+        }
+        std::string name = given != nullptr ? given : tag;
+        const bool isFree =
+            current_ == nullptr || (given != nullptr && ZULXMLObject_findChild(current_, name) == nullptr);
+        if (!isFree) {
+            name += "#" + std::to_string(current_->children.count + 1);
+            // No two elements try the same names here, so each given name is met once at most.
+            while (ZULXMLObject_findChild(current_, name) != nullptr) {
+                name += '#';
+            }
+        }
+        return name;
+    }
+
     ZULXMLObject* createObject(const std::string& tag, const std::string& name,
-                               std::span<const ZULXMLAttribute> attributes);
+                               std::span<const ZULXMLAttribute> attributes) {
+        const ZULXMLExtensionClass* extensionClass =
+            registry_ != nullptr ? ZULXMLExtensionRegistry_find(registry_, tag.c_str()) : nullptr;
+        ZULXMLObject* object =
+            extensionClass != nullptr
+                ? extensionClass->create(extensionClass, current_, name.c_str(), attributes)
+                : ZULXMLObject_new(tag.c_str(), name.c_str(), current_, attributes);
+        if (object == nullptr) {
+            throw std::bad_alloc();
+        }
+        object->line = line();
+        object->context = &document_;
+        if (current_ == nullptr) {
+            return document_.root = object;
+        }
+        const ZULXMLInsertion insertion = ZULXMLObject_insertChild(current_, object);
+        if (insertion == ZUL_XML_INSERTED) {
+            return object;
+        }
+        ZULXMLObject_delete(object);
+        if (insertion == ZUL_XML_OUT_OF_MEMORY) {
+            throw std::bad_alloc();
+        }
+        refuse("the name '" + name + "' is used twice");
+        return nullptr;
+    }
+
+    static void onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+        auto& reader = of<Reader>(context);
+        reader.noteEvent();
+        reader.protect([&reader] {
+            const std::string_view text = trimmed(reader.texts_.back());
+            if (!text.empty() && !ZULXMLObject_setText(reader.current_, text)) {
+                throw std::bad_alloc();
+            }
+            reader.texts_.pop_back();
+            reader.current_ = reader.current_->parent;
+        });
+    }
+
+    static void onCharacters(void* context, const xmlChar* text, int length) {
+        auto& reader = of<Reader>(context);
+        reader.noteEvent();
+        if (!reader.texts_.empty()) {
+            reader.protect(
+                [&] { reader.texts_.back().append(chars(text), static_cast<std::size_t>(length)); });
+        }
+    }
 
     ZULXMLDocument& document_;
     const ZULXMLExtensionRegistry* registry_;
@@ -56,132 +172,6 @@ private:
     std::size_t elements_ = 0;
     std::size_t fullNames_ = 0; // bytes
 };
-
-Reader::Reader(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source)
-    : Guard(RULES, std::move(source)), document_(document), registry_(registry) {
-    if (parser() != nullptr) {
-        xmlSAXHandler& events = *parser()->sax;
-        events.startElementNs = onStartElement;
-        events.endElementNs = onEndElement;
-        events.characters = onCharacters;
-        events.ignorableWhitespace = onCharacters;
-        events.cdataBlock = onCharacters;
-        events.comment = [](void* context, const xmlChar*) {
-            of<Reader>(context).noteEvent();
-        };
-        events.processingInstruction = nullptr;
-        events.reference = nullptr;
-        events.internalSubset = nullptr;
-    }
-}
-
-void Reader::onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix, const xmlChar*,
-                            int, const xmlChar**, int attributeCount, int, const xmlChar** attributes) {
-    auto& reader = of<Reader>(context);
-    reader.noteEvent();
-    reader.protect([&] { reader.startElement(qualified(prefix, localName), attributeCount, attributes); });
-}
-
-void Reader::startElement(const std::string& tag, int attributeCount, const xmlChar** attributes) {
-    if (!keeps(DEPTH, texts_.size() + 1) || !keeps(ELEMENTS, ++elements_) || !keeps(TAG, tag.size())) {
-        return;
-    }
-    // Per attribute: local name, prefix, URI, begin and end of the value.
-    std::vector<std::pair<std::string, std::string>> pairs;
-    const char* given = nullptr;
-    pairs.reserve(static_cast<std::size_t>(attributeCount));
-    for (int i = 0; i < attributeCount; ++i, attributes += 5) {
-        pairs.emplace_back(qualified(attributes[1], attributes[0]),
-                           std::string(chars(attributes[3]), chars(attributes[4])));
-        if (pairs.back().first == "name") {
-            given = pairs.back().second.c_str();
-        }
-    }
-    std::vector<ZULXMLAttribute> borrowed;
-    borrowed.reserve(pairs.size());
-    for (const auto& [name, value] : pairs) {
-        borrowed.push_back({name.c_str(), value.c_str()});
-    }
-    const std::string name = ownName(tag, given);
-    ZULXMLObject* object = name.empty() ? nullptr : createObject(tag, name, borrowed);
-    if (object == nullptr) {
-        return;
-    }
-    fullNames_ += std::string_view(object->fullName).size();
-    if (keeps(FULL_NAMES, fullNames_)) {
-        current_ = object;
-        texts_.emplace_back();
-    }
-}
-
-// The own name: what the attribute says, if no sibling has it; otherwise one is made up. Empty, after
-// refusing, when the attribute cannot be used.
-std::string Reader::ownName(const std::string& tag, const char* given) {
-    if (given != nullptr && (*given == '\0' || std::string_view(given).size() > ZUL_XML_NAME_MAX)) {
-        refuse("the attribute name of <" + tag + "> must have 1 to " + std::to_string(ZUL_XML_NAME_MAX) +
-               " characters");
-        return {};
-    }
-    std::string name = given != nullptr ? given : tag;
-    const bool isFree =
-        current_ == nullptr || (given != nullptr && ZULXMLObject_findChild(current_, name) == nullptr);
-    if (!isFree) {
-        name += "#" + std::to_string(current_->children.count + 1);
-        // No two elements try the same names here, so each given name is met once at most.
-        while (ZULXMLObject_findChild(current_, name) != nullptr) {
-            name += '#';
-        }
-    }
-    return name;
-}
-
-ZULXMLObject* Reader::createObject(const std::string& tag, const std::string& name,
-                                   std::span<const ZULXMLAttribute> attributes) {
-    const ZULXMLExtensionClass* extensionClass =
-        registry_ != nullptr ? ZULXMLExtensionRegistry_find(registry_, tag.c_str()) : nullptr;
-    ZULXMLObject* object = extensionClass != nullptr
-                               ? extensionClass->create(extensionClass, current_, name.c_str(), attributes)
-                               : ZULXMLObject_new(tag.c_str(), name.c_str(), current_, attributes);
-    if (object == nullptr) {
-        throw std::bad_alloc();
-    }
-    object->line = line();
-    object->context = &document_;
-    if (current_ == nullptr) {
-        return document_.root = object;
-    }
-    const ZULXMLInsertion insertion = ZULXMLObject_insertChild(current_, object);
-    if (insertion == ZUL_XML_INSERTED) {
-        return object;
-    }
-    ZULXMLObject_delete(object);
-    if (insertion == ZUL_XML_OUT_OF_MEMORY) {
-        throw std::bad_alloc();
-    }
-    refuse("the name '" + name + "' is used twice");
-    return nullptr;
-}
-
-void Reader::onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
-    auto& reader = of<Reader>(context);
-    reader.noteEvent();
-    reader.protect([&reader] {
-        const std::string_view text = trimmed(reader.texts_.back());
-        if (!text.empty() && !ZULXMLObject_setText(reader.current_, text)) {
-            throw std::bad_alloc();
-        }
-        reader.texts_.pop_back();
-        reader.current_ = reader.current_->parent;
-    });
-}
-
-void Reader::onCharacters(void* context, const xmlChar* text, int length) {
-    auto& reader = of<Reader>(context);
-    reader.noteEvent();
-    if (!reader.texts_.empty()) {
-        reader.protect([&] { reader.texts_.back().append(chars(text), static_cast<std::size_t>(length)); });
-    }
-}
 
 } // namespace
 

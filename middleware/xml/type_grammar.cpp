@@ -107,9 +107,8 @@ void checkAttribute(const TypeElement& element, const ElementForm& form, const Z
 } // namespace
 
 void checkForm(const TypeElement& element) {
-    const auto* form = std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),
-                                    [&element](const ElementForm& row) { return row.tag == element.tag; });
     const std::string_view tag = element.tag;
+    const auto* form = std::ranges::find(ELEMENTS, tag, &ElementForm::tag);
     if (form == std::end(ELEMENTS)) {
         throw ZULXMLError{element.line, inBrackets(tag) + " has no place in a types section"};
     }

@@ -4,6 +4,7 @@
 
 #include "middleware/xml/parser.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <system_error>
 #include <utility>
@@ -24,12 +25,8 @@ const TypeReader::Definition TypeReader::DEFINITIONS[] = {
 };
 
 const TypeReader::Definition* TypeReader::findDefinition(std::string_view tag) {
-    for (const Definition& definition : DEFINITIONS) {
-        if (definition.tag == tag) {
-            return &definition;
-        }
-    }
-    return nullptr;
+    const auto* definition = std::ranges::find(DEFINITIONS, tag, &Definition::tag);
+    return definition != std::end(DEFINITIONS) ? definition : nullptr;
 }
 
 bool TypeReader::read(const TypeSections& sections) {

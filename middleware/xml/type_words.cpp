@@ -1,6 +1,7 @@
 // Integers are a magnitude and a sign, so that the limits of signed and unsigned 64-bit types compare.
 #include "middleware/xml/type_words.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -35,9 +36,7 @@ constexpr TypeWord WORDS[] = {
 
 // The one character of a UTF-8 text of up to three bytes; the document reader has checked the encoding.
 std::optional<Integer> parseCharacter(std::string_view text) {
-    if (text.size() == 3 && text.front() == '\'' && text.back() == '\'') {
-        text = text.substr(1, 1);
-    } else if (text.size() > 3 && text.front() == '\'' && text.back() == '\'') {
+    if (text.size() >= 3 && text.front() == '\'' && text.back() == '\'') {
         text = text.substr(1, text.size() - 2);
     }
     const auto byte = [text](std::size_t i) {
@@ -54,24 +53,19 @@ std::optional<Integer> parseCharacter(std::string_view text) {
     return Integer{false, code};
 }
 
-template <class Predicate>
-const TypeWord* findWhere(const Predicate& matches) {
-    for (const TypeWord& row : WORDS) {
-        if (matches(row)) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 const TypeWord* findTypeWord(std::string_view word) {
-    return findWhere([word](const TypeWord& row) { return row.word == word; });
+    const auto* row = std::ranges::find(WORDS, word, &TypeWord::word);
+    return row != std::end(WORDS) ? row : nullptr;
 }
 
 const TypeWord* discreteTypeWord(DDS_TCKind kind) {
-    return findWhere([kind](const TypeWord& row) { return row.kind == kind && row.isDiscrete(); });
+    const auto isWanted = [kind](const TypeWord& row) {
+        return row.kind == kind && row.isDiscrete();
+    };
+    const auto* row = std::ranges::find_if(WORDS, isWanted);
+    return row != std::end(WORDS) ? row : nullptr;
 }
 
 std::optional<Integer> parseInteger(std::string_view text) {

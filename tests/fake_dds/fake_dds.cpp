@@ -228,7 +228,7 @@ Code DDS_DataReader_read_or_take_untyped(DDS_DataReader*, const DDS_DataSeqView&
         loan.infos.emplace_back().valid_data = answer.isValid;
     }
     const auto count = static_cast<DDS_Long>(loan.samples.size());
-    ZULSequence::loan_contiguous(infos, loan.infos.data(), count, count, __func__);
+    ZULSequence::loan(infos, loan.infos.data(), nullptr, count, count, __func__);
     *received = {.is_loan = true, .samples = loan.samples.data(), .count = count};
     return DDS_RETCODE_OK;
 }

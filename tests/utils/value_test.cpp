@@ -43,8 +43,8 @@ TEST(Strings, SequencesThatDifferAndCountAsEqual) {
         DDS_StringSeq sequences[2]{};
         for (std::vector<char*>* texts : {&left, &right}) {
             const auto length = static_cast<DDS_Long>(texts->size());
-            EXPECT_TRUE(ZULSequence::loan_contiguous(&sequences[texts == &right], texts->data(), length,
-                                                     length, "test"));
+            EXPECT_TRUE(ZULSequence::loan(&sequences[texts == &right], texts->data(), nullptr, length, length,
+                                          "test"));
         }
         return ROUTERUtils_StringSeq_equals(&sequences[0], &sequences[1]);
     };
