@@ -1,9 +1,9 @@
-// The routing service's shell.
+// The shell of the product variant that ZUL_PRODUCT names.
 #include "middleware/dds/process.h"
 #include "product/product_info.h"
 #include "shell/entry.h"
 
 int main(int argumentCount, char** arguments) {
     ZULProcess_takeOver();
-    ZULProcess_exit(ROUTERShell_run(ROUTER_PRODUCT_ROUTING_SERVICE, argumentCount, arguments));
+    ZULProcess_exit(ROUTERShell_run(ZUL_PRODUCT, argumentCount, arguments));
 }
