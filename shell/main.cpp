@@ -1,4 +1,4 @@
-// The shell of the product variant that ZUL_PRODUCT names.
+// The shell of the product variant ZUL_PRODUCT, which the build names for each program.
 #include "middleware/dds/process.h"
 #include "product/product_info.h"
 #include "shell/entry.h"

@@ -7,7 +7,7 @@ namespace zul::practice {
 
 namespace {
 
-// Tells an upload of the client that has sent a request.
+// Whether an upload is of the client that has sent the request.
 auto isFromSenderOf(const Request& request) {
     return [&request](const Upload& upload) {
         return upload.writer == request.writer && upload.id.host == request.id.host &&
