@@ -47,12 +47,8 @@ inline constexpr Command COMMANDS[] = {
 
 // The row of a kind, or null for a value that is none.
 constexpr const Command* findCommand(std::int32_t kind) {
-    for (const Command& command : COMMANDS) {
-        if (command.kind == kind) {
-            return &command;
-        }
-    }
-    return nullptr;
+    const auto* found = std::ranges::find(COMMANDS, kind, &Command::kind);
+    return found != std::end(COMMANDS) ? found : nullptr;
 }
 
 // Where the branch of a command holds its name, or null: a member of the union, which owns it.

@@ -9,15 +9,14 @@
 namespace admin {
 
 // Only the routing module names entity names by a typedef.
-template <class ModuleOfAlias>
 struct EntityNameAlias {
-    using Module = ModuleOfAlias;
+    using Module = RoutingModule;
     static constexpr const char* name = "EntityName";
 };
 template <class Module>
-using EntityName = std::conditional_t<Module::declaresEntityName,
-                                      zul::idl::StringAlias<EntityNameAlias<Module>, ENTITY_NAME_BOUND>,
-                                      zul::idl::String<ENTITY_NAME_BOUND>>;
+using EntityName =
+    std::conditional_t<Module::declaresEntityName, zul::idl::StringAlias<EntityNameAlias, ENTITY_NAME_BOUND>,
+                       zul::idl::String<ENTITY_NAME_BOUND>>;
 using XmlContent = zul::idl::String<XML_CONTENT_BOUND>;
 using PeerList = zul::idl::StringSequence<PEER_LIST_BOUND, ENTITY_NAME_BOUND>;
 

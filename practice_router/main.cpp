@@ -61,24 +61,19 @@ sigset_t blockSignals() {
     return ending;
 }
 
-// One router with all that is its own. The parts end in reverse order; the thread
-// first, when its queue is closed.
+// One router with all that is its own. The parts end in reverse order; the thread first, when its queue
+// is closed.
 struct Instance {
     RequestQueue queue;
     Router router;
     Endpoints endpoints;
     Worker worker;
-    std::thread thread;
+    std::jthread thread;
 
     Instance(const std::string& name, const std::string& saveDirectory, const Options& options)
         : router(name, saveDirectory, options.countsOnly, queue.ending()),
           worker(router, queue, endpoints, options) {}
-    ~Instance() {
-        queue.close();
-        if (thread.joinable()) {
-            thread.join();
-        }
-    }
+    ~Instance() { queue.close(); }
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 };
@@ -88,8 +83,8 @@ int run(const Options& options, const Instances& instances) {
     const sigset_t ending = blockSignals();
     for (const auto& instance : instances) {
         std::string error;
-        if (!instance->endpoints.open(options.domain, instance->router.name(), options.faults,
-                                      instance->queue, error)) {
+        if (!instance->endpoints.open(options.domain, instance->router.name(), options, instance->queue,
+                                      error)) {
             return fail(EXIT_CANNOT_START, error);
         }
     }
@@ -98,7 +93,7 @@ int run(const Options& options, const Instances& instances) {
     std::printf("ready: %s%s in domain %d\n", first.c_str(), last.c_str(), static_cast<int>(options.domain));
     std::fflush(stdout);
     for (const auto& instance : instances) {
-        instance->thread = std::thread([&instance] { instance->worker.run(); });
+        instance->thread = std::jthread([&instance] { instance->worker.run(); });
     }
     int signalNumber = 0;
     sigwait(&ending, &signalNumber);

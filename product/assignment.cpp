@@ -27,13 +27,6 @@ bool isAssignment(std::string_view text) {
                                [text](const auto& entity) { return text.starts_with(entity.tag); });
 }
 
-void trimEnd(char* text) {
-    std::size_t length = std::strlen(text);
-    while (length > 0 && isSpace(text[length - 1])) {
-        text[--length] = '\0';
-    }
-}
-
 // Quotes around a value become blanks; the value is not trimmed.
 void blankQuotes(char* value) {
     const std::span<char> characters(value, std::strlen(value));
@@ -60,8 +53,11 @@ bool parse(char* text, Assignment& assignment) {
     if (equals == nullptr) {
         return false;
     }
-    *equals = '\0';
-    trimEnd(text);
+    char* nameEnd = equals;
+    while (nameEnd > text && isSpace(nameEnd[-1])) {
+        --nameEnd;
+    }
+    *nameEnd = '\0';
     blankQuotes(equals + 1);
     assignment.value = equals + 1;
 

@@ -4,6 +4,9 @@
 
 #include "middleware/base/log.h"
 
-extern const ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_REQUIRED_PARAMETER_s; // parameter name
-extern const ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETERS;
-extern const ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETER_s; // parameter name or argument
+inline constexpr ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_REQUIRED_PARAMETER_s{
+    0x21C3000, "command-line parameter '%s' is required\n"};
+inline constexpr ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETERS{0x21C3001,
+                                                                            "bad command-line parameters\n"};
+inline constexpr ZULLogTemplate ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETER_s{
+    0x21C3002, "bad command-line parameter '%s'\n"};

@@ -4,8 +4,7 @@
 #include "product/default_configuration.h"
 #include "product/dtd.h"
 
-// The names of one variant follow from its two spellings; only the service's own status and data types carry
-// its name.
+// Only the service's own status and data types carry its name.
 #define ZUL_ADMINISTRATION_NAMES(Camel, snake)                                                               \
     .administrationRequestTypeName = "ZUL::" Camel "::Administration::CommandRequest",                       \
     .administrationRequestTopicName = "zul/" snake "/administration/command_request",                        \

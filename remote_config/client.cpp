@@ -2,11 +2,8 @@
 #include "remote_config/client.h"
 
 #include "middleware/base/heap.h"
-#include "middleware/base/strings.h"
-#include "product/log_masks.h"
 #include "remote_config/log.h"
 
-#include <algorithm>
 #include <new>
 
 ROUTERRemoteConfigClient* ROUTERRemoteConfigClient_new(DDS_Long domainId, DDS_Long timeoutSeconds) {

@@ -1,9 +1,8 @@
 // Connecting and disconnecting: every DDS entity of the client, with its QoS.
 #include "admin_types/type_support.h"
-#include "middleware/base/log.h"
 #include "product/product_info.h"
 #include "remote_config/client.h"
-#include "remote_config/exchange.h"
+#include "remote_config/hand_over.h"
 #include "remote_config/log.h"
 #include "remote_config/response_listener.h"
 #include "utils/participant_qos.h"
@@ -199,7 +198,7 @@ bool ROUTERRemoteConfigClient_closeConnection(ROUTERRemoteConfigClient* self) {
     };
     // Deleting the entities waits for the listener, which must therefore not wait for a reader of
     // its response.
-    ROUTERRemoteConfigClient_releaseResponses(self);
+    zul::remote_config::HandOver(*self).close();
     if (self->participant != nullptr) {
         check(DDS_DomainParticipant_delete_contained_entities(self->participant) == DDS_RETCODE_OK,
               "participant contained entities");

@@ -7,10 +7,7 @@
 
 #include <string_view>
 
-using zul::remote_config::checkNames;
-using zul::remote_config::prepareRequest;
-using zul::remote_config::refuseArgument;
-using zul::remote_config::Sender;
+using namespace zul::remote_config;
 
 namespace {
 
@@ -20,9 +17,7 @@ bool send(ROUTERRemoteConfigClient& client, const Sender& sender, const char* ta
            ROUTERRemoteConfigClient_sendCommandRequest(&client, result, true);
 }
 
-// Fills the request's peer list in place; its length is set only as elements are stored, so a list without
-// any peer leaves the previous one. False when a piece is too long, there are too many, or memory
-// is exhausted.
+// In place: the list's length is set only as elements are stored (oddity 31). False: memory is exhausted.
 bool storePeer(DDS_StringSeq& peers, DDS_Long position, std::string_view peer) {
     constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendCommandAddPeer";
     if (!ZULSequence::ensure_length(&peers, position, position, CONTEXT)) {

@@ -2,20 +2,13 @@
 // when, and how a signal ends a wait, is in remote_config/hand_over.h.
 #include "remote_config/exchange.h"
 
+#include "admin_types/requests.h"
 #include "middleware/base/strings.h"
 #include "remote_config/hand_over.h"
 #include "remote_config/log.h"
 #include "remote_config/result_text.h"
 
-using zul::remote_config::HandOver;
-using zul::remote_config::Response;
-using zul::remote_config::WaitEnd;
-
-namespace {
-
-constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendEntityMessage"; // oddity 7
-
-} // namespace
+using namespace zul::remote_config;
 
 void ROUTERRemoteConfigClient_nextInvocation(ROUTERRemoteConfigClient* self) {
     HandOver(*self).nextRequest();
@@ -37,37 +30,26 @@ bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* s
     result->textBuffer[0] = '\0';
     result->text = nullptr;
     if (DDS_DataWriter_write(self->commandWriter, self->commandSample, &DDS_HANDLE_NIL) != DDS_RETCODE_OK) {
-        remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "write");
+        remoteConfigError(SEND, ZUL_LOG_ANY_FAILURE_s, "write");
         return false; // oddity 17
     }
     if (!wait || self->noResponseWait) {
         return true; // still waiting: an early response is kept for the next waiting send of this request
     }
-    zul::remote_config::ResultText text(*result);
+    ResultText text(*result);
     const WaitEnd end = HandOver(*self).await([result, &text](const Response& response) {
-        if (!text.append(response.message, CONTEXT)) {
+        if (!text.append(response.message, SEND)) {
             return false;
         }
         result->kind = response.kind;
         return true;
     });
-    switch (end) {
-    case WaitEnd::ANSWERED:
-        return true;
-    case WaitEnd::INTERRUPTED:
+    if (end == WaitEnd::INTERRUPTED) {
         ROUTERRemoteConfigClient_reportInterrupted(result);
-        return true;
-    case WaitEnd::TAKE_FAILED:
-        remoteConfigError(CONTEXT, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
-        return false;
-    case WaitEnd::TIMED_OUT:
-        remoteConfigWarning(CONTEXT, ZUL_LOG_ANY_s, "No response received");
-        return false;
-    case WaitEnd::GIVE_FAILED:
-    case WaitEnd::NOT_GATHERED:
-        break; // logged where it happened
+    } else if (end == WaitEnd::TIMED_OUT) {
+        remoteConfigWarning(SEND, ZUL_LOG_ANY_s, "No response received");
     }
-    return false;
+    return end == WaitEnd::ANSWERED || end == WaitEnd::INTERRUPTED;
 }
 
 void ROUTERRemoteConfigClient_reportInterrupted(ROUTERRemoteConfigResult* result) {
@@ -76,9 +58,8 @@ void ROUTERRemoteConfigClient_reportInterrupted(ROUTERRemoteConfigResult* result
 }
 
 bool ROUTERRemoteConfigClient_sendCommandAnnounce(ROUTERRemoteConfigClient* self) {
-    auto& request = *self->commandSample;
-    ZULString_copyBounded(request.target_router, admin::ENTITY_NAME_BOUND + 1, "*");
-    request.command._d = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE;
+    admin::fillNames(*self->commandSample, *admin::findCommand(ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE), "*",
+                     "");
     ROUTERRemoteConfigClient_nextInvocation(self);
     if (DDS_DataWriter_write(self->commandWriter, self->commandSample, &DDS_HANDLE_NIL) != DDS_RETCODE_OK) {
         remoteConfigError(__func__, ZUL_LOG_ANY_FAILURE_s, "write");
@@ -90,10 +71,6 @@ bool ROUTERRemoteConfigClient_sendCommandAnnounce(ROUTERRemoteConfigClient* self
 bool ROUTERRemoteConfigClient_abortResponseWait(ROUTERRemoteConfigClient* self) {
     HandOver(*self).abort();
     return true;
-}
-
-void ROUTERRemoteConfigClient_releaseResponses(ROUTERRemoteConfigClient* self) {
-    HandOver(*self).close();
 }
 
 bool ROUTERRemoteConfigClient_isResponseDestination(ROUTERRemoteConfigClient* self,

@@ -32,10 +32,6 @@ bool ROUTERRemoteConfigClient_abortResponseWait(ROUTERRemoteConfigClient* self);
 // Makes the result that of an interrupted wait.
 void ROUTERRemoteConfigClient_reportInterrupted(ROUTERRemoteConfigResult* result);
 
-// Ends the waiting state and releases a response that is being handed over, so that the listener does not
-// wait for a consumer that no longer comes.
-void ROUTERRemoteConfigClient_releaseResponses(ROUTERRemoteConfigClient* self);
-
 // Whether the response answers the current request, or is an unsolicited announcement to every shell.
 bool ROUTERRemoteConfigClient_isResponseDestination(
     ROUTERRemoteConfigClient* self, const ZUL_RoutingService_Administration_CommandResponse* response);

@@ -21,6 +21,9 @@ namespace zul::remote_config {
 
 using Response = ZUL_RoutingService_Administration_CommandResponse;
 
+// The context of what goes wrong in a send.
+constexpr const char* SEND = "ROUTERRemoteConfigClient_sendEntityMessage"; // oddity 7
+
 // What the hand-over is built on: the record that keeps the shared words, and the operations that the words
 // do not have themselves. A test puts its own in this place, to order them as it likes.
 struct ClientPlatform {
@@ -31,19 +34,17 @@ struct ClientPlatform {
         return ZULSemaphore_take(semaphore, deadline);
     }
     static ZULSemaphoreStatus give(ZULSemaphore* semaphore) { return ZULSemaphore_give(semaphore); }
-    static void pause();
+    static void pause() { ZULSleep(0, 1'000'000); } // nanoseconds
     static DDS_Long load(DDS_Long& word) { return std::atomic_ref(word).load(); }
     static void store(DDS_Long& word, DDS_Long value) { std::atomic_ref(word).store(value); }
 };
 
 // How a wait ended.
 enum class WaitEnd {
-    ANSWERED,     // the final response was gathered
-    INTERRUPTED,  // by H
-    TIMED_OUT,    // no response came within `responseTimeout`, which starts afresh for each
-    TAKE_FAILED,  // the semaphore failed
-    GIVE_FAILED,  // answered, but L could not be told that it may go on
-    NOT_GATHERED, // `gather` gave up
+    ANSWERED,    // the final response was gathered
+    INTERRUPTED, // by H
+    TIMED_OUT,   // no response came within `responseTimeout`, which starts afresh for each
+    FAILED,      // a semaphore failed, which is logged, or `gather` gave up
 };
 
 // A view of a record; made where it is needed.
@@ -54,180 +55,155 @@ public:
     explicit HandOver(Record& record, Platform platform = {}) : record_(record), platform_(platform) {}
 
     // S: counts the request's number up. Responses to the one before are not credited any more.
-    void nextRequest();
+    void nextRequest() {
+        DDS_Long& invocation = record_.commandSample->id.invocation;
+        // Counts as unsigned, so that the largest number is followed by the smallest.
+        const auto next = static_cast<DDS_UnsignedLong>(platform_.load(invocation)) + 1;
+        platform_.store(invocation, static_cast<DDS_Long>(next));
+    }
+
     // S: starts the waiting state. All that is sent until the next start belongs together.
     void begin() { record_.waitingForResponse.store(true); }
     // S: whether H has come since `begin`. For sends that belong together, before one of them is awaited.
     bool isInterrupted() const { return !record_.waitingForResponse.load(); }
+
     // S: passes each response to the request on to `bool gather(const Response&)` until one is final. The
     // response is valid during the call; false gives up. Leaves the waiting state.
     template <class Gather>
-    WaitEnd await(Gather gather);
+    WaitEnd await(Gather gather) {
+        bool released = true;
+        for (;;) {
+            const Response* response = nullptr;
+            const WaitEnd end = claimNext(response);
+            if (response == nullptr) {
+                return end;
+            }
+            const bool gathered = gather(*response);
+            const bool isLast = !gathered || response->is_final != 0;
+            if (isLast) {
+                // before L goes on, which drops what nobody waits for
+                record_.waitingForResponse.store(false);
+            }
+            released = giveTaken() && released;
+            if (isLast) {
+                return gathered && released ? WaitEnd::ANSWERED : WaitEnd::FAILED;
+            }
+        }
+    }
+
     // S: leaves the waiting state and lets L go, so that L does not wait for a consumer that will not come.
-    void close();
+    void close() {
+        record_.waitingForResponse.store(false);
+        discardPublished();
+    }
 
     // H: ends the waiting state, if there is one. Async-signal-safe.
-    void abort();
+    void abort() {
+        if (record_.waitingForResponse.exchange(false)) {
+            platform_.give(record_.responseReadySemaphore);
+        }
+    }
 
     // L: offers a response and returns when it may go back. One that nobody waits for returns at once.
-    void publish(const Response& response);
+    void publish(const Response& response) {
+        if (!record_.waitingForResponse.load() || !isAnswer(response) ||
+            response.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT) {
+            return;
+        }
+        record_.currentResponse.store(&response);
+        if (!record_.waitingForResponse.load() && withdraw(response)) {
+            return;
+        }
+        if (platform_.give(record_.responseReadySemaphore) != ZUL_SEMAPHORE_OK) {
+            remoteConfigError(LISTENER, ZUL_LOG_SEMAPHORE_GIVE_FAILURE);
+        }
+        platform_.pause();
+        awaitTaken(response);
+    }
 
     // Whether the response has the id of the current request.
-    bool isAnswer(const Response& response) const;
+    bool isAnswer(const Response& response) const {
+        auto& current = record_.commandSample->id;
+        const auto& id = response.id;
+        return id.host == current.host && id.app == current.app &&
+               id.invocation == platform_.load(current.invocation);
+    }
 
 private:
-    static constexpr const char* SEND = "ROUTERRemoteConfigClient_sendEntityMessage"; // an older name
     static constexpr const char* LISTENER =
         "ZUL_RoutingService_Administration_CommandResponseListener_on_data_available";
 
-    WaitEnd claimNext(const Response*& response);
-    bool giveTaken();
-    void discardPublished();
-    bool withdraw(const Response& response);
-    void awaitTaken(const Response& response);
+    // Sets `response` to the next one of the current request, which then owes a "taken", or leaves it null
+    // and says how the wait ended.
+    WaitEnd claimNext(const Response*& response) {
+        const ZULDeadline deadline = platform_.deadlineAfter(record_.responseTimeout);
+        for (;;) {
+            const ZULSemaphoreStatus status = platform_.take(record_.responseReadySemaphore, deadline);
+            const Response* claimed = record_.currentResponse.exchange(nullptr);
+            if (status == ZUL_SEMAPHORE_OK && record_.waitingForResponse.load()) {
+                if (claimed != nullptr && isAnswer(*claimed)) {
+                    response = claimed;
+                    return WaitEnd::ANSWERED;
+                }
+                if (claimed != nullptr) {
+                    giveTaken(); // it answers an earlier request
+                }
+                continue;
+            }
+            const bool wasInterrupted = !record_.waitingForResponse.exchange(false);
+            if (claimed != nullptr) {
+                giveTaken();
+            }
+            discardPublished();
+            if (wasInterrupted || status == ZUL_SEMAPHORE_TIMEOUT) {
+                return wasInterrupted ? WaitEnd::INTERRUPTED : WaitEnd::TIMED_OUT;
+            }
+            remoteConfigError(SEND, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
+            return WaitEnd::FAILED;
+        }
+    }
+
+    bool giveTaken() {
+        if (platform_.give(record_.responseTakenSemaphore) == ZUL_SEMAPHORE_OK) {
+            return true;
+        }
+        remoteConfigError(SEND, ZUL_LOG_SEMAPHORE_GIVE_FAILURE);
+        return false;
+    }
+
+    void discardPublished() {
+        if (record_.currentResponse.exchange(nullptr) != nullptr) {
+            giveTaken();
+        }
+    }
+
+    // Takes back a response that nobody has claimed. False when S has.
+    bool withdraw(const Response& response) {
+        const Response* expected = &response;
+        return record_.currentResponse.compare_exchange_strong(expected, nullptr);
+    }
+
+    void awaitTaken(const Response& response) {
+        const ZULSemaphoreStatus status =
+            platform_.take(record_.responseTakenSemaphore, platform_.deadlineAfter(record_.responseTimeout));
+        if (status == ZUL_SEMAPHORE_OK) {
+            return;
+        }
+        if (status == ZUL_SEMAPHORE_ERROR) {
+            remoteConfigError(LISTENER, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
+        } else {
+            remoteConfigError(LISTENER, ZUL_LOG_ANY_s, "timeout");
+        }
+        if (!withdraw(response)) {
+            // S is reading it: the loan must wait, but not for long.
+            platform_.take(record_.responseTakenSemaphore,
+                           platform_.deadlineAfter({.sec = ZUL_TIME_FOREVER_SEC, .frac = 0}));
+        }
+    }
 
     Record& record_;
     Platform platform_;
 };
-
-template <class Platform>
-void HandOver<Platform>::nextRequest() {
-    DDS_Long& invocation = record_.commandSample->id.invocation;
-    // Counts as unsigned, so that the largest number is followed by the smallest.
-    const auto next = static_cast<DDS_UnsignedLong>(platform_.load(invocation)) + 1;
-    platform_.store(invocation, static_cast<DDS_Long>(next));
-}
-
-template <class Platform>
-bool HandOver<Platform>::isAnswer(const Response& response) const {
-    auto& current = record_.commandSample->id;
-    const auto& id = response.id;
-    return id.host == current.host && id.app == current.app &&
-           id.invocation == platform_.load(current.invocation);
-}
-
-template <class Platform>
-template <class Gather>
-WaitEnd HandOver<Platform>::await(Gather gather) {
-    bool released = true;
-    for (;;) {
-        const Response* response = nullptr;
-        const WaitEnd end = claimNext(response);
-        if (response == nullptr) {
-            return end;
-        }
-        const bool gathered = gather(*response);
-        const bool isLast = !gathered || response->is_final != 0;
-        if (isLast) {
-            record_.waitingForResponse.store(false); // before L goes on, which drops what nobody waits for
-        }
-        released = giveTaken() && released;
-        if (isLast) {
-            return !gathered ? WaitEnd::NOT_GATHERED : released ? WaitEnd::ANSWERED : WaitEnd::GIVE_FAILED;
-        }
-    }
-}
-
-// Sets `response` to the next one of the current request, which then owes a "taken", or leaves it null and
-// says how the wait ended.
-template <class Platform>
-WaitEnd HandOver<Platform>::claimNext(const Response*& response) {
-    const ZULDeadline deadline = platform_.deadlineAfter(record_.responseTimeout);
-    for (;;) {
-        const ZULSemaphoreStatus status = platform_.take(record_.responseReadySemaphore, deadline);
-        const Response* claimed = record_.currentResponse.exchange(nullptr);
-        if (status == ZUL_SEMAPHORE_OK && record_.waitingForResponse.load()) {
-            if (claimed != nullptr && isAnswer(*claimed)) {
-                response = claimed;
-                return WaitEnd::ANSWERED;
-            }
-            if (claimed != nullptr) {
-                giveTaken(); // it answers an earlier request
-            }
-            continue;
-        }
-        const bool wasInterrupted = !record_.waitingForResponse.exchange(false);
-        if (claimed != nullptr) {
-            giveTaken();
-        }
-        discardPublished();
-        return wasInterrupted                    ? WaitEnd::INTERRUPTED
-               : status == ZUL_SEMAPHORE_TIMEOUT ? WaitEnd::TIMED_OUT
-                                                 : WaitEnd::TAKE_FAILED;
-    }
-}
-
-template <class Platform>
-bool HandOver<Platform>::giveTaken() {
-    if (platform_.give(record_.responseTakenSemaphore) == ZUL_SEMAPHORE_OK) {
-        return true;
-    }
-    remoteConfigError(SEND, ZUL_LOG_SEMAPHORE_GIVE_FAILURE);
-    return false;
-}
-
-template <class Platform>
-void HandOver<Platform>::discardPublished() {
-    if (record_.currentResponse.exchange(nullptr) != nullptr) {
-        giveTaken();
-    }
-}
-
-template <class Platform>
-void HandOver<Platform>::close() {
-    record_.waitingForResponse.store(false);
-    discardPublished();
-}
-
-template <class Platform>
-void HandOver<Platform>::abort() {
-    if (record_.waitingForResponse.exchange(false)) {
-        platform_.give(record_.responseReadySemaphore);
-    }
-}
-
-template <class Platform>
-void HandOver<Platform>::publish(const Response& response) {
-    if (!record_.waitingForResponse.load() || !isAnswer(response) ||
-        response.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT) {
-        return;
-    }
-    record_.currentResponse.store(&response);
-    if (!record_.waitingForResponse.load() && withdraw(response)) {
-        return;
-    }
-    if (platform_.give(record_.responseReadySemaphore) != ZUL_SEMAPHORE_OK) {
-        remoteConfigError(LISTENER, ZUL_LOG_SEMAPHORE_GIVE_FAILURE);
-    }
-    platform_.pause();
-    awaitTaken(response);
-}
-
-// Takes back a response that nobody has claimed. False when S has.
-template <class Platform>
-bool HandOver<Platform>::withdraw(const Response& response) {
-    const Response* expected = &response;
-    return record_.currentResponse.compare_exchange_strong(expected, nullptr);
-}
-
-template <class Platform>
-void HandOver<Platform>::awaitTaken(const Response& response) {
-    const ZULSemaphoreStatus status =
-        platform_.take(record_.responseTakenSemaphore, platform_.deadlineAfter(record_.responseTimeout));
-    if (status == ZUL_SEMAPHORE_OK) {
-        return;
-    }
-    if (status == ZUL_SEMAPHORE_ERROR) {
-        remoteConfigError(LISTENER, ZUL_LOG_SEMAPHORE_TAKE_FAILURE);
-    } else {
-        remoteConfigError(LISTENER, ZUL_LOG_ANY_s, "timeout");
-    }
-    if (!withdraw(response)) {
-        // S is reading it: the loan must wait, but not for long.
-        platform_.take(record_.responseTakenSemaphore,
-                       platform_.deadlineAfter({.sec = ZUL_TIME_FOREVER_SEC, .frac = 0}));
-    }
-}
 
 // The client's own is compiled once, in hand_over.cpp; a test includes this header for its own.
 extern template class HandOver<ClientPlatform>;

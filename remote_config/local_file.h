@@ -24,9 +24,8 @@ public:
     ROUTERLocalFile& operator=(const ROUTERLocalFile&) = delete;
 
     bool isOpen() const { return descriptor_ >= 0; }
-    // Fills `buffer` unless the file ends first; `length` is what was read, in bytes. Waits at most
-    // `patience` for a pipe's next data, and ends with an error when a signal arrives meanwhile. A pipe that
-    // nobody ever wrote to is an error, not an empty file.
+    // Fills `buffer` unless the file ends first; `length` is what was read, in bytes. A pipe that nobody ever
+    // wrote to is an error, not an empty file.
     ROUTERLocalFileStatus read(std::span<char> buffer, std::size_t& length);
 
 private:

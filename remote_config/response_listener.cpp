@@ -6,18 +6,12 @@
 #include "remote_config/hand_over.h"
 #include "remote_config/log.h"
 
-namespace {
-
-constexpr const char* CONTEXT = "ZUL_RoutingService_Administration_CommandResponseListener_on_data_available";
-
-} // namespace
-
 void ZUL_RoutingService_Administration_CommandResponseListener_on_data_available(void* listenerData,
                                                                                  DDS_DataReader* reader) {
     auto& client = *static_cast<ROUTERRemoteConfigClient*>(listenerData);
     auto* typed = ZUL_RoutingService_Administration_CommandResponseDataReader_narrow(reader);
     if (typed == nullptr) {
-        remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "data reader narrow");
+        remoteConfigError(__func__, ZUL_LOG_ANY_FAILURE_s, "data reader narrow");
         return;
     }
     ZUL_RoutingService_Administration_CommandResponseSeq responses{};
@@ -36,10 +30,10 @@ void ZUL_RoutingService_Administration_CommandResponseListener_on_data_available
         }
         if (ZUL_RoutingService_Administration_CommandResponseDataReader_return_loan(
                 typed, &responses, &infos) != DDS_RETCODE_OK) {
-            remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "return loan");
+            remoteConfigError(__func__, ZUL_LOG_ANY_FAILURE_s, "return loan");
         }
     } else if (code != DDS_RETCODE_NO_DATA) {
-        remoteConfigError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "take");
+        remoteConfigError(__func__, ZUL_LOG_ANY_FAILURE_s, "take");
     }
 }
 

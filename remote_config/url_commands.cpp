@@ -14,14 +14,12 @@
 #include <string>
 #include <string_view>
 
+using namespace zul::product;
+using namespace zul::remote_config;
+
 namespace {
 
 using Status = ROUTERUrlCommandStatus;
-using zul::product::FILE_SCHEME;
-using zul::product::INLINE_SCHEME;
-using zul::remote_config::prepareRequest;
-using zul::remote_config::refuseArgument;
-using zul::remote_config::Sender;
 
 constexpr const char* CONTEXT = "ROUTERRemoteConfigClient_sendUrlCommand";
 constexpr std::size_t PIECE = admin::XML_CONTENT_BOUND; // characters of one sample
@@ -33,6 +31,7 @@ struct Upload {
     ROUTERRemoteConfigResult* result;
     bool wait;
     bool hasBegun = false; // something was sent already whose interrupt ends this upload
+    Status status = ROUTER_URL_COMMAND_OK;
 
     ZUL_RoutingService_Administration_XmlUrl& xmlUrl() const {
         return client.commandSample->command._u.entity_desc.xml_url;
@@ -40,24 +39,23 @@ struct Upload {
     char* content() const { return xmlUrl().content; }
     void setContent(std::string_view text) const { ZULString_copyBounded(content(), PIECE + 1, text); }
 
-    // Sends `content`. Any status but OK, or an interrupted upload, ends it.
-    bool send(bool isFinal, Status& status) {
+    // Sends `content`. False: the upload ends, interrupted or with a bad status.
+    bool send(bool isFinal) {
         if (hasBegun && ROUTERRemoteConfigClient_isInterrupted(&client)) {
             ROUTERRemoteConfigClient_reportInterrupted(result);
-            status = ROUTER_URL_COMMAND_OK;
             return false;
         }
         xmlUrl().is_final = isFinal ? 1 : 0;
         const auto sendRequest = hasBegun ? ROUTERRemoteConfigClient_continueCommandRequest
                                           : ROUTERRemoteConfigClient_sendCommandRequest;
         hasBegun = true;
-        const bool sent = sendRequest(&client, result, isFinal && wait);
-        status = sent ? ROUTER_URL_COMMAND_OK : ROUTER_URL_COMMAND_SEND_ERROR;
-        return sent;
+        if (!sendRequest(&client, result, isFinal && wait)) {
+            status = ROUTER_URL_COMMAND_SEND_ERROR;
+        }
+        return status == ROUTER_URL_COMMAND_OK;
     }
     Status sendFinal() {
-        Status status = ROUTER_URL_COMMAND_OK;
-        send(true, status);
+        send(true);
         return status;
     }
 };
@@ -76,10 +74,9 @@ Status sendText(Upload& upload, std::string_view text) {
     }
     // oddity 11: a bare path this long
     for (; text.size() >= PIECE; text.remove_prefix(PIECE)) {
-        Status status = ROUTER_URL_COMMAND_OK;
         upload.setContent(text.substr(0, PIECE));
-        if (!upload.send(false, status)) {
-            return status;
+        if (!upload.send(false)) {
+            return upload.status;
         }
     }
     upload.setContent(text);
@@ -96,7 +93,6 @@ Status sendFile(Upload& upload, const char* path) {
         return ROUTER_URL_COMMAND_FILE_OPEN_ERROR;
     }
     char* content = upload.content();
-    Status status = ROUTER_URL_COMMAND_OK;
     for (;;) {
         std::size_t used = std::strlen(content);
         std::size_t added = 0;
@@ -109,8 +105,8 @@ Status sendFile(Upload& upload, const char* path) {
         if (read == ROUTER_LOCAL_FILE_END) {
             break;
         }
-        if (!upload.send(false, status)) {
-            return status;
+        if (!upload.send(false)) {
+            return upload.status;
         }
         content[0] = '\0';
     }

@@ -212,28 +212,13 @@ constexpr Command TABLE[] = {
 };
 // clang-format on
 
-} // namespace
-
-const std::span<const Command> COMMANDS = TABLE;
-
-} // namespace zul::shell
-
-using zul::shell::Command;
-using zul::shell::COMMANDS;
-using zul::shell::Outcome;
-
-namespace {
-
 const Command* findCommand(std::string_view word) {
-    const auto isNamed = [word](const char* name) {
-        return name != nullptr && ZULString_equalsIgnoreCase(name, word);
-    };
-    for (const Command& command : COMMANDS) {
-        if (std::ranges::any_of(command.names, isNamed)) {
-            return &command;
-        }
-    }
-    return nullptr;
+    const auto found = std::ranges::find_if(COMMANDS, [word](const Command& command) {
+        return std::ranges::any_of(command.names, [word](const char* name) {
+            return name != nullptr && ZULString_equalsIgnoreCase(name, word);
+        });
+    });
+    return found != COMMANDS.end() ? &*found : nullptr;
 }
 
 void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteConfigResult& result) {
@@ -258,6 +243,12 @@ void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteCon
 
 } // namespace
 
+const std::span<const Command> COMMANDS = TABLE;
+
+} // namespace zul::shell
+
+using namespace zul::shell;
+
 void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordCount) {
     const Command* command = findCommand(words[0]);
     if (command == nullptr) {
@@ -267,8 +258,7 @@ void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordC
     ROUTERRemoteConfigResult result{};
     ROUTERRemoteConfigResult_initialize(&result);
     result.kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR; // what a refused argument is printed as
-    const zul::shell::Line line{
-        .shell = *self, .words = {words, static_cast<std::size_t>(wordCount)}, .result = result};
+    const Line line{.shell = *self, .words = {words, static_cast<std::size_t>(wordCount)}, .result = result};
     const bool isCountRight =
         line.words.size() >= command->leastWords && line.words.size() <= command->mostWords;
     printOutcome(isCountRight ? command->run(line) : Outcome::SYNTAX_ERROR, *command, result);

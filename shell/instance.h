@@ -12,5 +12,5 @@ struct ROUTERShellInstance {
     ROUTERRemoteConfigClient client;
 };
 
-extern ROUTERShellInstance ROUTERShell_g_instance;
-extern int ROUTERShell_g_terminate; // 1 ends the loop at the next turn
+inline ROUTERShellInstance ROUTERShell_g_instance{};
+inline int ROUTERShell_g_terminate = 0; // 1 ends the loop at the next turn

@@ -5,9 +5,9 @@
 #include "middleware/base/heap.h"
 #include "middleware/base/strings.h"
 #include "middleware/base/version.h"
-#include "product/log_masks.h"
 #include "product/messages.h"
 #include "product/product_info.h"
+#include "remote_config/log.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,13 +24,8 @@ const char* const ROUTERShellParameterManager_g_parameterTypeDesc[3] = {"", "<st
 
 namespace {
 
-template <class... Arguments>
-void parameterError(const char* context, const ZULLogTemplate& message, const Arguments&... arguments) {
-    ROUTERLog_error(ROUTER_SUBMODULE_REMOTE_CONFIG, context, message, arguments...);
-}
-
 bool badParameter(const char* context, const char* name) {
-    parameterError(context, ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETER_s, name);
+    remoteConfigError(context, ROUTER_LOG_PARAMETER_MANAGER_BAD_PARAMETER_s, name);
     return false;
 }
 
@@ -52,11 +47,11 @@ ROUTERShellParameterManager* ROUTERShellParameterManager_new(int argumentCount,
                                                              const char* const* arguments) {
     auto* self = ZULHeap_allocate<ROUTERShellParameterManager>();
     if (self == nullptr) {
-        parameterError(__func__, ZUL_LOG_OUT_OF_HEAP_STRUCT_d, sizeof(ROUTERShellParameterManager));
+        remoteConfigError(__func__, ZUL_LOG_OUT_OF_HEAP_STRUCT_d, sizeof(ROUTERShellParameterManager));
         return nullptr;
     }
     if (!ROUTERShellParameterManager_initialize(self, argumentCount, arguments)) {
-        parameterError(__func__, ZUL_LOG_INIT_FAILURE_s, "parameter manager");
+        remoteConfigError(__func__, ZUL_LOG_INIT_FAILURE_s, "parameter manager");
         ZULHeap_free(self);
         return nullptr;
     }
@@ -91,7 +86,7 @@ bool ROUTERShellParameterManager_initialize(ROUTERShellParameterManager* self, i
     for (int slot = 0; slot < ROUTER_SHELL_PARAMETER_SLOTS; ++slot) {
         const ROUTERShellParameterDesc& row = ROUTERShellParameterManager_g_parameterDesc[slot];
         if (row.required != 0 && self->slots[slot].present == 0) {
-            parameterError(__func__, ROUTER_LOG_PARAMETER_MANAGER_REQUIRED_PARAMETER_s, row.name);
+            remoteConfigError(__func__, ROUTER_LOG_PARAMETER_MANAGER_REQUIRED_PARAMETER_s, row.name);
             return false;
         }
     }
@@ -136,11 +131,12 @@ void ROUTERShellParameterManager_delete(ROUTERShellParameterManager* self) {
 
 void ROUTERShellParameterManager_printHelp(const char* programName) {
     ROUTERShellParameterManager_printVersion();
-    std::printf("Usage: %s [options]...\n\nOptions:\n", programName);
-    std::printf(" -domainId  <integer>   Domain id for the remote configuration\n"
+    std::printf("Usage: %s [options]...\n\nOptions:\n"
+                " -domainId  <integer>   Domain id for the remote configuration\n"
                 " -timeout   <seconds>   Max time to wait a remote response\n"
                 " -cmdFile   <file>      Run commands in this file\n"
-                " -help                  Displays this information\n");
+                " -help                  Displays this information\n",
+                programName);
 }
 
 void ROUTERShellParameterManager_printUsage(const char* programName) {
@@ -150,10 +146,9 @@ void ROUTERShellParameterManager_printUsage(const char* programName) {
 void ROUTERShellParameterManager_printVersion() {
     const ZULProductVersion version = ZULProductVersion_get();
     const char* product = ROUTER_getProductInfo()->productName;
+    std::printf("%s Shell %d.%d%c", product, version.major, version.minor, version.release);
     if (version.revision > 0) {
-        std::printf("%s Shell %d.%d%c (rev %d)\n", product, version.major, version.minor, version.release,
-                    version.revision);
-    } else {
-        std::printf("%s Shell %d.%d%c\n", product, version.major, version.minor, version.release);
+        std::printf(" (rev %d)", version.revision);
     }
+    std::printf("\n");
 }

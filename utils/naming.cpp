@@ -6,10 +6,8 @@
 #include <cstring>
 #include <string_view>
 
-namespace {
-constexpr int COMPONENT_START = 4; // colons before the component text
-constexpr std::string_view SCOPE = "::";
-} // namespace
+static constexpr int COMPONENT_START = 4; // colons before the component text
+static constexpr std::string_view SCOPE = "::";
 
 char* ROUTERUtils_makeNameI(const char* serviceName, const char* qualifiedEntityName, int level) {
     if (serviceName == nullptr || qualifiedEntityName == nullptr || *qualifiedEntityName == '\0') {

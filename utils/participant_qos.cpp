@@ -9,9 +9,7 @@
 #include <cstring>
 #include <string_view>
 
-namespace {
-constexpr std::size_t PARTICIPANT_NAME_MAX = 254; // characters
-} // namespace
+static constexpr std::size_t PARTICIPANT_NAME_MAX = 254; // characters
 
 bool ROUTERUtils_setParticipantName(DDS_DomainParticipantQos* qos, const char* name, const char* qualifier,
                                     const char* suffix) {

@@ -2,4 +2,6 @@
 #pragma once
 
 // Always true: every platform that this library is built for has files.
-bool ROUTERUtils_isFileSystemSupported();
+inline bool ROUTERUtils_isFileSystemSupported() {
+    return true;
+}

@@ -24,8 +24,7 @@ const DDS_TypeCode* ROUTERUtils_getTypeCodeFromXML(ZULXMLDocument* document, con
     }
     const char* name = ROUTERUtils_removeScopeChars(typeName);
     const ZULXMLTypeDefinition definition = ZULXMLDocument_findType(document, name != nullptr ? name : "");
-    if (std::find(std::begin(TYPE_ELEMENTS), std::end(TYPE_ELEMENTS), definition.tag) ==
-        std::end(TYPE_ELEMENTS)) {
+    if (std::ranges::find(TYPE_ELEMENTS, definition.tag) == std::end(TYPE_ELEMENTS)) {
         return refuse(definition.line, "This is not a type definition");
     }
     return definition.code != nullptr ? definition.code : refuse(definition.line, "Bad type definition");

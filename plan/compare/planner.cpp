@@ -128,11 +128,11 @@ std::string pathIn(const std::string& parent, const xmlNode* entity) {
 }
 
 void checkElement(const xmlNode* element) {
-    const ContentModel* content = Definition::ofProduct().contentOf(tagOf(element));
-    if (content == nullptr) {
+    const Definition::Rule* rule = Definition::ofProduct().find(tagOf(element));
+    if (rule == nullptr) {
         refuse(element, " is not known");
     }
-    ContentModel::State state = content->begin();
+    ContentModel::State state = rule->content.begin();
     std::unordered_set<std::string> names;
     for (const xmlNode* child : elementsIn(element)) {
         const std::string name = levelOf(child) ? nameOf(child) : "";
@@ -140,15 +140,15 @@ void checkElement(const xmlNode* element) {
             (name.empty() || name.find(PATH_SEPARATOR) != std::string::npos || !names.insert(name).second)) {
             refuse(child, " has no name of its own, so no command can be for it");
         }
-        const auto next = content->after(state, tagOf(child));
+        const auto next = rule->content.after(state, tagOf(child));
         if (!next) {
-            refuse(child, " cannot stand here; expected " + content->expected(state));
+            refuse(child, " cannot stand here; expected " + rule->content.expected(state));
         }
         state = *next;
         checkElement(child);
     }
     if (!state.isComplete) {
-        refuse(element, " is not complete; expected " + content->expected(state));
+        refuse(element, " is not complete; expected " + rule->content.expected(state));
     }
 }
 
@@ -364,7 +364,7 @@ void play(const Step& step, xmlDoc* document, std::string_view configuration) {
         return;
     }
     Layout layout(document);
-    Children(entity, *Definition::ofProduct().contentOf(tagOf(entity)), layout).insert(root);
+    Children(entity, layout).insert(root);
 }
 
 Plan makePlan(const xmlDoc* running, const xmlDoc* wanted, std::string_view configuration) {

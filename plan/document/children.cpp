@@ -35,8 +35,8 @@ std::string identityOf(const xmlNode* element) {
     return textOf(element);
 }
 
-Children::Children(xmlNode* parent, const ContentModel& content, Layout& layout)
-    : parent_(parent), content_(content), layout_(layout) {
+Children::Children(xmlNode* parent, Layout& layout)
+    : parent_(parent), content_(Definition::ofProduct().find(tagOf(parent))->content), layout_(layout) {
     for (xmlNode* child : elementsIn(parent)) {
         note(child);
     }

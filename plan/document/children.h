@@ -19,8 +19,8 @@ std::string identityOf(const xmlNode* element);
 
 class Children {
 public:
-    // `content` is that of `parent`. All must outlive this.
-    Children(xmlNode* parent, const ContentModel& content, Layout& layout);
+    // `parent` is an element that the definition declares. Both must outlive this.
+    Children(xmlNode* parent, Layout& layout);
 
     // Null: there is none. Of several the last; names are those from before the merge.
     xmlNode* find(std::string_view tag, const std::string& identity) const;

@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <ranges>
+#include <memory>
 #include <utility>
 
 namespace zul::plan {
@@ -176,11 +176,6 @@ const Definition& Definition::ofProduct() {
     return *definition;
 }
 
-const ContentModel* Definition::contentOf(std::string_view tag) const {
-    const Rule* rule = find(tag);
-    return rule != nullptr ? &rule->content : nullptr;
-}
-
 const Definition::Rule* Definition::find(std::string_view tag) const {
     const auto rule = rules_.find(tag);
     return rule != rules_.end() ? &rule->second : nullptr;
@@ -197,8 +192,7 @@ void Definition::checkAttributes(const Rule& rule, const xmlNode* element, const
             continue;
         }
         const std::string_view name = toView(attribute->name);
-        const auto declared =
-            std::ranges::find_if(rule.attributes, [&](const Attribute& each) { return each.name == name; });
+        const auto declared = std::ranges::find(rule.attributes, name, &Attribute::name);
         if (declared == rule.attributes.end() || attribute->ns != nullptr) {
             std::vector<std::string> names;
             for (const Attribute& each : rule.attributes) {

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -85,8 +84,6 @@ public:
 
     // Null when an element is not declared.
     const Rule* find(std::string_view tag) const;
-    // How its content is made up; null when it is not declared.
-    const ContentModel* contentOf(std::string_view tag) const;
     // Reports everything that is wrong with the attributes of an element or the list of its children, and
     // nothing that follows from what was reported. What is inside the children is not looked at.
     static void check(const Rule& rule, const xmlNode* element, const Report& report);

@@ -4,6 +4,8 @@
 #include "plan/document/xml_nodes.h"
 #include "product/product_info.h"
 
+#include <algorithm>
+
 namespace zul::plan {
 
 namespace {
@@ -30,12 +32,8 @@ std::optional<EntityLevel> levelOf(const xmlNode* element) {
     if (tag == ROUTER_getProductInfo()->xmlTagName) {
         return EntityLevel::SERVICE;
     }
-    for (const auto& entity : product::ENTITY_KINDS) {
-        if (entity.tag == tag) {
-            return entity.level;
-        }
-    }
-    return std::nullopt;
+    const auto* kind = std::ranges::find(product::ENTITY_KINDS, tag, &product::EntityKind::tag);
+    return kind != std::end(product::ENTITY_KINDS) ? std::optional(kind->level) : std::nullopt;
 }
 
 std::string describeLevel(EntityLevel level) {

@@ -15,36 +15,6 @@ namespace zul::plan {
 
 namespace {
 
-// One merge: what it knows of the elements that it has come to.
-class Merge {
-public:
-    Merge(const xmlDoc* document, std::stop_token stop) : stop_(std::move(stop)), layout_(document) {}
-
-    void apply(xmlNode* entity, xmlNode* snippet);
-    void mergeChild(xmlNode* target, xmlNode* child);
-
-private:
-    Children& childrenOf(xmlNode* target);
-    void merge(xmlNode* target, xmlNode* source);
-    void mergeByNames(const Children& children, xmlNode* child);
-    void mergeUnmatched(xmlNode* target, xmlNode* child);
-    void checkRepetitions(const xmlNode* target, const xmlNode* source);
-
-    const Definition& definition_ = Definition::ofProduct();
-    const std::stop_token stop_;
-    Layout layout_;
-    std::unordered_map<xmlNode*, Children> children_;
-};
-
-Children& Merge::childrenOf(xmlNode* target) {
-    const auto found = children_.find(target);
-    // An accepted document holds only declared elements.
-    return found != children_.end()
-               ? found->second
-               : children_.try_emplace(target, target, *definition_.contentOf(tagOf(target)), layout_)
-                     .first->second;
-}
-
 // Blanks and line ends around a value do not count; typing leaves some.
 void trimValues(xmlNode* node) {
     if (firstChild(node) == nullptr) {
@@ -72,107 +42,125 @@ void mergeLeaf(xmlNode* target, const xmlNode* source) {
     }
 }
 
-// An element that the definition wants once must not be given twice. Which of two values counts would depend
-// on their order.
-void Merge::checkRepetitions(const xmlNode* target, const xmlNode* source) {
-    const ContentModel& content = *definition_.contentOf(tagOf(target));
-    std::set<std::string_view> tags;
-    for (xmlNode* child : elementsIn(source)) {
-        const std::string_view tag = tagOf(child);
-        if (!tags.insert(tag).second && definition_.contentOf(tag) != nullptr && !content.repeats(tag)) {
-            throw Refusal{"line " + std::to_string(lineOf(child)) + " of the update: a second " +
-                          shortened(tag) + " in " + describe(target) + "; expected one"};
-        }
-    }
-}
+// One merge: what it knows of the elements that it has come to.
+class Merge {
+public:
+    Merge(const xmlDoc* document, std::stop_token stop) : stop_(std::move(stop)), layout_(document) {}
 
-void Merge::merge(xmlNode* target, xmlNode* source) {
-    if (stop_.stop_requested()) {
-        throw Refusal{STOPPED};
-    }
-    if (definition_.contentOf(tagOf(target)) == nullptr) {
-        throw Refusal{describe(target) + " is not known"};
-    }
-    mergeAttributes(target, source);
-    xmlNode* child = firstChild(source);
-    if (child == nullptr) {
-        mergeLeaf(target, source);
-        return;
-    }
-    checkRepetitions(target, source);
-    while (child != nullptr) {
-        xmlNode* next = nextElement(child); // before it is moved away
-        mergeChild(target, child);
-        child = next;
-    }
-}
-
-// Several elements have the tag: each next tag must be the name of one of them.
-void Merge::mergeByNames(const Children& children, xmlNode* child) {
-    xmlNode* part = firstChild(child);
-    do {
-        xmlNode* named = part != nullptr ? children.find(tagOf(child), std::string(tagOf(part))) : nullptr;
-        if (named == nullptr) {
-            throw Refusal{"several elements " + describe(child) + " match; name the one that is meant"};
-        }
-        merge(named, part);
-        part = nextElement(part);
-    } while (part != nullptr);
-}
-
-// No element has the tag: it may be a name, or a setting that was not there before.
-void Merge::mergeUnmatched(xmlNode* target, xmlNode* child) {
-    const std::string_view tag = tagOf(child);
-    if (!levelOf(child)) {
-        const bool isTarget = levelOf(target) && nameOf(target) == tag;
-        if (xmlNode* named = isTarget ? target : childrenOf(target).findEntity(tag)) {
-            merge(named, child);
+    void apply(xmlNode* entity, xmlNode* snippet) {
+        trimValues(snippet);
+        const std::string_view tag = tagOf(snippet);
+        const std::string name = nameOf(snippet);
+        if (levelOf(entity) == EntityLevel::SERVICE && tag == tagOf(entity->parent)) {
+            merge(entity->parent, snippet);
             return;
         }
+        if (tag == tagOf(entity) && (name.empty() || name == nameOf(entity))) {
+            merge(entity, snippet);
+            return;
+        }
+        const bool isInside = name.empty() ? childrenOf(entity).findLast(tag) != nullptr
+                                           : childrenOf(entity).find(tag, name) != nullptr;
+        if (levelOf(snippet) && !isInside) {
+            throw Refusal{describe(snippet) + " matches nothing in " + describe(entity)};
+        }
+        mergeChild(entity, snippet);
     }
-    if (levelOf(child) || definition_.contentOf(tag) == nullptr) {
-        throw Refusal{describe(child) + " matches nothing in " + describe(target) +
-                      (levelOf(child) ? "; use create for a new entity" : "")};
-    }
-    childrenOf(target).insert(child);
-}
 
-void Merge::mergeChild(xmlNode* target, xmlNode* child) {
-    const std::string_view tag = tagOf(child);
-    const std::string identity = identityOf(child);
-    const Children& children = childrenOf(target);
-    if (identity.empty() && levelOf(child) && children.hasSeveral(tag)) {
-        mergeByNames(children, child);
-        return;
+    void mergeChild(xmlNode* target, xmlNode* child) {
+        const std::string_view tag = tagOf(child);
+        const std::string identity = identityOf(child);
+        const Children& children = childrenOf(target);
+        if (identity.empty() && levelOf(child) && children.hasSeveral(tag)) {
+            mergeByNames(children, child);
+            return;
+        }
+        // Of a repeated setting the last one counts.
+        xmlNode* found = identity.empty() ? children.findLast(tag) : children.find(tag, identity);
+        if (found != nullptr) {
+            merge(found, child);
+        } else {
+            mergeUnmatched(target, child);
+        }
     }
-    // Of a repeated setting the last one counts.
-    xmlNode* found = identity.empty() ? children.findLast(tag) : children.find(tag, identity);
-    if (found != nullptr) {
-        merge(found, child);
-    } else {
-        mergeUnmatched(target, child);
-    }
-}
 
-void Merge::apply(xmlNode* entity, xmlNode* snippet) {
-    trimValues(snippet);
-    const std::string_view tag = tagOf(snippet);
-    const std::string name = nameOf(snippet);
-    if (levelOf(entity) == EntityLevel::SERVICE && tag == tagOf(entity->parent)) {
-        merge(entity->parent, snippet);
-        return;
+private:
+    Children& childrenOf(xmlNode* target) {
+        // An accepted document holds only declared elements.
+        return children_.try_emplace(target, target, layout_).first->second;
     }
-    if (tag == tagOf(entity) && (name.empty() || name == nameOf(entity))) {
-        merge(entity, snippet);
-        return;
+
+    void merge(xmlNode* target, xmlNode* source) {
+        if (stop_.stop_requested()) {
+            throw Refusal{STOPPED};
+        }
+        if (definition_.find(tagOf(target)) == nullptr) {
+            throw Refusal{describe(target) + " is not known"};
+        }
+        mergeAttributes(target, source);
+        xmlNode* child = firstChild(source);
+        if (child == nullptr) {
+            mergeLeaf(target, source);
+            return;
+        }
+        checkRepetitions(target, source);
+        while (child != nullptr) {
+            xmlNode* next = nextElement(child); // before it is moved away
+            mergeChild(target, child);
+            child = next;
+        }
     }
-    const bool isInside = name.empty() ? childrenOf(entity).findLast(tag) != nullptr
-                                       : childrenOf(entity).find(tag, name) != nullptr;
-    if (levelOf(snippet) && !isInside) {
-        throw Refusal{describe(snippet) + " matches nothing in " + describe(entity)};
+
+    // An element that the definition wants once must not be given twice. Which of two values counts would
+    // depend on their order.
+    void checkRepetitions(const xmlNode* target, const xmlNode* source) {
+        const ContentModel& content = definition_.find(tagOf(target))->content;
+        std::set<std::string_view> tags;
+        for (xmlNode* child : elementsIn(source)) {
+            const std::string_view tag = tagOf(child);
+            if (!tags.insert(tag).second && definition_.find(tag) != nullptr && !content.repeats(tag)) {
+                throw Refusal{"line " + std::to_string(lineOf(child)) + " of the update: a second " +
+                              shortened(tag) + " in " + describe(target) + "; expected one"};
+            }
+        }
     }
-    mergeChild(entity, snippet);
-}
+
+    // Several elements have the tag: each next tag must be the name of one of them.
+    void mergeByNames(const Children& children, xmlNode* child) {
+        xmlNode* part = firstChild(child);
+        do {
+            xmlNode* named =
+                part != nullptr ? children.find(tagOf(child), std::string(tagOf(part))) : nullptr;
+            if (named == nullptr) {
+                throw Refusal{"several elements " + describe(child) + " match; name the one that is meant"};
+            }
+            merge(named, part);
+            part = nextElement(part);
+        } while (part != nullptr);
+    }
+
+    // No element has the tag: it may be a name, or a setting that was not there before.
+    void mergeUnmatched(xmlNode* target, xmlNode* child) {
+        const std::string_view tag = tagOf(child);
+        if (!levelOf(child)) {
+            const bool isTarget = levelOf(target) && nameOf(target) == tag;
+            if (xmlNode* named = isTarget ? target : childrenOf(target).findEntity(tag)) {
+                merge(named, child);
+                return;
+            }
+        }
+        if (levelOf(child) || definition_.find(tag) == nullptr) {
+            throw Refusal{describe(child) + " matches nothing in " + describe(target) +
+                          (levelOf(child) ? "; use create for a new entity" : "")};
+        }
+        childrenOf(target).insert(child);
+    }
+
+    const Definition& definition_ = Definition::ofProduct();
+    const std::stop_token stop_;
+    Layout layout_;
+    std::unordered_map<xmlNode*, Children> children_;
+};
 
 } // namespace
 

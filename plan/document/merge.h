@@ -6,7 +6,6 @@
 #include <libxml/tree.h>
 
 #include <stop_token>
-#include <string>
 
 namespace zul::plan {
 

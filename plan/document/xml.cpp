@@ -37,118 +37,106 @@ enum class Tree {
 
 class Reader : public xml::Guard {
 public:
-    Reader(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names);
-    Refusal refusal();
+    Reader(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names)
+        : Guard(RULES, xml::textSource(text), stop), tree_(tree) {
+        if (parser() == nullptr) {
+            return;
+        }
+        if (names != nullptr) {
+            xmlDictFree(parser()->dict);
+            parser()->dict = names;
+            xmlDictReference(names);
+        }
+        xmlSAXHandler& events = *parser()->sax;
+        events.startElementNs = startElement;
+        events.endElementNs = count<xmlSAX2EndElementNs, 0>;
+        events.characters = count<xmlSAX2Characters, 0>;
+        events.ignorableWhitespace = events.characters; // the same: the library need not tell them apart
+        if (tree == Tree::CONTENT) {
+            events.ignorableWhitespace = leaveOut;
+        }
+        events.cdataBlock = count<xmlSAX2CDataBlock, 1>;
+        events.comment = count<xmlSAX2Comment, 1>;
+        events.processingInstruction = count<xmlSAX2ProcessingInstruction, 1>;
+    }
+
+    Refusal refusal() {
+        const ZULXMLError error = takeError();
+        if (error.text.empty()) {
+            return {"the document cannot be read"};
+        }
+        std::string words = shortened(lineInWords(error.line) + error.text, MAX_FAILURE);
+        while (words.ends_with(' ')) {
+            words.pop_back();
+        }
+        return {.why = words, .line = error.line};
+    }
 
 private:
+    // An event that adds so many nodes to the tree, by the library's own handler.
     template <auto handler, int nodes, class... Arguments>
-    static void count(void* context, Arguments... arguments);
-    static void leaveOut(void* context, const xmlChar* blanks, int length);
+    static void count(void* context, Arguments... arguments) {
+        auto& reader = of<Reader>(context);
+        if (reader.keepsNodes(nodes) && reader.tree_ != Tree::NONE) {
+            handler(context, arguments...);
+        }
+    }
+
+    // Blanks that the library takes for layout. After a comment and the like they may be part of a text.
+    static void leaveOut(void* context, const xmlChar* blanks, int length) {
+        auto& reader = of<Reader>(context);
+        const xmlNode* before = reader.parser()->node->last;
+        if (before == nullptr || before->type == XML_ELEMENT_NODE) {
+            reader.noteEvent();
+        } else {
+            count<xmlSAX2Characters, 0>(context, blanks, length);
+        }
+    }
+
     static void startElement(void* context, const xmlChar* localname, const xmlChar* prefix,
                              const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
-                             int attributeCount, int defaultedCount, const xmlChar** attributes);
-    bool keepsNodes(int more);
-    bool refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces);
+                             int attributeCount, int defaultedCount, const xmlChar** attributes) {
+        auto& reader = of<Reader>(context);
+        const bool isAccepted = reader.keepsNodes(1 + attributeCount) &&
+                                reader.keeps(DEPTH, static_cast<std::size_t>(reader.parser()->nameNr) + 1) &&
+                                reader.keeps(ATTRIBUTES, static_cast<std::size_t>(namespaceCount) +
+                                                             static_cast<std::size_t>(attributeCount)) &&
+                                !reader.refusesNamespace(uri, namespaceCount, namespaces);
+        if (!isAccepted || reader.tree_ == Tree::NONE) {
+            return;
+        }
+        xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
+                              defaultedCount, attributes);
+        if (xmlNode* element = reader.parser()->node) {
+            // The library's own line numbers end at 65535.
+            element->psvi = reinterpret_cast<void*>(static_cast<std::intptr_t>(reader.line()));
+        }
+    }
+
+    bool keepsNodes(int more) {
+        noteEvent();
+        nodes_ += static_cast<std::size_t>(more);
+        return keeps(NODES, nodes_);
+    }
+
+    // Each namespace that the element declares comes as prefix and URI.
+    bool refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces) {
+        bool declaresOthers = count > 0 && parser()->nameNr > 0;
+        for (int i = 0; i < count; ++i) {
+            declaresOthers = declaresOthers || toView(namespaces[2 * i + 1]) != SCHEMA_INSTANCE;
+        }
+        const bool isInNamespace = uri != nullptr || declaresOthers;
+        if (isInNamespace) {
+            protect([this] {
+                refuse("the elements of a configuration are in no namespace; take out the xmlns attribute");
+            });
+        }
+        return isInNamespace;
+    }
 
     const Tree tree_;
     std::size_t nodes_ = 0; // elements, attributes, comments and the like
 };
-
-Reader::Reader(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names)
-    : Guard(RULES, xml::textSource(text), stop), tree_(tree) {
-    if (parser() == nullptr) {
-        return;
-    }
-    if (names != nullptr) {
-        xmlDictFree(parser()->dict);
-        parser()->dict = names;
-        xmlDictReference(names);
-    }
-    xmlSAXHandler& events = *parser()->sax;
-    events.startElementNs = startElement;
-    events.endElementNs = count<xmlSAX2EndElementNs, 0>;
-    events.characters = count<xmlSAX2Characters, 0>;
-    events.ignorableWhitespace = events.characters; // the same: the library need not tell them apart
-    if (tree == Tree::CONTENT) {
-        events.ignorableWhitespace = leaveOut;
-    }
-    events.cdataBlock = count<xmlSAX2CDataBlock, 1>;
-    events.comment = count<xmlSAX2Comment, 1>;
-    events.processingInstruction = count<xmlSAX2ProcessingInstruction, 1>;
-}
-
-bool Reader::keepsNodes(int more) {
-    noteEvent();
-    nodes_ += static_cast<std::size_t>(more);
-    return keeps(NODES, nodes_);
-}
-
-// An event that adds so many nodes to the tree, by the library's own handler.
-template <auto handler, int nodes, class... Arguments>
-void Reader::count(void* context, Arguments... arguments) {
-    auto& reader = of<Reader>(context);
-    if (reader.keepsNodes(nodes) && reader.tree_ != Tree::NONE) {
-        handler(context, arguments...);
-    }
-}
-
-// Blanks that the library takes for layout. After a comment and the like they may be part of a text.
-void Reader::leaveOut(void* context, const xmlChar* blanks, int length) {
-    auto& reader = of<Reader>(context);
-    const xmlNode* before = reader.parser()->node->last;
-    if (before == nullptr || before->type == XML_ELEMENT_NODE) {
-        reader.noteEvent();
-    } else {
-        count<xmlSAX2Characters, 0>(context, blanks, length);
-    }
-}
-
-// Each namespace that the element declares comes as prefix and URI.
-bool Reader::refusesNamespace(const xmlChar* uri, int count, const xmlChar** namespaces) {
-    bool declaresOthers = count > 0 && parser()->nameNr > 0;
-    for (int i = 0; i < count; ++i) {
-        declaresOthers = declaresOthers || toView(namespaces[2 * i + 1]) != SCHEMA_INSTANCE;
-    }
-    const bool isInNamespace = uri != nullptr || declaresOthers;
-    if (isInNamespace) {
-        protect([this] {
-            refuse("the elements of a configuration are in no namespace; take out the xmlns attribute");
-        });
-    }
-    return isInNamespace;
-}
-
-void Reader::startElement(void* context, const xmlChar* localname, const xmlChar* prefix, const xmlChar* uri,
-                          int namespaceCount, const xmlChar** namespaces, int attributeCount,
-                          int defaultedCount, const xmlChar** attributes) {
-    auto& reader = of<Reader>(context);
-    const bool isAccepted = reader.keepsNodes(1 + attributeCount) &&
-                            reader.keeps(DEPTH, static_cast<std::size_t>(reader.parser()->nameNr) + 1) &&
-                            reader.keeps(ATTRIBUTES, static_cast<std::size_t>(namespaceCount) +
-                                                         static_cast<std::size_t>(attributeCount)) &&
-                            !reader.refusesNamespace(uri, namespaceCount, namespaces);
-    if (!isAccepted || reader.tree_ == Tree::NONE) {
-        return;
-    }
-    xmlSAX2StartElementNs(context, localname, prefix, uri, namespaceCount, namespaces, attributeCount,
-                          defaultedCount, attributes);
-    if (xmlNode* element = reader.parser()->node) {
-        // The library's own line numbers end at 65535.
-        element->psvi = reinterpret_cast<void*>(static_cast<std::intptr_t>(reader.line()));
-    }
-}
-
-Refusal Reader::refusal() {
-    const ZULXMLError error = takeError();
-    if (error.text.empty()) {
-        return {"the document cannot be read"};
-    }
-    std::string words = shortened(lineInWords(error.line) + error.text, MAX_FAILURE);
-    while (words.ends_with(' ')) {
-        words.pop_back();
-    }
-    return {.why = words, .line = error.line};
-}
 
 // The document, with as much of its tree as is wanted.
 XmlDocument parse(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names) {

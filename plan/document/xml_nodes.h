@@ -3,8 +3,6 @@
 
 #include "plan/document/xml.h"
 
-#include <cstddef>
-
 namespace zul::plan {
 
 inline std::string_view tagOf(const xmlNode* node) {

@@ -3,7 +3,6 @@
 
 #include "plan/check/check.h"
 #include "plan/document/children.h"
-#include "plan/document/definition.h"
 #include "plan/document/entity.h"
 #include "plan/document/layout.h"
 #include "plan/document/merge.h"
@@ -89,7 +88,7 @@ Answer Configuration::create(std::string_view parentPath, std::string_view snipp
         xmlNode* child = xmlDocGetRootElement(addition.get());
         checkChild(parent, child);
         Layout layout(parent->doc);
-        Children(parent, *Definition::ofProduct().contentOf(tagOf(parent)), layout).insert(child);
+        Children(parent, layout).insert(child);
         return draft.activate("created " + pathInWords(child));
     });
 }

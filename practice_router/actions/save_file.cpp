@@ -15,7 +15,6 @@ namespace zul::practice {
 
 namespace {
 
-constexpr std::string_view EXTENSION = ".xml";
 constexpr int MAX_ATTEMPTS = 100; // at a name that is not taken
 
 bool isPlain(char c) {
@@ -92,7 +91,7 @@ std::string saveFileName(std::string_view routerName) {
             name += {'%', DIGITS[code >> 4], DIGITS[code & 0xF]};
         }
     }
-    name += EXTENSION;
+    name += ".xml";
     return name.size() <= NAME_MAX ? name : "";
 }
 

@@ -7,15 +7,12 @@ namespace zul::practice {
 
 namespace {
 
-bool isFromClient(const Upload& upload, const Request& request) {
-    return upload.writer == request.writer && upload.id.host == request.id.host &&
-           upload.id.app == request.id.app;
-}
-
-template <class Uploads>
-auto findOf(Uploads& pending, const Request& request) {
-    return std::find_if(pending.begin(), pending.end(),
-                        [&request](const Upload& upload) { return isFromClient(upload, request); });
+// Whether an upload is of the client that has sent the request.
+auto isFromSenderOf(const Request& request) {
+    return [&request](const Upload& upload) {
+        return upload.writer == request.writer && upload.id.host == request.id.host &&
+               upload.id.app == request.id.app;
+    };
 }
 
 } // namespace
@@ -25,7 +22,7 @@ auto findOf(Uploads& pending, const Request& request) {
 Upload Uploads::continued(const Request& piece) {
     Upload upload{
         .writer = piece.writer, .id = piece.id, .kind = piece.kind, .entity = piece.entity, .text = {}};
-    const auto found = findOf(pending_, piece);
+    const auto found = std::ranges::find_if(pending_, isFromSenderOf(piece));
     if (found != pending_.end()) {
         if (found->id == piece.id && found->kind == piece.kind) {
             upload = std::move(*found);
@@ -36,11 +33,11 @@ Upload Uploads::continued(const Request& piece) {
 }
 
 void Uploads::interrupt(const Request& other) {
-    std::erase_if(pending_, [&other](const Upload& upload) { return isFromClient(upload, other); });
+    std::erase_if(pending_, isFromSenderOf(other));
 }
 
 const Upload* Uploads::find(const Request& piece) const {
-    const auto found = findOf(pending_, piece);
+    const auto found = std::ranges::find_if(pending_, isFromSenderOf(piece));
     return found != pending_.end() ? &*found : nullptr;
 }
 

@@ -20,29 +20,17 @@ constexpr std::int32_t MAX_PARTS = 100'000;
 constexpr std::int32_t MAX_GARBAGE = 1'000'000;
 constexpr std::int32_t MAX_ROUTERS = 100;
 
-// Where the value of an option goes: a member of the options, or of the faults in them.
-template <class Value>
-using Target = Value& (*)(Options&);
-template <auto Member>
-auto& option(Options& options) {
-    return options.*Member;
-}
-template <auto Member>
-auto& fault(Options& options) {
-    return options.faults.*Member;
-}
-
 struct Number {
-    Target<std::int32_t> target;
+    std::int32_t Options::*target;
     std::int32_t least;
     std::int32_t most;
 };
 struct Text {
-    Target<std::string> target;
+    std::string Options::*target;
     std::size_t mostCharacters;
 };
 struct Flag {
-    Target<bool> target;
+    bool Options::*target;
 };
 
 struct Option {
@@ -56,37 +44,37 @@ constexpr std::size_t MAX_PATH_LENGTH = 4095;
 
 const Option OPTIONS[] = {
     {"--domain", "N", "DDS domain to join, 0 to 232 (default 0)",
-     Number{option<&Options::domain>, 0, DDS_DOMAIN_ID_MAX}},
+     Number{&Options::domain, 0, DDS_DOMAIN_ID_MAX}},
     {"--name", "NAME", "name of this router, which requests are addressed to (default practice)",
-     Text{option<&Options::name>, MAX_ENTITY_NAME}},
+     Text{&Options::name, MAX_ENTITY_NAME}},
     {"--count", "N", "be N routers, called NAME1 to NAMEN (default 1, called NAME)",
-     Number{option<&Options::count>, 1, MAX_ROUTERS}},
+     Number{&Options::count, 1, MAX_ROUTERS}},
     {"--federation", "", "be a federation service instead of a routing service",
-     Flag{option<&Options::isFederation>}},
+     Flag{&Options::isFederation}},
     {"--config", "FILE", "start with this document instead of the builtin default configuration",
-     Text{option<&Options::configurationFile>, MAX_PATH_LENGTH}},
+     Text{&Options::configurationFile, MAX_PATH_LENGTH}},
     {"--save-dir", "DIR", "directory that save writes its file to (default: the current one)",
-     Text{option<&Options::saveDirectory>, MAX_PATH_LENGTH}},
+     Text{&Options::saveDirectory, MAX_PATH_LENGTH}},
     {"--count-only", "", "count the bytes of loads, updates and creates, and do nothing else with them",
-     Flag{option<&Options::countsOnly>}},
+     Flag{&Options::countsOnly}},
     {"--delay-ms", "N", "fault: wait N milliseconds before each answer",
-     Number{fault<&Faults::delayMilliseconds>, 0, MAX_DELAY_MILLISECONDS}},
-    {"--silent", "", "fault: act on requests but never answer", Flag{fault<&Faults::isSilent>}},
-    {"--parts", "N", "fault: split every answer into N parts", Number{fault<&Faults::parts>, 1, MAX_PARTS}},
-    {"--duplicate", "", "fault: send each response twice", Flag{fault<&Faults::duplicates>}},
+     Number{&Faults::delayMilliseconds, 0, MAX_DELAY_MILLISECONDS}},
+    {"--silent", "", "fault: act on requests but never answer", Flag{&Faults::isSilent}},
+    {"--parts", "N", "fault: split every answer into N parts", Number{&Faults::parts, 1, MAX_PARTS}},
+    {"--duplicate", "", "fault: send each response twice", Flag{&Faults::duplicates}},
     {"--wrong-invocation", "", "fault: send an answer to the request before it in front of each answer",
-     Flag{fault<&Faults::wrongInvocation>}},
+     Flag{&Faults::wrongInvocation}},
     {"--garbage", "N", "fault: send N undecodable samples in front of each answer",
-     Number{fault<&Faults::garbage>, 0, MAX_GARBAGE}},
+     Number{&Faults::garbage, 0, MAX_GARBAGE}},
     {"--type-mismatch", "", "fault: have other types than those of clients, so that they are never matched",
-     Flag{fault<&Faults::hasOtherTypes>}},
+     Flag{&Faults::hasOtherTypes}},
     {"--best-effort", "", "fault: offer less than the reliability that clients request",
-     Flag{fault<&Faults::isBestEffort>}},
+     Flag{&Faults::isBestEffort}},
     {"--no-response-writer", "", "fault: hear requests and have nothing to answer with",
-     Flag{fault<&Faults::hasNoResponseWriter>}},
-    {"--verbose", "", "log the requests to other routers too", Flag{option<&Options::isVerbose>}},
-    {"--help", "", "show this text and end", Flag{option<&Options::showsHelp>}},
-    {"--version", "", "show the version and end", Flag{option<&Options::showsVersion>}},
+     Flag{&Faults::hasNoResponseWriter}},
+    {"--verbose", "", "log the requests to other routers too", Flag{&Options::isVerbose}},
+    {"--help", "", "show this text and end", Flag{&Options::showsHelp}},
+    {"--version", "", "show the version and end", Flag{&Options::showsVersion}},
 };
 
 // Stores a value. Returns what it should have been; empty when it was good.
@@ -97,18 +85,18 @@ std::string store(Options& options, const Number& kind, std::string_view value) 
         number > kind.most) {
         return "an integer from " + std::to_string(kind.least) + " to " + std::to_string(kind.most);
     }
-    kind.target(options) = number;
+    options.*kind.target = number;
     return {};
 }
 std::string store(Options& options, const Text& kind, std::string_view value) {
     if (value.empty() || value.size() > kind.mostCharacters) {
         return "a text of 1 to " + std::to_string(kind.mostCharacters) + " characters";
     }
-    kind.target(options) = value;
+    options.*kind.target = value;
     return {};
 }
 std::string store(Options& options, const Flag& kind, std::string_view) {
-    kind.target(options) = true;
+    options.*kind.target = true;
     return {};
 }
 

@@ -21,7 +21,7 @@ struct Faults {
     bool hasNoResponseWriter = false;   // requests are acted on, and nothing could answer them
 };
 
-struct Options {
+struct Options : Faults {
     std::int32_t domain = 0;
     std::string name = "practice";
     std::int32_t count = 1; // of routers; several have numbers after the name
@@ -32,7 +32,6 @@ struct Options {
     bool isVerbose = false;
     bool showsHelp = false;
     bool showsVersion = false;
-    Faults faults;
 
     // `arguments` are those after the program's name. False, with a message that says what to do, when an
     // argument is unknown, lacks its value or has a bad one. A value follows its option as the next argument

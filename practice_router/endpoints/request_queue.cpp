@@ -1,11 +1,11 @@
-// Closing asks for the stop under the mutex: a wait that has just found the queue open is still woken.
+// A request to stop ends every wait, whatever it waits for.
 #include "practice_router/endpoints/request_queue.h"
 
 namespace zul::practice {
 
 void RequestQueue::push(Request request) {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return isClosed() || requests_.size() < MAX_QUEUED; });
+    changed_.wait(lock, ending(), [this] { return requests_.size() < MAX_QUEUED; });
     if (!isClosed()) {
         requests_.push_back(std::move(request));
         changed_.notify_all();
@@ -14,7 +14,7 @@ void RequestQueue::push(Request request) {
 
 std::optional<Request> RequestQueue::pop() {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return isClosed() || !requests_.empty(); });
+    changed_.wait(lock, ending(), [this] { return !requests_.empty(); });
     if (isClosed()) {
         return std::nullopt;
     }
@@ -24,15 +24,10 @@ std::optional<Request> RequestQueue::pop() {
     return request;
 }
 
-void RequestQueue::close() {
-    const std::lock_guard lock(mutex_);
-    ending_.request_stop();
-    changed_.notify_all();
-}
-
 bool RequestQueue::pause(std::chrono::milliseconds span) {
     std::unique_lock lock(mutex_);
-    return !changed_.wait_for(lock, span, [this] { return isClosed(); });
+    changed_.wait_for(lock, ending(), span, [] { return false; });
+    return !isClosed();
 }
 
 } // namespace zul::practice

@@ -23,7 +23,7 @@ public:
     // Waits for a request. Nothing when the queue is closed, whatever is still in it.
     std::optional<Request> pop();
     // Ends every wait, present and future.
-    void close();
+    void close() { ending_.request_stop(); }
     bool isClosed() const { return ending_.stop_requested(); }
     // Lets time pass, unless the queue is closed. True when all of it has passed.
     bool pause(std::chrono::milliseconds span);
@@ -32,7 +32,7 @@ public:
 
 private:
     std::mutex mutex_;
-    std::condition_variable changed_;
+    std::condition_variable_any changed_;
     std::deque<Request> requests_;
     std::stop_source ending_; // asked to stop: the queue is closed
 };

@@ -20,10 +20,6 @@ std::string shown(std::string_view text) {
     return text.empty() ? "-" : shortened(text, MAX_LOGGED);
 }
 
-std::string describe(const Answer& answer) {
-    return std::string(admin::responseName(answer.kind)) + " " + shown(answer.text);
-}
-
 } // namespace
 
 // One line on standard output at once. A full pipe that nobody reads holds the router up, but not its end.
@@ -60,10 +56,10 @@ void Worker::turn(const Request& request) {
         return;
     }
     // Before the answer goes out: whoever waits for this line may act between request and answer.
-    const Faults& faults = options_.faults;
-    const bool isKeptBack = faults.isSilent || faults.hasNoResponseWriter;
-    log(request, (isKeptBack ? "kept back: " : "") + describe(*answer));
-    if (isKeptBack || !queue_.pause(std::chrono::milliseconds(faults.delayMilliseconds))) {
+    const bool isKeptBack = options_.isSilent || options_.hasNoResponseWriter;
+    log(request, std::string(isKeptBack ? "kept back: " : "") + admin::responseName(answer->kind) + " " +
+                     shown(answer->text));
+    if (isKeptBack || !queue_.pause(std::chrono::milliseconds(options_.delayMilliseconds))) {
         return;
     }
     if (!responder_.send(request, *answer) && !queue_.isClosed()) {

@@ -11,7 +11,7 @@ class Worker {
 public:
     // All must outlive this.
     Worker(Router& router, RequestQueue& queue, Endpoints& endpoints, const Options& options)
-        : router_(router), queue_(queue), options_(options), responder_(endpoints, queue, options.faults) {}
+        : router_(router), queue_(queue), options_(options), responder_(endpoints, queue, options) {}
 
     // Runs until the queue is closed.
     void run();
