@@ -1,5 +1,4 @@
 // The type codes of both modules: what is announced of each type, and how they link.
-#include "admin_types/commands.h"
 #include "admin_types/data_types.h"
 #include "tests/middleware/type_code_text.h"
 
@@ -53,13 +52,6 @@ TEST(TypeCodes, OneThatIsAnnouncedOtherwise) {
     // Member types are linked, not described again.
     EXPECT_EQ(ZUL_RoutingService_Administration_CommandRequest_get_typecode()->members[2].type,
               ZUL_RoutingService_Administration_Command_get_typecode());
-}
-
-TEST(TypeCodes, ACommandThatIsFoundByAnotherKind) {
-    for (const admin::Command& row : admin::COMMANDS) {
-        EXPECT_EQ(admin::findCommand(row.kind), &row);
-    }
-    EXPECT_EQ(admin::findCommand(0), nullptr);
 }
 
 } // namespace

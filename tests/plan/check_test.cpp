@@ -19,14 +19,15 @@ struct Parts {
     std::string routes{};
     std::string more{};
     std::string first{}; // in place of the first participant
+    std::string second = "<participant_2><domain_id>1</domain_id></participant_2>";
 };
 std::string documentOf(const Parts& parts) {
     const std::string first = parts.first.empty() ? "<participant_1>" + parts.participant +
                                                         "<domain_id>0</domain_id></participant_1>"
                                                   : parts.first;
-    return "<dds>\n" + parts.head + "\n<routing_service name='S'><domain_route name='D'>\n" + first +
-           "\n<participant_2><domain_id>1</domain_id></participant_2><session name='s'>\n" + parts.routes +
-           "\n</session></domain_route>\n" + parts.more + "</routing_service></dds>";
+    return "<dds>\n" + parts.head + "\n<routing_service name='S'><domain_route name='D'>\n" + first + "\n" +
+           parts.second + "<session name='s'>\n" + parts.routes + "\n</session></domain_route>\n" +
+           parts.more + "</routing_service></dds>";
 }
 std::string route(const std::string& ends, const std::string& tag = "topic_route") {
     return "<" + tag + " name='R'>" + ends + "</" + tag + ">";
@@ -61,18 +62,6 @@ std::string inWords(const std::vector<Finding>& findings) {
     }
     return text;
 }
-std::vector<Finding> faultsOf(const std::string& xml) {
-    return findFaults(xml, "", {});
-}
-// What a router would answer, with a line feed; empty when it would take the document.
-std::string refusalOf(const std::string& xml) {
-    try {
-        readDocument(xml, {});
-        return "";
-    } catch (const Refusal& refusal) {
-        return refusal.why + "\n";
-    }
-}
 
 std::string typedefs(int count, const std::string& attributes, const std::string& first = "type='byte'") {
     std::string text = "<typedef name='T0' " + first + "/>";
@@ -96,7 +85,6 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the sec of lease_duration is \"-1\"; expected an integer from 0 to 2147483647 or DURATION_INFINITE_SEC"},
         {{.head = reader("<latency_budget><duration><nanosec>1000000000</nanosec></duration></latency_budget>")}, 2,
          "the nanosec of duration is \"1000000000\"; expected an integer from 0 to 999999999 or DURATION_INFINITE_NSEC"},
-        {{.more = admin("<domain_id>+-5</domain_id>")}, 8, "the domain_id of administration is \"+-5\"; expected an integer from 0 to 232"},
         {{.head = reader("<history><depth>0x</depth></history>")}, 2, "the depth of history is \"0x\"; expected an integer from 1 to 2147483647"},
         {{.head = reader("<resource_limits><max_samples>LENGTH_UNLIMITEDE</max_samples></resource_limits>")}, 2,
          "the max_samples of resource_limits is \"LENGTH_UNLIMITEDE\"; expected an integer from 1 to 2147483647 or LENGTH_UNLIMITED"},
@@ -141,7 +129,6 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         // Circles, through other profiles and through their elements
         {{.head = profile("<topic_qos base_name='M::Q'/>", "base_name='L::P'") + "<qos_library name='M'><qos_profile name='Q'/></qos_library>"}, 2,
          "of qos_profile \"P\" leads back to it"},
-        {{.head = profile("", "base_name='L::P'")}, 2, "the base_name \"L::P\" of qos_profile \"P\" leads back to it"},
         {{.head = "<qos_library name='L'><qos_profile name='A' base_name='L::B'/>\n<qos_profile name='B' base_name='L::A'/></qos_library>"}, 3,
          "the base_name \"L::A\" of qos_profile \"B\" leads back to it; expected a profile without a circle"},
         {{.head = "<qos_library name='L'><qos_profile name='A'><topic_qos base_name='L::B'/></qos_profile>\n"
@@ -189,7 +176,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
     };
     for (const auto& row : rows) {
         const std::string xml = documentOf(row.parts);
-        const std::vector<Finding> findings = faultsOf(xml);
+        const std::vector<Finding> findings = findFaults(xml, "", {});
         ASSERT_EQ(findings.size(), 1U) << xml << "\n" << inWords(findings) << row.message;
         EXPECT_EQ(findings.front().line, row.line) << xml;
         EXPECT_NE(findings.front().message.find(row.message), std::string::npos) << findings.front().message << "\n" << row.message;
@@ -212,15 +199,12 @@ TEST(Check, AnUnusualDocumentThatIsRefused) {
         {.routes = "<thread_settings><mask>stdio | Floating_Point</mask><priority>-5</priority></thread_settings>" +
                    route("<input participant='2'/><output><topic_name>t</topic_name></output>")},
         {.head = LIBRARIES, .routes = route("<input/><output connection='2'/>", "route"),
-         .first = "<connection_1 plugin_name='A::F'/>\n<connection_2 plugin_name='A::F'/><!--"},
+         .first = "<connection_1 plugin_name='A::F'/>", .second = "<connection_2 plugin_name='A::F'/>"},
         {.more = "<property><value/></property><property><value><element><value>1</value><name/></element></value></property>"},
     };
     for (const Parts& parts : rows) {
-        std::string xml = documentOf(parts);
-        if (const std::size_t cut = xml.find("<!--"); cut != std::string::npos) {
-            xml.erase(cut, xml.find("</participant_2>") + 16 - cut);
-        }
-        EXPECT_EQ(inWords(faultsOf(xml)), "") << xml;
+        const std::string xml = documentOf(parts);
+        EXPECT_EQ(inWords(findFaults(xml, "", {})), "") << xml;
     }
 }
 
@@ -230,8 +214,7 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
                                                                     "<member name='n' type='byte' id='x'/></struct>"),
                                         .participant = "<x/><y/><domain_id>999</domain_id>",
                                         .routes = "text" + route("<output><creation_mode/></output><input/>")});
-    EXPECT_TRUE(refusalOf("<dds><x/><y/></dds>").starts_with("line 1: x cannot stand here"));
-    EXPECT_EQ(inWords(faultsOf(xml)),
+    EXPECT_EQ(inWords(findFaults(xml, "", {})),
               "2: outlet cannot stand here in dds; expected types, qos_library, adapter_library, routing_service, transformation_library or nothing more\n"
               "3: typedef lacks an attribute; expected name\n"
               "3: typedef lacks an attribute; expected type\n"
@@ -272,7 +255,7 @@ TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
     }
     const std::pair<std::string, std::size_t> rows[] = {
         {documentOf({.head = "<qos_library name='L'>" + circle + "</qos_library>"}), 1},
-        {documentOf({.head = wide}), MANY},
+        {documentOf({.head = wide + "<y/>"}), MANY + 1},
         {documentOf({.routes = routes}), 0},
         {documentOf({.head = types("<enum name='E'><enumerator name='A'/></enum>" + unionOf("U", labels))}),
          MANY / 2 - 1},
@@ -280,9 +263,15 @@ TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
     };
     for (const auto& [xml, count] : rows) {
         const auto begin = std::chrono::steady_clock::now();
-        const std::vector<Finding> findings = faultsOf(xml);
+        const std::vector<Finding> findings = findFaults(xml, "", {});
         EXPECT_EQ(findings.size(), count);
-        EXPECT_EQ(refusalOf(xml), findings.empty() ? "" : "line " + inWords({findings.front()}));
+        std::string answer; // of a router
+        try {
+            readDocument(xml, {});
+        } catch (const Refusal& refusal) {
+            answer = refusal.why + "\n";
+        }
+        EXPECT_EQ(answer, findings.empty() ? "" : "line " + inWords({findings.front()}));
         EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
     }
     std::stop_source ending;

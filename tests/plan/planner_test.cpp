@@ -41,9 +41,6 @@ Answer carryOut(const Step& step, Configuration& router) {
 bool isDone(const Answer& answer) {
     return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
 }
-std::size_t countDifferences(const std::string& running, const std::string& wanted) {
-    return compare(parse(running).get(), parse(wanted).get(), "S").size();
-}
 
 std::string inWords(const Plan& plan) {
     constexpr const char* NAMES[] = {"update", "create", "delete", "enable", "disable", "load"};
@@ -93,11 +90,9 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
         {document(route("D", "0", "")), document(route("D", "0", "")), ""},
         {profiled(""), profiled(RELIABLE), changed(RELIABLE) + "; disable D::s::T; enable D::s::T"},
         {profiled(""), profiled(DEADLINE), changed(DEADLINE)},
-        {document(route("D", "0", "")), document(route("D", "0x7", "")),
-         "disable D; update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>; enable D"},
         {document(route("D", "0", "", OFF)), document(route("D", "7", "", OFF)),
          "update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>"},
-        {document(route("D", "0", session(topics("T")))), document(route("D", "7", session(topics("T", RELIABLE, OFF)))),
+        {document(route("D", "0", session(topics("T")))), document(route("D", "0x7", session(topics("T", RELIABLE, OFF)))),
          "disable D; update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>; disable D::s::T; "
          "update D::s::T <auto_topic_route><input><datareader_qos><reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability></datareader_qos></input></auto_topic_route>; enable D"},
         {document(route("A", "0", "") + route("D", "0", session(topics("T"), OFF), OFF)), document(route("D", "0", session(topics("U")))),
@@ -108,8 +103,6 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "update D::s <session>" + PROPERTY + PARTITION + REPORT + "</session>"},
         {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY + REPORT))),
          "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
-        {document(route("D", "0", "<session name='s'/>")), document(route("D", "0", "<polling_session name='s'><polling_period/></polling_session>")),
-         "delete D::s; create D <polling_session name=\"s\"><polling_period/></polling_session>"},
         {document(""), document("<administration><domain_id>3</domain_id></administration>", "<qos_library name='Q'/>"),
          "update  <dds><qos_library name=\"Q\"></qos_library><routing_service name=\"S\"><administration><domain_id>3</domain_id></administration></routing_service></dds>"},
         // The first route gives its domain to the administration; it comes to be another one.
@@ -282,13 +275,13 @@ private:
     std::string path_;
 };
 
-// Puts back as the program does, from whatever runs now.
-void expectWayBack(Configuration& router, const std::string& before) {
-    for (const Step& step :
-         makeWayBack(parse(router.text()).get(), parse(before).get(), "S", before, nullptr)) {
-        ASSERT_TRUE(isDone(carryOut(step, router))) << inWords({step});
+// Leaves the router with what is wanted.
+void carryOut(const Plan& plan, Configuration& router, const std::string& wanted) {
+    for (const Step& step : plan) {
+        const Answer answer = carryOut(step, router);
+        ASSERT_TRUE(isDone(answer)) << answer.text << "\n" << inWords(plan) << "\n" << router.text();
     }
-    ASSERT_EQ(countDifferences(router.text(), before), 0U);
+    ASSERT_EQ(compare(parse(router.text()).get(), parse(wanted).get(), "S").size(), 0U);
 }
 
 TEST(Planner, APlanThatEndsElsewhereOrCannotBeTakenBack) {
@@ -296,33 +289,27 @@ TEST(Planner, APlanThatEndsElsewhereOrCannotBeTakenBack) {
     constexpr unsigned REFUSED_PAIRS = 150; // with a refusal at each step
     std::size_t planned = 0;
     std::size_t byLoad = 0;
-    for (unsigned seed = 0; seed < PAIRS; ++seed) {
+    for (unsigned seed = 0; seed < PAIRS && !HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
         Generator generator(seed);
         const std::string before = generator.document(0);
         const std::string wanted = generator.document(1);
         Configuration router;
         ASSERT_TRUE(isDone(router.load(before, "S"))) << before;
-        Plan plan;
         std::string whyLoad;
-        ASSERT_NO_THROW(plan = makeWayBack(parse(before).get(), parse(wanted).get(), "S", wanted, &whyLoad))
-            << seed;
+        const Plan plan = makeWayBack(parse(before).get(), parse(wanted).get(), "S", wanted, &whyLoad);
         planned += plan.size();
         byLoad += whyLoad.empty() ? 0 : 1;
-        for (const Step& step : plan) {
-            const Answer answer = carryOut(step, router);
-            ASSERT_TRUE(isDone(answer)) << seed << ": " << answer.text << "\n"
-                                        << inWords(plan) << "\n"
-                                        << router.text();
-        }
-        ASSERT_EQ(countDifferences(router.text(), wanted), 0U) << seed;
-        ASSERT_EQ(inWords(makePlan(parse(router.text()).get(), parse(wanted).get(), "S")), "") << seed;
+        carryOut(plan, router, wanted);
+        ASSERT_EQ(inWords(makePlan(parse(router.text()).get(), parse(wanted).get(), "S")), "");
         for (std::size_t refused = 0; refused < plan.size() && seed < REFUSED_PAIRS; ++refused) {
             Configuration refusing;
             refusing.load(before, "S");
             for (std::size_t i = 0; i < refused; ++i) {
                 carryOut(plan[i], refusing);
             }
-            expectWayBack(refusing, before);
+            const XmlDocument running = parse(refusing.text());
+            carryOut(makeWayBack(running.get(), parse(before).get(), "S", before, nullptr), refusing, before);
         }
     }
     EXPECT_GT(planned, PAIRS * 4);

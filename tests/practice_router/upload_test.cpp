@@ -9,23 +9,20 @@ namespace {
 using namespace zul::plan;
 using namespace zul::practice;
 
-Request piece(std::int32_t app, std::int32_t invocation, Kind kind, const std::string& content,
-              bool isFinal) {
+Request piece(std::int32_t app, std::int32_t invocation, Kind kind, const std::string& text, bool isFinal) {
     return {.id = {7, app, invocation},
             .target = "r1",
             .kind = kind,
             .entity = "E",
             .isFinal = isFinal,
-            .content = content,
+            .content = text,
             .peers = {},
             .writer = {1}};
 }
 
 TEST(Upload, OfPiecesThatDoNotBelongTogether) {
-    const struct {
-        Request request;
-        const char* finished; // null: nothing yet
-    } steps[] = {
+    const std::pair<Request, const char*> steps[] = {
+        // a piece or another request, and the text that it finishes; null: nothing yet
         {piece(1, 1, LOAD, "whole", true), "whole"},
         {piece(1, 2, LOAD, "a", false), nullptr},
         {piece(2, 2, LOAD, "x", false), nullptr}, // another client with the same invocation
@@ -46,15 +43,15 @@ TEST(Upload, OfPiecesThatDoNotBelongTogether) {
     Request foreign = piece(1, 2, LOAD, "z", false); // a client of the same host and app
     foreign.writer[15] = 9;
     uploads.add(foreign);
-    for (const auto& step : steps) {
-        if (step.request.kind == GET) {
-            uploads.interrupt(step.request);
+    for (const auto& [request, finished] : steps) {
+        if (request.kind == GET) {
+            uploads.interrupt(request);
             continue;
         }
-        const auto upload = uploads.add(step.request);
-        ASSERT_EQ(upload.has_value(), step.finished != nullptr) << step.request.content;
+        const auto upload = uploads.add(request);
+        ASSERT_EQ(upload.has_value(), finished != nullptr) << request.content;
         if (upload) {
-            EXPECT_EQ(upload->text, step.finished);
+            EXPECT_EQ(upload->text, finished);
             EXPECT_EQ(upload->entity, "E");
         }
     }
@@ -93,23 +90,12 @@ TEST(Upload, WithoutBoundInSizeOrNumber) {
 }
 
 TEST(XmlUrl, ThatIsReadOtherwise) {
-    const std::pair<const char*, std::optional<std::string>> rows[] = {
-        {"str://\"<a b=\"c\"/>\"", "<a b=\"c\"/>"},
-        {"str://<a/>", "<a/>"},
-        {"str:// \"<a/>\" \r\n", "<a/>"},
-        {"str://\"\"", ""},
-        {"str://\"<a/>", std::nullopt},
-        {"str://\"", std::nullopt},
-        {"<a/>\"", std::nullopt},
-        {"file:///dev/zero", std::nullopt},
-        {"file://", std::nullopt},
-    };
-    for (const auto& [url, xml] : rows) {
-        if (xml) {
-            EXPECT_EQ(readXmlUrl(url), xml) << url;
-        } else {
-            EXPECT_THROW(readXmlUrl(url), Refusal) << url;
-        }
+    EXPECT_EQ(readXmlUrl("str://\"<a b=\"c\"/>\""), "<a b=\"c\"/>");
+    EXPECT_EQ(readXmlUrl("str://<a/>"), "<a/>");
+    EXPECT_EQ(readXmlUrl("str:// \"<a/>\" \r\n"), "<a/>");
+    EXPECT_EQ(readXmlUrl("str://\"\""), "");
+    for (const char* url : {"str://\"<a/>", "str://\"", "<a/>\"", "file:///dev/zero", "file://"}) {
+        EXPECT_THROW(readXmlUrl(url), Refusal) << url;
     }
 }
 
