@@ -9,8 +9,7 @@ import unittest
 SOURCE = os.environ["ZUL_SOURCE"]
 DOCUMENTS = ["README.md", "CONTRIBUTING.md", "SECURITY.md", "CHANGELOG.md",
              "docs/architecture.md", "docs/wire.md", "docs/oddities.md", "docs/tutorial.md"]
-FOLDERS = "admin_types|benchmarks|cmake|docs|examples|fuzz|middleware|packaging|practice_router|product|" \
-          "remote_config|resource|shell|tests|utils"
+FOLDERS = "|".join(entry.name for entry in os.scandir(SOURCE) if entry.is_dir() and not entry.name.startswith((".", "build")))
 PLACEHOLDERS = {"<target_router>": "ROUTER", "<entity_name>": "ENTITY", "<cfg_name>": "CONFIGURATION", "<xml_url>": "URL",
                 "<parent_entity_name>": "PARENT", "<domain_route_name>": "DOMAIN_ROUTE", "<peer_list>": "PEER"}
 
