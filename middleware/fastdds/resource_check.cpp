@@ -6,11 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
-#include <latch>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace zul {
 
@@ -28,8 +25,7 @@ constexpr ZULLogTemplate TOO_FEW_THREADS_d{
 
 bool hasDescriptors() {
     std::array<int, DESCRIPTORS_NEEDED> descriptors{};
-    std::generate(descriptors.begin(), descriptors.end(),
-                  [] { return open("/dev/null", O_RDONLY | O_CLOEXEC); });
+    std::ranges::generate(descriptors, [] { return open("/dev/null", O_RDONLY | O_CLOEXEC); });
     const bool hasAll = descriptors.back() >= 0;
     for (const int descriptor : descriptors) {
         if (descriptor >= 0) {
@@ -39,46 +35,28 @@ bool hasDescriptors() {
     return hasAll;
 }
 
-bool hasThreads() {
-    std::latch end{1}; // all of them exist at the same time
-    std::vector<std::jthread> threads;
-    threads.reserve(THREADS_NEEDED - 1);
-    bool hasAll = true;
-    try {
-        while (threads.size() < THREADS_NEEDED - 1) { // this one is the last
-            threads.emplace_back([&end] { end.wait(); });
-        }
-    } catch (const std::system_error&) {
-        hasAll = false;
-    }
-    end.count_down();
-    return hasAll;
-}
-
 } // namespace
 
-ResourceCheck::Shortage ResourceCheck::tryOut() {
-    return !hasDescriptors() ? Shortage::DESCRIPTORS : !hasThreads() ? Shortage::THREADS : Shortage::NONE;
-}
-
-ResourceCheck::ResourceCheck() {
+ResourceCheck::ResourceCheck() : hasDescriptors_(hasDescriptors()) {
+    threads_.reserve(THREADS_NEEDED);
     try {
-        shortage_ = std::async(std::launch::async, tryOut);
-    } catch (const std::system_error&) {
-        std::promise<Shortage> known; // there is not even that thread
-        known.set_value(Shortage::THREADS);
-        shortage_ = known.get_future();
+        while (threads_.size() < THREADS_NEEDED) {
+            threads_.emplace_back([this] { end_.wait(); });
+        }
+    } catch (const std::system_error&) { // these are all that it may start
     }
+    end_.count_down();
 }
 
 bool ResourceCheck::passes(const char* context) {
-    const Shortage shortage = shortage_.get();
-    if (shortage == Shortage::DESCRIPTORS) {
+    const bool hasThreads = threads_.size() == THREADS_NEEDED;
+    threads_.clear();
+    if (!hasDescriptors_) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, TOO_FEW_DESCRIPTORS_d, DESCRIPTORS_NEEDED);
-    } else if (shortage == Shortage::THREADS) {
+    } else if (!hasThreads) {
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, TOO_FEW_THREADS_d, THREADS_NEEDED);
     }
-    return shortage == Shortage::NONE;
+    return hasDescriptors_ && hasThreads;
 }
 
 } // namespace zul

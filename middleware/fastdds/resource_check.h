@@ -2,25 +2,26 @@
 // (it starts, and hears nothing). So both are tried out first.
 #pragma once
 
-#include <future>
+#include <latch>
+#include <thread>
+#include <vector>
 
 namespace zul {
 
-// A trial of what a participant needs, on a thread of its own: what needs neither descriptors nor threads can
-// be done meanwhile.
 class ResourceCheck {
 public:
+    // Has what a participant needs, all at once, and lets go of it again. Its threads end while the caller
+    // goes on.
     ResourceCheck();
 
-    // Waits for the end of the trial. Whether a participant can have the file descriptors and threads it
-    // needs at this moment; false with a log line under `context` that says what to raise. To be called once.
+    // Waits for the end of those threads. Whether a participant can have the file descriptors and threads it
+    // needs; false with a log line under `context` that says what to raise.
     bool passes(const char* context);
 
 private:
-    enum class Shortage { NONE, DESCRIPTORS, THREADS };
-    static Shortage tryOut();
-
-    std::future<Shortage> shortage_;
+    std::latch end_{1}; // of the threads
+    std::vector<std::jthread> threads_;
+    bool hasDescriptors_;
 };
 
 } // namespace zul
