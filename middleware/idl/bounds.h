@@ -19,7 +19,7 @@ constexpr std::size_t SHORT_PARAMETER_HEADER_SIZE = 4;
 constexpr std::size_t aligned(std::size_t at) {
     return at + ZULCdr_padding(at, 4);
 }
-// After a header that is always short, which only the smallest size counts as such.
+// After a header that is always written short; the maximum counts a long one all the same.
 template <Bound bound>
 constexpr std::size_t afterShortHeader(std::size_t at) {
     return aligned(at) + (bound == Bound::MAXIMUM ? PARAMETER_HEADER_SIZE : SHORT_PARAMETER_HEADER_SIZE);
