@@ -1,0 +1,1 @@
+// A library needs a source file; one of precompiled headers has nothing else to say.
