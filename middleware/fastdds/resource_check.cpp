@@ -25,7 +25,9 @@ constexpr ZULLogTemplate TOO_FEW_THREADS_d{
 
 bool hasDescriptors() {
     std::array<int, DESCRIPTORS_NEEDED> descriptors{};
-    std::ranges::generate(descriptors, [] { return open("/dev/null", O_RDONLY | O_CLOEXEC); });
+    descriptors.front() = open("/", O_PATH | O_CLOEXEC); // there is one even where there is no /dev
+    std::generate(descriptors.begin() + 1, descriptors.end(),
+                  [&descriptors] { return fcntl(descriptors.front(), F_DUPFD_CLOEXEC, 0); });
     const bool hasAll = descriptors.back() >= 0;
     for (const int descriptor : descriptors) {
         if (descriptor >= 0) {
