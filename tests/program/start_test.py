@@ -92,6 +92,13 @@ class Start(SessionTest):
         found = [run("zulctl", "-d", self.domain, "--discovery", 2, "get", "r1")[0] == 0 for _ in range(60)]
         self.assertLess(found.count(False), 2)
 
+    def test_a_missing_dev_that_is_taken_for_too_few_descriptors(self):
+        without_dev = "/usr/bin/unshare", "--mount", "sh", "-c", 'mount -t tmpfs none /dev && exec "$@"', "sh"
+        if subprocess.run([*without_dev, "true"], stderr=subprocess.DEVNULL).returncode:
+            self.skipTest("needs the right to mount")
+        with Program(*without_dev, os.path.join(BIN, "zulrssh"), "-domainId", 21) as shell:
+            shell.expect("Service> ")
+
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors and threads of its own")
     def test_too_few_descriptors_or_threads_end_in_a_message(self):
         def as_nobody_with(threads):
