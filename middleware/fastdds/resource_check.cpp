@@ -46,6 +46,9 @@ ResourceCheck::ResourceCheck() : hasDescriptors_(hasDescriptors()) {
             threads_.emplace_back([this] { end_.wait(); });
         }
     } catch (const std::system_error&) { // these are all that it may start
+    } catch (...) {                      // no memory: those that have started must end
+        end_.count_down();
+        throw;
     }
     end_.count_down();
 }

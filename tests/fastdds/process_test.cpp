@@ -1,8 +1,11 @@
 // What participants do to the process they live in, and to each other, with the real library.
 #include "middleware/fastdds/bounded_wait.h"
+#include "middleware/fastdds/resource_check.h"
 #include "remote_config/client.h"
 #include "remote_config/exchange.h"
 #include "tests/middleware/captured_log.h"
+#include "tests/support/failing_heap.h"
+#include "tests/support/failing_new.h"
 
 #include <atomic>
 #include <chrono>
@@ -58,6 +61,19 @@ TEST(Participants, ThatLeaveThreadsOrFilesBehind) {
     EXPECT_NE(log.take().find("domain id -1 is outside 0..232"), std::string::npos);
     EXPECT_EQ(threadsOfProcess().size(), threads);
     EXPECT_EQ(filesOf("/dev/shm", "fastrtps"), files);
+}
+
+TEST(Participants, ThatHangWhenMemoryEndsAtTheirStart) {
+    const auto succeeds = [] {
+        try {
+            return zul::ResourceCheck().passes("test");
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    };
+    g_newCanFail = true;
+    EXPECT_GE(failEachAllocation(succeeds), 8); // one a thread at least
+    g_newCanFail = false;
 }
 
 // The library may wake a write early, as if its time were over: trying again must not start the time afresh.
