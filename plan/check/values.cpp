@@ -55,23 +55,19 @@ bool isBase64(std::string_view text) {
 
 std::optional<std::int64_t> parseDuration(const xmlNode* duration) {
     constexpr std::int64_t NANOSECONDS = 1'000'000'000;
-    std::int64_t total = 0;
+    std::int64_t seconds = 0;
+    std::int64_t nanoseconds = 0;
     for (const xmlNode* part : elementsIn(duration)) {
         const std::string text = textOf(part);
         const bool isSeconds = tagOf(part) == "sec";
-        if (isSeconds && text == "DURATION_INFINITE_SEC") {
-            return INFINITE;
-        }
-        const auto value = text == "DURATION_INFINITE_NSEC" ? std::optional(INTEGER_MAX) : parseInteger(text);
+        const bool isInfinite = text == (isSeconds ? "DURATION_INFINITE_SEC" : "DURATION_INFINITE_NSEC");
+        const auto value = isInfinite ? std::optional(INTEGER_MAX) : parseInteger(text);
         if (!value || *value < 0) {
             return std::nullopt;
         }
-        if (isSeconds && *value == INTEGER_MAX) {
-            return INFINITE;
-        }
-        total += isSeconds ? *value * NANOSECONDS : *value;
+        (isSeconds ? seconds : nanoseconds) = *value; // of repeated ones the last: their sum might overflow
     }
-    return total;
+    return seconds == INTEGER_MAX ? INFINITE : seconds * NANOSECONDS + nanoseconds;
 }
 
 } // namespace zul::plan

@@ -211,10 +211,10 @@ std::string durationOf(const xmlNode* element) {
     if (sec == "DURATION_INFINITE_SEC") {
         return INFINITE;
     }
-    if (nanosec.size() < NANOSEC_DIGITS) {
+    if (nanosec.size() <= NANOSEC_DIGITS) { // a longer one is invalid, and stays as it is
         nanosec.insert(0, NANOSEC_DIGITS - nanosec.size(), '0');
+        nanosec.erase(nanosec.find_last_not_of('0') + 1);
     }
-    nanosec.erase(nanosec.find_last_not_of('0') + 1);
     return sec + (nanosec.empty() ? "" : "." + nanosec) + std::string(SECONDS);
 }
 

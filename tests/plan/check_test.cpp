@@ -260,6 +260,10 @@ TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
         {documentOf({.head = types("<enum name='E'><enumerator name='A'/></enum>" + unionOf("U", labels))}),
          MANY / 2 - 1},
         {documentOf({.head = types("<enum name='E'>" + enumerators + "</enum>" + unions)}), 0},
+        {documentOf({.participant = "<participant_qos><discovery><announcement_period><sec>2147483646</sec>"
+                                    "<sec>2147483646</sec></announcement_period>" +
+                                    seconds("lease_duration", "1") + "</discovery></participant_qos>"}),
+         2}, // the second one, and three times as much is more than 64 bits hold
     };
     for (const auto& [xml, count] : rows) {
         const auto begin = std::chrono::steady_clock::now();
