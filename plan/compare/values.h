@@ -1,6 +1,6 @@
 // Values of elements and attributes: the one way in which each is compared, however it is written, and what
-// stands where one is left out. A quality of service has no default here: a base profile may say otherwise
-// than the standard.
+// counts where one is left out. A quality of service has no default here: a base profile may differ from
+// the standard.
 #pragma once
 
 #include <libxml/tree.h>
@@ -22,6 +22,7 @@ struct ValueRule {
 const ValueRule& ruleOfElement(std::string_view tag, std::string_view parent);
 const ValueRule& ruleOfAttribute(std::string_view name);
 
+// The text in which a value is compared; of a DURATION see durationOf.
 std::string canonical(ValueForm form, std::string_view text);
 // "0.25 s" or "infinite".
 std::string durationOf(const xmlNode* element);
