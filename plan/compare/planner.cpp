@@ -1,5 +1,5 @@
 // The planner changes a copy of what runs as it goes, each step as a router would take it; so it sees what an
-// update did not bring about, and does that otherwise.
+// update did not bring about, and does that another way.
 #include "plan/compare/planner.h"
 
 #include "plan/check/check.h"

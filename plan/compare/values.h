@@ -14,7 +14,7 @@ enum class ValueForm { TEXT, INTEGER, DURATION, PATTERNS, WORDS };
 
 struct ValueRule {
     ValueForm form = ValueForm::TEXT;
-    const char* absent = nullptr; // counts where there is none; null: nothing is the same as none
+    const char* absent = nullptr; // the value that counts where there is none; null: no value does
     bool isPresent = false;       // an empty one is not the same as none
 };
 
