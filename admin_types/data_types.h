@@ -1,5 +1,5 @@
 // Data-type operations of the administration types of both modules, under their C names: <type>_initialize,
-// <type>_copy, ... family/data_type_decl.inc tells what each does.
+// <type>_copy, ... family/data_type_decl.inc says what each does.
 #pragma once
 
 #include "admin_types/family/names.h"

@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <span>
 
-// Enumerators as (name, value) pairs. No command has the value 0, so that a record of zeroes is not a
-// valid one.
+// Enumerators as (name, value) pairs. No command has the value 0, so that a record of zeroes holds no
+// valid command.
 #define ZUL_ADMINISTRATION_COMMAND_KINDS(X)                                                                  \
     X(LOAD, 1)                                                                                               \
     X(UNLOAD, 2)                                                                                             \
@@ -32,8 +32,7 @@
     X(ERROR, 2)                                                                                              \
     X(ENTITY_NOT_FOUND, 3)
 
-// The enumerations may hold any 32-bit value: what arrives or is written is checked where it is read, not
-// by type.
+// A value of these types may be any 32-bit number: decoding refuses an unknown one, encoding does not look.
 enum ZUL_RoutingService_Administration_CommandKind : DDS_Long {
 #define X(name, value) ZUL_ROUTING_SERVICE_COMMAND_##name = value,
     ZUL_ADMINISTRATION_COMMAND_KINDS(X)

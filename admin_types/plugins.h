@@ -1,5 +1,5 @@
 // Plugin operations of every routing type, under their C names: <type>Plugin_serialize,
-// <type>PluginSupport_create_data, ... family/plugin_decl.inc tells what each does. Only the two types that
+// <type>PluginSupport_create_data, ... family/plugin_decl.inc says what each does. Only the two types that
 // travel by themselves also have endpoints; their plugin records are in type_support.h.
 #pragma once
 

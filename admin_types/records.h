@@ -25,7 +25,7 @@ template <class Module>
 struct PeerUpdateDescriptionRecord {
     char* domain_route_name; // at most 255 characters
     DDS_Boolean is_first_participant;
-    DDS_StringSeq peer_list; // at most 16 elements; decoded into where an element has the room
+    DDS_StringSeq peer_list; // at most 16 elements; decoding needs room in each that it fills
 };
 
 // The branches are side by side: all are prepared and released, only the one that `_d` selects is copied

@@ -1,5 +1,5 @@
 // Sequences of the administration types of both modules, under their C names: <type>Seq_get_length,
-// <type>Seq_set_maximum, ... family/sequence_decl.inc tells what each does.
+// <type>Seq_set_maximum, ... family/sequence_decl.inc says what each does.
 #pragma once
 
 #include "admin_types/data_types.h"

@@ -1,5 +1,5 @@
 // Type support and type plugins of the routing module's CommandRequest and CommandResponse, the two types
-// that travel by themselves; family/type_support_decl.inc tells what each operation does. The federation
+// that travel by themselves; family/type_support_decl.inc says what each operation does. The federation
 // variant uses these too, with its own type codes in the plugins. Their typed writers and readers are in
 // typed_endpoints.h, which this header brings along.
 #pragma once

@@ -1,7 +1,7 @@
 // Typed writers and readers of the two types that travel by themselves: typed views of the untyped endpoints,
 // whose records they take and give. family/typed_writer_decl.inc, typed_reader_decl.inc and
-// typed_reads_decl.inc tell what each operation does. Both types are keyless: what that means for instances
-// is told in middleware/dds/dds.h.
+// typed_reads_decl.inc say what each operation does. Both types are keyless; middleware/dds/dds.h says what
+// that means for instances.
 #pragma once
 
 #include "admin_types/sequences.h"

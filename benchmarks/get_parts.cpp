@@ -1,5 +1,5 @@
-// The time of one `get` that is answered in many parts: against as many of the pauses of a millisecond with
-// which the client must hand each part over, or against a `get` of fewer parts, which shows whether the time
+// The time of one `get` that is answered in many parts: against as many pauses of a millisecond, of which the
+// client makes one to hand over each part, or against a `get` of fewer parts, which shows whether the time
 // grows with their number. Prints milliseconds.
 #include "benchmarks/connected_client.h"
 #include "benchmarks/patience.h"

@@ -152,7 +152,7 @@ class Bench:
 
     @contextlib.contextmanager
     def fleet(self, domain: int, count: int):
-        """Practice routers router1, router2 and so on, in one process; nothing waits for who reads its log."""
+        """Practice routers router1, router2 and so on, in one process; its log is read, so that it never waits."""
         name = ["router", "--count", count] if count > 1 else ["router1"]
         with running([self.router, "--domain", domain, "--name", *name], b"\n") as process:
             reader = threading.Thread(target=lambda: all(process.stdout))
@@ -449,7 +449,7 @@ def against_xmllint(name: str, document: pathlib.Path, *command: object) -> Samp
     """Milliseconds of a whole process, against a validation of the document by its DTD."""
     def once(words: tuple[object, ...]) -> float:
         start = time.perf_counter()
-        subprocess.run([str(word) for word in words], timeout=LIMIT, check=True)  # of a right document: status 0
+        subprocess.run([str(word) for word in words], timeout=LIMIT, check=True)  # the document is valid: status 0
         return (time.perf_counter() - start) * 1000
 
     xmllint = ("xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document)

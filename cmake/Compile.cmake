@@ -7,13 +7,13 @@ elseif(ZUL_SANITIZE STREQUAL "thread")
 endif()
 
 # The warnings that follow inlined calls: GCC 12 forgets that what it inlines from a precompiled header is not ours, and warns
-# of the insides of std::string. The sanitized builds have no precompiled headers and look for these.
+# about the insides of std::string. The sanitized builds have no precompiled headers and look for these.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
     list(APPEND ZUL_WARNINGS -Wno-array-bounds -Wno-nonnull -Wno-restrict -Wno-stringop-overflow
         -Wno-stringop-overread)
 endif()
 
-# A section for each function and object: a program keeps what it uses of a library's files.
+# A section for each function and object, so that a program keeps only what it uses of a library's files.
 function(zul_settings target)
     target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections ${ZUL_WARNINGS} ${ZUL_SANITIZER_FLAGS})
     target_link_options(${target} PRIVATE -Wl,--gc-sections ${ZUL_SANITIZER_FLAGS})

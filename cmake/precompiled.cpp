@@ -1,1 +1,1 @@
-// A library needs a source file; one of precompiled headers has nothing else to say.
+// CMake builds no library without a source file: this is the one for libraries of precompiled headers.

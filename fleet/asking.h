@@ -19,8 +19,8 @@ inline Picture pictureOf(Domain& domain, Product product) {
             .now = Clock::now()};
 }
 
-// When it is settled who is there, for who begins to look now: so long after the domain was joined, and after
-// each participant came that is of interest and not matched yet; but no longer than if it was joined now.
+// When it is settled who is there: `discovery` after the domain was joined or the last participant of
+// interest came that is not matched yet, but not later than `discovery` after `begin`, when the look began.
 template <class IsOfInterest>
 Clock::time_point settled(const Domain& domain, const Picture& picture, Clock::duration discovery,
                           Clock::time_point begin, IsOfInterest isOfInterest) {

@@ -1,6 +1,6 @@
-// Causes are tried in the order in which they rule each other out: who is gone cannot be silent, who has
-// another type is not one-way. What is looked at, every stack of DDS tells: topics, types, policies, and what
-// is matched.
+// Causes are tried in the order in which they rule each other out: a router that is gone cannot be silent,
+// one with another type is not one-way. They rest on what every DDS stack tells: topics, types, policies, and
+// what is matched.
 #include "fleet/cause.h"
 
 #include <algorithm>

@@ -30,11 +30,11 @@ std::string assignmentUrl(const std::string& assignment);
 // Why a command to a router of that name must not be sent; null when it may.
 const char* refusal(const Command& command, const std::string& router);
 
-// Cuts a URL into the pieces of an upload; the last one, alone, is final. Never empty.
+// Cuts a URL into the pieces of an upload, which refer to it; only the last is final. Never empty.
 std::vector<std::string_view> piecesOf(std::string_view url);
 
-// Fills a request, whose strings have room for their bounds. The command must not be one to refuse. False
-// when memory is exhausted.
+// Fills a request, whose strings have room for their bounds. The command must be one that `refusal` lets
+// pass. False when memory is exhausted.
 bool fill(ZUL_RoutingService_Administration_CommandRequest& request, const Command& command,
           const std::string& router);
 // Puts a piece of the command's URL into a request that is filled.

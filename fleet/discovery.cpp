@@ -9,7 +9,7 @@ namespace zul::fleet {
 
 namespace {
 
-// Of what a participant shows, and of those that have gone: anybody can announce more.
+// What is kept of one participant, and of those that have gone: anybody can announce more.
 constexpr std::size_t MAX_ENDPOINTS = 16;
 constexpr std::size_t MAX_GONE = 256;
 

@@ -1,7 +1,7 @@
 // Who is in a domain: what participants and endpoints have told of themselves, and which of them are routers.
 //
 // Only what bears on administration is kept: participants, and their endpoints on the administration topics
-// of both products. Filled from threads of the DDS library, read by copies.
+// of both products. Filled from threads of the DDS library, read as copies.
 #pragma once
 
 #include "fleet/identity.h"
@@ -70,10 +70,10 @@ public:
     Discovery(const Discovery&) = delete;
     Discovery& operator=(const Discovery&) = delete;
 
-    // Must outlive the participant that it is given to.
+    // For a participant, which this must outlive.
     DDS_DomainParticipantListener listener();
 
-    // In the order of their prefixes. Of those that have gone only what was a router.
+    // In the order of their prefixes. Of those that have gone, only routers.
     std::vector<Participant> participants() const;
     // Those that have gone since the last call.
     std::vector<GuidPrefix> takeGone();

@@ -17,11 +17,11 @@ using Request = ZUL_RoutingService_Administration_CommandRequest;
 constexpr const char* PARTICIPANT_NAME = "zulctl"; // after the product
 // How long one write may block; in between, an interrupt is seen.
 constexpr DDS_Duration_t WRITE_BLOCKING_TIME{0, 100'000'000};
-// A router that is stopped acknowledges nothing, and is not to hold up requests to the others.
+// A router that is stopped acknowledges nothing, and must not hold up requests to the others.
 constexpr DDS_Long MAX_UNACKNOWLEDGED = 1024;
 // A fleet answers all at once.
 constexpr DDS_Long MAX_RECEIVED = 256;
-// Bytes of responses that nobody has looked at: more than the routers that are asked at once may send.
+// Bytes of responses that nobody has looked at: room for two of the longest answers.
 constexpr std::size_t MAX_WAITING = 2 * MAX_ANSWER;
 
 struct DeleteRequest {
@@ -93,7 +93,7 @@ Domain::Domain(std::int32_t id, Wakeup& wakeup)
     : id_(id), wakeup_(wakeup), discovery_(wakeup), responses_(MAX_WAITING) {}
 
 Domain::~Domain() {
-    responses_.close(); // a listener that waits for room would keep the reader
+    responses_.close(); // or a listener that waits for room would block the reader's end
     if (participant_ != nullptr) {
         DDS_DomainParticipant_delete_contained_entities(participant_);
         DDS_DomainParticipantFactory_delete_participant(DDS_DomainParticipantFactory_get_instance(),
@@ -269,7 +269,7 @@ void Domain::onData(void* self, DDS_DataReader* reader) {
     domain.wakeup_.notify();
 }
 
-// Another client's greeting is answered to everybody: a name for whoever has none.
+// The answer to another client's greeting reaches everybody, and names a router whose participant does not.
 void Domain::receive(const ZUL_RoutingService_Administration_CommandResponse& response, const Guid& writer) {
     if (response.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT && *response.message != '\0') {
         discovery_.noteName(prefixOf(writer), response.message, &Participant::announced);

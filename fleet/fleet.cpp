@@ -1,4 +1,4 @@
-// Requests go out one router after another, because an upload is not to be mixed with another request of its
+// Requests go out one router after another, because an upload must not be mixed with another request of its
 // sender; answers are awaited from all at once.
 #include "fleet/fleet.h"
 
@@ -11,12 +11,12 @@ namespace zul::fleet {
 
 namespace {
 
-// Ours: its reliable readers ask for what was written before they had matched the writer. Other libraries' do
-// not, so a match on this side does not tell that a request will be heard.
+// Our DDS library's vendor: its reliable readers ask for what was written before they had matched the writer.
+// Other libraries' do not, so a match on this side does not tell that a request will be heard.
 constexpr std::uint16_t PATIENT_VENDOR = 0x010F;
 // Routers that answer at once. More of them with long answers overrun what a socket holds, and repairing that
-// takes longer than waiting does: 50 times 4 MB took 32 s, and take 4 s. Who has not been heard of for a
-// while does not hold up the next.
+// takes longer than waiting does: 50 answers of 4 MB took 32 s without this bound, and take 4 s with it. A
+// router that has not been heard from for PATIENCE does not hold up the next.
 constexpr std::size_t ANSWERING_AT_ONCE = 8;
 constexpr auto PATIENCE = std::chrono::milliseconds(500);
 constexpr auto GREETING_PERIOD = std::chrono::milliseconds(200);
@@ -246,7 +246,7 @@ void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_
 
 void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult) {
     const auto end = Clock::now() + settings_.longest;
-    domain_.discovery().takeGone(); // of before; who went and came back is here
+    domain_.discovery().takeGone(); // from before: one that went and came back is here
     Gathering gathering(settings_.timeout);
     const auto endsWith = [&](const std::string& name, Status status, const char* message) {
         onResult({.router = name,

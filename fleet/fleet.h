@@ -33,11 +33,11 @@ struct Result {
 };
 using OnResult = std::function<void(Result&&)>;
 
-// How far an upload to a router or its answer is.
+// How far an upload to a router, or its answer, has come.
 struct Progress {
     std::string router{};
     std::size_t bytes = 0;
-    std::size_t total = 0; // of an upload; 0: this is an answer, of which nobody knows how long it will be
+    std::size_t total = 0; // of an upload; 0: this is an answer, whose length nobody knows yet
     std::size_t parts = 0; // of an answer
 };
 using OnProgress = std::function<void(const Progress&)>;
@@ -60,21 +60,21 @@ bool isPattern(const std::string& word);
 
 class Fleet {
 public:
-    // All must outlive this.
+    // The domain and the wakeup must outlive this.
     Fleet(Domain& domain, Wakeup& wakeup, const Settings& settings)
         : domain_(domain), wakeup_(wakeup), settings_(settings) {}
 
     // Looks for routers and returns their names, sorted: the names among the words, there or not, and those
-    // that match a pattern among them. Goes on as soon as all are there and matched both ways. A name that
-    // nobody has is looked for the whole time; who matches a pattern, and who is not matched, from when the
-    // domain was joined or the router came.
+    // that match a pattern among them. Without patterns, returns as soon as all are there and matched both
+    // ways. Otherwise looks for the discovery time: from now while one of the names is not there, else from
+    // when the domain was joined, or the last router came that is meant and not matched.
     std::vector<std::string> find(const std::vector<std::string>& words);
 
-    // Sends each router one request, and hands over the results as they come. Who cannot be reached is not
-    // asked. The command must not be one to refuse.
+    // Sends each router one request, and hands over the results as they come. A router that cannot be reached
+    // is not asked. The command must be one that `refusal` lets pass.
     void ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult);
 
-    // From now on `ask` tells of what takes several samples.
+    // From now on `ask` tells how far uploads and answers of several samples are.
     void onProgress(OnProgress callback) { onProgress_ = std::move(callback); }
 
     // Looks for the router, asks it when it can be asked, and says why it is silent, or that it is not.
@@ -108,8 +108,8 @@ private:
     Clock::time_point nextGreeting_{};
 };
 
-// Looks for routers of both products for the whole discovery time, in all the domains at once, and asks each
-// whether it answers. Sorted by domain and name.
+// Looks for routers of both products in all the domains at once, for the discovery time from when each was
+// joined or a router came that is not matched, and asks each whether it answers. Sorted by domain and name.
 std::vector<RouterRow> list(const std::vector<Domain*>& domains, Wakeup& wakeup, const Settings& settings);
 
 } // namespace zul::fleet

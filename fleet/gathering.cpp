@@ -1,6 +1,5 @@
 // One wait for each router that a request must reach. An answer from a writer that nobody expected takes the
-// wait that has no writer yet, or opens one that has ended: it is the only word of a router
-// that was not known.
+// wait that has no writer yet, or gets one of its own: it is the only word of a router that was not known.
 #include "fleet/gathering.h"
 
 #include "admin_types/modules.h"

@@ -16,7 +16,7 @@
 
 namespace zul::fleet {
 
-// Bytes. Each part starts the time-out anew, so who sends parts without end is cut off by size.
+// Bytes. Each part starts the time-out anew, so a router that sends them without end is cut off by size.
 constexpr std::size_t MAX_ANSWER = 256U << 20;
 
 // A response as it arrived, whoever it is for.
@@ -43,7 +43,7 @@ struct Answer {
 
 class Gathering {
 public:
-    // Counted from the request or the last part.
+    // `timeout` counts from the request or the last part.
     explicit Gathering(Clock::duration timeout) : timeout_(timeout) {}
 
     // A request has been sent. `routers` are those that it must reach; with none, one answer is enough.
@@ -62,7 +62,8 @@ public:
     bool isComplete() const { return open_ == 0; }
     // When `expire` is due.
     Clock::time_point deadline() const;
-    // When fewer than `count` waits (at least 1) will have been heard of within `patience` if nothing comes.
+    // If nothing comes: the time from which fewer than `count` (at least 1) of the open waits have been heard
+    // from within the last `patience`.
     Clock::time_point whenFewerThan(std::size_t count, Clock::duration patience) const;
     // The answers that have ended since the last call.
     std::vector<Answer> takeEnded();

@@ -1,6 +1,6 @@
 // Responses on their way from the delivery threads to the thread that gathers them. Bounded in bytes: while
-// that thread is busy elsewhere, as with a terminal that shows nothing, delivery waits, and reliable writers
-// with it.
+// that thread is busy elsewhere, as with a terminal that takes no output, delivery waits, and reliable
+// writers with it.
 #pragma once
 
 #include "fleet/gathering.h"

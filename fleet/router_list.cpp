@@ -12,7 +12,7 @@ namespace {
 void addRows(std::vector<RouterRow>& rows, Domain& domain, Product product) {
     std::map<std::string, std::vector<std::size_t>> namesakes;
     for (const Participant& participant : domain.discovery().participants()) {
-        // One that hides its endpoints is listed where its name says.
+        // One that hides its endpoints is listed under the product in its name.
         const bool isHidden = participant.mayBeRouter() && participant.endpoints.empty() &&
                               participant.name.starts_with(infoOf(product).productName);
         if (participant.isHere() && (participant.isRouter(product) || isHidden)) {

@@ -21,7 +21,7 @@ public:
     // Async-signal-safe. Ends this wait and every later one, until the interrupt is taken back.
     void interrupt();
     bool isInterrupted() const { return isInterrupted_.load(); }
-    // For what has to be done even so: takes the interrupt back, and returns whether there was one.
+    // For what has to be done in spite of it: takes the interrupt back, and returns whether there was one.
     bool takeInterrupt() { return isInterrupted_.exchange(false); }
 
     // One thread at a time. Returns at the latest at `deadline`.

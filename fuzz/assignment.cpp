@@ -1,4 +1,4 @@
-// An assignment becomes nothing, or an inline XML URL in which what must be escaped in the value is escaped.
+// Any text becomes nothing or, if it is an assignment, an inline XML URL of one quoted element.
 #include "product/assignment.h"
 #include "middleware/base/strings.h"
 

@@ -1,5 +1,5 @@
-// Two documents of any bytes, with a NUL between them: each is the same as itself; they differ in both
-// directions or in none; a plan from one to the other leads there or is refused.
+// Two documents of any bytes, with a NUL between them: the first is the same as itself; they differ in both
+// directions or in none; a plan from the first to the second leads there or is refused.
 #include "plan/compare/planner.h"
 #include "plan/document/entity.h"
 #include "plan/document/text.h"

@@ -1,5 +1,5 @@
 // The practice router takes any bytes as a document, an update and a new entity: it changes its configuration
-// whole or not at all. What it finds wrong by the definition, the library finds wrong too, and the reverse.
+// whole or not at all. What it finds wrong by the definition, libxml2 finds wrong too, and the reverse.
 // It refuses exactly what a check finds wrong, with the first of the findings.
 #include "plan/check/check.h"
 #include "plan/document/definition.h"
@@ -54,7 +54,7 @@ void compareWithLibrary(std::string_view bytes) {
         return;
     }
     if (xmlDocGetRootElement(document.get())->nsDef != nullptr) {
-        return; // the library knows nothing of schema locations
+        return; // libxml2 knows nothing of schema locations
     }
     xmlValidCtxt* validator = xmlNewValidCtxt();
     const bool isValid = xmlValidateDtd(validator, document.get(), dtd) == 1;

@@ -10,7 +10,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto line =
-        std::make_unique<char[]>(size + 1); // of the exact size: the sanitizer sees every byte too far
+        std::make_unique<char[]>(size + 1); // of the exact size: the sanitizer sees any byte beyond it
     std::copy_n(data, size, line.get());
     const std::size_t length = std::strlen(line.get());
     const auto words = std::make_unique<char*[]>(ROUTER_SHELL_MAX_WORDS);

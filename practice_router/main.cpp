@@ -41,7 +41,7 @@ void loadStartDocument(Router& router, const std::string& file) {
     }
 }
 
-// The whole path of an existing directory; empty when it is none.
+// The absolute path of a directory; empty when there is none at `path`.
 std::string directoryAt(const std::string& path) {
     std::error_code failure;
     const std::filesystem::path whole = std::filesystem::canonical(path, failure);
@@ -61,8 +61,7 @@ sigset_t blockSignals() {
     return ending;
 }
 
-// One router with all that is its own. The parts end in reverse order; the thread first, when its queue
-// is closed.
+// One router with all that is its own. Closing the queue ends the thread, then the parts go in reverse order.
 struct Instance {
     RequestQueue queue;
     Router router;

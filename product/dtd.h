@@ -1,6 +1,5 @@
 // The document type definitions of configuration documents, embedded from resource/dtd. Each is an ordered
-// array of chunks of 1024 characters (the last one shorter), because the text is longer than one constant
-// text may be: join them, never read one alone.
+// array of chunks of 1024 characters (the last one shorter): join them, never read one alone.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,5 @@
-// The process-wide logging bitmaps of the shell's own modules. A message is emitted only if its level bit is
-// set in the instrumentation mask and its submodule bit in the submodule mask. Read from the listener's
-// thread too.
+// The process-wide logging bitmaps of the shell, the client and the utilities. A message is emitted only if
+// its level bit is set in the instrumentation mask and its submodule bit in the submodule mask. Any thread.
 #pragma once
 
 #include "middleware/base/log.h"

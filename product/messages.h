@@ -1,5 +1,5 @@
-// The program's own message templates. Codes run from 0x21C2000 (service), 0x21C3000 (parameters and
-// configuration files) and 0x21C4000 (remote configuration).
+// The program's own message templates. Codes from 0x21C3000 are for parameters and configuration files; those
+// from 0x21C2000 (service) and 0x21C4000 (remote configuration) are not used here.
 #pragma once
 
 #include "middleware/base/log.h"

@@ -4,7 +4,7 @@
 #include "product/default_configuration.h"
 #include "product/dtd.h"
 
-// Only the service's own status and data types carry its name.
+// Of the monitoring names only the service's own status and data repeat its name after the module.
 #define ZUL_ADMINISTRATION_NAMES(Camel, snake)                                                               \
     .administrationRequestTypeName = "ZUL::" Camel "::Administration::CommandRequest",                       \
     .administrationRequestTopicName = "zul/" snake "/administration/command_request",                        \

@@ -1,5 +1,6 @@
 // The product variants: one record of names per variant, shared by the shell and the service programs, and
-// the process-wide product id that selects it. The id is set once, first thing at start; all else only reads.
+// the process-wide product id that selects it. The id is set at start, or before each command,
+// while no other thread reads it.
 #pragma once
 
 #include <cstdint>

@@ -70,5 +70,6 @@ bool ROUTERRemoteConfigClient_finalize(ROUTERRemoteConfigClient* self) {
         ZULSemaphore_delete(*semaphore);
         *semaphore = nullptr;
     }
+    // oddity 14: the names of known routers stay
     return true;
 }

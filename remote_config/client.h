@@ -2,8 +2,8 @@
 // header is the record and its life; exchange.h sends and gathers, entity_commands.h holds the senders.
 //
 // Construction, sends and destruction belong to one thread. The response listener runs on a thread of the
-// middleware's and shares with it only `waitingForResponse`, `currentResponse`, the request id and the
-// two semaphores.
+// middleware and shares with it only `waitingForResponse`, `currentResponse`, the request id and two
+// of the semaphores.
 #pragma once
 
 #include "admin_types/records.h"
@@ -51,8 +51,8 @@ void ROUTERRemoteConfigClient_delete(ROUTERRemoteConfigClient* self);
 // `finalize` is still due for the semaphores. `timeoutSeconds`: see ZULTime.
 bool ROUTERRemoteConfigClient_initialize(ROUTERRemoteConfigClient* self, DDS_Long domainId,
                                          DDS_Long timeoutSeconds);
-// Disconnects and deletes the semaphores. False when an entity could not be deleted; the semaphores
-// then stay.
+// Disconnects and deletes the semaphores, but keeps the names of known routers (oddity 14). False when an
+// entity could not be deleted; the semaphores then stay.
 bool ROUTERRemoteConfigClient_finalize(ROUTERRemoteConfigClient* self);
 
 // The two halves of the above that deal with DDS.

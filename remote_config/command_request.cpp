@@ -1,4 +1,4 @@
-// Names are checked before anything of the request is written: a refused command leaves it as it was.
+// Names are checked before any part of the request is written: a refused name leaves it as it was.
 #include "remote_config/command_request.h"
 
 #include "admin_types/requests.h"

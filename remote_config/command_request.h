@@ -23,7 +23,7 @@ bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfig
 bool checkNames(const Sender& sender, const char* targetRouter, const char* name,
                 ROUTERRemoteConfigResult* result);
 
-// Checks them, writes target, kind and name, and counts `invocation` up.
+// Checks the names, writes target, kind and name into the request, and counts `invocation` up.
 bool prepareRequest(ROUTERRemoteConfigClient& client, const Sender& sender, const char* targetRouter,
                     const char* name, ROUTERRemoteConfigResult* result);
 

@@ -15,7 +15,7 @@ constexpr const char* CLOSE = "ROUTERRemoteConfigClient_closeConnection";
 constexpr DDS_Long MAX_SAMPLES = 32; // held, and sent but not yet acknowledged
 // How long a write may block on routers that do not acknowledge.
 constexpr DDS_Duration_t WRITE_BLOCKING_TIME{60, 0}; // oddity 19
-// Every status but an extension of the middleware's, which the client does not handle.
+// Every status but one, an extension of the standard that the client does not handle.
 constexpr DDS_StatusMask READER_STATUS_MASK = 0xBFFFFFFF;
 
 // The QoS records of one connection attempt, released on every path.
@@ -109,7 +109,7 @@ bool createTopic(DDS_DomainParticipant* participant, const TopicPlan& plan) {
     if (plan.plugin == nullptr) {
         return failed(ZUL_LOG_CREATION_FAILURE_s, plan.pluginText);
     }
-    // The federation variant keeps the routing module's codec and announces its own description of the type.
+    // oddity 18: the federation variant keeps the routing module's codec and announces its own description
     if (ROUTER_getProductId() == ROUTER_PRODUCT_FEDERATION_SERVICE) {
         plan.plugin->typeCode = plan.federationTypeCode();
     }
@@ -196,8 +196,7 @@ bool ROUTERRemoteConfigClient_closeConnection(ROUTERRemoteConfigClient* self) {
             closed = false;
         }
     };
-    // Deleting the entities waits for the listener, which must therefore not wait for a reader of
-    // its response.
+    // Deleting the entities waits for the listener, which must not be waiting for a consumer by then.
     zul::remote_config::HandOver(*self).close();
     if (self->participant != nullptr) {
         check(DDS_DomainParticipant_delete_contained_entities(self->participant) == DDS_RETCODE_OK,

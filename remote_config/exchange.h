@@ -18,8 +18,8 @@ void ROUTERRemoteConfigClient_nextInvocation(ROUTERRemoteConfigClient* self);
 bool ROUTERRemoteConfigClient_sendCommandRequest(ROUTERRemoteConfigClient* self,
                                                  ROUTERRemoteConfigResult* result, bool wait);
 // The same for a request that goes on with what an earlier send without waiting began, such as the next piece
-// of an upload: an interrupt since that beginning counts, and ends the wait at once. Whoever has more than
-// the last one to send asks `isInterrupted` before each.
+// of an upload: an interrupt since that beginning counts, and ends the wait at once. A caller with several
+// requests to send asks `isInterrupted` before each.
 bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* self,
                                                      ROUTERRemoteConfigResult* result, bool wait);
 // Whether an interrupt has come since a send without waiting.

@@ -1,4 +1,4 @@
-// The hand-over of responses: the one room where three contexts meet. The shell thread S sends requests and
+// The hand-over of responses: the one place where three contexts meet. The shell thread S sends requests and
 // waits; the delivery thread L brings responses, one at a time; a signal handler H interrupts S at any
 // moment and ends before S goes on. They share the record's `waitingForResponse` and `currentResponse`, its
 // two semaphores and the number of its request. Nobody else touches these.
@@ -67,7 +67,7 @@ public:
     // S: whether H has come since `begin`. For sends that belong together, before one of them is awaited.
     bool isInterrupted() const { return !record_.waitingForResponse.load(); }
 
-    // S: passes each response to the request on to `bool gather(const Response&)` until one is final. The
+    // S: calls `bool gather(const Response&)` with each response to the request until one is final. The
     // response is valid during the call; false gives up. Leaves the waiting state.
     template <class Gather>
     WaitEnd await(Gather gather) {
@@ -104,7 +104,7 @@ public:
         }
     }
 
-    // L: offers a response and returns when it may go back. One that nobody waits for returns at once.
+    // L: offers a response and returns when its loan may go back: at once if nobody waits for it.
     void publish(const Response& response) {
         if (!record_.waitingForResponse.load() || !isAnswer(response) ||
             response.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT) {

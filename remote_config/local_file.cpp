@@ -1,5 +1,5 @@
-// Opened without blocking, so that a pipe without a writer ends at once; a read waits no longer than
-// it is told to.
+// The file is opened without blocking, so that a pipe without a writer ends at once; a read waits no longer
+// than it is told to.
 #include "remote_config/local_file.h"
 
 #include "middleware/base/strings.h"

@@ -16,8 +16,8 @@ enum ROUTERLocalFileStatus {
 // An open file; closed by its destructor.
 class ROUTERLocalFile {
 public:
-    // A pipe that nobody writes to counts as one that cannot be opened, so opening never blocks. A read waits
-    // at most `patience` for a pipe's next data, and ends with an error when a signal arrives meanwhile.
+    // Never blocks, not even on a pipe that nobody writes to. A read waits at most `patience`, in whole
+    // seconds, for a pipe's next data, and ends with an error when a signal arrives meanwhile.
     ROUTERLocalFile(const char* path, const ZULTime& patience);
     ~ROUTERLocalFile();
     ROUTERLocalFile(const ROUTERLocalFile&) = delete;
@@ -39,6 +39,6 @@ private:
     std::span<char> unread_;        // of `ahead_`
 };
 
-// Reads a whole file into a new string, which the caller owns (DDS_String_free). Null, with a log line unless
-// reading failed, when it cannot be had.
+// Reads a whole file into a new string, which the caller owns (DDS_String_free). Null on failure, with a log
+// line unless the read itself failed.
 char* ROUTERRemoteConfig_readFile(const char* path);

@@ -1,5 +1,4 @@
-// Takes what has arrived, in batches, and offers each sample for the hand-over; the loan goes back after
-// the last.
+// Takes all that has arrived as one loan, offers each sample for the hand-over, then returns the loan.
 #include "remote_config/response_listener.h"
 
 #include "admin_types/type_support.h"

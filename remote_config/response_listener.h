@@ -1,4 +1,4 @@
-// The response reader's listener: the listener thread's side of the hand-over.
+// The response reader's listener: the delivery thread's side of the hand-over.
 #pragma once
 
 #include "remote_config/client.h"

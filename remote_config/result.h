@@ -5,8 +5,7 @@
 
 constexpr int ROUTER_RESULT_TEXT_MAX = 4096; // characters held inline
 
-// The caller owns the record; `text` refers to `textBuffer`, to a heap string that the record owns, or
-// is null.
+// The caller owns the record; `text` is null, `textBuffer`, or a heap string that the record owns.
 struct ROUTERRemoteConfigResult {
     DDS_Long kind; // a CommandResponseKind value: 0 is OK
     char textBuffer[ROUTER_RESULT_TEXT_MAX + 1];

@@ -1,4 +1,4 @@
-// Text goes out by way of Upload, which knows what an interrupt or a failed write between two pieces ends.
+// All text goes out through Upload, which stops when a write fails or an interrupt comes between two pieces.
 #include "remote_config/url_commands.h"
 
 #include "middleware/base/strings.h"
@@ -30,7 +30,7 @@ struct Upload {
     ROUTERRemoteConfigClient& client;
     ROUTERRemoteConfigResult* result;
     bool wait;
-    bool hasBegun = false; // something was sent already whose interrupt ends this upload
+    bool hasBegun = false; // an earlier send belongs to this upload: an interrupt since then ends it
     Status status = ROUTER_URL_COMMAND_OK;
 
     ZUL_RoutingService_Administration_XmlUrl& xmlUrl() const {
@@ -174,8 +174,7 @@ bool ROUTERRemoteConfigClient_sendCommandsDUE(ROUTERRemoteConfigClient* self, co
     }
     ROUTERRemoteConfigClient_sendCommandRequest(self, result, false);
 
-    // An interrupt from here on drops the rest of the update. That, or a failed one, is followed by
-    // the enable.
+    // An interrupt from here on drops the rest of the update; the enable follows in any case.
     if (!ROUTERRemoteConfigClient_isInterrupted(self)) {
         prepareRequest(*self, {__func__, ZUL_ROUTING_SERVICE_COMMAND_UPDATE}, targetRouter, entityName,
                        result);

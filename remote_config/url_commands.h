@@ -1,6 +1,6 @@
 // Senders of the commands that carry configuration XML to a router: inline, as a file that the router reads
-// itself, read from a local file here, or as a dotted assignment. Text longer than one sample goes out in
-// pieces under one request id, all but the last with `is_final` false.
+// itself, as a local file that is read here, or as a dotted assignment. Text longer than one sample goes out
+// in pieces under one request id, all but the last with `is_final` false.
 #pragma once
 
 #include "remote_config/client.h"
@@ -22,7 +22,8 @@ ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendUrlCommand(ROUTERRemoteConfi
                                                                ROUTERRemoteConfigResult* result);
 
 // Router names have at most 254 characters, names of configurations and entities at most 255, of parents at
-// most 254. A refused name is reported in the result's `textBuffer`, nothing is sent, and the status is OK.
+// most 254 (oddity 5). A refused name is reported in the result's `textBuffer`, nothing is sent, and the
+// status is OK (oddity 6).
 ROUTERUrlCommandStatus ROUTERRemoteConfigClient_sendCommandLoad(ROUTERRemoteConfigClient* self,
                                                                 const char* targetRouter, const char* cfgName,
                                                                 const char* xmlUrl, bool isRemote,

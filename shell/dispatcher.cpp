@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <string_view>
 
+// oddity 40
 const char* const ROUTERShell_g_commandList[] = {"load",   "unload", "enable", "disable",  "update", "exit",
                                                  "quit",   "hello",  "help",   "history",  "clear",  "create",
                                                  "delete", "save",   "get",    "add_peer", ""};
@@ -39,7 +40,7 @@ enum class Outcome {
     NOTHING,
     SYNTAX_ERROR,
     ANSWERED,   // the result record holds the answer
-    UNANSWERED, // nobody answered, or the request was not sent; the cause, if any, is already printed
+    UNANSWERED, // nobody answered, or nothing was sent; `reportStatus` has printed the cause if it knows one
 };
 
 namespace {
@@ -191,7 +192,7 @@ constexpr Command TABLE[] = {
     {.names = {"dupdate"}, .leastWords = 3,
      .syntax = UPDATE_SYNTAX, .run = updateWith<ROUTERRemoteConfigClient_sendCommandsDUE>},
     {.names = {"unload"}, .leastWords = 2, .mostWords = 2, .helpLine = 2, .help = "Unload current %s configuration",
-     .syntax = "unload <target_router>", .run = routerCommand<ROUTERRemoteConfigClient_sendCommandUnload>},
+     .syntax = "unload <target_router>", .run = routerCommand<ROUTERRemoteConfigClient_sendCommandUnload>}, // oddity 39
     {.names = {"load"}, .leastWords = 4, .helpLine = 1, .help = "Load %s XML configuration",
      .syntax = "load <target_router> <cfg_name> <xml_url> [remote|local]", .run = load},
     {.names = {"create"}, .leastWords = 3, .helpLine = 8, .help = "Create an entity",

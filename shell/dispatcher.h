@@ -4,8 +4,7 @@
 
 #include "shell/instance.h"
 
-// The published list of command names, ended by an empty entry. Not what the dispatcher goes by: it leaves
-// out the aliases.
+// The published list of command names, ended by an empty entry; the dispatcher does not read it (oddity 40).
 extern const char* const ROUTERShell_g_commandList[];
 
 // `wordCount` is at least 1. Everything is printed; nothing is returned. The words may be changed.

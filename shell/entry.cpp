@@ -1,4 +1,4 @@
-// The order of the start-up counts: help before any option is read, signals blocked before the middleware
+// The order of the start-up matters: help before any option is read, signals blocked before the middleware
 // starts its threads, handlers before the first wait.
 #include "shell/entry.h"
 
@@ -34,7 +34,7 @@ bool asksForHelp(const char* argument) {
 
 int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
     ROUTER_setProductId(productId);
-    // Before any option is looked at, also among option values.
+    // oddity 38: before any option is looked at, also among option values
     if (std::any_of(arguments + std::min(argumentCount, 1), arguments + argumentCount, asksForHelp)) {
         ROUTERShellParameterManager_printHelp(ROUTER_getProductInfo()->shellProgramName);
         return EXIT_START_UP;

@@ -146,7 +146,7 @@ void ROUTERShellParameterManager_printUsage(const char* programName) {
 void ROUTERShellParameterManager_printVersion() {
     const ZULProductVersion version = ZULProductVersion_get();
     const char* product = ROUTER_getProductInfo()->productName;
-    std::printf("%s Shell %d.%d%c", product, version.major, version.minor, version.release);
+    std::printf("%s Shell %d.%d%c", product, version.major, version.minor, version.release); // oddity 41
     if (version.revision > 0) {
         std::printf(" (rev %d)", version.revision);
     }

@@ -46,7 +46,8 @@ struct ROUTERShellParameterValue {
     std::int32_t number;
 };
 
-// Null, with a log line, on failure. The arguments are those after the program name.
+// Null, with a log line, on failure. The arguments are those after the program name. `_initialize` takes a
+// record of zeroes.
 ROUTERShellParameterManager* ROUTERShellParameterManager_new(int argumentCount, const char* const* arguments);
 bool ROUTERShellParameterManager_initialize(ROUTERShellParameterManager* self, int argumentCount,
                                             const char* const* arguments);

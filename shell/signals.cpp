@@ -12,8 +12,8 @@
 
 namespace {
 
-// A write to a pipe without reader raises the signal that is being handled: left pending, it would be handled
-// for ever.
+// The handler's write to a pipe without a reader raises SIGPIPE, whose handler would write again: left
+// pending, it would go round for ever.
 void takeBackBrokenPipe() {
     sigset_t brokenPipe;
     sigemptyset(&brokenPipe);

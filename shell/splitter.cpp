@@ -1,4 +1,4 @@
-// A machine with three modes that looks at one position after the other; words are ended in place.
+// A machine with three modes that looks at one position after another; words are ended in place.
 #include "shell/splitter.h"
 
 #include "product/vocabulary.h"
@@ -12,7 +12,7 @@ namespace {
 enum class Mode { BETWEEN, IN_WORD, REST_OF_LINE };
 
 bool isPrintable(char c) {
-    return c >= 0x21 && c <= 0x7E; // codes from 0x80 up are no printable characters here
+    return c >= 0x21 && c <= 0x7E; // oddity 37: nothing outside ASCII
 }
 
 // Inline XML, or an assignment to a member of an entity.
@@ -26,7 +26,7 @@ bool startsRestOfLine(std::string_view text) {
 struct Splitter {
     char** words;
     int& count;
-    const char* end; // of the line, found first: a word that is ended does not end the line
+    const char* end; // of the line, found first: the NUL that ends a word does not end the line
     Mode mode = Mode::BETWEEN;
     bool quoted = false;
 

@@ -17,6 +17,6 @@ struct ROUTERUtilsBuiltinTopicKey {
 // Fills the GUID from words in the order of this machine.
 void ROUTERUtils_calculateGUID(ROUTERUtilsGuid* guid, std::uint32_t host, std::uint32_t application,
                                std::uint32_t instance, std::uint32_t object);
-// Each word of the GUID, converted to network byte order: on a little-endian machine, the words that it was
-// made of.
+// Each word of the GUID, converted to network byte order once more: on a little-endian machine, the words
+// that it was made of.
 void ROUTERUtils_guidToBuiltinTopicKey(ROUTERUtilsBuiltinTopicKey* key, const ROUTERUtilsGuid* guid);

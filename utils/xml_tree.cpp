@@ -41,7 +41,7 @@ bool ROUTERUtils_addChildXMLObject(ZULXMLObject* parent, ZULXMLObject* child) {
     if (!isFree(namesake != parent->childSet.end() ? *namesake : nullptr)) {
         return false;
     }
-    // A child that is in another list, or above the parent, would make a cycle of the tree.
+    // A child in another list would have two parents, one above the parent would close a cycle.
     const bool fits = child->list == nullptr && !isWithin(parent, child);
     return (fits && ZULXMLObject_insertChild(parent, child) == ZUL_XML_INSERTED) ||
            refuse(ADD_CONTEXT, ZUL_LOG_ADD_FAILURE_s, "XML object");

@@ -199,8 +199,8 @@ std::string Apply::restoreCommand() const {
            asWord(router_->name()) + " " + asWord(backup_);
 }
 
-// An interrupt that brought us here is taken back for the time, so that the way back can be waited for; a
-// second one ends that, too.
+// An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second
+// one ends that, too.
 void Apply::putBack(const std::string& why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
     output_.say(router_->name() + ": " + why + "; putting back what ran");

@@ -12,7 +12,7 @@ namespace zul::ctl {
 
 enum ExitStatus {
     EXIT_DONE = 0,
-    EXIT_REFUSED = 1, // by a router, or check has found something
+    EXIT_REFUSED = 1, // by a router, or diff or check found something
     EXIT_USAGE = 2,   // or a local file
     EXIT_NOT_FOUND = 3,
     EXIT_NO_ANSWER = 4, // or no such router

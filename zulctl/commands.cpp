@@ -158,7 +158,7 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     const std::vector<std::string> names = findRouters(fleet, arguments);
     refuseBadNames(update, names);
     Outcome outcome;
-    std::set<std::string> stopped; // or they may be
+    std::set<std::string> stopped; // for certain or perhaps
     std::set<std::string> failed;
     fleet.ask(names, disable, [&](const Result& result) {
         outcome.add(result.status);

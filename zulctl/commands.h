@@ -7,8 +7,8 @@ namespace zul::ctl {
 
 // `wakeup` may be interrupted at any moment.
 int runCommand(const Arguments& arguments, fleet::Wakeup& wakeup);
-// One of several commands of a session.
 class Session;
+// One of several commands of a session.
 int runCommand(const Arguments& arguments, Session& session);
 
 // Throws a Failure if the command may not be sent to a router of one of these names.

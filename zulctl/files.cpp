@@ -37,7 +37,7 @@ bool writeAll(int descriptor, std::string_view text) {
     return true;
 }
 
-// A new file beside the one that it is to become. What has not become it is gone at the end. Each step is
+// A new file beside the one that it is to become; deleted at the end unless it has become that. Each step is
 // true when it succeeded, else `errno` says why not.
 class FreshFile {
 public:
@@ -55,7 +55,7 @@ public:
     FreshFile& operator=(const FreshFile&) = delete;
 
     bool isOpen() const { return descriptor_ >= 0; }
-    // Until then it is the user's alone. Null: as of any file that is created.
+    // Gives it the owner and mode of `other`; null: those of any new file. Until then it is the user's alone.
     bool hasAccessOf(const struct stat* other) const {
         if (other != nullptr) {
             return fchown(descriptor_, other->st_uid, other->st_gid) == 0 &&
@@ -68,7 +68,7 @@ public:
     bool write(std::string_view text) const { return writeAll(descriptor_, text) && fsync(descriptor_) == 0; }
     // In place of what may be there.
     bool replace() const { return rename(name_.c_str(), path_.c_str()) == 0; }
-    // Where nothing is, with EEXIST otherwise.
+    // Only where there is nothing; EEXIST otherwise.
     bool appear() const {
         return link(name_.c_str(), path_.c_str()) == 0 ||
                ((errno == EPERM || errno == EOPNOTSUPP) && replace()); // a file system without links
@@ -109,7 +109,7 @@ bool writeFile(const std::string& path, const std::string& text, std::string& er
     const bool isNew = lstat(path.c_str(), &before) != 0 && errno == ENOENT;
     if (isNew || S_ISREG(before.st_mode)) {
         FreshFile fresh(path);
-        // A folder may be read-only, and a file somebody else's, and yet it may be written.
+        // Where the folder is read-only or the file somebody else's, it may still be writable.
         if (fresh.isOpen() && fresh.hasAccessOf(isNew ? nullptr : &before)) {
             const bool isWritten = fresh.write(text) && fresh.replace();
             error = isWritten ? "" : explain("write", path);

@@ -1,5 +1,5 @@
-// A second router of the name may show up at any time, so everyone who has it is counted before each command,
-// and who answers is compared.
+// A second router of the name may show up at any time, so all that have it are counted before each command,
+// and the one that answers is compared with the one that answered first.
 #include "zulctl/one_router.h"
 
 #include "fleet/asking.h"

@@ -11,7 +11,7 @@ namespace zul::ctl {
 
 class OneRouter {
 public:
-    // Joins the domain and looks for the router. `isSure`: looks the whole time for others of its name.
+    // Joins the domain and looks for the router. `isSure`: looks on for others of its name.
     OneRouter(const Arguments& arguments, Session& session, bool isSure);
 
     const std::string& name() const { return name_; }

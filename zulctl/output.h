@@ -1,5 +1,5 @@
 // What goes to standard output: rows for people, or one JSON object a line. A terminal is shown control
-// characters, never made to obey them; JSON is valid whatever the bytes.
+// characters, but does not obey them; JSON is valid whatever the bytes.
 #pragma once
 
 #include "zulctl/json_rows.h"
@@ -21,9 +21,10 @@ public:
     void print(const fleet::Result& result, bool isPart = false);
     // A configuration: the text alone, after a line with the router's name where there are several.
     void printText(const fleet::Result& result, bool isOneOfSeveral);
+    // `isFirst`: with the titles of the columns.
     void print(const std::vector<fleet::RouterRow>& rows, bool isFirst);
     void print(const std::string& router, const fleet::Cause& cause);
-    // How far a command is, until there are results.
+    // Shows how far a command is, until there are results.
     ProgressLine& progress() { return progress_; }
     // A line that is ready to be shown.
     void printLine(std::string_view line) { writeLine(line); }
@@ -35,8 +36,8 @@ public:
     // For people only.
     void say(const std::string& sentence);
 
-    // Standard output could not be written, which standard error was told. A reader that has just gone is no
-    // failure, but is written to no more.
+    // Standard output could not be written, and standard error has said so. A reader that has just gone is no
+    // failure, but nothing more is written to it.
     bool hasFailed() const;
 
 private:

@@ -1,4 +1,4 @@
-// Signals are blocked but while the wait lasts: one that comes just before it ends it all the same.
+// Signals are blocked except during the wait: one that comes just before it ends it all the same.
 #include "zulctl/question.h"
 
 #include "zulctl/signals.h"
@@ -29,8 +29,8 @@ private:
     sigset_t before_{};
 };
 
-// A line without its end; what there is of it when the input ends or an interrupt comes. Of a read that fails
-// nothing counts.
+// A line without its end; what there is of it when the input ends or an interrupt comes. A failed read counts
+// as an empty line.
 std::string readLine(const fleet::Wakeup& wakeup) {
     const SignalsBlocked blocked;
     std::string line;

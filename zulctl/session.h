@@ -35,8 +35,8 @@ std::unique_ptr<fleet::Domain> join(std::int32_t id, std::span<const fleet::Prod
 
 class Session {
 public:
-    // `wakeup` must outlive this; it may be interrupted at any moment. One that is to last joins a domain for
-    // both products at once, so that one participant serves all commands.
+    // `wakeup` must outlive this; it may be interrupted at any moment. A lasting one joins a domain for both
+    // products at once, so that one participant serves all commands.
     explicit Session(fleet::Wakeup& wakeup, bool isLasting = false)
         : wakeup_(wakeup), isLasting_(isLasting) {}
 

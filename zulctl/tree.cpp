@@ -14,7 +14,7 @@ namespace {
 
 using Outline = std::vector<OutlineEntry>;
 
-// A document does not say it of the service.
+// A document does not say whether the service itself is enabled.
 const char* stateOf(const OutlineEntry& entry) {
     return entry.level == plan::EntityLevel::SERVICE ? "unknown" : entry.isEnabled ? "enabled" : "disabled";
 }

@@ -1,4 +1,4 @@
-// zulctl tree: what each router runs, as trees, as one graph for Graphviz, or a JSON row an entity.
+// zulctl tree: what each router runs, as trees, as one graph for Graphviz, or as a JSON row an entity.
 #pragma once
 
 #include "zulctl/output.h"

@@ -1,5 +1,5 @@
-// Basic types of the platform: the OMG IDL primitive mappings, return codes, durations and handles that every
-// other header of this folder builds on. (OMG DDS 1.4, 2.3.3; OMG IDL to C mapping.)
+// Basic types of the platform: the OMG IDL primitive mappings, return codes, durations and handles that the
+// types and the DDS API build on. (OMG DDS 1.4, 2.3.3; OMG IDL to C mapping.)
 #pragma once
 
 #include <cstdint>

@@ -31,6 +31,6 @@ struct ZULHeapAllocator {
     void deallocate(T* memory, std::size_t) { ZULHeap_free(memory); }
 };
 
-// Test aid: the allocation that follows after `allocations` further successful ones fails, once.
-// A negative number switches it off (the initial state).
+// Test aid: after `allocations` more successful allocations the next one fails, once. A negative number
+// switches it off (the initial state).
 void ZULHeap_failAfter(long allocations);

@@ -57,7 +57,7 @@ void writeToStandardError(std::string_view line) {
     }
 }
 
-// `isOurs`: nothing in the line is anybody else's, so there is nothing to hide from a terminal.
+// `isOurs`: nothing in the line comes from elsewhere, so a terminal may have it as it is.
 void writeLine(std::string_view line, bool isOurs) {
     const std::lock_guard lock(g_sinkMutex);
     if (g_sink != nullptr) {

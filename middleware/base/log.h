@@ -1,7 +1,7 @@
 // Logging facility: message templates, decoration and the one sink. A line goes to standard error as
 // "LEVEL [context] text" in a single write, so lines of several threads do not mix. Safe from any thread, not
-// from a signal handler. Of a line for which there is no memory, the bare format is reported. Which
-// messages are wanted is the caller's gate; the middleware's own is below.
+// from a signal handler. When there is no memory for a line, its bare format is written. Callers decide
+// which messages are wanted; the middleware's own mask is below.
 #pragma once
 
 #include <array>
@@ -89,6 +89,7 @@ void ZULLog_middleware(ZULLogLevel level, const char* context, const ZULLogTempl
     }
 }
 
-// Replaces the sink (standard error); null restores it. The text is borrowed for the call. For tests.
+// Replaces the sink (standard error); null restores it. For tests. A sink borrows the line for
+// the call and must not log.
 using ZULLogSink = void (*)(void* sinkData, std::string_view line);
 void ZULLog_setSink(ZULLogSink sink, void* sinkData);

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// Time span: whole seconds and a fraction in units of 2^-32 s. Zero or negative seconds (with fraction 0) end
-// a wait at once; ZUL_TIME_FOREVER_SEC seconds never end it.
+// Time span: whole seconds and a fraction in units of 2^-32 s. A span of zero or less ends a wait
+// at once; one of ZUL_TIME_FOREVER_SEC seconds never does.
 struct ZULTime {
     std::int32_t sec;
     std::uint32_t frac;
@@ -27,14 +27,14 @@ struct ZULSemaphoreProperty {
 
 struct ZULSemaphore;
 
-// Returns null when memory or kernel resources are exhausted. The caller owns it; delete it when no thread
-// uses it.
+// The caller owns the semaphore; delete it when no thread uses it any more. Null when memory or kernel
+// resources are exhausted.
 ZULSemaphore* ZULSemaphore_new(const ZULSemaphoreProperty& property);
 void ZULSemaphore_delete(ZULSemaphore* semaphore); // null is ignored
 // Adds one. The only operation here that a signal handler may call.
 ZULSemaphoreStatus ZULSemaphore_give(ZULSemaphore* semaphore);
 ZULSemaphoreStatus ZULSemaphore_take(ZULSemaphore* semaphore, const ZULDeadline& deadline);
 
-// Sleeps on the monotonic clock. A signal that the calling thread handles ends it early. Negative spans are
-// 0.
+// Sleeps on the monotonic clock; not at all for negative seconds. A signal that the calling thread handles
+// ends it early. `nanoseconds` is below 1'000'000'000.
 void ZULSleep(std::int32_t seconds, std::uint32_t nanoseconds);

@@ -15,7 +15,7 @@ char* DDS_String_dup(const char* text);
 // The texts one after the other, as one string; null when memory is exhausted. The caller owns the result.
 char* ZULString_join(std::initializer_list<std::string_view> texts);
 void DDS_String_free(char* text); // null is ignored
-// The length that a string from DDS_String_alloc or DDS_String_dup has room for; 0 for null.
+// The length that a string from one of these operations has room for; 0 for null.
 std::size_t ZULString_room(const char* text);
 
 struct ZULStringDeleter {

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The length of the one character that `text` begins with; 0 for a control character or no UTF-8.
+// The length of the one character that `text` begins with; 0 for a control character or what is not UTF-8.
 std::size_t shownLength(std::string_view text) {
     const auto byte = [text](std::size_t i) {
         return static_cast<unsigned char>(text[i]);

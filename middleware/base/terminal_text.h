@@ -12,5 +12,5 @@ using ZULTerminalEscape = std::array<char, 5>; // \xNN and a terminator
 // control characters, C0, DEL and C1, and bytes that are no UTF-8. The piece lives as long as both arguments.
 std::string_view ZULTerminal_takePiece(std::string_view& text, ZULTerminalEscape& escape);
 
-// Prints the text piece by piece where `out` is a terminal, and as it is where not.
+// Prints the text: piece by piece where `out` is a terminal, unchanged elsewhere.
 void ZULTerminal_print(std::FILE* out, std::string_view text);

@@ -1,5 +1,6 @@
 // Parameter lists over CDR streams, writing and reading, in both header forms (OMG DDS XTypes 1.2, 7.4.1.2,
-// version 1 encoding). In a header because every member of every request passes through here.
+// version 1 encoding). In a header because every member of every request passes through here. What fails
+// leaves the stream where it stopped.
 #pragma once
 
 #include "middleware/cdr/stream.h"

@@ -1,4 +1,4 @@
-// What discovery tells of other participants and of their endpoints: the data of the standard's builtin
+// What discovery tells about other participants and their endpoints: the data of the standard's builtin
 // topics (OMG DDS 1.4, 2.2.5), as far as this system looks at it, and the listener that is handed it.
 //
 // Texts belong to the caller of the listener and are valid during the call; none is null.
@@ -15,7 +15,7 @@ constexpr std::size_t DDS_GUID_PREFIX_LENGTH = 12;
 
 struct DDS_ParticipantBuiltinTopicData {
     DDS_BuiltinTopicKey_t key;
-    // What follows are the usual extensions of the standard.
+    // The rest are the usual extensions of the standard.
     struct {
         const char* name; // empty for none
     } participant_name;
@@ -36,20 +36,20 @@ struct DDS_EndpointBuiltinTopicData {
     DDS_LivelinessQosPolicy liveliness;
     DDS_OwnershipQosPolicy ownership;
     DDS_Boolean has_partition; // it is in some partition besides the one without a name
-    // Of its data representations (OMG XTypes 1.3, 7.6.3.1): it writes XCDR version 1, or reads it too.
+    // A writer writes XCDR version 1; a reader accepts it (OMG XTypes 1.3, 7.6.3.1).
     DDS_Boolean has_xcdr1;
 };
 struct DDS_PublicationBuiltinTopicData : DDS_EndpointBuiltinTopicData {};  // a writer
 struct DDS_SubscriptionBuiltinTopicData : DDS_EndpointBuiltinTopicData {}; // a reader
 
-// What became of whom the data is about, in the words of an instance of its builtin topic: it is there (again
-// with each change), it left, or its lease ran out. When a participant is gone, so are its endpoints; that
-// may not be said of each of them.
+// What became of the participant or endpoint, in the words of an instance of its builtin topic: it is there
+// (again with each change), it left, or its lease ran out. When a participant is gone, so are its endpoints;
+// the listener may not be told of each.
 constexpr DDS_UnsignedLong DDS_ALIVE_INSTANCE_STATE = 1U << 0;
 constexpr DDS_UnsignedLong DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE = 1U << 1;
 constexpr DDS_UnsignedLong DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE = 1U << 2;
 
-// Listener of a participant: told of others, not of itself. Its callbacks stand for on_data_available of the
+// Listener of a participant: told of others, not of itself. Its callbacks replace on_data_available of the
 // three builtin readers. They run on threads of the library, several at a time, and must not block: nothing
 // is received meanwhile. None runs before the participant is created or after it is deleted. A null callback
 // is skipped.

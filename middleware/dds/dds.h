@@ -1,9 +1,10 @@
 // The DDS entities as far as this system calls them, under the standard's C names (OMG DDS 1.4, 2.2.2).
-// Implemented by `fastdds/`; tests link an implementation of their own that records and fails calls.
+// Implemented by `fastdds/`; unit tests link `tests/fake_dds/`, which records and fails calls.
 //
-// Entities belong to whoever created them and go with their factory. A participant is seen by others once it
-// is created; what it contains starts with DDS_Entity_enable, so that all of it exists before the first
-// sample can arrive. Creation and deletion run on one thread; writing and reading may run on any.
+// A participant belongs to whoever created it; what it contains belongs to the participant, and is deleted by
+// DDS_DomainParticipant_delete_contained_entities. A participant is seen by others once it is created; what
+// it contains starts with DDS_Entity_enable, so that all of it exists before the first sample can arrive.
+// Creation and deletion run on one thread; writing and reading may run on any.
 #pragma once
 
 #include "middleware/base/basic_types.h"
@@ -90,7 +91,7 @@ DDS_DomainParticipantFactory* DDS_DomainParticipantFactory_get_instance();
 // `qos` is an initialised record.
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(DDS_DomainParticipantFactory* self,
                                                                           DDS_DomainParticipantQos* qos);
-// Null on failure, among them a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range. The
+// Null on failure, also for a domain id outside 0..DDS_DOMAIN_ID_MAX, which is logged with that range. The
 // listener, which may be null, is copied; `mask` concerns statuses that it has no callbacks for.
 DDS_DomainParticipant* DDS_DomainParticipantFactory_create_participant(
     DDS_DomainParticipantFactory* self, DDS_DomainId_t domainId, const DDS_DomainParticipantQos* qos,
@@ -101,7 +102,7 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(DDS_DomainParti
 
 // ---- participant ----
 DDS_Entity* DDS_DomainParticipant_as_entity(DDS_DomainParticipant* self);
-// Starts what the participant contains; again is harmless.
+// Starts what the participant contains; a second call is harmless.
 DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self);
 DDS_ReturnCode_t DDS_DomainParticipant_get_default_datareader_qos(DDS_DomainParticipant* self,
                                                                   DDS_DataReaderQos* qos);
@@ -185,7 +186,7 @@ struct DDS_ReadOrTakeParams {
     DDS_SampleStateMask sample_states = DDS_ANY_SAMPLE_STATE;
     DDS_ViewStateMask view_states = DDS_ANY_VIEW_STATE;
     DDS_InstanceStateMask instance_states = DDS_ANY_INSTANCE_STATE;
-    const DDS_ReadCondition* condition = nullptr; // of the same reader; its states are taken then
+    const DDS_ReadCondition* condition = nullptr; // of the same reader; its states replace these
     // The instance that has the handle, or the one that follows it (the first one for DDS_HANDLE_NIL).
     DDS_InstanceSelection instances = DDS_ANY_INSTANCE;
     const DDS_InstanceHandle_t* handle = nullptr;

@@ -20,7 +20,7 @@ const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT{
 
 namespace {
 
-// The property of that name, or a new one at the end; null when the list or memory is full.
+// The property of that name, or a new one at the end; null when the list is full or memory exhausted.
 DDS_PropertyQosPolicy_Property* findOrAdd(DDS_PropertyQosPolicy& policy, const char* name,
                                           const char* context) {
     auto& list = policy.value;

@@ -17,7 +17,7 @@ struct DDS_DurabilityQosPolicy {
     DDS_DurabilityQosPolicyKind kind;
 };
 
-// The following are never set, only read of others.
+// The next three are never set, only read from others' endpoints.
 struct DDS_DeadlineQosPolicy {
     DDS_Duration_t period;
 };
@@ -87,7 +87,8 @@ struct DDS_PropertyQosPolicy {
 };
 constexpr DDS_Long DDS_PROPERTY_LIST_MAX = 32; // properties of one participant
 
-// Adds the property or replaces the one of that name. Out of resources when the list or memory is full.
+// Adds the property or replaces the one of that name. OUT_OF_RESOURCES when the list is full or
+// memory exhausted.
 DDS_ReturnCode_t DDS_PropertyQosPolicyHelper_assert_property(DDS_PropertyQosPolicy* policy, const char* name,
                                                              const char* value, DDS_Boolean propagate);
 
@@ -112,11 +113,12 @@ struct DDS_DomainParticipantQos {
     struct {
         DDS_Boolean announce_descriptions;
     } types;
-    DDS_WireProtocolQosPolicy
-        wire_protocol; // read back from a participant; not looked at when one is created
+    // Read back from a participant; not looked at when one is created.
+    DDS_WireProtocolQosPolicy wire_protocol;
 };
 void DDS_DomainParticipantQos_initialize(DDS_DomainParticipantQos* self);
 void DDS_DomainParticipantQos_finalize(DDS_DomainParticipantQos* self);
+// False when memory is exhausted; the copy is then incomplete.
 bool DDS_DomainParticipantQos_copy(DDS_DomainParticipantQos* self, const DDS_DomainParticipantQos* source);
 
 struct DDS_DataWriterQos {
@@ -154,7 +156,7 @@ inline void DDS_DataReaderQos_initialize(DDS_DataReaderQos* self) {
 }
 inline void DDS_DataReaderQos_finalize(DDS_DataReaderQos*) {}
 
-// Nothing of these is ever set by the system: their one value is the default.
+// The system sets nothing in these: their one value is the default.
 struct DDS_PublisherQos {};
 struct DDS_SubscriberQos {};
 struct DDS_TopicQos {};

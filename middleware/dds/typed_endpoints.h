@@ -127,7 +127,7 @@ DDS_ReturnCode_t nextSample(DDS_DataReader* reader, T* sample, DDS_SampleInfo* i
     if (sample == nullptr || info == nullptr) {
         return refuse(context, sample == nullptr ? "received_data" : "sample_info");
     }
-    // Sequences over what is the caller's, which are never finalised.
+    // Sequences over the caller's two records; they are never finalised.
     Seq one{};
     DDS_SampleInfoSeq infos{};
     ZULSequence::initialize(&one, context);

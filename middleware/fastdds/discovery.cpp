@@ -1,4 +1,4 @@
-// The library's discovery records to builtin topic data. Nothing may be thrown into the library's threads.
+// Turns the library's discovery records into builtin topic data. Nothing may be thrown into its threads.
 #include "middleware/fastdds/discovery.h"
 
 #include "middleware/fastdds/library_call.h"
@@ -34,7 +34,7 @@ DDS_Duration_t toDuration(const eprosima::fastrtps::Duration_t& duration) {
                : DDS_Duration_t{duration.seconds, duration.nanosec};
 }
 
-// Its name may be used up to the end of the callback, so it is kept by the caller.
+// The first address as text, which the caller keeps until the listener's callback ends; empty for none.
 std::string addressOf(const rtps::ParticipantProxyData& data) {
     for (const auto* locators : {&data.default_locators, &data.metatraffic_locators}) {
         for (const rtps::Locator_t& locator : locators->unicast) {
@@ -47,7 +47,7 @@ std::string addressOf(const rtps::ParticipantProxyData& data) {
     return {};
 }
 
-// A reader takes any that it lists, a writer writes the first; XCDR version 1 where there is no list.
+// A reader accepts every representation that it lists, a writer uses the first; no list means XCDR version 1.
 bool hasXcdr1(const fast::DataRepresentationQosPolicy& policy, bool isReader) {
     const auto& listed = policy.m_value;
     const auto end =
@@ -83,8 +83,8 @@ Data toData(const auto& endpoint) {
     return data;
 }
 
-// Runs what a discovery of another participant leads to. The library tells of a participant's own endpoints
-// as well, which are left out.
+// Runs `call` if what was found is another participant or one of its endpoints. The library also reports a
+// participant's own.
 template <class Call>
 void forward(const char* context, const fast::DomainParticipant& self, const rtps::GUID_t& found, Call call) {
     inCallback(context, [&] {

@@ -51,8 +51,8 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     Reader* reader = nullptr;
     std::shared_ptr<zul::TypeAdapter> adapter;
     zul::MatchedEndpoints matched;
-    DDS_Long maxSamples = 0; // most samples of one read or take
-    std::atomic<bool> leavesReadSamples{false};
+    DDS_Long maxSamples = 0;                    // most samples of one read or take
+    std::atomic<bool> leavesReadSamples{false}; // a read has left samples that a take can find
     std::atomic<bool> hasToldOfLoss{false};
     zul::Loans loans;
     zul::ReadConditions conditions;
@@ -99,7 +99,7 @@ struct DDS_DomainParticipant final : DDS_Entity {
 
     zul::DiscoveryBridge discovery; // called by the library until the participant is deleted
     eprosima::fastdds::dds::DomainParticipant* participant = nullptr;
-    bool enabled = false; // its entities are; the library's participant is from the start
+    bool enabled = false; // whether its entities are; the library's participant always is
     DDS_DomainParticipantQos qos;
     std::map<std::string, std::shared_ptr<zul::TypeAdapter>, std::less<>> types;
     std::vector<std::unique_ptr<DDS_Topic>> topics;

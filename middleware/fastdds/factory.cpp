@@ -1,8 +1,8 @@
 // The participant factory: domain range, the library's profile file, creation and deletion of participants.
 //
 // A participant is started in the library as soon as it is created, so that its GUID is final (a profile file
-// or a certificate may decide on it) and a start that fails is known; what is created in it waits for
-// DDS_Entity_enable.
+// or a certificate may determine it) and a start that fails is known; what is created in it waits for an
+// explicit DDS_Entity_enable.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/gate_transport.h"
 #include "middleware/fastdds/library_call.h"

@@ -44,7 +44,7 @@ public:
 
 void ZULProcess_takeOver() {
     openStandardStreams();
-    // Without its thread the library's log keeps its lines: no failure of the program.
+    // If its thread cannot start, the library's log keeps its lines, and the program goes on.
     zul::createInLibrary(__func__, false, [] {
         Log::ClearConsumers();
         Log::RegisterConsumer(std::make_unique<LogBridge>());

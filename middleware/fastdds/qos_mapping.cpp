@@ -87,7 +87,7 @@ void applyParticipantQos(const DDS_DomainParticipantQos& qos, fast::DomainPartic
     }
     library.entity_factory().autoenable_created_entities = false; // DDS_Entity_enable starts them
     // Announcements in quick succession at first, because those before the gate opens are lost; unless the
-    // operator's profile file has another wish.
+    // operator's profile file says otherwise.
     auto& initial = library.wire_protocol().builtin.discovery_config.initial_announcements;
     const rtps::InitialAnnouncementConfig standard;
     if (initial == standard) {

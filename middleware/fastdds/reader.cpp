@@ -1,4 +1,4 @@
-// Data reader: what the library tells of it is noted for the delivery thread.
+// Data reader: what the library reports is noted for the delivery thread.
 #include "middleware/fastdds/entities.h"
 #include "middleware/fastdds/library_call.h"
 #include "middleware/fastdds/qos_mapping.h"

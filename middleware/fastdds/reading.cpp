@@ -43,7 +43,7 @@ DDS_ReturnCode_t checkArguments(const DDS_DataSeqView& data, const DDS_SampleInf
     return isPair && hasRoom ? checkInstance(params) : DDS_RETCODE_PRECONDITION_NOT_MET;
 }
 
-// The default limit matches what the reader asks of its pool; `limit` is what one call may return.
+// How many samples this call asks the pool for; `limit` is the most that it may return.
 DDS_Long samplesToAskFor(const DDS_DataReader& self, const DDS_ReadOrTakeParams& params, DDS_Long limit) {
     if (params.max_samples != DDS_LENGTH_UNLIMITED) {
         limit = std::min(limit, params.max_samples);

@@ -10,7 +10,7 @@ namespace zul {
 
 class ResourceCheck {
 public:
-    // Has what a participant needs, all at once, and lets go of it again. Its threads end while the caller
+    // Takes what a participant needs, all at once, and lets go of it again. Its threads end while the caller
     // goes on.
     ResourceCheck();
 

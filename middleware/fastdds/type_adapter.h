@@ -13,7 +13,7 @@ public:
     TypeAdapter(const char* registeredName, const ZULTypePlugin& plugin, bool announceDescription);
     ~TypeAdapter() override;
 
-    // Both endpoint datas exist. When false the adapter must not be registered.
+    // Whether the data of both endpoint kinds exists. When false the adapter must not be registered.
     bool isComplete() const { return writerData_ != nullptr && readerData_ != nullptr; }
     const ZULTypePlugin& plugin() const { return plugin_; }
     // Samples of a reader, from its pool.

@@ -144,7 +144,7 @@ public:
     }
 
 private:
-    // Sequences of types that are the same in every description (strings, primitives).
+    // Sequences with a small bound, of types that are the same in every description (strings, primitives).
     Identifier identifySequence(const DDS_TypeCode& code) {
         Identifier element = identify(code.content);
         if (!element || element->_d() == types::EK_COMPLETE || code.bound > SMALL_BOUND_MAX) {

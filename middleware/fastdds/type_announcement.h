@@ -8,8 +8,8 @@
 
 namespace zul {
 
-// Attaches the description to a type before it is registered. What the library cannot describe is left out; a
-// type without a description works as well, it is only not listed.
+// Attaches the description to a type before it is registered. A type that the library cannot describe gets
+// none: it works as well, but its members are not listed.
 void announceType(eprosima::fastdds::dds::TopicDataType& type, const DDS_TypeCode& code);
 
 } // namespace zul

@@ -1,7 +1,7 @@
 // Largest and smallest encoded sizes, in bytes. Each function returns the position after a value that begins
 // at `at`, counted from an alignment origin. Parameter headers count as 12 bytes, the extended form,
-// whichever travels. So they do in the smallest size, which a sample under short headers undercuts: endpoints
-// of other makers reckon with these numbers.
+// whichever travels; in the smallest size only a discriminator's header and the end of a list count as 4. So
+// a sample with short headers may be smaller than that.
 #pragma once
 
 #include "middleware/cdr/stream.h"
@@ -13,7 +13,7 @@ namespace zul::idl {
 
 enum class Bound { MAXIMUM, MINIMUM };
 
-constexpr std::size_t PARAMETER_HEADER_SIZE = 12;
+constexpr std::size_t PARAMETER_HEADER_SIZE = 12; // oddity 24
 constexpr std::size_t SHORT_PARAMETER_HEADER_SIZE = 4;
 
 constexpr std::size_t aligned(std::size_t at) {
@@ -74,7 +74,7 @@ constexpr std::size_t boundOf(IdlType type, bool includeEncapsulation, std::uint
         return endOf<bound>(type, currentAlignment) - currentAlignment;
     }
     if (!ZULEncapsulation_isValid(encapsulationId)) {
-        return 1;
+        return 1; // oddity 25
     }
     return ZULCdr_padding(currentAlignment, ZUL_ENCAPSULATION_ALIGNMENT) + ZUL_ENCAPSULATION_SIZE +
            endOf<bound>(type, 0);

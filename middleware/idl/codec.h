@@ -10,11 +10,10 @@
 
 namespace zul::idl {
 
-// A sample that ends after at most this many bytes beyond the member it stopped at came from a sender with
-// fewer members.
+// Bytes that may be left where a member is missing: they are padding, and the sender has fewer members.
 constexpr std::size_t TOLERATED_REMAINDER = 3;
 
-// What an instance of decoding without allocation resets to.
+// Decoding resets a record without allocating.
 constexpr Allocation RESET_ONLY{1, 0, 0};
 
 // ---- encoding ----
@@ -201,7 +200,8 @@ bool walkMembers(Struct<Record>, ZULCdrInput& stream, MemberReader read) {
     }
 }
 // The same for a union, whose discriminator `readDiscriminator(type, source)` reads. Unlike a struct, a union
-// fails on any id it does not know, must-understand or not. A branch is read whatever the discriminator says.
+// fails on any id it does not know (oddity 21), and reads a branch that the discriminator does not select
+// (oddity 23).
 template <class Record, class DiscriminatorReader, class MemberReader>
 bool walkMembers(Union<Record>, ZULCdrInput& stream, DiscriminatorReader readDiscriminator,
                  MemberReader read) {

@@ -108,7 +108,7 @@ struct PluginOperations {
                                  std::uint16_t encapsulationId, std::size_t currentAlignment,
                                  const Value& sample) {
         if (includeEncapsulation && !ZULEncapsulation_isValid(encapsulationId)) {
-            return 1;
+            return 1; // oddity 25
         }
         ZULCdrOutput counter{.capacity = SIZE_MAX, .position = currentAlignment};
         return serializeSample(data, sample, counter, includeEncapsulation, encapsulationId, true)

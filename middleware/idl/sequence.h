@@ -17,7 +17,7 @@
 
 // How a sequence treats one element. The primary template suits elements without owned memory; a type with
 // strings or nested sequences specialises it. `prepare` makes room in `destination` for `source`, or for any
-// value when it is null, and leaves its value as it was; where it succeeds, a copy of that value does.
+// value when it is null, and leaves its value as it was; a copy of that value then succeeds.
 template <class T>
 struct ZULSequenceElement {
     static bool initialize(T& element, const DDS_TypeAllocationParams_t&) {
@@ -32,7 +32,7 @@ struct ZULSequenceElement {
     }
 };
 
-// Strings start absent. A copy keeps a buffer that has room for it, so an element never loses room. Elements
+// Strings start absent. A copy of a text keeps a buffer that has room for it; a copy of null frees it. They
 // are the platform's own strings (DDS_String_alloc, DDS_String_dup) or null; a source may be any text.
 template <>
 struct ZULSequenceElement<char*> {
@@ -86,7 +86,7 @@ struct DDS_Sequence {
     DDS_Long length; // 0..maximum
     DDS_TypeAllocationParams_t elementAllocation;
     DDS_TypeDeallocationParams_t elementDeallocation;
-    void* readToken1; // the middleware's, while a loan is outstanding
+    void* readToken1; // kept for the caller; the middleware does not use them
     void* readToken2;
 };
 constexpr std::int32_t ZUL_SEQUENCE_MARKER = 29508;

@@ -69,8 +69,8 @@ void ZULEndpointData_delete(ZULEndpointData* data);
 
 void* ZULEndpointData_createSample(ZULEndpointData* data);
 void ZULEndpointData_deleteSample(ZULEndpointData* data, void* sample);
-// From the pool, which grows on demand; null when memory is exhausted. What comes back is tolerated when null
-// or not lent.
+// From the pool, which grows on demand; null when memory is exhausted. Returning null, or what is not lent,
+// does nothing.
 void* ZULEndpointData_getSample(ZULEndpointData* data);
 void ZULEndpointData_returnSample(ZULEndpointData* data, void* sample);
 
@@ -80,7 +80,7 @@ bool ZULEndpointData_createBufferPool(ZULEndpointData* data, std::size_t maximum
 std::uint8_t* ZULEndpointData_getBuffer(ZULEndpointData* data, std::size_t size);
 void ZULEndpointData_returnBuffer(ZULEndpointData* data, std::uint8_t* buffer);
 
-// Largest serialized size of a sample of this endpoint, as the plugin recorded it; 0 until then. Null gives
-// 0.
+// Largest serialized size of a sample of this endpoint, as the plugin recorded it; 0 until then, and for
+// null data.
 std::size_t ZULEndpointData_maxSerializedSize(const ZULEndpointData* data);
 void ZULEndpointData_setMaxSerializedSize(ZULEndpointData* data, std::size_t size);

@@ -116,7 +116,7 @@ struct Enumerator {
     DDS_Long value;
 };
 
-// Calls a visitor; one that returns nothing goes on.
+// Calls a visitor and returns what it returns: false to stop. True for a visitor that returns nothing.
 template <class Visit, class... Arguments>
 constexpr bool visitAndGoOn(Visit& visit, Arguments&&... arguments) {
     if constexpr (std::is_void_v<std::invoke_result_t<Visit&, Arguments...>>) {
@@ -128,8 +128,8 @@ constexpr bool visitAndGoOn(Visit& visit, Arguments&&... arguments) {
 }
 
 // Calls visit(type, member) for each member of a struct, or branch of a union, in the order of their
-// description: `type` is the tag of the member's IDL type. Ends when a visit returns false, and
-// returns false.
+// description: `type` is the tag of the member's IDL type. False when a visit returned false, which is then
+// the last one.
 template <class Record, class Visit>
 constexpr bool forEachMember(Visit&& visit) {
     const auto visitAll = [&visit]<class... Members>(const Members&... member) {

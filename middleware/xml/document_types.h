@@ -4,8 +4,7 @@
 #include "middleware/idl/type_code.h"
 #include "middleware/xml/document.h"
 
-// What a document and the files that it includes say of one scoped name ("Module::Type", without "::" in
-// front).
+// What a document and the files that it includes say of one scoped name ("Module::Type", no "::" before it).
 struct ZULXMLTypeDefinition {
     std::string_view tag;     // of the element that defines it; empty when there is none
     std::int32_t line;        // of that element, of what is wrong in it, or of the include that brings it

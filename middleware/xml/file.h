@@ -1,4 +1,5 @@
-// A file that a document is read from. Only regular files are: a pipe or a device could hold the program up.
+// A file that a document is read from. Only regular files are read: a pipe or a device could
+// block the program.
 #pragma once
 
 #include <cstddef>

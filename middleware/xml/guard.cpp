@@ -83,7 +83,7 @@ void Guard::refuseDeclaration(void* context, Arguments...) {
     guard.protect([&guard] { guard.refuse(guard.rules_.declarationRefusal); });
 }
 
-// An entity that only an unread definition could declare is no more than a warning to the library.
+// An entity that only an unread definition could declare is a warning to the library, and an error here.
 void Guard::noteError(void* context, xmlError* error) {
     if (error->level == XML_ERR_WARNING && error->code != XML_WAR_UNDECLARED_ENTITY) {
         return;

@@ -64,6 +64,6 @@ inline bool ZULXMLObject_isChild(const ZULXMLObject* self, const ZULXMLObject* c
 }
 // Takes out `child`, which must be one; the caller owns it then.
 void ZULXMLObject_extractChild(ZULXMLObject* self, ZULXMLObject* child);
-// Moves a child of `from`, with all below it, to the end of `to`, which must not be inside it; full names and
-// document context change. False when the name is taken there or memory is exhausted.
+// Moves `self`, a child of `from`, with all below it to the end of `to`, which must not be inside it; full
+// names and document context change. False when the name is taken there or memory is exhausted.
 bool ZULXMLObject_move(ZULXMLObject* self, ZULXMLObject* from, ZULXMLObject* to);

@@ -16,9 +16,9 @@ void ZULXMLParser_finalize(ZULXMLParser* self);
 
 // Reads a document. An element's own name is its attribute "name"; one without, or whose name a sibling
 // has, gets its tag or name followed by "#" and its position among its siblings, and more "#" while that is
-// taken. Returns null when memory is exhausted; otherwise the caller owns a document, which has no root when
-// it could not be read: the reason, with the line, is in its `error` and logged. A null parser knows no
-// element classes, and any element becomes a plain object.
+// taken; a root without the attribute gets its tag. Returns null when memory is exhausted; otherwise the
+// caller owns a document, which has no root when it could not be read: the reason, with the line, is in its
+// `error` and logged. A null parser knows no element classes, and any element becomes a plain object.
 ZULXMLDocument* ZULXMLParser_parseText(const ZULXMLParser* self, std::string_view text);
 ZULXMLDocument* ZULXMLParser_parseFile(const ZULXMLParser* self, const char* path);
 

@@ -142,8 +142,8 @@ void checkTypes(const NamedTypes& types,
         return;
     }
     Users users = usersIn(types);
-    // Of types inside each other the innermost one that is too deep; where they go round, any, unless that
-    // was told.
+    // Of types inside each other that are too deep, only the innermost is wrong by itself; in a circle, which
+    // has none, the first, unless the circle was told.
     std::set<const DDS_TypeCode*> outer;
     for (const DDS_TypeCode* type : tooDeep) {
         outer.insert(users[type].begin(), users[type].end());

@@ -12,7 +12,7 @@ constexpr int TYPE_DEPTH_MAX = 256;
 
 // Finds those of the types that are announced and never defined, contain themselves other than through a
 // sequence, or are too deep; then those that are made of a wrong one, however far down. `tell(name, reason,
-// isOwn)` is called once for each; `isOwn` is false for the latter.
+// isOwn)` is called once for each; `isOwn` is false for a type that is wrong only because of another.
 void checkTypes(
     const NamedTypes& types,
     const std::function<void(const std::string& name, const std::string& reason, bool isOwn)>& tell);

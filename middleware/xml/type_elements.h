@@ -13,7 +13,7 @@ struct TypeElement {
     std::span<const ZULXMLAttribute> attributes;
     std::int32_t line = 0;
     bool holdsText = false;
-    // Its children in the order of the document, and how many they are.
+    // Its children in the order of the document, and how many there are.
     const TypeElement* first = nullptr;
     TypeElement* last = nullptr;
     std::size_t count = 0;
@@ -23,9 +23,9 @@ struct TypeElement {
 // Owns the elements; none of them moves.
 class TypeSections {
 public:
-    // None yet. `path` is that of the document's file; empty when it came as text.
+    // No sections yet. `path` is that of the document's file; empty when it came as text.
     explicit TypeSections(std::string path) : path_(std::move(path)) {}
-    // Those of the document, which must stay as it is.
+    // The sections of the document, which has a root and must stay as it is.
     explicit TypeSections(const ZULXMLDocument& document);
     TypeSections(const TypeSections&) = delete;
     TypeSections& operator=(const TypeSections&) = delete;

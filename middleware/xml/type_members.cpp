@@ -5,7 +5,7 @@
 
 namespace zul::xml {
 
-// Of more typedefs than types may have levels, one in between: such types are refused in the end.
+// Of a chain with more typedefs than types may have levels, one of them: such types are refused at the end.
 const DDS_TypeCode* underlyingType(const DDS_TypeCode* type) {
     for (int level = 0; type != nullptr && type->kind == DDS_TK_ALIAS && level <= TYPE_DEPTH_MAX; ++level) {
         type = type->content;
@@ -13,7 +13,7 @@ const DDS_TypeCode* underlyingType(const DDS_TypeCode* type) {
     return type;
 }
 
-// An integer or the name of a constant whose values can be counted.
+// The integer that `text` is, or the value of the constant of a discrete type that it names.
 std::optional<Integer> TypeReader::integerOf(Scope scope, std::string_view text) {
     const std::optional<Integer> literal = parseInteger(text);
     const Symbol* symbol = literal ? nullptr : symbols_.resolve(scope, text);

@@ -236,7 +236,7 @@ void TypeReader::readConstant(Element element, Scope scope, Name name) {
         constant.value = isValid ? other->value : Integer{};
         constant.enumeration = type;
     } else if (const TypeWord* word = findTypeWord(attribute(element, "type")); word == nullptr) {
-        if (type->kind == DDS_TK_ALIAS) { // of too many levels, which is told in the end
+        if (type->kind == DDS_TK_ALIAS) { // of too many levels, which is told at the end
             throw Consequence{{element.line, "the type of this const is wrong itself"}};
         }
         fail(element, "a const is of a basic type or an enum");

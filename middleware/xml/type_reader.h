@@ -41,7 +41,7 @@ constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 class TypeReader {
 public:
     // Gets everything that is wrong, but for what only follows from something told before. The element is the
-    // definition that it was found in, of whatever document; null where it was found in the end.
+    // definition that it was found in, of whatever document; null where it was found at the end.
     using Observer = std::function<void(const TypeElement* definition, const ZULXMLError& error)>;
 
     // `first` gets the first thing that is wrong, with the line and what to do about it.
@@ -109,8 +109,8 @@ private:
     void tell(Element element, Name name, ZULXMLTypeEntry* entry, ZULXMLError error,
               bool isConsequence = false);
     void observe(const TypeElement* definition, const ZULXMLError& error) const;
-    // Reads the parts of a definition from `first` on, all of them also when some are wrong; then throws the
-    // first error, and has told the others.
+    // Reads the parts of a definition from `first` on, all of them even when some are wrong; then throws the
+    // first error, having told the others.
     void readParts(Element definition, const TypeElement* first, const std::function<void(Element)>& read);
     // The error with the place that it has in the document asked for.
     ZULXMLError placed(Element element, const ZULXMLError& error) const;

@@ -59,7 +59,7 @@ const TypeReader::Record& TypeReader::recordOf(const DDS_TypeCode& base) {
     return record;
 }
 
-// A member of `code`, its key and optional marks left aside: those mean nothing inside a union.
+// Reads a member of `code`. Inside a union its key and optional marks mean nothing and are ignored.
 void TypeReader::readMember(Element element, Scope scope, DDS_TypeCode& code, Record& record) {
     checkForm(element);
     const std::string_view name = attribute(element, "name");

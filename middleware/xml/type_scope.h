@@ -44,7 +44,7 @@ public:
     // Looks a name up as it is used in `scope`: there, then in the scopes around it; "::" in front starts
     // from the outermost. Null when nothing has that name.
     Symbol* resolve(std::string_view scope, std::string_view name);
-    // Makes room for so many.
+    // Makes room for `count` symbols.
     void reserve(std::size_t count) { symbols_.reserve(count); }
     // Adds a symbol. Throws a ZULXMLError when the scoped name is taken.
     Symbol& add(const std::string& scopedName, const Symbol& symbol);

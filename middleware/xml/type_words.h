@@ -32,7 +32,7 @@ const TypeWord* findTypeWord(std::string_view word);
 // The word of a discrete kind; null for another kind.
 const TypeWord* discreteTypeWord(DDS_TCKind kind);
 
-// Decimal with an optional sign, or hexadecimal after 0x.
+// Decimal, or hexadecimal after 0x, with an optional sign in front.
 std::optional<Integer> parseInteger(std::string_view text);
 // A literal of a discrete type, in its range: true, false, one character (bare or quoted), or an integer.
 std::optional<Integer> parseLiteral(const TypeWord& type, std::string_view text);

@@ -1,5 +1,5 @@
 // One walk holds each element against the definition, the table of fields and the relations; what is known of
-// a tag is looked up once. References and types come after it, when all of them are known.
+// a tag is looked up once. What can be referred to is collected before it; circles and types come after it.
 #include "plan/check/check.h"
 
 #include "plan/check/fields.h"
@@ -98,7 +98,7 @@ void Check::add(int line, std::string what) {
 
 void Check::addAt(const xmlNode* at, std::string what) {
     add(lineOf(at), std::move(what));
-    // The definition that it is in, if it is in one.
+    // Notes the definition of a type that the fault is in, if it is in one.
     for (const xmlNode* element = at; element != root_ && element->parent != nullptr;
          element = element->parent) {
         const std::string_view around = tagOf(element->parent);
@@ -124,14 +124,14 @@ const Rules& Check::rulesOf(const xmlNode* element) {
         .first->second;
 }
 
-// `siblings` are the names of entities before it.
+// `siblings` are the names of the entities before it in the same parent.
 void Check::checkElement(const xmlNode* element, const Rules& rules, Names& siblings) {
     if (stop_.stop_requested()) {
         throw Refusal{STOPPED};
     }
     const bool isKnown = keepsFirst_ && !findings_.empty() && lineOf(element) >= findings_.front().line;
     if (isKnown || rules.rule == nullptr) {
-        return; // nothing before the first; told with the element around it
+        return; // nothing in it comes before the first finding; or it was reported with its parent
     }
     Definition::check(*rules.rule, element, report_);
     if (rules.level) {
@@ -168,7 +168,7 @@ void Check::checkName(const xmlNode* entity, Names& siblings) {
     const std::string name = nameOf(entity);
     const std::string what = "the name " + quoted(name) + " of this " + std::string(tagOf(entity));
     if (xmlHasProp(entity, toXml("name")) == nullptr) {
-        return; // told as a missing attribute
+        return; // reported as a missing attribute
     }
     if (!isName(name)) {
         addAt(entity, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");

@@ -16,10 +16,10 @@ struct Finding {
     std::string message{};
 };
 
-// Everything that is wrong with a document, in the order of its lines; what only follows from something told
-// before is left out. `path`, if not empty, is the file that the document came from: what its types sections
-// include is read, relative to that. Of a document without a path, includes are not followed, and types not
-// checked where there are any. Gives up soon, with a Refusal, when asked to stop.
+// Everything that is wrong with a document, in the order of its lines; what only follows from something
+// reported before is left out. `path`, if not empty, is the file that the document came from: what its types
+// sections include is read, relative to that. In a document without a path, includes are not followed, and
+// where there are any, types are not checked. Gives up soon, with a Refusal, when asked to stop.
 std::vector<Finding> findFaults(const xmlDoc* document, const std::string& path, const std::stop_token& stop);
 
 // The same for a text. What cannot be read at all is one finding.

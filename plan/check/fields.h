@@ -15,7 +15,7 @@ enum class Form {
     INTEGER,
     WORDS, // one of a few words
     FLAGS, // words with "|" between them, in any case
-    NAME,  // a name of the document's own
+    NAME,  // a name that the document defines
     BASE64,
     TEXT,      // any, without elements inside
     NEEDED,    // any but an empty one

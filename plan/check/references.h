@@ -21,7 +21,7 @@ public:
 
     // Whether there is a profile or plugin with that path.
     bool knows(Target target, const std::string& path) const;
-    // Reports each base_name that leads back to the profile that it stands in.
+    // Reports each base_name that leads back to the profile that it is in.
     void reportCircles(const Report& report) const;
 
 private:

@@ -10,10 +10,10 @@ struct Relation {
     std::string_view holder; // tag of the element that both are in
     std::string_view lesser; // places in it: tags with "/" between them
     std::string_view greater;
-    bool isDuration = false;      // of integers, a negative one is no limit
-    std::int64_t factor = 1;      // so many times the lesser
-    std::string_view unless = {}; // a place in it: the relation does not hold where it is not at its
-    std::string_view usual = {};  // default
+    bool isDuration = false;      // false: integers, of which a negative one is no limit
+    std::int64_t factor = 1;      // times the lesser must not be above the greater
+    std::string_view unless = {}; // a place in the holder: the relation holds only while this has its default
+    std::string_view usual = {};  // that default
 };
 
 namespace {

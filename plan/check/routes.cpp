@@ -16,7 +16,7 @@ struct End {
     const xmlNode* element = nullptr;
     std::string participant{}; // the attributes
     std::string connection{};
-    // 1 or 2; 0 where it does not say, -1 where it says something else, which is told elsewhere.
+    // 1 or 2; 0 where it does not say, -1 where it says something else, which is reported elsewhere.
     int side = 0;
 };
 

@@ -9,7 +9,7 @@ namespace zul::plan {
 struct Sides {
     bool hasParticipant[2] = {};
     bool hasConnection[2] = {};
-    // Each side has exactly one of the two; where not, the definition is broken, which another check tells.
+    // Whether each side has exactly one of the two; if not, the check against the definition reports it.
     bool areKnown() const;
 };
 Sides sidesOf(const xmlNode* domainRoute);

@@ -1,5 +1,5 @@
 // The type reader gets the elements of the types sections, without the rest of the document and without a
-// copy of its texts. What they cost in time is limited by what they cost the document's own reader.
+// copy of its texts. Their number, and so the time, is within the limits of the document's own reader.
 #include "plan/check/types.h"
 
 #include "middleware/xml/type_reader.h"

@@ -16,9 +16,9 @@ constexpr std::int64_t INTEGER_MIN = std::numeric_limits<std::int32_t>::min();
 // Decimal with an optional sign, or hexadecimal after 0x, in 32 bits with a sign.
 std::optional<std::int64_t> parseInteger(std::string_view text);
 
-// A name of the document's own: letters, digits, "_" and "-", at most MAX_ENTITY_NAME.
+// A name that a document defines: letters, digits, "_" and "-", at most MAX_ENTITY_NAME.
 bool isName(std::string_view text);
-// Blanks inside and missing "=" at the end are let pass.
+// Blanks inside and missing "=" at the end are accepted.
 bool isBase64(std::string_view text);
 
 // The length of time of an element with sec and nanosec, in nanoseconds; INFINITE where it says so. Nothing:

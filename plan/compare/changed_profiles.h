@@ -1,5 +1,5 @@
-// Profiles in which something changes that an entity takes over only when it is enabled again, and who starts
-// from them.
+// Profiles in which something changes that an entity takes over only when it is enabled again, and what
+// starts from them.
 #pragma once
 
 #include <libxml/tree.h>
@@ -14,7 +14,7 @@ class ChangedProfiles {
 public:
     // A profile by its path Library::Profile, and the tag of the element in it that changes; no tag: all do.
     void add(const std::string& profile, std::string_view tag) { changed_.insert(keyOf(profile, tag)); }
-    // Adds those of a document that start from them, however far away.
+    // Adds the profiles of a document that start from them, directly or not.
     void follow(const xmlDoc* document);
     // Whether an entity's own settings start from one of them; those of the entities inside do not count.
     bool areUsedBy(const xmlNode* entity) const;

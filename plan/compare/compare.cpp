@@ -1,5 +1,5 @@
-// Parts are matched in the order of the documents as long as that fits, then by a map. A path is made only of
-// what differs.
+// Parts are matched in the order of the documents as long as that fits, then by a map. A path is made
+// only for what differs.
 #include "plan/compare/compare.h"
 
 #include "plan/document/entity.h"
@@ -75,8 +75,7 @@ const xmlNode* skipBlanks(const xmlNode* node) {
     return node;
 }
 
-// Whether two elements are written in the same way but for blanks and comments, found without a look at what
-// that means.
+// Whether two elements are written alike, blanks and comments apart. What they mean is not looked at.
 bool isWrittenTheSame(const xmlNode* one, const xmlNode* other) {
     if (tagOf(one) != tagOf(other)) {
         return false;
@@ -197,7 +196,7 @@ void Comparison::noteLone(const Part& part, Change change) {
     steps_.pop_back();
 }
 
-// What holds others is told by what it holds.
+// A part that holds others is reported by what it holds.
 void Comparison::expand(const Part& part, Change change) {
     const std::vector<Part> inside = part.element != nullptr ? partsOf(part.element) : std::vector<Part>{};
     if (!part.value.empty() || (inside.empty() && (part.isPresent || part.isAttribute))) {

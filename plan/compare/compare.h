@@ -14,7 +14,7 @@ constexpr const char* nameOf(Change change) {
     return change == Change::ADDED ? "added" : change == Change::REMOVED ? "removed" : "changed";
 }
 
-// One thing that two documents configure otherwise.
+// One thing that two documents configure differently.
 struct Difference {
     // "DomainRoute::Session::Route" for an entity, "DomainRoute::Session/property[name]" for a setting of it,
     // "/administration.domain_id" for one of the router itself or of the document.
@@ -31,14 +31,15 @@ std::vector<Difference> compare(const xmlDoc* running, const xmlDoc* wanted, std
 // The names of the configurations in a document.
 std::vector<std::string> configurationsOf(const xmlDoc* document);
 
-// The way to a difference, from the outermost part to that which differs, as `wanted` has it if it has it.
+// The way to a difference, from the outermost part to the one that differs, taken from `wanted` if it is
+// there. Valid during the call.
 using Steps = std::span<const Part* const>;
 using OnDifference =
     std::function<void(Steps steps, Change change, const std::string& from, const std::string& to)>;
 
-// What of one element differs from another, not what is in the entities inside.
+// What differs between two elements, apart from the entities inside them.
 void compareSettings(const xmlNode* running, const xmlNode* wanted, const OnDifference& onDifference);
-// The same of the sections of two documents.
+// The same for the sections of two documents.
 void compareSections(const xmlDoc* running, const xmlDoc* wanted, const OnDifference& onDifference);
 
 } // namespace zul::plan

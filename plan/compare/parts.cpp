@@ -186,7 +186,8 @@ void Collector::addChild(const xmlNode* child) {
     parts_.push_back(std::move(part));
 }
 
-// What is not said here comes from another place.
+// What is not given here is taken from elsewhere: a topic's name from the route's other end, a domain from
+// the first domain route.
 void Collector::addElsewhere() {
     const xmlNode* other = nullptr;
     std::string_view tag = "topic_name";
@@ -223,7 +224,7 @@ void Collector::keepOne() {
     if (!hasSeconds) {
         return;
     }
-    std::unordered_map<std::string, std::size_t> seen; // how often, then whether it is kept
+    std::unordered_map<std::string, std::size_t> seen; // place of the one kept; of definitions, how many
     std::unordered_map<std::string_view, bool> isClosed;
     const auto keyOf = [](const Part& part) {
         return (part.isAttribute ? "@" : "") + std::string(part.tag) + '\0' + part.identity;

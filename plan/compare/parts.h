@@ -1,4 +1,4 @@
-// What counts of an element: its parts, each with the one text in which its value is compared. Blanks,
+// What counts in an element: its parts, each with the one text in which its value is compared. Blanks,
 // comments, repetitions that do not count and the order of attributes are gone; what is left out and has a
 // default counts as that default.
 #pragma once
@@ -19,7 +19,7 @@ struct Part {
     const xmlNode* element = nullptr; // of one that may hold parts of its own
     const char* absent = nullptr;     // the value that counts where there is none
     std::string_view written{};       // the attribute's own name, where another one may say the same
-    std::string_view order{};         // its place among the parts with this word counts; empty: it does not
+    std::string_view order{};         // the order of the parts with this word counts; empty: it does not
     bool isAttribute = false;
     bool isPresent = false; // it configures something, whatever it holds
     bool isDuration = false;

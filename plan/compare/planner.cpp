@@ -1,5 +1,5 @@
 // The planner changes a copy of what runs as it goes, each step as a router would take it; so it sees what an
-// update did not bring about, and does that otherwise.
+// update did not bring about, and does that another way.
 #include "plan/compare/planner.h"
 
 #include "plan/check/check.h"
@@ -60,7 +60,7 @@ struct Settings {
     bool needsRestart = false;
 };
 
-// What holds for an entity from those around it.
+// What the entities around one mean for it.
 struct Around {
     bool isActive = true; // all are enabled, and stay so
     bool willBeActive = true;
@@ -100,7 +100,8 @@ private:
     }
     void enableWaiting();
     void refuseWhatIsLeft() const;
-    // Where there are several configurations, a command for another one than runs finds nothing.
+    // Where there are several configurations, the path names the one that is meant: a router that runs
+    // another finds nothing there.
     std::string addressOf(const std::string& path) const {
         return !isOneOfSeveral_ ? path
                : path.empty()   ? configuration_
@@ -152,8 +153,8 @@ void checkElement(const xmlNode* element) {
     }
 }
 
-// Which elements are where, which a merge counts on, and the names that commands are addressed by. What a
-// router runs may hold values that only it knows.
+// Checks what a merge relies on, which elements are where, and the names that commands are addressed by. Not
+// the values: a router may run some that only it knows.
 void checkForms(const xmlDoc* document, const std::string& whose) {
     try {
         checkElement(xmlDocGetRootElement(document));
@@ -180,7 +181,7 @@ void Planner::refuseWhatIsLeft() const {
     }
 }
 
-// library, profile, what changes in it
+// The steps are a library, a profile and what changes in that.
 void Planner::noteProfile(Steps steps) {
     if (steps.size() > 2 && steps[0]->tag == "qos_library") {
         const std::string path = steps[0]->identity + std::string(PATH_SEPARATOR) + steps[1]->identity;

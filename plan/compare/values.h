@@ -1,6 +1,6 @@
 // Values of elements and attributes: the one way in which each is compared, however it is written, and what
-// stands where one is left out. A quality of service has no default here: a base profile may say otherwise
-// than the standard.
+// counts where one is left out. A quality of service has no default here: a base profile may differ from
+// the standard.
 #pragma once
 
 #include <libxml/tree.h>
@@ -14,7 +14,7 @@ enum class ValueForm { TEXT, INTEGER, DURATION, PATTERNS, WORDS };
 
 struct ValueRule {
     ValueForm form = ValueForm::TEXT;
-    const char* absent = nullptr; // counts where there is none; null: nothing is the same as none
+    const char* absent = nullptr; // the value that counts where there is none; null: no value does
     bool isPresent = false;       // an empty one is not the same as none
 };
 
@@ -22,6 +22,7 @@ struct ValueRule {
 const ValueRule& ruleOfElement(std::string_view tag, std::string_view parent);
 const ValueRule& ruleOfAttribute(std::string_view name);
 
+// The text in which a value is compared; of a DURATION see durationOf.
 std::string canonical(ValueForm form, std::string_view text);
 // "0.25 s" or "infinite".
 std::string durationOf(const xmlNode* element);

@@ -216,8 +216,8 @@ void Definition::checkAttributes(const Rule& rule, const xmlNode* element, const
     }
 }
 
-// After the first child that is wrong, only those are told that could stand nowhere: the others, and what is
-// missing in the end, may well follow from it.
+// After the first wrong child only those are reported that may be nowhere in the element: the others, and
+// what is missing at the end, may well follow from it.
 void Definition::checkContent(const Rule& rule, const xmlNode* element, const Report& report) {
     if (rule.isEmpty) {
         if (element->children != nullptr) {

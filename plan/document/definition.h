@@ -1,6 +1,6 @@
 // The product's document type definition as rules: what is wrong with an element, in one line that says what
-// was expected, and where one more child may go. Every answer takes time linear in the
-// element's own children and attributes. Immutable once built.
+// was expected, and where one more child may go. Every answer takes time linear in the element's own
+// children and attributes. Immutable once built.
 #pragma once
 
 #include <libxml/tree.h>
@@ -16,7 +16,7 @@
 namespace zul::plan {
 
 // Which elements an element may hold, and in which order: the occurrences of names in the content model
-// are numbered (its positions), and for each is known which may come next.
+// are numbered (its positions), and of each it is known which may come next.
 class ContentModel {
 public:
     using Positions = std::uint64_t; // a set, a bit for each
@@ -78,7 +78,7 @@ public:
         std::vector<Attribute> attributes;
     };
 
-    // The selected product's.
+    // The selected product's. The first call builds it; no other thread may call meanwhile.
     static const Definition& ofProduct();
     explicit Definition(const xmlDtd& dtd);
 

@@ -22,12 +22,12 @@ std::optional<EntityLevel> levelOf(const xmlNode* element);
 // "a session or polling_session": the tags of a level, for messages.
 std::string describeLevel(EntityLevel level);
 
-// The service element of that name in a document, of no name the first of all; null when there is none.
+// The service element of that name in a document, or the first when none is named; null when there is none.
 xmlNode* findService(const xmlDoc* document, std::string_view name = {});
 
 // The entity directly inside `parent` with that name; null when there is none.
 xmlNode* findChild(const xmlNode* parent, std::string_view name);
-// The entity at a path. It may begin with the service's own name; an empty path is the service itself.
+// The entity at a path, or null. A path may begin with the service's name; an empty one is the service.
 xmlNode* findEntity(xmlNode* service, std::string_view path);
 // The path of an entity, empty for the service.
 std::string pathOf(const xmlNode* entity);

@@ -76,7 +76,7 @@ std::string Layout::indentationIn(const xmlNode* parent) const {
     return text;
 }
 
-// A new line for `child`, or null: for the end tag of `parent`.
+// Starts a new line for `child` or, if that is null, for the end tag of `parent`.
 void Layout::startLine(xmlNode* parent, xmlNode* child) const {
     xmlNode* blank = xmlNewText(toXml(indentationIn(child != nullptr ? parent : parent->parent)));
     if ((child != nullptr ? xmlAddPrevSibling(child, blank) : xmlAddChild(parent, blank)) == nullptr) {
@@ -108,7 +108,7 @@ bool Layout::isInLines(xmlNode* parent) {
     return inLines_[parent] = hasLines;
 }
 
-// As deep as documents may be.
+// Recurses as deep as documents may be.
 void Layout::layOutInside(xmlNode* element) const {
     if (firstChild(element) == nullptr || holdsText(element)) {
         return;

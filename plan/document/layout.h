@@ -14,9 +14,9 @@ public:
     explicit Layout(const xmlDoc* document);
 
     // Puts `element`, which is in no tree but belongs to the document, into `parent` in front of its child
-    // `before` (null: at the end). The new element and, if they were not, its siblings and the elements
-    // around get a line each. Elements that hold text are left as they are. Takes the same time however many
-    // siblings there are, but for the first of several put into one parent.
+    // `before` (null: at the end). The new element gets a line and, if they have none, so do its siblings
+    // and the elements around it. Elements that hold text are left as they are. The time depends on the
+    // number of siblings only for the first of several elements put into one parent.
     void insert(xmlNode* parent, xmlNode* element, xmlNode* before);
 
     // Removes and frees `element` with its line.

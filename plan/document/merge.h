@@ -1,6 +1,6 @@
 // Merging an XML snippet into a document: elements are matched by tag and name attribute as they were before,
-// the values of leaves replaced (without the blanks around them, which do not count). Works on a document of
-// the caller's that is thrown away when a merge fails half way. The time is linear in document and snippet.
+// and the values of leaves are replaced, without the blanks around them. A merge that fails leaves the
+// caller's document half changed, to be thrown away. The time is linear in document and snippet.
 #pragma once
 
 #include <libxml/tree.h>
@@ -9,10 +9,10 @@
 
 namespace zul::plan {
 
-// Applies the snippet to an entity, whose document it shares the dictionary with, and takes nodes out of it.
-// The snippet's outermost element is the entity itself or something inside it; for the service it may also be
-// a whole document. Where several elements have a snippet's tag, the name of the one that is meant may stand
-// as the next tag. Refuses what has no counterpart or no place. Gives up soon when asked to stop.
+// Applies a snippet, which shares the dictionary of the entity's document, and moves nodes out of it. The
+// snippet's outermost element is the entity itself or something inside it; for the service it may also be a
+// whole document. Where several elements have a snippet's tag, the name of the one that is meant may be the
+// next tag. Refuses what has no counterpart or no place. Gives up soon when asked to stop.
 void applySnippet(xmlNode* entity, xmlNode* snippet, const std::stop_token& stop);
 
 // Merges `child` into the children of `target`, as if it came in a snippet for `target`; may move it there.

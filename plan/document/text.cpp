@@ -1,4 +1,4 @@
-// Where UTF-8 may be cut is found backwards, in four bytes at most.
+// Where UTF-8 may be cut is searched for backwards, over four bytes at most.
 #include "plan/document/text.h"
 
 #include <algorithm>

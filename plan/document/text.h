@@ -1,4 +1,4 @@
-// Texts for people: what comes from outside is shown in one line and within bounds; why something is refused.
+// Texts for people: what comes from outside, in one line and within bounds, and why something is refused.
 #pragma once
 
 #include <cstddef>
@@ -27,8 +27,8 @@ std::string listed(const std::vector<std::string>& words);
 // "line 7: "; nothing for line 0, which is none.
 std::string lineInWords(int line);
 
-// Why something is refused, in a line that says what to do about it. Thrown where that is found; the
-// operation of the configuration or router that it ends makes an answer of it.
+// Why something is refused, in a line that says what to do about it. Thrown where the fault is found; the
+// operation that it ends makes an answer or a message of it.
 struct Refusal {
     std::string why;
     bool isMissing = false; // what was named is not there

@@ -1,7 +1,7 @@
 // XML from outside: parsing within limits, and writing. Nothing is ever fetched: no network, no files, no
 // external entities. A document type declaration that names a definition and the schema locations that XML
 // editors write are kept, and neither is followed; declarations inside a document, entities among them, are
-// refused. The library's messages are captured, never printed. One thread at a time.
+// refused. The library's messages are captured, never printed. A document belongs to one thread at a time.
 #pragma once
 
 #include "middleware/xml/guard.h"
@@ -32,19 +32,19 @@ struct XmlDeleter {
 };
 using XmlDocument = xml::DocumentPtr;
 
-// The library returns a failure when memory runs out. In the router that is thrown, and becomes the answer.
+// The library returns a failure when memory runs out; here that becomes an exception.
 inline void requireMemory(bool hasSufficed) {
     if (!hasSufficed) {
         throw std::bad_alloc();
     }
 }
 
-// Refuses what is wrong, with its line. Of a parsed document only whole nodes may be changed, as the library
-// keeps short texts inside theirs. Gives up soon when asked to stop. `names`, if not null, is the dictionary
-// of another document, which nodes may then be moved to.
+// Refuses what is wrong, with its line. In a parsed document only whole nodes may be replaced, as the
+// library keeps short texts inside the nodes. Gives up soon when asked to stop. `names`, if not null, is the
+// dictionary of another document, which nodes may then be moved to.
 XmlDocument parseXml(std::string_view text, const std::stop_token& stop, xmlDict* names = nullptr);
 
-// The same for whoever only reads it: the blanks that lay out its elements are left out.
+// The same for a document that is only read: the blanks that lay out its elements are left out.
 XmlDocument parseContent(std::string_view text, const std::stop_token& stop);
 
 // Refuses what parseXml would, at a fraction of its cost in time and memory.
@@ -56,8 +56,7 @@ XmlDocument copyXml(xmlDoc* document);
 // The line of an element in the text that it was parsed from.
 int lineOf(const xmlNode* element);
 
-// Whether an attribute tells an XML editor where to find a schema; they are attributes of the
-// outermost element.
+// Whether an attribute tells an XML editor where to find a schema.
 bool isSchemaLocation(const xmlAttr* attribute);
 
 // UTF-8, with an XML declaration if the document was read with one that names an encoding.

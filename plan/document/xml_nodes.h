@@ -15,7 +15,7 @@ std::string attributeOf(const xmlNode* node, const char* name);
 inline std::string nameOf(const xmlNode* node) {
     return attributeOf(node, "name");
 }
-// Its tag and, in quotes, its name attribute, for messages.
+// The tag and, in quotes, the name attribute of a node, for messages.
 std::string describe(const xmlNode* node);
 // All text inside, without the blanks around it.
 std::string textOf(const xmlNode* node);

@@ -28,7 +28,7 @@ struct Answer {
     }
 };
 
-// What an operation answers. One that throws must not have changed anything.
+// Runs an operation; what it throws becomes an answer. An operation that throws must have changed nothing.
 template <class Operation>
 auto answered(const Operation& operation) -> decltype(operation()) {
     try {
@@ -42,7 +42,7 @@ auto answered(const Operation& operation) -> decltype(operation()) {
 
 // The text of an answer as responses carry it: parts of at most 4096 characters, in order, at least one and
 // at least `atLeast`, of about equal length if `atLeast` asks for more than are needed; there may be empty
-// ones. No UTF-8 character is cut in two; in text that is no UTF-8 cuts may fall anywhere. The parts borrow
+// ones. No UTF-8 character is cut in two; in text that is not UTF-8 cuts may fall anywhere. The parts borrow
 // from `text`.
 std::vector<std::string_view> answerParts(std::string_view text, std::size_t atLeast);
 

@@ -1,6 +1,6 @@
 // The router's configuration: the active document and which service element of it is in force. The state of
-// an entity belongs to its element and stays with it when that is renamed. Every
-// operation answers as a router does and leaves the configuration whole when it fails. One thread at a time.
+// an entity belongs to its element and stays with it when that is renamed. Every operation answers as a
+// router does and leaves the configuration whole when it fails. One thread at a time.
 #pragma once
 
 #include "plan/document/xml.h"
@@ -26,12 +26,12 @@ public:
     Answer load(std::string_view xml, std::string_view configurationName);
     // The same with the document's first service element.
     Answer loadFirst(std::string_view xml);
-    // The rest needs an active document.
+    // Whether there is an active document, which everything below needs.
     bool isLoaded() const { return document_ != nullptr; }
     Answer unload();
 
-    // Changes the state of one entity; an empty path is the router itself. The document shows what its
-    // definition has a place for.
+    // Changes the state of one entity; an empty path is the router itself. Of the state, the document shows
+    // only the enabled attribute.
     Answer changeState(StateChange change, std::string_view path);
     // Merges a snippet into the entity at a path.
     Answer update(std::string_view path, std::string_view snippet);

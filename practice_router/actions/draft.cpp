@@ -11,8 +11,8 @@ using namespace plan;
 
 namespace {
 
-// Its text must be a document that can be loaded again. The draft has no lines, so a refusal is worded by
-// reading that text.
+// The draft's text must be a document that can be loaded again. Its elements have no line numbers, so a
+// refusal is worded by reading that text.
 void checkAsText(xmlDoc* document, const std::stop_token& stop) {
     const std::string text = writeXml(document);
     try {

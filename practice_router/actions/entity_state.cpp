@@ -14,7 +14,7 @@ using namespace plan;
 
 namespace {
 
-// The nearest entity around that is disabled; null when all are enabled.
+// The nearest enclosing entity that is disabled; null when all are enabled.
 const xmlNode* disabledAncestor(const xmlNode* entity) {
     for (entity = entity->parent; levelOf(entity); entity = entity->parent) {
         if (!stateOf(entity).enabled) {

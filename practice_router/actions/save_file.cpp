@@ -48,8 +48,7 @@ bool writeWhole(int file, std::string_view text) {
     return fsync(file) == 0;
 }
 
-// So that the new name survives a power failure too; a file system that cannot do that has saved all
-// the same.
+// So that the new name survives a power failure, too; without that the file is saved all the same.
 void syncDirectory(const std::string& directory) {
     const int file = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (file >= 0) {

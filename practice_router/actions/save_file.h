@@ -9,12 +9,12 @@
 namespace zul::practice {
 
 // The name of the file that a router's configuration is saved to: "<routerName>.xml", with each byte that is
-// no ASCII letter, digit, "-", "_" or ".", and a dot in front, written as "%" and two hexadecimal digits. So
+// no ASCII letter, digit, "-", "_" or ".", and a leading dot, written as "%" and two hexadecimal digits. So
 // no two routers share a file. Empty when it would be longer than a file name may be.
 std::string saveFileName(std::string_view routerName);
 
-// Writes `text` to the router's file in the directory, in place of an older one at once or not at all. It is
-// written under a fresh name first, which never is a file or link that exists. The answer names the file.
+// Writes `text` to the router's file in the directory: an older one is replaced as a whole or not at all. The
+// text first goes to a fresh name, never that of an existing file or link. The answer names the file.
 Answer writeSaveFile(const std::string& directory, std::string_view routerName, std::string_view text);
 
 } // namespace zul::practice

@@ -1,6 +1,6 @@
 // Putting the pieces of long XML texts together. The pieces of one text carry one id and kind; all but the
 // last are marked as not final. Clients are told apart by their writer, and by host and app as well; whatever
-// else arrives from a client drops its unfinished upload, which is therefore never applied by half. One
+// else arrives from a client drops its unfinished upload, which is therefore never applied in part. One
 // thread at a time.
 #pragma once
 
@@ -30,7 +30,7 @@ struct Upload {
 
 class Uploads {
 public:
-    // Counting only, no text is kept, and none is too large.
+    // When only counting, no text is kept, and none is too large.
     explicit Uploads(bool countsOnly = false) : countsOnly_(countsOnly) {}
 
     // Takes in one piece. Returns the upload when this was its last piece.

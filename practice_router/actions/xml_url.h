@@ -1,4 +1,4 @@
-// XML URLs: "str://" followed by XML in double quotes, or "file://" followed by a path on this machine.
+// XML URLs: "str://" and XML, in double quotes or without, or "file://" and a path on this machine.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace zul::practice {
 
-// The XML that a URL stands for.
+// The XML that a URL stands for. Refuses one that is cut off.
 std::string readXmlUrl(std::string_view url);
 
 // The content of a regular file of at most MAX_DOCUMENT_SIZE bytes. Anything else, a FIFO among them, is

@@ -69,7 +69,7 @@ std::vector<std::uint8_t> Garbage::next(const RequestId& id) {
     if (kind < std::size(BLUEPRINTS)) {
         return build(BLUEPRINTS[kind], id);
     }
-    // A reader may take a sample that lacks its last members for one of an older sender: not with this id.
+    // A reader may accept a sample that lacks its last members as an older sender's, so it gets another id.
     std::vector<std::uint8_t> bytes =
         build({}, {.host = ~id.host, .app = id.app, .invocation = id.invocation});
     if (kind == std::size(BLUEPRINTS)) {

@@ -1,4 +1,4 @@
-// A request to stop ends every wait, whatever it waits for.
+// Closing the queue ends every wait, whatever it waits for.
 #include "practice_router/endpoints/request_queue.h"
 
 namespace zul::practice {

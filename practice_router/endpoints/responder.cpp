@@ -9,8 +9,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How long the reader of a client's answers is awaited: its announcement may come just after the
-// first request.
+// How long to wait for the reader of a client's answers: its announcement may come just after the
+// client's first request.
 constexpr milliseconds READER_WAIT{1000};
 constexpr milliseconds READER_POLL{1};
 constexpr milliseconds WRITE_WAIT{5000};
@@ -33,8 +33,8 @@ void Responder::awaitReader(const WriterGuid& client) {
     }
 }
 
-// Writes, however long readers take to acknowledge earlier samples, up to a bound: a dead shell must not hold
-// up the others. False when the bound is reached or the program ends.
+// Tries to write again while readers have not acknowledged earlier samples, within a bound: a dead shell must
+// not hold up the others. False when the bound is reached, the write fails or the program ends.
 template <class Write>
 bool Responder::writePatiently(Write write) {
     const auto deadline = std::chrono::steady_clock::now() + WRITE_WAIT;
@@ -61,7 +61,7 @@ bool Responder::writeFaultsAhead(const RequestId& id) {
     if (!faults_.wrongInvocation) {
         return true;
     }
-    // Computed without sign, so that the first invocation of all has a predecessor too.
+    // Computed as unsigned, so that the first invocation of all has a predecessor too.
     const RequestId before{id.host, id.app,
                            static_cast<std::int32_t>(static_cast<std::uint32_t>(id.invocation) - 1)};
     return write(before, ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK, "this answers another request", true);

@@ -22,7 +22,7 @@ std::string shown(std::string_view text) {
 
 } // namespace
 
-// One line on standard output at once. A full pipe that nobody reads holds the router up, but not its end.
+// Writes one line in one piece. A full pipe that nobody reads holds the router up, but not its end.
 void Worker::log(const Request& request, const std::string& outcome) {
     const std::string line = std::string(admin::commandName(request.kind)) + " invocation " +
                              std::to_string(request.id.invocation) + " target " + shown(request.target) +

@@ -39,7 +39,7 @@ struct Filled {
     ~Filled() { zul::idl::finalize(Idl{}, value); }
     typename Idl::Value value;
 };
-// A text form to compare: the encoded bytes.
+// A form to compare: the encoded bytes.
 template <class Idl>
 Bytes bytesOf(Idl, const typename Idl::Value& value) {
     Bytes out(8192);

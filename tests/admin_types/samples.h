@@ -1,6 +1,5 @@
 // Samples of the two travelling types: creation, encoding into and decoding from buffers of the exact size
-// (so that the address sanitizer sees every byte too far), and a text form to compare and to read in
-// a failure.
+// (so that the address sanitizer sees any byte beyond it), and a text form for comparisons and messages.
 #pragma once
 
 #include "admin_types/descriptions.h"

@@ -35,7 +35,7 @@ struct Answer {
 using Router = std::function<std::vector<Answer>(const Request&)>;
 using RequestCopy = std::unique_ptr<Request, DDS_ReturnCode_t (*)(Request*)>;
 
-// What the reader has lent, one entry a sample each.
+// What the reader has lent: one entry a sample in each list.
 struct Loan {
     std::deque<std::string> messages{};
     std::deque<Response> responses{};

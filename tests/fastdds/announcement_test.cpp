@@ -17,7 +17,7 @@ namespace {
 
 constexpr int DOMAIN = 20;
 
-// "mutable <type>; <id> <member>; ...", of a string with its bound.
+// "mutable <type>; <id> <member>; ...", a string with its bound.
 std::string render(const types::CompleteTypeObject& object) {
     if (object._d() != types::TK_STRUCTURE) {
         return "no structure";
@@ -46,7 +46,7 @@ public:
             changed_.notify_all();
         }
     }
-    // What was announced with each of so many topics.
+    // What was announced with each topic, once there are so many.
     std::map<std::string, std::string> wait(std::size_t count) {
         std::unique_lock lock(mutex_);
         changed_.wait_for(lock, std::chrono::seconds(20), [&] { return seen_.size() == count; });

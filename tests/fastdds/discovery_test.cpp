@@ -1,4 +1,4 @@
-// What a listener is told of a participant of another process's making, from its start to its end.
+// What a listener is told of another participant, from its start to its end.
 #include "admin_types/type_support.h"
 #include "tests/fastdds/participant.h"
 

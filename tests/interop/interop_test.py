@@ -47,7 +47,7 @@ class InteropTest(unittest.TestCase):
         raise AssertionError("the shell and the router do not reach each other")
 
     def exchange(self, command, example, answer, printed):
-        """The final answer comes twice, behind samples that answer nothing."""
+        """The final answer comes twice, after samples that answer nothing."""
         self.shell.send(command + "\n")
         self.identity[2] += 1
         sender, payload = self.router.request()

@@ -17,7 +17,7 @@ std::string route(const std::string& parts, const std::string& name = "D", const
            "</domain_id></participant_1><participant_2><domain_id>1</domain_id></participant_2>" + parts +
            "</domain_route>";
 }
-// A session, a route's input, a profile's or a participant's content, in all that has to be around.
+// The content of a session, a route's input or a profile, in all that has to be around it.
 std::string session(const std::string& parts) {
     return service(route("<session name='s'>" + parts + "</session>"));
 }

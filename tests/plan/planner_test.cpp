@@ -78,7 +78,7 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
     const std::string PARTITION = "<publisher_qos><partition><name><element>x</element></name></partition></publisher_qos>";
     const std::string RELIABLE = "<datareader_qos><reliability><kind>RELIABLE_RELIABILITY_QOS</kind></reliability></datareader_qos>";
     const std::string DEADLINE = "<datareader_qos><deadline><period><sec>1</sec><nanosec>0</nanosec></period></deadline></datareader_qos>";
-    const auto profiled = [](const std::string& qos) { // T starts from what starts from it, U has another base
+    const auto profiled = [](const std::string& qos) { // T's reader starts from profile a, by way of c and b; U's does not
         return document(route("D", "0", session(topics("T", "<datareader_qos base_name='Q::c'/>") + topics("U", "<datareader_qos base_name='Q::d'/>"))),
                         "<qos_library name='Q'><qos_profile name='a'>" + qos + "</qos_profile><qos_profile name='b' base_name='Q::a'/>"
                         "<qos_profile name='c'><datareader_qos base_name='Q::b'/></qos_profile><qos_profile name='d'><datawriter_qos base_name='Q::b'/></qos_profile></qos_library>");
@@ -197,7 +197,7 @@ const std::map<std::string, std::string> GRAMMAR{
 };
 // clang-format on
 
-// Documents of one seed are alike: an entity is made of the seed and its path, and varies in one of three.
+// Documents of one seed are alike: an entity is made of the seed and its path, and one in three varies.
 class Generator {
 public:
     explicit Generator(unsigned seed) : seed_(seed) {}

@@ -83,7 +83,7 @@ TEST_F(Edit, AnUpdateThatChangesSomethingElse) {
         {"", nested("domain_route E participant_2 domain_id", "9"), "<domain_id>9</domain_id>"},
         {"S", nested("routing_service administration domain_id", " 8"),
          "<administration>\n            <domain_id>8</domain_id>\n        </administration>\n    </routing_service>"},
-        // A name as a tag: behind the entity's own tag, whether the entity is the target or inside it.
+        // A name as a tag: after the entity's own tag, whether the entity is the target or inside it.
         {"D::s1", nested("session s1", property("a", " a&lt;b \n")),
          "<property>" + line + "    <value>" + line + "        <element><name>a</name><value>a&lt;b</value></element>" + line +
              "    </value>" + line + "</property>\n            </session>"},

@@ -1,7 +1,7 @@
 """The document type definitions of the configuration, checked from outside with xmllint.
 
 What an operator is promised: every shipped configuration follows the definition of its variant,
-a document with one fault does not and the report names the right line. A file's name begins with
+a document with one fault does not, and the report names the right line. A file's name begins with
 the variant it belongs to.
 """
 
@@ -23,7 +23,7 @@ def dtd_text(variant):
 def validate(variant, document):
     """Validates the bytes `document`; returns xmllint's exit status and what it reports."""
     command = ["xmllint", "--noout", "--nonet", "--dtdvalid", ROOT / f"resource/dtd/{variant}_service.dtd", "-"]
-    done = subprocess.run(command, input=document, capture_output=True, timeout=60, check=False)  # of libxml2-utils
+    done = subprocess.run(command, input=document, capture_output=True, timeout=60, check=False)
     return done.returncode, done.stderr.decode("utf-8", "replace")
 
 

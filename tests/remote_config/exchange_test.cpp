@@ -10,7 +10,7 @@ namespace {
 using fake_dds::Answer;
 using fake_dds::Request;
 
-constexpr const char* SEND = "ROUTERRemoteConfigClient_sendEntityMessage"; // kept as an older name
+constexpr const char* SEND = "ROUTERRemoteConfigClient_sendEntityMessage"; // oddity 7
 constexpr const char* LISTENER =
     "ZUL_RoutingService_Administration_CommandResponseListener_on_data_available";
 

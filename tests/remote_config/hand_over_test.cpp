@@ -55,7 +55,7 @@ constexpr Mistake MISTAKES[] = {
 //   W waits for its answer      N does not wait; the next command is another one
 //   U does not wait; the next one is the next piece of the same request
 //   D does not wait; the next one is another request that an interrupt ends too
-//   a point: the next command comes when the delivery thread has nothing left to do
+//   . the next command comes when the delivery thread has nothing left to do
 //   F the final response   P a part   L a final one to the request before   X a final one to another shell
 struct Command {
     char kind;

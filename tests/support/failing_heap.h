@@ -1,11 +1,11 @@
-// An operation again with its first, second, ... allocation failing, until none is left that can.
+// Repeats an operation with its first, second, ... allocation failing, until it succeeds.
 #pragma once
 
 #include "middleware/base/heap.h"
 
 #include <gtest/gtest.h>
 
-// How many there are. `check(isDone)` looks at what each attempt left.
+// Returns how many allocations there are, or -1. `check(isDone)` looks at what each attempt left.
 template <class Operation, class Check = void (*)(bool)>
 long failEachAllocation(
     Operation succeeds, Check check = [](bool) {}) {

@@ -1,5 +1,4 @@
-// Where `g_newCanFail` is true, the allocations that fail are those of the standard library, too. For one
-// source of a program.
+// While `g_newCanFail` is true, `new` fails with the heap. To be included in one source of a program.
 #pragma once
 
 #include "middleware/base/heap.h"

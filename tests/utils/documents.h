@@ -34,7 +34,7 @@ inline std::string dump(const ZULXMLObject& object) {
     return text + (isSound ? "}" : " UNSOUND}");
 }
 
-// The pattern once for each blank-separated word, which stands for its every "*".
+// The pattern once for each blank-separated word, with the word in place of every "*".
 inline std::string forEach(std::string_view words, std::string_view pattern) {
     std::string all;
     while (!words.empty()) {

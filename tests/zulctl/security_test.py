@@ -1,4 +1,4 @@
-"""A router that is secured by the profile file: who has no credentials is told so, who has some is answered."""
+"""A router that is secured by the profile file: whoever has no credentials is told so, whoever has some is answered."""
 
 import os
 import subprocess

@@ -186,7 +186,7 @@ void Editor::remember(const std::string& line) {
     history(library_->history, &event, H_ENTER, line.c_str());
 }
 
-// A tab among what is pasted is a blank.
+// A pasted tab is a blank.
 unsigned char Editor::completeWord() {
     if (input_.isPending()) {
         return el_insertstr(library_->editor, " ") == 0 ? CC_REFRESH : CC_ERROR;

@@ -21,7 +21,8 @@ using Complete = std::function<Completions(const std::string& typed)>;
 
 class Editor {
 public:
-    // `input` reads the terminal on standard input, `screen` is one, too. Throws std::bad_alloc.
+    // `input` reads the terminal on standard input, `screen` is one, too; both and `prompt` must outlive
+    // this. Throws std::bad_alloc.
     Editor(Input& input, std::FILE* screen, const char* prompt, Complete complete);
     ~Editor(); // gives the terminal back as it was
     Editor(const Editor&) = delete;
@@ -29,7 +30,7 @@ public:
 
     // A line without its line feed. After STOPPED what was typed is gone. Never REDRAW or FAILED.
     Got readLine(std::string& line);
-    // To the lines that the arrow keys and the search find.
+    // Adds to the lines that the arrow keys and the search find.
     void remember(const std::string& line);
 
 private:

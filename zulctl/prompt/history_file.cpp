@@ -29,7 +29,7 @@ std::filesystem::path stateFolder() {
                                             : std::filesystem::path();
 }
 
-// Those that are missing are the user's alone.
+// Makes the missing ones, for the user alone.
 bool createFolders(const std::filesystem::path& folder) {
     std::filesystem::path made;
     for (const auto& part : folder) {

@@ -1,4 +1,4 @@
-// A signal is looked at before what has been typed: who interrupts does not mean what came before.
+// A signal is looked at before what has been typed: whoever interrupts does not mean what came before.
 #include "zulctl/prompt/input.h"
 
 #include <algorithm>
