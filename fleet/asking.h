@@ -19,14 +19,14 @@ inline Picture pictureOf(Domain& domain, Product product) {
             .now = Clock::now()};
 }
 
-// When it is settled who is there: `discovery` after the domain was joined or the last participant of
-// interest came that is not matched yet, but not later than `discovery` after `begin`, when the look began.
-template <class IsOfInterest>
+// When it is settled who is there: `discovery` after the domain was joined or the last participant came that
+// `isAwaited`, but not later than `discovery` after `begin`, when the look began.
+template <class IsAwaited>
 Clock::time_point settled(const Domain& domain, const Picture& picture, Clock::duration discovery,
-                          Clock::time_point begin, IsOfInterest isOfInterest) {
+                          Clock::time_point begin, IsAwaited isAwaited) {
     Clock::time_point last = domain.joined();
     for (const Participant& participant : picture.participants) {
-        if (participant.isHere() && !picture.isMatched(participant) && isOfInterest(participant)) {
+        if (participant.isHere() && isAwaited(participant)) {
             last = std::max(last, participant.since);
         }
     }

@@ -81,13 +81,12 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
     const GuidPrefix prefix = prefixOf(guidOf(data.key.value));
     {
         const std::lock_guard lock(mutex_);
-        Participant& participant = participants_[prefix];
+        Participant& participant = entry(prefix);
         const bool isHere = instanceState == DDS_ALIVE_INSTANCE_STATE;
         if (isHere) {
-            if (participant.presence != Presence::HERE) {
-                participant = {}; // it is back, and will tell of its endpoints again
+            if (participant.presence != Presence::HERE) { // it is back, and will tell of its endpoints again
+                participant = {.prefix = prefix, .since = Clock::now()};
             }
-            participant.prefix = prefix;
             participant.name = data.participant_name.name;
             participant.host = data.default_unicast_address;
             participant.vendor =
@@ -106,6 +105,12 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
         }
     }
     wakeup_.notify();
+}
+
+// With the mutex held. Makes the entry of one that is not known.
+Participant& Discovery::entry(const GuidPrefix& prefix) {
+    return participants_.try_emplace(prefix, Participant{.prefix = prefix, .since = Clock::now()})
+        .first->second;
 }
 
 // With the mutex held.
@@ -129,8 +134,7 @@ void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
     const Guid guid = guidOf(data.key.value);
     {
         const std::lock_guard lock(mutex_);
-        Participant& participant = participants_[prefixOf(guid)];
-        participant.prefix = prefixOf(guid);
+        Participant& participant = entry(prefixOf(guid));
         // One that was deleted is kept until there is another: a router
         // that leaves deletes its endpoints first.
         for (Endpoint& known : participant.endpoints) {

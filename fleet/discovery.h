@@ -83,6 +83,7 @@ public:
     void note(const DDS_EndpointBuiltinTopicData& data, bool isReader, DDS_UnsignedLong instanceState);
 
 private:
+    Participant& entry(const GuidPrefix& prefix);
     void forgetOldest();
 
     Wakeup& wakeup_;

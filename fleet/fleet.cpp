@@ -21,6 +21,12 @@ constexpr std::size_t ANSWERING_AT_ONCE = 8;
 constexpr auto PATIENCE = std::chrono::milliseconds(500);
 constexpr auto GREETING_PERIOD = std::chrono::milliseconds(200);
 
+// Whether a request to it will be heard.
+bool isSure(const Picture& picture, const Participant& participant) {
+    return picture.isMatched(participant) &&
+           (participant.vendor == PATIENT_VENDOR || !participant.answersTo.empty());
+}
+
 std::chrono::milliseconds toMilliseconds(Clock::duration span) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(span);
 }
@@ -65,10 +71,9 @@ Fleet::Reach Fleet::reach(const Picture& picture, const std::string& name) const
         const bool matched = picture.isMatched(participant);
         const std::string itsName = participant.routerName();
         if (itsName == name) {
-            const bool isSure =
-                matched && (participant.vendor == PATIENT_VENDOR || !participant.answersTo.empty());
-            areAllSure = areAllSure && isSure;
-            reach.isUnsure = reach.isUnsure || (matched && !isSure);
+            const bool sure = isSure(picture, participant);
+            areAllSure = areAllSure && sure;
+            reach.isUnsure = reach.isUnsure || (matched && !sure);
             if (matched) {
                 reach.routers.push_back(participant.prefix);
             }
@@ -134,7 +139,10 @@ std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
         });
         const bool areSeen = std::ranges::all_of(
             words, [&](const std::string& word) { return isPattern(word) || isSeen(now, word); });
-        const auto deadline = areSeen ? settled(domain_, now, settings_.discovery, begin, isMeant)
+        const auto isAwaited = [&](const Participant& participant) {
+            return isMeant(participant) && !isSure(now, participant);
+        };
+        const auto deadline = areSeen ? settled(domain_, now, settings_.discovery, begin, isAwaited)
                                       : begin + settings_.discovery;
         if (isDone || wakeup_.isInterrupted() || now.now >= deadline) {
             break;

@@ -38,10 +38,11 @@ Clock::time_point settled(const std::vector<Domain*>& domains, Clock::duration d
     auto last = Clock::time_point::min();
     for (Domain* domain : domains) {
         for (const Product product : PRODUCTS) {
-            last = std::max(last, settled(*domain, pictureOf(*domain, product), discovery, begin,
-                                          [product](const Participant& participant) {
-                                              return participant.isRouter(product);
-                                          }));
+            const Picture picture = pictureOf(*domain, product);
+            const auto isAwaited = [&](const Participant& participant) {
+                return participant.isRouter(product) && !picture.isMatched(participant);
+            };
+            last = std::max(last, settled(*domain, picture, discovery, begin, isAwaited));
         }
     }
     return last;

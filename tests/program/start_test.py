@@ -68,7 +68,7 @@ class Start(SessionTest):
     def test_defaults_abbreviations_and_repetition(self):
         # The last value of a repeated option counts; what follows a number's digits does not.
         for line, banner in (("-d 21 -t 7", "Domain id 21, timeout 7\n"),
-                             ("- 21 -DOM 22x -timeout 5 -timeout -9", "Domain id 22, timeout -9\n"),
+                             ("- 21 -DOM 29x -timeout 5 -timeout -9", "Domain id 29, timeout -9\n"),
                              ("-d 21", "Domain id 21, timeout 15\n")):
             shell = self.enterContext(Program("zulrssh", *line.split()))
             self.assertEqual(shell.expect(Shell.PROMPT)[0], banner)

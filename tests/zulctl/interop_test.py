@@ -70,30 +70,34 @@ TABLE = (
 class Interop(unittest.TestCase):
     domain = 69
 
-    def run_control(self, router, name, requests, *arguments, typed=None):
-        """Runs zulctl with these words of Latin-1, and answers what it asks, which has to be exactly the requests."""
+    def answer(self, control, router, name, requests):
+        """Answers what zulctl asks until it ends, which has to be exactly the requests; returns its end."""
         requests = list(requests)
+        while True:
+            control.read(0.01)
+            router.read(0.01)
+            if "\n" in router.output:
+                payload = router.request()[1]
+                identity = wire.identity_of(payload)
+                if payload == wire.request(identity, name, GREETING, DUMMY, 0):  # again until it is answered
+                    router.write(wire.response(identity, 0, "it is me", True, "<"))
+                    continue
+                request, answer = requests.pop(0)
+                self.assertEqual(payload, wire.request(identity, name, *request))
+                if answer:
+                    router.write(wire.response(identity, 0, answer[:4], False, ">"), wire.response(identity, 0, answer[4:], True, "<"))
+            elif control.process.poll() is not None:
+                break
+        self.assertEqual(requests, [], control.log)
+        return control.wait()
+
+    def run_control(self, router, name, requests, *arguments, typed=None):
+        """Runs zulctl with these words of Latin-1."""
         with Program("zulctl", "-d", self.domain, *[os.fsdecode(word.encode("latin-1")) for word in arguments]) as control:
             if typed:
                 control.send(typed.encode("latin-1"))
                 control.close_input()
-            while True:
-                control.read(0.01)
-                router.read(0.01)
-                if "\n" in router.output:
-                    payload = router.request()[1]
-                    identity = wire.identity_of(payload)
-                    if payload == wire.request(identity, name, GREETING, DUMMY, 0):  # again until it is answered
-                        router.write(wire.response(identity, 0, "it is me", True, "<"))
-                        continue
-                    request, answer = requests.pop(0)
-                    self.assertEqual(payload, wire.request(identity, name, *request))
-                    if answer:
-                        router.write(wire.response(identity, 0, answer[:4], False, ">"), wire.response(identity, 0, answer[4:], True, "<"))
-                elif control.process.poll() is not None:
-                    break
-            self.assertEqual(requests, [], control.log)
-            return control.wait()
+            return self.answer(control, router, name, requests)
 
     def check(self, row, router, name, *options):
         """A row of the table in both forms."""
@@ -131,6 +135,16 @@ class Interop(unittest.TestCase):
                 listed = {"router": "r2", "answers": status == 0} if product == "Routing" else {}
                 self.check((["list"], [], 0, shown, listed), router, "r2", "-t", timeout)
                 self.check((["why", "R"], [], status, f"{cause}: (.|\n)*{fact}", {"cause": cause}), router, "r2", "-t", timeout)
+
+    def test_a_router_that_came_a_moment_ago_is_not_asked(self):
+        with Program("zulctl", "-d", self.domain, "shell") as control:
+            control.send("get nobody\n")  # which takes as long as routers are looked for
+            control.until(lambda: "not sent" in control.log, "the end of the first command")
+            with CycloneRouter(self.domain, "Routing", "ZUL Routing Service: r2") as router:
+                control.send("get r2\n")
+                control.close_input()
+                _, out = self.answer(control, router, "r2", [(GET, "part 1, part 2")])
+                self.assertIn("part 1, part 2", out)
 
 
 if __name__ == "__main__":

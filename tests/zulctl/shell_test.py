@@ -5,6 +5,7 @@ import json
 import os
 import pty
 import re
+import resource
 import select
 import signal
 import stat
@@ -228,7 +229,7 @@ class Shell(ControlTest):
             return done.returncode, done.stdout, done.stderr
         self.assertEqual(run(f"# a comment\n\ndisable r {ROUTE}\nenable r {ROUTE} # again\nenable r none"),
                          (3, f"r: disabled {ROUTE}\nr: enabled {ROUTE}\nr: no such entity: no entity named none\n", ""))
-        status, out, log = run("fly\nshell\nenable r \\\nenable r 'x\nenable r a b c\n-d 74 --discovery 0.1 enable r\nquit\nlist\n", "--json")
+        status, out, log = run("fly\nshell\nenable r \\\nenable r 'x\nenable r a b c\n-d 75 --discovery 0.1 enable r\nquit\nlist\n", "--json")
         self.assertEqual((status, [json.loads(line)["status"] for line in out.splitlines()]), (4, ["no_answer"]))
         for expected in ("fly", "this is the shell", "ends in a backslash", "quote is not closed", "usage: zulctl enable"):
             self.assertIn(expected, log)
@@ -240,6 +241,14 @@ class Shell(ControlTest):
             waiting.expect("Subcommands")
             waiting.signal(signal.SIGINT)
             self.assertEqual(waiting.wait()[0], 5)
+
+    @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors of its own")
+    def test_a_wait_that_fails_for_ever(self):
+        with Program("zulctl", "-d", self.domain, "shell") as shell:
+            shell.wait_until_idle()
+            resource.prlimit(shell.process.pid, resource.RLIMIT_NOFILE, (1, 1))  # poll refuses two descriptors
+            shell.send("help\n")
+            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: cannot read standard input: Invalid argument\n"))
 
     def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
         with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:

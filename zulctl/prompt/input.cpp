@@ -21,7 +21,7 @@ Got Input::wait() {
             {{.fd = wakeFd_, .events = POLLIN, .revents = 0}, {.fd = fd_, .events = POLLIN, .revents = 0}}};
         if (poll(fds.data(), fds.size(), -1) < 0) {
             if (errno != EINTR) {
-                return Got::END;
+                return Got::FAILED;
             }
             continue;
         }
@@ -78,7 +78,7 @@ Got Input::readLine(std::string& line) {
                 return count < 0 ? Got::FAILED : line.empty() ? Got::END : Got::INPUT;
             }
         }
-        if (got == Got::STOPPED) {
+        if (got == Got::STOPPED || got == Got::FAILED) {
             return got;
         }
         block_.assign(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
