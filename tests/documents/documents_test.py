@@ -50,9 +50,8 @@ class Documents(unittest.TestCase):
     def test_an_oddity_without_its_number(self):
         known = re.findall(r"^\| (\d+) \|", read("docs/oddities.md"), re.MULTILINE)
         self.assertEqual(sorted(known, key=int), [str(i + 1) for i in range(len(known))])
-        folders = [os.path.join(SOURCE, folder) for folder in FOLDERS.split("|")]
         marked = subprocess.run(["grep", "-rhoE", "--include=*.cpp", "--include=*.h", "--include=*.inc", "--exclude-dir=tests",
-                                 r"//.*oddity [0-9]+", *folders], capture_output=True, text=True, check=False).stdout
+                                 r"//.*oddity [0-9]+", *FOLDERS.split("|")], cwd=SOURCE, capture_output=True, text=True, check=False).stdout
         self.assertEqual(set(re.findall(r"oddity (\d+)", marked)), set(known))
 
     def test_a_command_or_word_that_the_manual_lacks_or_has_too_many(self):

@@ -64,15 +64,15 @@ TEST(Participants, ThatLeaveThreadsOrFilesBehind) {
 }
 
 TEST(Participants, ThatHangWhenMemoryEndsAtTheirStart) {
-    const auto succeeds = [] {
+    g_newCanFail = true;
+    const auto passes = [] {
         try {
             return zul::ResourceCheck().passes("test");
         } catch (const std::bad_alloc&) {
             return false;
         }
     };
-    g_newCanFail = true;
-    EXPECT_GE(failEachAllocation(succeeds), 8); // one a thread at least
+    EXPECT_GE(failEachAllocation(passes), 8); // one a thread at least
     g_newCanFail = false;
 }
 

@@ -43,20 +43,15 @@ protected:
         DDS_DataReaderListener listener{};
         listener.listener_data = static_cast<Arrivals*>(this);
         listener.on_data_available = Arrivals::note;
-        auto* subscriber =
-            DDS_DomainParticipant_create_subscriber(participant, &DDS_SUBSCRIBER_QOS_DEFAULT, nullptr, 0);
         DDS_DataReaderQos readerQos = DDS_DATAREADER_QOS_DEFAULT;
         readerQos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
         readerQos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
         DDS_DataWriterQos writerQos = DDS_DATAWRITER_QOS_DEFAULT;
         writerQos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
-        untypedReader = DDS_Subscriber_create_datareader(subscriber, topic, &readerQos, &listener,
-                                                         DDS_DATA_AVAILABLE_STATUS);
+        untypedReader = createReader(topic, readerQos, &listener);
         readerQos.resource_limits.max_samples = OTHER_LIMIT;
-        otherReader = DDS_Subscriber_create_datareader(subscriber, topic, &readerQos, nullptr, 0);
-        auto* publisher =
-            DDS_DomainParticipant_create_publisher(participant, &DDS_PUBLISHER_QOS_DEFAULT, nullptr, 0);
-        untypedWriter = DDS_Publisher_create_datawriter(publisher, topic, &writerQos, nullptr, 0);
+        otherReader = createReader(topic, readerQos);
+        untypedWriter = createWriter(topic, writerQos);
         enable();
         reader = ZUL_READER(narrow)(untypedReader);
         writer = ZUL_WRITER(narrow)(untypedWriter);

@@ -260,8 +260,8 @@ TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
         {documentOf({.head = types("<enum name='E'><enumerator name='A'/></enum>" + unionOf("U", labels))}),
          MANY / 2 - 1},
         {documentOf({.head = types("<enum name='E'>" + enumerators + "</enum>" + unions)}), 0},
-        {documentOf({.participant = "<participant_qos><discovery><announcement_period><sec>2147483646</sec>"
-                                    "<sec>2147483646</sec></announcement_period>" +
+        {documentOf({.participant = "<participant_qos><discovery>" +
+                                    seconds("announcement_period", "2147483646</sec><sec>2147483646") +
                                     seconds("lease_duration", "1") + "</discovery></participant_qos>"}),
          2}, // the second one, and three times as much is more than 64 bits hold
     };
