@@ -21,8 +21,8 @@ static bool routerAnswers(ROUTERRemoteConfigClient* client, const char* router) 
     bool answered = false;
     for (int i = 0; i < QUESTIONS && !answered; ++i) {
         answered = ROUTERRemoteConfigClient_sendCommandGet(client, router, &result);
+        ROUTERRemoteConfigResult_finalize(&result); // the next one would forget a long text
     }
-    ROUTERRemoteConfigResult_finalize(&result);
     return answered;
 }
 

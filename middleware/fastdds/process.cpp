@@ -9,7 +9,6 @@
 #include <fastdds/dds/log/Log.hpp>
 #include <fcntl.h>
 #include <memory>
-#include <string>
 #include <unistd.h>
 
 using eprosima::fastdds::dds::Log;
@@ -35,8 +34,8 @@ public:
             return; // only the line that starts the thread
         }
         const ZULLogLevel level = entry.kind == Log::Error ? ZUL_LOG_LEVEL_ERROR : ZUL_LOG_LEVEL_WARNING;
-        const std::string category = entry.context.category != nullptr ? entry.context.category : "DDS";
-        ZULLog_middleware(level, category.c_str(), ZUL_LOG_ANY_s, entry.message.c_str());
+        const char* category = entry.context.category != nullptr ? entry.context.category : "DDS";
+        ZULLog_middleware(level, category, ZUL_LOG_ANY_s, entry.message.c_str());
     }
 };
 

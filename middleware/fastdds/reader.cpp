@@ -71,6 +71,8 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
         }
         auto libraryQos = zul::toLibrary(*qos);
         libraryQos.reader_resource_limits().max_samples_per_read = reader->maxSamples;
+        // Nothing may fail once the wrapper is its entity's listener.
+        self->owner->readers.reserve(self->owner->readers.size() + 1);
         reader->reader = self->subscriber->create_datareader(topic->topic, libraryQos, reader.get(),
                                                              fast::StatusMask::all());
         return reader->reader == nullptr ? nullptr

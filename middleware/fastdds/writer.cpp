@@ -32,6 +32,8 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* 
         auto libraryQos = zul::toLibrary(*qos);
         libraryQos.reliability().max_blocking_time =
             eprosima::fastrtps::Duration_t(0, static_cast<DDS_UnsignedLong>(writer->wait.slice.count()));
+        // Nothing may fail once the wrapper is its entity's listener.
+        self->owner->writers.reserve(self->owner->writers.size() + 1);
         writer->writer = self->publisher->create_datawriter(topic->topic, libraryQos, writer.get(),
                                                             fast::StatusMask::publication_matched());
         return writer->writer == nullptr ? nullptr
