@@ -175,7 +175,8 @@ Result Fleet::toResult(Answer&& answer, const Command& command) const {
                   .message = std::move(answer.message),
                   .parts = answer.parts,
                   .took = answer.took,
-                  .guid = answer.writer ? textOf(*answer.writer) : ""};
+                  .guid = answer.writer ? textOf(*answer.writer) : "",
+                  .wasSent = true};
     if (result.status == Status::NO_ANSWER) {
         Picture now = picture();
         // Of two routers with one name, only the one that is silent says why.

@@ -29,7 +29,8 @@ struct Result {
     std::string message{}; // the router's, or the cause of its silence
     std::size_t parts = 0;
     std::chrono::milliseconds took{};
-    std::string guid{}; // prefix of the router's participant; empty when it is not known
+    std::string guid{};   // prefix of the router's participant; empty when it is not known
+    bool wasSent = false; // it may have acted, whatever the status is
 };
 using OnResult = std::function<void(Result&&)>;
 

@@ -145,7 +145,7 @@ int request(const Arguments& arguments, Session& session, Output& output) {
     return outcome.status();
 }
 
-// After an interrupt, too, what was stopped is started again; that answer is not awaited for long.
+// What was stopped is started again, also after interrupts; those answers are not awaited for long.
 int dupdate(const Arguments& arguments, Session& session, Output& output) {
     fleet::Wakeup& wakeup = session.wakeup();
     const Command update = commandOf(arguments);
@@ -163,7 +163,8 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     fleet.ask(names, disable, [&](const Result& result) {
         outcome.add(result.status);
         output.print(result, true);
-        if (result.status == Status::OK || (result.status == Status::INTERRUPTED && !result.guid.empty())) {
+        if (result.status == Status::OK || (result.wasSent && (result.status == Status::INTERRUPTED ||
+                                                               result.status == Status::NO_ANSWER))) {
             stopped.insert(result.router);
         }
         if (result.status != Status::OK) {
@@ -177,12 +178,24 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
         output.print(result, true);
     };
     fleet.ask(next, update, show);
-    const bool isInterrupted = wakeup.takeInterrupt();
+    bool isInterrupted = false;
     fleet::Settings settings = arguments.settings;
-    if (isInterrupted) {
-        settings.timeout = std::min<fleet::Clock::duration>(settings.timeout, std::chrono::seconds(1));
+    std::vector<std::string> left(stopped.begin(), stopped.end());
+    while (!left.empty()) {
+        if (wakeup.takeInterrupt()) {
+            isInterrupted = true;
+            settings.timeout = std::min<fleet::Clock::duration>(settings.timeout, std::chrono::seconds(1));
+        }
+        std::vector<std::string> unsent;
+        Fleet(domain, wakeup, settings).ask(left, enable, [&](const Result& result) {
+            if (wakeup.isInterrupted() && !result.wasSent && result.status == Status::INTERRUPTED) {
+                unsent.push_back(result.router);
+            } else {
+                show(result);
+            }
+        });
+        left = std::move(unsent);
     }
-    Fleet(domain, wakeup, settings).ask({stopped.begin(), stopped.end()}, enable, show);
     if (isInterrupted) {
         wakeup.interrupt();
     }

@@ -192,6 +192,9 @@ class Commands(ControlTest):
             waiting.signal(signal.SIGINT)
             self.assertEqual(waiting.wait()[0], 5)
         router.expect("ENABLE [^\n]*: OK")
+        silent = self.router("silent", "--silent")  # which obeys all the same
+        self.assertEqual(self.run_text("-t", "0.3", "dupdate", "silent", "DefaultDomainRoute", "--xml", "<x/>")[0], 4)
+        silent.expect("ENABLE [^\n]*: kept back: OK")
 
 
 if __name__ == "__main__":
