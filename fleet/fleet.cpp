@@ -313,15 +313,27 @@ Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
         }
     }
     std::optional<std::chrono::milliseconds> took;
+    std::set<std::string> answering;
     const bool isAsked = !reached.routers.empty() || reached.isNameless;
     if (isAsked) {
-        ask({name}, GREETING, [&took](const Result& result) {
+        ask({name}, GREETING, [&](const Result& result) {
             if (result.status == Status::OK) {
                 took = result.took;
+                answering.insert(result.guid);
             }
         });
     }
     Picture now = picture();
+    const auto answers = [&answering](const Participant& participant) {
+        return answering.contains(textOf(participant.prefix));
+    };
+    // Of routers with one name it is the silent one that is asked about.
+    if (took && std::ranges::any_of(now.participants, [&](const Participant& participant) {
+            return participant.routerName() == name && now.isMatched(participant) && !answers(participant);
+        })) {
+        std::erase_if(now.participants, answers);
+        took.reset();
+    }
     // Who answered to the name has it, whatever its participant is called.
     now.reply = took ? Picture::Reply::ANSWERED : isAsked ? Picture::Reply::NONE : Picture::Reply::NOT_ASKED;
     now.waited = took.value_or(toMilliseconds(settings_.timeout));

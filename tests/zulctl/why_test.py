@@ -51,6 +51,8 @@ class Why(ControlTest):
         self.assertEqual({row["router"]: (row["product"], row["answers"]) for row in rows},
                          {name: ("federation" if name == "federal" else "routing", name in ("well", "federal"))
                           for name in ("well", "quiet", "types", "effort", "mute", "federal")})
+        self.router("quiet")  # of two with one name the silent one is explained
+        self.assertIn("no answer for 700 ms", self.check("silent", "quiet"))
 
     def check_elsewhere(self):
         status, rows = self.run_json("--discovery", "1", "why", "well", "--domains", "67-68", domain=68)
