@@ -72,14 +72,16 @@ void onRedraw(int /*signalNumber*/) {
     errno = before;
 }
 
-// What is ignored, as after nohup, stays so.
-void handle(int signalNumber, void (*handler)(int)) {
+// What is ignored, as after nohup, stays so. Of system calls that wait it interrupts only poll, or, without
+// SA_RESTART, all.
+void handle(int signalNumber, void (*handler)(int), int flags = 0) {
     struct sigaction before {};
     sigaction(signalNumber, nullptr, &before);
     if (before.sa_handler != SIG_IGN) {
         struct sigaction action {};
         sigemptyset(&action.sa_mask);
         action.sa_handler = handler;
+        action.sa_flags = flags;
         sigaction(signalNumber, &action, nullptr);
     }
 }
@@ -105,9 +107,9 @@ PromptSignals::PromptSignals() {
     g_hasTerminal.store(tcgetattr(STDIN_FILENO, &g_terminal) == 0);
     g_bell.store(bell);
     if (g_hasTerminal.load()) {
-        handle(SIGTSTP, onStop);
-        handle(SIGCONT, onRedraw);
-        handle(SIGWINCH, onRedraw);
+        handle(SIGTSTP, onStop, SA_RESTART);
+        handle(SIGCONT, onRedraw, SA_RESTART);
+        handle(SIGWINCH, onRedraw, SA_RESTART);
         handle(SIGQUIT, SIG_IGN);
     }
 }

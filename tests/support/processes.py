@@ -17,7 +17,7 @@ import unittest
 BIN = os.environ.get("ZUL_BIN", "build/bin")
 DEADLINE_SECONDS = 30
 # System calls.
-CLOCK_NANOSLEEP, POLL = {"aarch64": ("115", "73")}.get(os.uname().machine, ("230", "7"))
+CLOCK_NANOSLEEP, POLL, WRITE = {"aarch64": ("115", "73", "64")}.get(os.uname().machine, ("230", "7", "1"))
 
 
 class Program:

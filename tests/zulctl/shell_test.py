@@ -17,7 +17,7 @@ import time
 import unittest
 
 from control import ControlTest
-from processes import BIN, Program
+from processes import BIN, WRITE, Program
 from why_test import SHORT_LEASE
 
 NESTED = """<domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1><participant_2><domain_id>6</domain_id>
@@ -241,6 +241,20 @@ class Shell(ControlTest):
             waiting.expect("Subcommands")
             waiting.signal(signal.SIGINT)
             self.assertEqual(waiting.wait()[0], 5)
+
+    def test_an_answer_cut_off_by_a_terminal_that_changes_its_size(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as long:
+            long.write(f"<dds><routing_service name='S'><documentation>{'x' * 1000000}</documentation></routing_service></dds>")
+            long.flush()
+            self.router("r", "--config", long.name)
+        with Prompt(self.domain, self.home) as shell:
+            shell.prompt()
+            shell.send("get r\n")
+            for _ in range(20):  # the first one ends a write that has written something
+                while shell._state("syscall")[0] != WRITE:
+                    self.assertIsNone(shell.process.poll())
+                shell.signal(signal.SIGWINCH)
+            self.assertEqual(shell.prompt().count("x"), 1000000)
 
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors of its own")
     def test_a_wait_that_fails_for_ever(self):
