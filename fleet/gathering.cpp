@@ -40,8 +40,8 @@ Gathering::Wait* Gathering::find(std::int32_t invocation, const GuidPrefix& writ
         if (wait->second.answer.writer == writer) {
             return &wait->second;
         }
-        if (!wait->second.answer.writer && !wait->second.hasEnded) {
-            free = &wait->second;
+        if (!wait->second.answer.writer && (free == nullptr || !wait->second.hasEnded)) {
+            free = &wait->second; // also one that has ended: its answer is late
         }
     }
     if (free == nullptr && begin != end) {

@@ -68,7 +68,10 @@ TEST_F(GatheringTest, NamesakesGiveAResultEachAndAnUnknownOneIsNotDropped) {
     EXPECT_EQ(ended(gathering), "a2:ok:b:1:1 a3:ok:c:1:1 a1:ok:a:1:1 ");
     gathering.expect(2, "nameless", {}, START); // whoever answers
     come(2, C, OK, "c", true);
-    EXPECT_EQ(ended(gathering), "nameless3:ok:c:1:1 ");
+    gathering.expect(3, "late", {}, START);
+    gathering.expire(START + 2s);
+    come(3, C, OK, "c", true, 3s);
+    EXPECT_EQ(ended(gathering), "nameless3:ok:c:1:1 late0:no_answer::0:0 ");
     EXPECT_TRUE(gathering.isComplete());
 }
 
