@@ -13,6 +13,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
+#include <span>
 
 namespace zul::ctl {
 
@@ -202,18 +204,19 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     return outcome.status();
 }
 
+// A participant takes threads and descriptors.
+constexpr std::size_t DOMAINS_AT_ONCE = 16;
+
 int listRouters(const Arguments& arguments, Session& session, Output& output) {
     fleet::Wakeup& wakeup = session.wakeup();
     std::vector<std::int32_t> ids = arguments.domains;
     if (ids.empty()) {
         ids.push_back(arguments.domain);
     }
-    // A participant takes threads and descriptors: so many domains at a time.
-    constexpr std::size_t AT_ONCE = 16;
-    for (std::size_t first = 0; first < ids.size() && !wakeup.isInterrupted(); first += AT_ONCE) {
+    for (std::size_t first = 0; first < ids.size() && !wakeup.isInterrupted(); first += DOMAINS_AT_ONCE) {
         std::vector<std::unique_ptr<Domain>> joined;
         std::vector<Domain*> domains;
-        for (std::size_t i = first; i < std::min(ids.size(), first + AT_ONCE); ++i) {
+        for (std::size_t i = first; i < std::min(ids.size(), first + DOMAINS_AT_ONCE); ++i) {
             Domain* known = session.known(ids[i]);
             domains.push_back(
                 known != nullptr ? known : joined.emplace_back(join(ids[i], fleet::PRODUCTS, wakeup)).get());
@@ -223,19 +226,32 @@ int listRouters(const Arguments& arguments, Session& session, Output& output) {
     return EXIT_DONE;
 }
 
+bool mayBeElsewhere(fleet::CauseKind kind) {
+    using enum fleet::CauseKind;
+    return kind == NOBODY || kind == NO_SUCH_NAME || kind == GONE || kind == UNKNOWN;
+}
+
 int explain(const Arguments& arguments, Session& session, Output& output) {
     fleet::Wakeup& wakeup = session.wakeup();
     const std::string& router = arguments.routers.front();
     refuseBadNames({.kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE}, arguments.routers);
     Domain& domain = session.domain(arguments.domain, arguments.settings.product);
-    std::vector<std::unique_ptr<Domain>> joined;
-    std::vector<Domain*> others;
-    for (const std::int32_t id : arguments.domains) {
-        if (id != arguments.domain) {
-            others.push_back(joined.emplace_back(join(id, {&arguments.settings.product, 1}, wakeup)).get());
+    Fleet fleet(domain, wakeup, arguments.settings);
+    std::span<const std::int32_t> elsewhere = arguments.domains;
+    fleet::Cause cause;
+    do {
+        const auto batch = elsewhere.first(std::min(elsewhere.size(), DOMAINS_AT_ONCE));
+        elsewhere = elsewhere.subspan(batch.size());
+        std::vector<std::unique_ptr<Domain>> joined;
+        std::vector<Domain*> others;
+        for (const std::int32_t id : batch) {
+            if (id != arguments.domain) {
+                others.push_back(
+                    joined.emplace_back(join(id, {&arguments.settings.product, 1}, wakeup)).get());
+            }
         }
-    }
-    const fleet::Cause cause = Fleet(domain, wakeup, arguments.settings).why(router, others);
+        cause = fleet.why(router, others);
+    } while (!elsewhere.empty() && !wakeup.isInterrupted() && mayBeElsewhere(cause.kind));
     if (wakeup.isInterrupted()) {
         return EXIT_INTERRUPTED;
     }
