@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -148,6 +149,9 @@ int main(int argc, char** argv) {
         fail(status, refusal.why);
     } catch (const std::bad_alloc&) {
         fail(status, "out of memory");
+    } catch (const std::system_error& failure) {
+        fail(status, std::string("a thread cannot start: ") + failure.what() +
+                         "; raise the limit on processes (ulimit -u, or the service's)");
     }
     ZULProcess_exit(status);
 }

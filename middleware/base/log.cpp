@@ -34,16 +34,6 @@ void appendFormatted(std::string& line, std::string_view format, std::span<const
     }
 }
 
-// A line may hold names from the network: a terminal must show them, not obey them.
-std::string shownOnTerminal(std::string_view line) {
-    std::string shown;
-    ZULTerminalEscape escape{};
-    while (!line.empty()) {
-        shown += ZULTerminal_takePiece(line, escape);
-    }
-    return shown;
-}
-
 void writeToStandardError(std::string_view line) {
     while (!line.empty()) {
         const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
@@ -57,13 +47,14 @@ void writeToStandardError(std::string_view line) {
     }
 }
 
-// `isOurs`: nothing in the line comes from elsewhere, so a terminal may have it as it is.
+// `isOurs`: nothing in the line comes from elsewhere, so a terminal may have it as it is. Other lines may
+// hold names from the network: a terminal must show them, not obey them.
 void writeLine(std::string_view line, bool isOurs) {
     const std::lock_guard lock(g_sinkMutex);
     if (g_sink != nullptr) {
         g_sink(g_sinkData, line);
     } else if (!isOurs && isatty(STDERR_FILENO) != 0) {
-        writeToStandardError(shownOnTerminal(line));
+        writeToStandardError(ZULTerminal_shown(line));
     } else {
         writeToStandardError(line);
     }

@@ -50,6 +50,15 @@ std::string_view ZULTerminal_takePiece(std::string_view& text, ZULTerminalEscape
     return piece;
 }
 
+std::string ZULTerminal_shown(std::string_view text) {
+    std::string shown;
+    ZULTerminalEscape escape{};
+    while (!text.empty()) {
+        shown += ZULTerminal_takePiece(text, escape);
+    }
+    return shown;
+}
+
 void ZULTerminal_print(std::FILE* out, std::string_view text) {
     if (isatty(fileno(out)) == 0) {
         std::fwrite(text.data(), 1, text.size(), out);

@@ -54,6 +54,9 @@ void TypeReader::addDimensions(Element element, Scope scope, DDS_TypeCode& array
     std::string_view list = attribute(element, "arrayDimensions");
     std::uint64_t elements = 1;
     for (bool isLast = false; !isLast;) {
+        if (array.dimensions.size() == DIMENSIONS_MAX) {
+            fail(element, "the array has more than " + std::to_string(DIMENSIONS_MAX) + " dimensions");
+        }
         const std::size_t comma = list.find(',');
         isLast = comma == std::string_view::npos;
         const std::uint64_t count = countOf(element, scope, trimmed(list.substr(0, comma)));

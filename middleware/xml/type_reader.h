@@ -33,6 +33,7 @@ namespace zul::xml {
 constexpr std::size_t INCLUDES_MAX = 64;        // documents taken in
 constexpr std::size_t BASES_MAX = 32;           // types above each other in a chain of bases
 constexpr std::uint64_t COUNT_MAX = 0x7FFFFFFF; // a bound, or all elements of an array
+constexpr std::size_t DIMENSIONS_MAX = 64;      // of an array; each may be a name to look up
 constexpr std::uint64_t MEMBER_ID_MAX = 0x0FFFFFFF;
 
 // One run over a document and what it includes. Functions that read one definition, or a part of it, throw

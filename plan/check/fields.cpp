@@ -208,9 +208,10 @@ std::string expectedInteger(const Field& field) {
 }
 
 bool isInteger(const Field& field, std::string_view value) {
-    const auto number = value == field.words ? std::optional(field.word) : parseInteger(value);
-    return number && ((*number >= field.least && *number <= field.most) ||
-                      (!field.words.empty() && *number == field.word));
+    const bool hasWord = !field.words.empty(); // an empty value is not the word of a field without one
+    const auto number = hasWord && value == field.words ? std::optional(field.word) : parseInteger(value);
+    return number &&
+           ((*number >= field.least && *number <= field.most) || (hasWord && *number == field.word));
 }
 
 bool isPair(const xmlNode* element) {

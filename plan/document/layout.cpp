@@ -9,6 +9,7 @@ namespace zul::plan {
 namespace {
 
 constexpr const char* USUAL_UNIT = "    ";
+constexpr std::size_t MAX_UNIT = 16; // bytes: every new line repeats it as often as it is deep
 
 bool isBlank(const xmlNode* node) {
     return node != nullptr && node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 1;
@@ -61,9 +62,10 @@ Layout::Layout(const xmlDoc* document) : unit_(USUAL_UNIT) {
     if (root == nullptr || !isLineStart(root->children)) {
         return;
     }
-    const std::string_view blanks = toView(root->children->content);
-    if (!blanks.ends_with('\n')) {
-        unit_ = blanks.substr(blanks.rfind('\n') + 1);
+    const std::string_view text = toView(root->children->content);
+    const std::string_view blanks = text.substr(text.rfind('\n') + 1);
+    if (!blanks.empty() && blanks.size() <= MAX_UNIT) {
+        unit_ = blanks;
     }
 }
 

@@ -91,9 +91,6 @@ private:
     }
 
     void merge(xmlNode* target, xmlNode* source) {
-        if (stop_.stop_requested()) {
-            throw Refusal{STOPPED};
-        }
         if (definition_.find(tagOf(target)) == nullptr) {
             throw Refusal{describe(target) + " is not known"};
         }
@@ -105,6 +102,9 @@ private:
         }
         checkRepetitions(target, source);
         while (child != nullptr) {
+            if (stop_.stop_requested()) {
+                throw Refusal{STOPPED};
+            }
             xmlNode* next = nextElement(child); // before it is moved away
             mergeChild(target, child);
             child = next;

@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t MAX_UTF8_LENGTH = 4; // bytes of one character
 constexpr std::size_t MAX_LISTED = 16;     // words in one list of what was expected
+constexpr std::size_t MAX_READ = 16;       // bytes read for each byte of a shortened text: a run may be long
 
 bool isContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
@@ -33,15 +34,16 @@ std::size_t wholeCharacters(std::string_view text, std::size_t length) {
 }
 
 std::string shortened(std::string_view text, std::size_t most) {
+    const std::string_view read = text.substr(0, wholeCharacters(text, MAX_READ * most));
     std::string result;
-    for (std::size_t i = 0; i < text.size() && result.size() <= most; ++i) {
-        if (!isBlank(text[i])) {
-            result += text[i];
+    for (std::size_t i = 0; i < read.size() && result.size() <= most; ++i) {
+        if (!isBlank(read[i])) {
+            result += read[i];
         } else if (result.empty() || result.back() != ' ') {
             result += ' ';
         }
     }
-    if (result.size() > most) {
+    if (result.size() > most || read.size() < text.size()) {
         result.resize(wholeCharacters(result, most));
         result += "...";
     }

@@ -31,6 +31,7 @@ struct Request {
     bool isFirstParticipant = true; // add_peer
     std::vector<std::string> peers; // add_peer
     WriterGuid writer{};
+    bool followsLoss = false; // requests before it were lost, of whichever client
 };
 
 constexpr const char* EVERY_ROUTER = "*";

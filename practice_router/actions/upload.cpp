@@ -20,6 +20,7 @@ auto isFromSenderOf(const Request& request) {
 // Takes out the upload that a piece goes on with, or begins a new one; whatever else the client has
 // unfinished is dropped.
 Upload Uploads::continued(const Request& piece) {
+    dropAfterLoss(piece);
     Upload upload{
         .writer = piece.writer, .id = piece.id, .kind = piece.kind, .entity = piece.entity, .text = {}};
     const auto found = std::ranges::find_if(pending_, isFromSenderOf(piece));
@@ -32,7 +33,14 @@ Upload Uploads::continued(const Request& piece) {
     return upload;
 }
 
+void Uploads::dropAfterLoss(const Request& next) {
+    if (next.followsLoss) {
+        pending_.clear();
+    }
+}
+
 void Uploads::interrupt(const Request& other) {
+    dropAfterLoss(other);
     std::erase_if(pending_, isFromSenderOf(other));
 }
 

@@ -46,6 +46,8 @@ public:
 
 private:
     Upload continued(const Request& piece);
+    // Any unfinished upload may lack a piece that was lost.
+    void dropAfterLoss(const Request& next);
 
     bool countsOnly_;
     std::deque<Upload> pending_;

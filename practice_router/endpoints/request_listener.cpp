@@ -61,6 +61,7 @@ void queueRequests(void* listenerData, DDS_DataReader* reader) {
             }
         } catch (const std::bad_alloc&) {
             // The request is lost, as on a bad network, and the client waits until its time-out.
+            queue.noteLoss();
         }
     }
     ZUL_RoutingService_Administration_CommandRequestDataReader_return_loan(typed, &samples, &infos);

@@ -7,7 +7,9 @@ void RequestQueue::push(Request request) {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, ending(), [this] { return requests_.size() < MAX_QUEUED; });
     if (!isClosed()) {
+        request.followsLoss = hasLost_;
         requests_.push_back(std::move(request));
+        hasLost_ = false;
         changed_.notify_all();
     }
 }

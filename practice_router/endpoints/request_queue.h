@@ -20,6 +20,8 @@ class RequestQueue {
 public:
     // Waits for room. When the queue is closed, the request is dropped.
     void push(Request request);
+    // A request was lost before it could be pushed. The next one will tell. For the thread that pushes.
+    void noteLoss() { hasLost_ = true; }
     // Waits for a request. Nothing when the queue is closed, whatever is still in it.
     std::optional<Request> pop();
     // Ends every wait, present and future.
@@ -34,6 +36,7 @@ private:
     std::mutex mutex_;
     std::condition_variable_any changed_;
     std::deque<Request> requests_;
+    bool hasLost_ = false;
     std::stop_source ending_; // asked to stop: the queue is closed
 };
 

@@ -1,6 +1,8 @@
 // What the log shows of a request, and what is done with it.
 #include "practice_router/endpoints/worker.h"
 
+#include "middleware/base/terminal_text.h"
+
 #include <climits>
 #include <new>
 #include <poll.h>
@@ -24,9 +26,12 @@ std::string shown(std::string_view text) {
 
 // Writes one line in one piece. A full pipe that nobody reads holds the router up, but not its end.
 void Worker::log(const Request& request, const std::string& outcome) {
-    const std::string line = std::string(admin::commandName(request.kind)) + " invocation " +
-                             std::to_string(request.id.invocation) + " target " + shown(request.target) +
-                             " entity " + shown(request.entity) + ": " + outcome + "\n";
+    std::string line = std::string(admin::commandName(request.kind)) + " invocation " +
+                       std::to_string(request.id.invocation) + " target " + shown(request.target) +
+                       " entity " + shown(request.entity) + ": " + outcome + "\n";
+    if (isatty(STDOUT_FILENO) != 0) {
+        line = ZULTerminal_shown(line);
+    }
     static_assert(4 * (MAX_LOGGED + 64) < PIPE_BUF, "a line fits as soon as a pipe has room");
     pollfd output{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
     while (poll(&output, 1, OUTPUT_POLL_MILLISECONDS) <= 0) {

@@ -92,6 +92,8 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the value of transport_priority is \"2147483648\"; expected an integer of 32 bits"},
         {{.routes = "<thread_settings><priority>+-5</priority></thread_settings>"}, 6,
          "the priority of thread_settings is \"+-5\"; expected an integer of 32 bits"},
+        {{.routes = "<thread_settings><priority/></thread_settings>"}, 6, "the priority of thread_settings is \"\"; expected an integer of 32 bits"},
+        {{.routes = "<thread_settings><priority>5" + std::string(5000, ' ') + "x</priority></thread_settings>"}, 6, "is \"5 ...\"; expected an integer"},
         // Words that an element may hold
         {{.head = reader("<reliability><kind>reliable</kind></reliability>")}, 2,
          "the kind of reliability is \"reliable\"; expected BEST_EFFORT_RELIABILITY_QOS or RELIABLE_RELIABILITY_QOS"},

@@ -102,6 +102,10 @@ TEST_F(Edit, AnUpdateThatChangesSomethingElse) {
         EXPECT_EQ(answer.kind, OK) << snippet << ": " << answer.text;
         EXPECT_NE(text().find(shown), std::string::npos) << snippet << "\n" << text();
     }
+    const std::string wide = std::string(DOCUMENT).insert(6, 17, ' '); // not a width to repeat at every depth
+    ASSERT_EQ(router.configuration().load(wide, "S").kind, OK);
+    EXPECT_EQ(send(UPDATE, "", "<dds><qos_library name=\"Q\"/></dds>").kind, OK);
+    EXPECT_NE(text().find("\n    <qos_library name=\"Q\"/>"), std::string::npos) << text();
 }
 
 TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {

@@ -57,6 +57,10 @@ TEST(Upload, OfPiecesThatDoNotBelongTogether) {
     }
     foreign.isFinal = true;
     EXPECT_EQ(uploads.add(foreign)->text, "zz");
+    Request last = piece(1, 8, LOAD, "i", true);
+    last.followsLoss = true;
+    uploads.add(piece(1, 8, LOAD, "h", false));
+    EXPECT_EQ(uploads.add(last)->text, "i") << "a piece between them may be lost";
     EXPECT_EQ(uploads.pending(), 0U);
 }
 

@@ -16,15 +16,16 @@ class Terminal(SessionTest):
     domain = 22
 
     def test_commands_control_d_and_exit(self):
-        router = self.router()
+        router = self.router(terminal=True)
         shell = self.shell("-timeout", "3", router=router, terminal=True)
         self.assertIn("Domain id 22, timeout 3\n", self.banner)
         self.assertRegex(shell.run("DISABLE r1 DefaultDomainRoute"), r"\AResult: .+\n\Z")
         router.expect(r"DISABLE[^\n]*DefaultDomainRoute")
         self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
         self.assertEqual(shell.run(""), "")
-        # What a router sends is shown, not obeyed.
+        # What a router or a shell sends is shown, not obeyed.
         self.assertRegex(shell.run('enable r1 "\u009b7m\u00e9"'), r"Error: [^\n]*\\xc2\\x9b7m\u00e9[^\n]*\n\Z")
+        router.expect(r"entity \\xc2\\x9b7m\u00e9: ")
         # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
         begin = time.monotonic()
         for _ in range(8):

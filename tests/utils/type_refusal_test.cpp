@@ -47,6 +47,7 @@ TEST(TypeRefusals, AFaultThatPassesOrIsToldOfAnotherLine) {
         {typedefOf("type='byte' stringMaxLength='3'"), 2, "string or wstring only"},
         {typedefOf("type='byte' arrayDimensions='3,'"), 2, "must be a number"},
         {typedefOf("type='byte' arrayDimensions='65536,65536'"), 2, "more than 2147483647 elements"},
+        {typedefOf("type='byte' arrayDimensions='" + forEach(std::string(64, ' '), "1,") + "1'"), 2, "more than 64 dimensions"},
         {"<const name='A' type='float32' value='1.5x'/>", 2, "no value of the type"},
         {"<enum name='A'><enumerator name='x' value='2147483647'/>\n<enumerator name='y'/></enum>", 3, "32-bit"},
         {"<enum name='A'/>", 2, "needs an enumerator"},
