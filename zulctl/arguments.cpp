@@ -13,6 +13,7 @@ namespace zul::ctl {
 namespace {
 
 constexpr std::size_t ANY = 1000; // words
+constexpr char MARK = '\x01';
 constexpr double LONGEST_SECONDS = 1e6;
 
 // clang-format off
@@ -116,6 +117,28 @@ std::vector<std::int32_t> parseDomains(const std::string& range) {
     return domains;
 }
 
+// CLI11 takes "[a,b]" for a list, and "++" for the end of a command: such a word is marked, so that it goes
+// through as it is.
+bool needsMark(std::string_view word) {
+    return word == "++" || word.starts_with(MARK) || (word.starts_with('[') && word.ends_with(']'));
+}
+
+std::vector<std::string> marked(int argc, const char* const* argv) {
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    for (std::string& word : words) {
+        if (needsMark(word)) {
+            word.insert(word.begin(), MARK);
+        }
+    }
+    return words;
+}
+
+void unmark(std::string& word) {
+    if (word.starts_with(MARK) && needsMark(std::string_view(word).substr(1))) {
+        word.erase(0, 1);
+    }
+}
+
 // What CLI11 stores into, before it is looked at.
 struct Raw {
     double timeout;
@@ -148,6 +171,19 @@ void addComparing(CLI::App& app, const CommandRow& row, Arguments& arguments) {
         app.add_flag("-y,--yes", arguments.isYes, "do not ask");
         app.add_option("--backup", arguments.backup, "where to keep what ran (default ROUTER.backup.xml)")
             ->type_name("FILE");
+    }
+}
+
+void unmark(Raw& raw, Arguments& arguments) {
+    for (std::string& word : raw.words) {
+        unmark(word);
+    }
+    Source& source = arguments.source;
+    for (auto* value : {&source.file, &source.remoteFile, &source.xml, &source.assignment, &arguments.output,
+                        &arguments.configuration, &arguments.backup}) {
+        if (*value) {
+            unmark(**value);
+        }
     }
 }
 
@@ -284,7 +320,9 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
     CommandLine line(defaults);
     auto& [arguments, raw, app] = line;
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> words = marked(argc, argv);
+        std::ranges::reverse(words); // as it takes them
+        app.parse(std::move(words));
         if (raw.isVersion) {
             const ZULProductVersion version = ZULProductVersion_get();
             std::printf("zulctl %d.%d%c\n", version.major, version.minor, version.release);
@@ -296,6 +334,7 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         if (!raw.domains.empty()) {
             arguments.domains = parseDomains(raw.domains);
         }
+        unmark(raw, arguments);
         assignWords(raw, arguments);
     } catch (const CLI::Success& wanted) { // help
         app.exit(wanted);
@@ -304,9 +343,10 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         const std::vector<std::string> left = app.remaining();
         const bool isUnknown =
             app.get_subcommands().empty() && !left.empty() && !left.front().starts_with('-');
-        std::fprintf(stderr, "zulctl: %s\n",
-                     isUnknown ? ("there is no command " + left.front() + "; --help lists them").c_str()
-                               : error.what());
+        std::string message =
+            isUnknown ? "there is no command " + left.front() + "; --help lists them" : error.what();
+        std::erase(message, MARK);
+        std::fprintf(stderr, "zulctl: %s\n", message.c_str());
         return {.status = EXIT_USAGE};
     } catch (const UsageError& error) {
         std::fprintf(stderr, "zulctl: %s\n", error.message.c_str());

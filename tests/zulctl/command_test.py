@@ -115,6 +115,8 @@ class Commands(ControlTest):
         self.assertEqual((status, rows[0]["router"], rows[0]["status"]), (3, name, "not_found"))
         self.assertEqual(rows[0]["entity"], "a b;=\ufffd")
         router.expect("ENABLE [^\n]*Süd")
+        for word in ("++", "[]", "[a,b]", "\x01++", "\x01"):
+            self.assertEqual(self.run_json("enable", name, word)[1][0]["entity"], word)
         with Program("zulctl", "-d", self.domain, "enable", name, entity, terminal=True) as shown:
             self.assertNotIn("\x1b", shown.wait()[1])
         self.assertEqual(self.run_json("--discovery", "0.7", "list")[1][0]["router"], name)
