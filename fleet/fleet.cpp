@@ -222,15 +222,16 @@ void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& 
 void Fleet::gather(Gathering& gathering, const Command& command, Clock::time_point end,
                    const OnResult& onResult) {
     for (;;) {
+        const Ends ends(domain_);
         drain(gathering, command, onResult);
         if (gathering.isComplete()) {
             return;
         }
-        loseWhoLeft(domain_, gathering);
-        if (wakeup_.isInterrupted() || Clock::now() >= end) {
+        ends.loseWhoLeft(gathering);
+        if (wakeup_.isInterrupted() || ends.now >= end) {
             gathering.interrupt();
         }
-        gathering.expire(Clock::now());
+        gathering.expire(ends.now);
         if (!gathering.isComplete()) {
             wakeup_.waitUntil(std::min(end, gathering.deadline()));
         }
@@ -240,12 +241,12 @@ void Fleet::gather(Gathering& gathering, const Command& command, Clock::time_poi
 void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_point end,
                       const OnResult& onResult) {
     for (;;) {
+        const Ends ends(domain_);
         drain(gathering, command, onResult);
-        loseWhoLeft(domain_, gathering);
-        const auto now = Clock::now();
-        gathering.expire(now);
+        ends.loseWhoLeft(gathering);
+        gathering.expire(ends.now);
         const auto room = gathering.whenFewerThan(ANSWERING_AT_ONCE, PATIENCE);
-        if (room <= now || now >= end || wakeup_.isInterrupted()) {
+        if (room <= ends.now || ends.now >= end || wakeup_.isInterrupted()) {
             return;
         }
         wakeup_.waitUntil(std::min({room, end, gathering.deadline()}));

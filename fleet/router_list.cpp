@@ -70,11 +70,12 @@ void greet(Round& round, Product product, Clock::duration patience) {
 }
 
 void collect(Round& round, std::set<std::string>& answering) {
+    const Ends ends(*round.domain);
     for (const Response& response : round.domain->takeResponses()) {
         round.gathering.add(response);
     }
-    loseWhoLeft(*round.domain, round.gathering);
-    round.gathering.expire(Clock::now());
+    ends.loseWhoLeft(round.gathering);
+    round.gathering.expire(ends.now);
     for (const Answer& answer : round.gathering.takeEnded()) {
         if (answer.status == Status::OK && answer.writer) {
             answering.insert(textOf(*answer.writer));

@@ -147,6 +147,21 @@ class Commands(ControlTest):
         self.assertEqual(self.run_json("enable", "r1", "no")[0], 3)
         self.assertEqual(self.run_json("--discovery", "0.5", "enable", "none*"), (4, []))
 
+    def test_an_answer_that_comes_while_another_is_written_counts(self):
+        inside = "".join(f"<participant_{i}><domain_id>{i}</domain_id></participant_{i}>" for i in (1, 2))
+        inside += "".join(f'<session name="s{i}"/>' for i in range(8000))  # more than a pipe holds
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as file:
+            file.write(f'<dds><routing_service name="top"><domain_route name="d">{inside}</domain_route></routing_service></dds>')
+            file.flush()
+            self.router("big", "--config", file.name, "--delay-ms", "200")
+        slow = self.router("slow", "--delay-ms", "500")
+        self.router("quiet", "--silent")
+        with subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "-t", "2", "get", "big,slow"], stdout=subprocess.PIPE) as control:
+            slow.expect("GET [^\n]*: OK")
+            self.run_text("-t", "2", "enable", "quiet")  # takes as long
+            control.communicate()
+        self.assertEqual(control.returncode, 0)
+
     def test_two_routers_of_one_name_are_two(self):
         self.router("twin")
         self.router("twin")
