@@ -11,6 +11,11 @@ namespace zul::fleet {
 // Asks for nothing but an answer.
 inline const Command GREETING{.kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE};
 
+// Whether a name that was heard, maybe from a stranger, can be asked by, and asks nobody else.
+inline bool isOfOne(const std::string& name) {
+    return refusal(GREETING, name) == nullptr && name != "*";
+}
+
 inline Picture pictureOf(Domain& domain, Product product) {
     return {.domain = domain.id(),
             .product = product,

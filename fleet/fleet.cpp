@@ -159,7 +159,7 @@ std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
             const std::string name = participant.routerName();
             const bool isOfProduct = participant.isRouter(settings_.product) ||
                                      (participant.mayBeRouter() && participant.endpoints.empty());
-            if (participant.isHere() && isOfProduct && !name.empty() && matches(word, name)) {
+            if (participant.isHere() && isOfProduct && isOfOne(name) && matches(word, name)) {
                 names.insert(name);
             }
         }

@@ -57,7 +57,7 @@ void greet(Round& round, Product product, Clock::duration patience) {
     const Picture picture = pictureOf(*round.domain, product);
     std::map<std::string, std::vector<GuidPrefix>> named;
     for (const Participant& participant : picture.participants) {
-        if (picture.isMatched(participant) && refusal(GREETING, participant.routerName()) == nullptr) {
+        if (picture.isMatched(participant) && isOfOne(participant.routerName())) {
             named[participant.routerName()].push_back(participant.prefix);
         }
     }

@@ -31,6 +31,7 @@ class Tree(ControlTest):
     def test_entities_with_their_state_as_text_graph_and_rows(self):
         self.router("r\"1\\\n\x1b[2J", "--config", self.document(NESTED))
         self.router("empty")
+        self.router("*")  # is not asked, or everybody would be
         self.assertEqual(self.run_text("unload", "empty")[0], 0)
         status, out, log = self.run_text("--discovery", "1", "tree", "--all")
         self.assertEqual((status, out, log), (1, r"""r"1\\x0a\x1b[2J: routing_service top
