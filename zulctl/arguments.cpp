@@ -6,7 +6,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace zul::ctl {
 
@@ -102,11 +105,12 @@ std::vector<std::string> split(const std::string& list) {
 
 std::vector<std::int32_t> parseDomains(const std::string& range) {
     std::int32_t first = 0;
-    std::int32_t last = 0;
-    int length = 0;
-    if (std::sscanf(range.c_str(), "%d-%d%n", &first, &last, &length) != 2 ||
-        static_cast<std::size_t>(length) != range.size() || first < 0 || last > DDS_DOMAIN_ID_MAX ||
-        first > last) {
+    std::int32_t last = -1; // stays when it is no number or does not fit
+    const char* end = range.data() + range.size();
+    const auto [dash, error] = std::from_chars(range.data(), end, first);
+    const bool isRange = error == std::errc() && dash != end && *dash == '-' &&
+                         std::from_chars(dash + 1, end, last).ptr == end;
+    if (!isRange || first < 0 || last > DDS_DOMAIN_ID_MAX || first > last) {
         throw UsageError{"--domains takes a range such as 0-9, within 0-" +
                          std::to_string(DDS_DOMAIN_ID_MAX)};
     }
@@ -149,6 +153,14 @@ struct Raw {
     bool isAll = false;
     std::string domains{};
 };
+
+// CLI::Range lets pass what no comparison holds for.
+std::string refuseNan(const std::string& seconds) {
+    return std::isnan(std::strtod(seconds.c_str(), nullptr))
+               ? "Value " + seconds + " not in range " + std::to_string(0.0) + " to " +
+                     std::to_string(LONGEST_SECONDS)
+               : "";
+}
 
 void addSource(CLI::App& app, const CommandRow& row, Source& source) {
     auto* group = app.add_option_group("SOURCE", "where the XML comes from");
@@ -245,9 +257,11 @@ CommandLine::CommandLine(const Arguments& defaults)
     app.add_option("-t,--timeout", raw.timeout,
                    "how long an answer, or its next part, is waited for (default 15)")
         ->check(CLI::Range(0.0, LONGEST_SECONDS))
+        ->check(refuseNan)
         ->type_name("SECONDS");
     app.add_option("--discovery", raw.discovery, "how long routers are looked for, at most (default 3)")
         ->check(CLI::Range(0.0, LONGEST_SECONDS))
+        ->check(refuseNan)
         ->type_name("SECONDS");
     app.add_flag("--federation", raw.isFederation, "federation services instead of routing services");
     app.add_flag("--json", arguments.isJson, "one JSON object a line");

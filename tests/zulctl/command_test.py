@@ -98,7 +98,8 @@ class Commands(ControlTest):
                           ("update", "r1", "--file", "a", "--xml", "b"), ("update", "r1", "--set", "nonsense"),
                           ("load", "r1", "c", "--set", "session.a=b"), ("add-peer", "r1", "d", "p3", "x"),
                           ("add-peer", "r1", "d", "p1"), ("add-peer", "r1", "d", "p1", *"abcdefghijklmnopq"),
-                          ("list", "--domains", "5-2"), ("-t", "-1", "list"), ("list", "--domains", "0-233")):
+                          ("list", "--domains", "5-2"), ("-t", "-1", "list"), ("list", "--domains", "0-233"),
+                          ("-t", "nan", "list"), ("--discovery", "NaN", "list"), ("list", "--domains", "0-4294967296")):
             with self.subTest(arguments):
                 self.assertEqual(self.run_text(*arguments)[:2], (2, ""))
         self.assertEqual(self.run_text("list", domain=233)[0], 2)
