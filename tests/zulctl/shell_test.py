@@ -206,9 +206,13 @@ class Shell(ControlTest):
         self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
         self.assertEqual(prompt.wait()[0], 5)
 
-    def test_a_question_is_answered_on_a_terminal_that_shows_and_edits_the_answer(self):
+    def test_an_answer_or_a_document_is_typed_on_a_terminal_that_shows_and_edits_it(self):
         self.router("r")
         prompt = self.start()
+        for line, shown in (("check -\n", "-:[^\n]*\n"), ("load r c --file /dev/stdin\n", "r: error: ")):
+            prompt.send(line)
+            prompt.until(prompt.is_plain, "it waits in the editor's mode")
+            prompt.ask("<ddx\x7fs\n" + END, shown)
         wanted = os.path.join(self.home, "wanted.xml")
         prompt.type(f"get r -o {wanted}\n", "written")
         with open(wanted, "r+", encoding="utf-8") as file:
