@@ -11,6 +11,11 @@ namespace zul::fleet {
 // Asks for nothing but an answer.
 inline const Command GREETING{.kind = ZUL_ROUTING_SERVICE_COMMAND_ANNOUNCE};
 
+// Whether a name that was heard, maybe from a stranger, can be asked by, and asks nobody else.
+inline bool isOfOne(const std::string& name) {
+    return refusal(GREETING, name) == nullptr && name != "*";
+}
+
 inline Picture pictureOf(Domain& domain, Product product) {
     return {.domain = domain.id(),
             .product = product,
@@ -33,10 +38,18 @@ Clock::time_point settled(const Domain& domain, const Picture& picture, Clock::d
     return std::min(last, begin) + discovery;
 }
 
-inline void loseWhoLeft(Domain& domain, Gathering& gathering) {
-    for (const GuidPrefix& prefix : domain.discovery().takeGone()) {
-        gathering.lose(prefix);
+// What ends waits. To be noted before responses are taken: then all that came before it is in the gathering,
+// however long whoever is told of results takes.
+struct Ends {
+    explicit Ends(Domain& domain) : gone(domain.discovery().takeGone()) {}
+    void loseWhoLeft(Gathering& gathering) const {
+        for (const GuidPrefix& prefix : gone) {
+            gathering.lose(prefix);
+        }
     }
-}
+
+    std::vector<GuidPrefix> gone;
+    Clock::time_point now = Clock::now();
+};
 
 } // namespace zul::fleet

@@ -159,7 +159,7 @@ std::vector<std::string> Fleet::find(const std::vector<std::string>& words) {
             const std::string name = participant.routerName();
             const bool isOfProduct = participant.isRouter(settings_.product) ||
                                      (participant.mayBeRouter() && participant.endpoints.empty());
-            if (participant.isHere() && isOfProduct && !name.empty() && matches(word, name)) {
+            if (participant.isHere() && isOfProduct && isOfOne(name) && matches(word, name)) {
                 names.insert(name);
             }
         }
@@ -223,15 +223,16 @@ void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& 
 void Fleet::gather(Gathering& gathering, const Command& command, Clock::time_point end,
                    const OnResult& onResult) {
     for (;;) {
+        const Ends ends(domain_);
         drain(gathering, command, onResult);
         if (gathering.isComplete()) {
             return;
         }
-        loseWhoLeft(domain_, gathering);
-        if (wakeup_.isInterrupted() || Clock::now() >= end) {
+        ends.loseWhoLeft(gathering);
+        if (wakeup_.isInterrupted() || ends.now >= end) {
             gathering.interrupt();
         }
-        gathering.expire(Clock::now());
+        gathering.expire(ends.now);
         if (!gathering.isComplete()) {
             wakeup_.waitUntil(std::min(end, gathering.deadline()));
         }
@@ -241,12 +242,12 @@ void Fleet::gather(Gathering& gathering, const Command& command, Clock::time_poi
 void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_point end,
                       const OnResult& onResult) {
     for (;;) {
+        const Ends ends(domain_);
         drain(gathering, command, onResult);
-        loseWhoLeft(domain_, gathering);
-        const auto now = Clock::now();
-        gathering.expire(now);
+        ends.loseWhoLeft(gathering);
+        gathering.expire(ends.now);
         const auto room = gathering.whenFewerThan(ANSWERING_AT_ONCE, PATIENCE);
-        if (room <= now || now >= end || wakeup_.isInterrupted()) {
+        if (room <= ends.now || ends.now >= end || wakeup_.isInterrupted()) {
             return;
         }
         wakeup_.waitUntil(std::min({room, end, gathering.deadline()}));

@@ -57,7 +57,7 @@ void greet(Round& round, Product product, Clock::duration patience) {
     const Picture picture = pictureOf(*round.domain, product);
     std::map<std::string, std::vector<GuidPrefix>> named;
     for (const Participant& participant : picture.participants) {
-        if (picture.isMatched(participant) && refusal(GREETING, participant.routerName()) == nullptr) {
+        if (picture.isMatched(participant) && isOfOne(participant.routerName())) {
             named[participant.routerName()].push_back(participant.prefix);
         }
     }
@@ -70,11 +70,12 @@ void greet(Round& round, Product product, Clock::duration patience) {
 }
 
 void collect(Round& round, std::set<std::string>& answering) {
+    const Ends ends(*round.domain);
     for (const Response& response : round.domain->takeResponses()) {
         round.gathering.add(response);
     }
-    loseWhoLeft(*round.domain, round.gathering);
-    round.gathering.expire(Clock::now());
+    ends.loseWhoLeft(round.gathering);
+    round.gathering.expire(ends.now);
     for (const Answer& answer : round.gathering.takeEnded()) {
         if (answer.status == Status::OK && answer.writer) {
             answering.insert(textOf(*answer.writer));

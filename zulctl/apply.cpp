@@ -9,6 +9,7 @@
 #include "zulctl/one_router.h"
 #include "zulctl/question.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 
@@ -50,6 +51,9 @@ public:
 private:
     void refuseBad(const xmlDoc* document) const;
     plan::Plan makePlan();
+    const char* refusal(const plan::Step& step) const {
+        return fleet::refusal(commandOf(step), router_->name());
+    }
     void refuseLongNames(const plan::Plan& plan) const;
     void ask(std::size_t commands);
     void backUp();
@@ -101,7 +105,7 @@ plan::Plan Apply::makePlan() {
 
 void Apply::refuseLongNames(const plan::Plan& plan) const {
     for (const plan::Step& step : plan) {
-        if (const char* reason = fleet::refusal(commandOf(step), router_->name())) {
+        if (const char* reason = refusal(step)) {
             throw Failure{EXIT_USAGE, std::string(reason) + ": " + plan::shortened(step.entity)};
         }
     }
@@ -179,11 +183,13 @@ std::string Apply::wayBack() {
     const plan::XmlDocument now =
         parseDocument(router_->get(), "the document of " + router_->name(), EXIT_REFUSED);
     const auto there = plan::configurationsOf(now.get());
-    std::string whyLoad;
-    const plan::Plan plan =
-        std::find(there.begin(), there.end(), configuration_) == there.end()
-            ? plan::Plan{{plan::Step::Kind::LOAD, configuration_, before_}}
-            : plan::makeWayBack(now.get(), running_.get(), configuration_, before_, &whyLoad);
+    const plan::Plan load{{plan::Step::Kind::LOAD, configuration_, before_}};
+    plan::Plan plan = std::find(there.begin(), there.end(), configuration_) == there.end()
+                          ? load
+                          : plan::makeWayBack(now.get(), running_.get(), configuration_, before_, nullptr);
+    if (std::ranges::any_of(plan, [this](const plan::Step& step) { return refusal(step) != nullptr; })) {
+        plan = load;
+    }
     output_.print(router_->name(), plan, "put_back");
     Outcome ignored;
     if (!sendAll(plan, ignored)) {

@@ -6,13 +6,17 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace zul::ctl {
 
 namespace {
 
 constexpr std::size_t ANY = 1000; // words
+constexpr char MARK = '\x01';
 constexpr double LONGEST_SECONDS = 1e6;
 
 // clang-format off
@@ -101,11 +105,12 @@ std::vector<std::string> split(const std::string& list) {
 
 std::vector<std::int32_t> parseDomains(const std::string& range) {
     std::int32_t first = 0;
-    std::int32_t last = 0;
-    int length = 0;
-    if (std::sscanf(range.c_str(), "%d-%d%n", &first, &last, &length) != 2 ||
-        static_cast<std::size_t>(length) != range.size() || first < 0 || last > DDS_DOMAIN_ID_MAX ||
-        first > last) {
+    std::int32_t last = -1; // stays when it is no number or does not fit
+    const char* end = range.data() + range.size();
+    const auto [dash, error] = std::from_chars(range.data(), end, first);
+    const bool isRange = error == std::errc() && dash != end && *dash == '-' &&
+                         std::from_chars(dash + 1, end, last).ptr == end;
+    if (!isRange || first < 0 || last > DDS_DOMAIN_ID_MAX || first > last) {
         throw UsageError{"--domains takes a range such as 0-9, within 0-" +
                          std::to_string(DDS_DOMAIN_ID_MAX)};
     }
@@ -114,6 +119,28 @@ std::vector<std::int32_t> parseDomains(const std::string& range) {
         domains.push_back(domain);
     }
     return domains;
+}
+
+// CLI11 takes "[a,b]" for a list, and "++" for the end of a command: such a word is marked, so that it goes
+// through as it is.
+bool needsMark(std::string_view word) {
+    return word == "++" || word.starts_with(MARK) || (word.starts_with('[') && word.ends_with(']'));
+}
+
+std::vector<std::string> marked(int argc, const char* const* argv) {
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    for (std::string& word : words) {
+        if (needsMark(word)) {
+            word.insert(word.begin(), MARK);
+        }
+    }
+    return words;
+}
+
+void unmark(std::string& word) {
+    if (word.starts_with(MARK) && needsMark(std::string_view(word).substr(1))) {
+        word.erase(0, 1);
+    }
 }
 
 // What CLI11 stores into, before it is looked at.
@@ -126,6 +153,14 @@ struct Raw {
     bool isAll = false;
     std::string domains{};
 };
+
+// CLI::Range lets pass what no comparison holds for.
+std::string refuseNan(const std::string& seconds) {
+    return std::isnan(std::strtod(seconds.c_str(), nullptr))
+               ? "Value " + seconds + " not in range " + std::to_string(0.0) + " to " +
+                     std::to_string(LONGEST_SECONDS)
+               : "";
+}
 
 void addSource(CLI::App& app, const CommandRow& row, Source& source) {
     auto* group = app.add_option_group("SOURCE", "where the XML comes from");
@@ -148,6 +183,19 @@ void addComparing(CLI::App& app, const CommandRow& row, Arguments& arguments) {
         app.add_flag("-y,--yes", arguments.isYes, "do not ask");
         app.add_option("--backup", arguments.backup, "where to keep what ran (default ROUTER.backup.xml)")
             ->type_name("FILE");
+    }
+}
+
+void unmark(Raw& raw, Arguments& arguments) {
+    for (std::string& word : raw.words) {
+        unmark(word);
+    }
+    Source& source = arguments.source;
+    for (auto* value : {&source.file, &source.remoteFile, &source.xml, &source.assignment, &arguments.output,
+                        &arguments.configuration, &arguments.backup}) {
+        if (*value) {
+            unmark(**value);
+        }
     }
 }
 
@@ -209,9 +257,11 @@ CommandLine::CommandLine(const Arguments& defaults)
     app.add_option("-t,--timeout", raw.timeout,
                    "how long an answer, or its next part, is waited for (default 15)")
         ->check(CLI::Range(0.0, LONGEST_SECONDS))
+        ->check(refuseNan)
         ->type_name("SECONDS");
     app.add_option("--discovery", raw.discovery, "how long routers are looked for, at most (default 3)")
         ->check(CLI::Range(0.0, LONGEST_SECONDS))
+        ->check(refuseNan)
         ->type_name("SECONDS");
     app.add_flag("--federation", raw.isFederation, "federation services instead of routing services");
     app.add_flag("--json", arguments.isJson, "one JSON object a line");
@@ -284,7 +334,9 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
     CommandLine line(defaults);
     auto& [arguments, raw, app] = line;
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> words = marked(argc, argv);
+        std::ranges::reverse(words); // as it takes them
+        app.parse(std::move(words));
         if (raw.isVersion) {
             const ZULProductVersion version = ZULProductVersion_get();
             std::printf("zulctl %d.%d%c\n", version.major, version.minor, version.release);
@@ -296,6 +348,7 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         if (!raw.domains.empty()) {
             arguments.domains = parseDomains(raw.domains);
         }
+        unmark(raw, arguments);
         assignWords(raw, arguments);
     } catch (const CLI::Success& wanted) { // help
         app.exit(wanted);
@@ -304,9 +357,10 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         const std::vector<std::string> left = app.remaining();
         const bool isUnknown =
             app.get_subcommands().empty() && !left.empty() && !left.front().starts_with('-');
-        std::fprintf(stderr, "zulctl: %s\n",
-                     isUnknown ? ("there is no command " + left.front() + "; --help lists them").c_str()
-                               : error.what());
+        std::string message =
+            isUnknown ? "there is no command " + left.front() + "; --help lists them" : error.what();
+        std::erase(message, MARK);
+        std::fprintf(stderr, "zulctl: %s\n", message.c_str());
         return {.status = EXIT_USAGE};
     } catch (const UsageError& error) {
         std::fprintf(stderr, "zulctl: %s\n", error.message.c_str());

@@ -1,6 +1,8 @@
 // A router's name comes from the network: it may become part of a file's name, never of a path.
 #include "zulctl/files.h"
 
+#include "zulctl/signals.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -88,15 +90,21 @@ std::optional<std::string> readFile(const std::string& path, std::string& error)
         error = explain("open", path);
         return std::nullopt;
     }
+    std::optional<UsualTerminal> terminal; // on which a document is typed
+    if (isatty(fileno(file.get())) != 0) {
+        terminal.emplace();
+    }
     std::string text;
     std::array<char, 65536> block;
-    while (const std::size_t count = std::fread(block.data(), 1, block.size(), file.get())) {
+    std::size_t count = 0;
+    do {
+        count = std::fread(block.data(), 1, block.size(), file.get());
         text.append(block.data(), count);
         if (text.size() > MAX_FILE) {
             error = path + " is longer than 256 MiB";
             return std::nullopt;
         }
-    }
+    } while (count == block.size()); // or a terminal would be asked for a second end
     if (std::ferror(file.get()) != 0) {
         error = explain("read", path);
         return std::nullopt;

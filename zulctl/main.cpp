@@ -10,6 +10,15 @@
 
 namespace {
 
+// While there is one, signals end the wait; afterwards nobody keeps a pointer to what has gone.
+class Interrupts {
+public:
+    explicit Interrupts(zul::fleet::Wakeup& wakeup) { zul::ctl::interruptOnSignals(&wakeup); }
+    ~Interrupts() { zul::ctl::interruptOnSignals(nullptr); }
+    Interrupts(const Interrupts&) = delete;
+    Interrupts& operator=(const Interrupts&) = delete;
+};
+
 int run(int argc, char** argv) {
     const zul::ctl::Parsed parsed = zul::ctl::parseArguments(argc, argv);
     if (!parsed.arguments) {
@@ -17,10 +26,8 @@ int run(int argc, char** argv) {
     }
     ROUTER_setProductId(static_cast<std::int32_t>(parsed.arguments->settings.product));
     zul::fleet::Wakeup wakeup;
-    zul::ctl::interruptOnSignals(&wakeup);
-    const int status = zul::ctl::runCommand(*parsed.arguments, wakeup);
-    zul::ctl::interruptOnSignals(nullptr);
-    return status;
+    const Interrupts interrupts(wakeup);
+    return zul::ctl::runCommand(*parsed.arguments, wakeup);
 }
 
 } // namespace

@@ -172,6 +172,19 @@ class Apply(ControlTest):
         self.assertEqual([row["command"] for row in rows if row.get("plan") == "put_back"], ["update", "create"])
         self.assert_runs("before.xml")
 
+    def test_what_is_too_long_to_be_deleted_is_put_back_by_a_load(self):
+        def session(parts):  # may be updated, but not deleted
+            return f'<session name="{"n" * 252}">{parts}</session>'
+        element = "<element><name>a</name><value>b</value></element>"
+        self.file("before.xml", document(route("D", session(""), ' enabled="false"')))
+        self.file("wanted.xml", document(route("D", session(f"<property><value>{element}</value></property>"))))
+        self.practice()
+        self.assertEqual(self.control("disable", "r1")[0], 0)
+        status, rows = self.control_json("apply", "r1", "wanted.xml", "--yes")
+        self.assertEqual((status, rows[-1]["outcome"]), (1, "put_back"), rows)
+        self.assertEqual([row["command"] for row in rows if row.get("plan") == "put_back"], ["load"])
+        self.assert_runs("before.xml")
+
     def test_an_interrupt_in_the_middle_leaves_what_ran(self):
         router = self.practice("--delay-ms", "300")
         back, failed = "what ran before runs again", "putting back failed: .* restore r1 r1.backup(-[0-9])?.xml"

@@ -98,7 +98,8 @@ class Commands(ControlTest):
                           ("update", "r1", "--file", "a", "--xml", "b"), ("update", "r1", "--set", "nonsense"),
                           ("load", "r1", "c", "--set", "session.a=b"), ("add-peer", "r1", "d", "p3", "x"),
                           ("add-peer", "r1", "d", "p1"), ("add-peer", "r1", "d", "p1", *"abcdefghijklmnopq"),
-                          ("list", "--domains", "5-2"), ("-t", "-1", "list"), ("list", "--domains", "0-233")):
+                          ("list", "--domains", "5-2"), ("-t", "-1", "list"), ("list", "--domains", "0-233"),
+                          ("-t", "nan", "list"), ("--discovery", "NaN", "list"), ("list", "--domains", "0-4294967296")):
             with self.subTest(arguments):
                 self.assertEqual(self.run_text(*arguments)[:2], (2, ""))
         self.assertEqual(self.run_text("list", domain=233)[0], 2)
@@ -115,6 +116,8 @@ class Commands(ControlTest):
         self.assertEqual((status, rows[0]["router"], rows[0]["status"]), (3, name, "not_found"))
         self.assertEqual(rows[0]["entity"], "a b;=\ufffd")
         router.expect("ENABLE [^\n]*Süd")
+        for word in ("++", "[]", "[a,b]", "\x01++", "\x01"):
+            self.assertEqual(self.run_json("enable", name, word)[1][0]["entity"], word)
         with Program("zulctl", "-d", self.domain, "enable", name, entity, terminal=True) as shown:
             self.assertNotIn("\x1b", shown.wait()[1])
         self.assertEqual(self.run_json("--discovery", "0.7", "list")[1][0]["router"], name)
@@ -144,6 +147,21 @@ class Commands(ControlTest):
             self.assertEqual(self.run_json("-t", "1.5", "--discovery", "1", "enable", routers)[0], expected, routers)
         self.assertEqual(self.run_json("enable", "r1", "no")[0], 3)
         self.assertEqual(self.run_json("--discovery", "0.5", "enable", "none*"), (4, []))
+
+    def test_an_answer_that_comes_while_another_is_written_counts(self):
+        inside = "".join(f"<participant_{i}><domain_id>{i}</domain_id></participant_{i}>" for i in (1, 2))
+        inside += "".join(f'<session name="s{i}"/>' for i in range(8000))  # more than a pipe holds
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as file:
+            file.write(f'<dds><routing_service name="top"><domain_route name="d">{inside}</domain_route></routing_service></dds>')
+            file.flush()
+            self.router("big", "--config", file.name, "--delay-ms", "200")
+        slow = self.router("slow", "--delay-ms", "500")
+        self.router("quiet", "--silent")
+        with subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "-t", "2", "get", "big,slow"], stdout=subprocess.PIPE) as control:
+            slow.expect("GET [^\n]*: OK")
+            self.run_text("-t", "2", "enable", "quiet")  # takes as long
+            control.communicate()
+        self.assertEqual(control.returncode, 0)
 
     def test_two_routers_of_one_name_are_two(self):
         self.router("twin")

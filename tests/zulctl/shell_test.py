@@ -31,6 +31,7 @@ class Tree(ControlTest):
     def test_entities_with_their_state_as_text_graph_and_rows(self):
         self.router("r\"1\\\n\x1b[2J", "--config", self.document(NESTED))
         self.router("empty")
+        self.router("*")  # is not asked, or everybody would be
         self.assertEqual(self.run_text("unload", "empty")[0], 0)
         status, out, log = self.run_text("--discovery", "1", "tree", "--all")
         self.assertEqual((status, out, log), (1, r"""r"1\\x0a\x1b[2J: routing_service top
@@ -205,9 +206,13 @@ class Shell(ControlTest):
         self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
         self.assertEqual(prompt.wait()[0], 5)
 
-    def test_a_question_is_answered_on_a_terminal_that_shows_and_edits_the_answer(self):
+    def test_an_answer_or_a_document_is_typed_on_a_terminal_that_shows_and_edits_it(self):
         self.router("r")
         prompt = self.start()
+        for line, shown in (("check -\n", "-:[^\n]*\n"), ("load r c --file /dev/stdin\n", "r: error: ")):
+            prompt.send(line)
+            prompt.until(prompt.is_plain, "it waits in the editor's mode")
+            prompt.ask("<ddx\x7fs\n" + END, shown)
         wanted = os.path.join(self.home, "wanted.xml")
         prompt.type(f"get r -o {wanted}\n", "written")
         with open(wanted, "r+", encoding="utf-8") as file:

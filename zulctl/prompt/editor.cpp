@@ -102,7 +102,13 @@ struct Editor::Library {
     static int read(EditLine* line, wchar_t* character) {
         return of(line).readCharacter(*character) == Got::INPUT ? 1 : 0;
     }
-    static unsigned char complete(EditLine* line, int /*key*/) { return of(line).completeWord(); }
+    static unsigned char complete(EditLine* line, int /*key*/) {
+        try {
+            return of(line).completeWord();
+        } catch (...) { // memory; nothing may be thrown through the library
+            return CC_ERROR;
+        }
+    }
 };
 
 Editor::Editor(Input& input, std::FILE* screen, const char* prompt, Complete complete)

@@ -1,5 +1,5 @@
 // Once there are twice as many lines as are wanted, the file is cut when it is loaded: in place, because
-// other sessions have it open, and by one at a time.
+// other sessions have it open, and by one at a time, while none of them appends.
 #include "zulctl/prompt/history_file.h"
 
 #include <algorithm>
@@ -94,11 +94,12 @@ HistoryFile::~HistoryFile() {
 }
 
 std::vector<std::string> HistoryFile::load() {
-    struct stat status {};
-    if (fd_ < 0 || fstat(fd_, &status) != 0) {
+    if (fd_ < 0) {
         return {};
     }
     const bool isMine = flock(fd_, LOCK_EX | LOCK_NB) == 0;
+    struct stat status {};
+    fstat(fd_, &status);
     std::vector<std::string> lines = readLines(fd_, status.st_size);
     const bool isLong = lines.size() > 2 * MAX_HISTORY || status.st_size > MAX_FILE;
     if (lines.size() > MAX_HISTORY) {
@@ -117,7 +118,9 @@ std::vector<std::string> HistoryFile::load() {
 
 void HistoryFile::append(const std::string& line) const {
     if (fd_ >= 0 && line.size() <= MAX_LINE && line.find('\n') == std::string::npos) {
+        flock(fd_, LOCK_EX);
         writeAll(fd_, line + "\n");
+        flock(fd_, LOCK_UN);
     }
 }
 
