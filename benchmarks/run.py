@@ -449,7 +449,8 @@ def against_xmllint(name: str, document: pathlib.Path, *command: object) -> Samp
     """Milliseconds of a whole process, against a validation of the document by its DTD."""
     def once(words: tuple[object, ...]) -> float:
         start = time.perf_counter()
-        subprocess.run([str(word) for word in words], timeout=LIMIT, check=True)  # the document is valid: status 0
+        # The document is valid: status 0. A pipe's end tells of a process's end at once; a bare wait asks every 50 ms.
+        subprocess.run([str(word) for word in words], stdout=subprocess.PIPE, timeout=LIMIT, check=True)
         return (time.perf_counter() - start) * 1000
 
     xmllint = ("xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document)
