@@ -129,6 +129,16 @@ def read_until(process: subprocess.Popen, end: bytes) -> bytes:
     return text
 
 
+def milliseconds_of(*command: object, line: bytes = b"", statuses: tuple[int, ...] = (0,)) -> float:
+    """How long a whole process takes from its start to its end, with `line` as its input."""
+    start = time.perf_counter()
+    # A pipe's end tells of a process's end at once; a bare wait with a time limit looks every 50 ms.
+    done = subprocess.run([str(word) for word in command], input=line, stdout=subprocess.PIPE, timeout=LIMIT, check=False)
+    if done.returncode not in statuses:
+        raise BenchmarkError(f"{command[0]} ended with status {done.returncode}")
+    return (time.perf_counter() - start) * 1000
+
+
 def memory_of(process: subprocess.Popen, field: str) -> float:
     """A field of the process's memory statistics, in KiB."""
     for line in pathlib.Path(f"/proc/{process.pid}/status").read_text().splitlines():
@@ -315,13 +325,8 @@ def start_up(bench: Bench) -> Samples:
 
 
 def whole_process(bench: Bench) -> Samples:
-    def once(command: list[object], line: bytes) -> float:
-        start = time.perf_counter()
-        subprocess.run([str(word) for word in command], input=line, stdout=subprocess.DEVNULL, timeout=LIMIT, check=True)
-        return (time.perf_counter() - start) * 1000
-
-    return {"whole_process": [(once([bench.shell, "-domainId", 46], b"exit\n"),
-                               once([bench.programs / "bare_participant", 46], b"")) for _ in range(START_UP_RUNS)]}
+    return {"whole_process": [(milliseconds_of(bench.shell, "-domainId", 46, line=b"exit\n"),
+                               milliseconds_of(bench.programs / "bare_participant", 46)) for _ in range(START_UP_RUNS)]}
 
 
 def cold_start(bench: Bench) -> Samples:
@@ -338,16 +343,10 @@ def cold_start(bench: Bench) -> Samples:
 
 def cold_command(bench: Bench) -> Samples:
     """Whole processes, from their start to their end, that enable an entity of one router."""
-    def once(*command: object) -> float:
-        start = time.perf_counter()
-        done = subprocess.run([str(word) for word in command], stdout=subprocess.DEVNULL, timeout=LIMIT, check=False)
-        if done.returncode not in (0, 1):  # "enabled already" is an answer, too
-            raise BenchmarkError(f"{command[0]} ended with status {done.returncode}")
-        return (time.perf_counter() - start) * 1000
-
     def pair() -> tuple[float, float]:
-        return (once(bench.zulctl, "-d", 52, "enable", "router1", "DefaultDomainRoute"),
-                once(bench.programs / "cold_start", "echo", 52))
+        enable = (bench.zulctl, "-d", 52, "enable", "router1", "DefaultDomainRoute")
+        return (milliseconds_of(*enable, statuses=(0, 1)),  # "enabled already" is an answer, too
+                milliseconds_of(bench.programs / "cold_start", "echo", 52))
 
     with bench.fleet(52, 1):
         sides = [sorted(side) for side in zip(*(pair() for _ in range(COLD_COMMANDS)))]
@@ -362,9 +361,7 @@ def fleet(bench: Bench) -> Samples:
 
     def once(domain: int, count: int) -> float:
         program, get = command(domain, count)
-        start = time.perf_counter()
-        subprocess.run([*program, *get.split()], stdout=subprocess.DEVNULL, timeout=LIMIT, check=True)
-        return (time.perf_counter() - start) * 1000 / count
+        return milliseconds_of(*program, *get.split()) / count
 
     def peak(domain: int, count: int) -> float:
         program, get = command(domain, count)
@@ -447,14 +444,8 @@ def micro(bench: Bench) -> Samples:
 
 def against_xmllint(name: str, document: pathlib.Path, *command: object) -> Samples:
     """Milliseconds of a whole process, against a validation of the document by its DTD."""
-    def once(words: tuple[object, ...]) -> float:
-        start = time.perf_counter()
-        # The document is valid: status 0. A pipe's end tells of a process's end at once; a bare wait asks every 50 ms.
-        subprocess.run([str(word) for word in words], stdout=subprocess.PIPE, timeout=LIMIT, check=True)
-        return (time.perf_counter() - start) * 1000
-
     xmllint = ("xmllint", "--noout", "--nonet", "--dtdvalid", SOURCE / "resource/dtd/routing_service.dtd", document)
-    return {name: [(once(command), once(xmllint)) for _ in range(CHECK_RUNS)]}
+    return {name: [(milliseconds_of(*command), milliseconds_of(*xmllint)) for _ in range(CHECK_RUNS)]}
 
 
 def check(bench: Bench) -> Samples:
@@ -471,8 +462,7 @@ def compare(bench: Bench) -> Samples:
 
 BENCHMARKS: list[Callable[[Bench], Samples]] = [round_trip, micro, start_up, whole_process, cold_start,
                                                  get_1000_parts, get_8000_parts, load_64mib, cold_command, fleet,
-                                                 fleet_list, check,
-                                                 compare]
+                                                 fleet_list, check, compare]
 
 
 def print_table(samples: Samples) -> None:
