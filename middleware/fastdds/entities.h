@@ -40,7 +40,7 @@ struct DDS_DataWriter final : eprosima::fastdds::dds::DataWriterListener {
     zul::MatchedEndpoints matched;
     DDS_DataWriterListener listener{};
 
-    bool isEnabled() const { return writer->is_enabled(); }
+    bool enable() { return writer->enable() == eprosima::fastrtps::types::ReturnCode_t::RETCODE_OK; }
     void on_publication_matched(eprosima::fastdds::dds::DataWriter* writer,
                                 const eprosima::fastdds::dds::PublicationMatchedStatus& status) override;
 };
@@ -58,7 +58,7 @@ struct DDS_DataReader final : eprosima::fastdds::dds::DataReaderListener {
     zul::ReadConditions conditions;
     std::unique_ptr<zul::DeliveryThread> delivery;
 
-    bool isEnabled() const { return reader->is_enabled(); }
+    bool enable() { return reader->enable() == eprosima::fastrtps::types::ReturnCode_t::RETCODE_OK; }
     void note(DDS_StatusMask status);
     void tellOfLoss();
     void on_subscription_matched(Reader*, const eprosima::fastdds::dds::SubscriptionMatchedStatus&) override;
@@ -108,3 +108,21 @@ struct DDS_DomainParticipant final : DDS_Entity {
     std::vector<std::unique_ptr<DDS_DataWriter>> writers;
     std::vector<std::unique_ptr<DDS_DataReader>> readers;
 };
+
+namespace zul {
+
+// Gives a new endpoint to its participant, and then starts it if that is due: the library calls it from then
+// on, and what it calls must be complete. Null, and `remove` is called, when it does not start.
+template <class Endpoint, class Remove>
+Endpoint* adoptEndpoint(std::vector<std::unique_ptr<Endpoint>>& owner, std::unique_ptr<Endpoint> created,
+                        bool isDue, Remove remove) {
+    Endpoint* endpoint = owner.emplace_back(std::move(created)).get();
+    if (!isDue || endpoint->enable()) {
+        return endpoint;
+    }
+    remove(*endpoint);
+    owner.pop_back();
+    return nullptr;
+}
+
+} // namespace zul

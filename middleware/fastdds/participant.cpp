@@ -25,12 +25,11 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity* self) {
             subscriber->subscriber->enable();
         }
         participant->enabled = true;
-        // The library does not report an endpoint that could not be started.
-        const auto isEnabled = [](const auto& endpoint) {
-            return endpoint->isEnabled();
+        const auto enable = [](const auto& endpoint) {
+            return endpoint->enable();
         };
-        return std::ranges::all_of(participant->writers, isEnabled) &&
-                       std::ranges::all_of(participant->readers, isEnabled)
+        return std::ranges::all_of(participant->writers, enable) &&
+                       std::ranges::all_of(participant->readers, enable)
                    ? DDS_RETCODE_OK
                    : DDS_RETCODE_ERROR;
     });
@@ -106,6 +105,13 @@ Wrapper* adopt(const char* context, std::vector<std::unique_ptr<Wrapper>>& owner
     });
 }
 
+// A QoS with which a publisher or subscriber leaves it to us when its endpoints start.
+template <class Qos>
+Qos withoutAutoenable(Qos qos) {
+    qos.entity_factory().autoenable_created_entities = false;
+    return qos;
+}
+
 // What is created in an enabled participant is enabled at once, when its QoS says so. False for null.
 template <class Entity>
 bool enableIfDue(Entity* entity, const DDS_DomainParticipant& participant) {
@@ -124,7 +130,8 @@ DDS_Publisher* DDS_DomainParticipant_create_publisher(DDS_DomainParticipant* sel
                                                       DDS_StatusMask /*mask*/) {
     return adopt(__func__, self->publishers, [self](DDS_Publisher& publisher) {
         publisher.owner = self;
-        publisher.publisher = self->participant->create_publisher(fast::PUBLISHER_QOS_DEFAULT);
+        publisher.publisher =
+            self->participant->create_publisher(withoutAutoenable(fast::PUBLISHER_QOS_DEFAULT));
         return enableIfDue(publisher.publisher, *self);
     });
 }
@@ -135,7 +142,8 @@ DDS_Subscriber* DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant* s
                                                         DDS_StatusMask /*mask*/) {
     return adopt(__func__, self->subscribers, [self](DDS_Subscriber& subscriber) {
         subscriber.owner = self;
-        subscriber.subscriber = self->participant->create_subscriber(fast::SUBSCRIBER_QOS_DEFAULT);
+        subscriber.subscriber =
+            self->participant->create_subscriber(withoutAutoenable(fast::SUBSCRIBER_QOS_DEFAULT));
         return enableIfDue(subscriber.subscriber, *self);
     });
 }

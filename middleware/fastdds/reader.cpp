@@ -75,8 +75,12 @@ DDS_DataReader* DDS_Subscriber_create_datareader(DDS_Subscriber* self, DDS_Topic
         self->owner->readers.reserve(self->owner->readers.size() + 1);
         reader->reader = self->subscriber->create_datareader(topic->topic, libraryQos, reader.get(),
                                                              fast::StatusMask::all());
-        return reader->reader == nullptr ? nullptr
-                                         : self->owner->readers.emplace_back(std::move(reader)).get();
+        return reader->reader == nullptr
+                   ? nullptr
+                   : zul::adoptEndpoint(self->owner->readers, std::move(reader),
+                                        self->subscriber->is_enabled(), [self](const DDS_DataReader& failed) {
+                                            self->subscriber->delete_datareader(failed.reader);
+                                        });
     });
 }
 

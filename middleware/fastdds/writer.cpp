@@ -36,8 +36,12 @@ DDS_DataWriter* DDS_Publisher_create_datawriter(DDS_Publisher* self, DDS_Topic* 
         self->owner->writers.reserve(self->owner->writers.size() + 1);
         writer->writer = self->publisher->create_datawriter(topic->topic, libraryQos, writer.get(),
                                                             fast::StatusMask::publication_matched());
-        return writer->writer == nullptr ? nullptr
-                                         : self->owner->writers.emplace_back(std::move(writer)).get();
+        return writer->writer == nullptr
+                   ? nullptr
+                   : zul::adoptEndpoint(self->owner->writers, std::move(writer),
+                                        self->publisher->is_enabled(), [self](const DDS_DataWriter& failed) {
+                                            self->publisher->delete_datawriter(failed.writer);
+                                        });
     });
 }
 

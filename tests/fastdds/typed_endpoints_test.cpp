@@ -215,6 +215,33 @@ TEST_F(TypedEndpoints, AFullReaderThatDoesNotTellOnceThatItsWriterIsNotHeardAgai
     EXPECT_EQ(told.find('\n'), told.size() - 1) << told;
 }
 
+// In an enabled participant endpoints match while they are created, and their listeners use them at once.
+TEST_F(TypedEndpoints, CalledByTheLibraryBeforeTheyAreComplete) {
+    auto* topic = createTopic("late", "Response");
+    const DDS_DataWriterListener writes{&sample, [](void* written, DDS_DataWriter* created) {
+                                            DDS_DataWriter_write(created, written,
+                                                                 &DDS_HANDLE_NIL); // may be too early
+                                        }};
+    Arrivals arrivals;
+    DDS_DataReaderListener takes{};
+    takes.listener_data = &arrivals;
+    takes.on_data_available = [](void* counted, DDS_DataReader* created) {
+        Seq taken{};
+        DDS_SampleInfoSeq takenInfos{};
+        auto* typed = ZUL_READER(narrow)(created);
+        if (ZUL_READER(take)(typed, &taken, &takenInfos, ALL, ANY, ANY, ANY) == DDS_RETCODE_OK) {
+            Arrivals::note(counted, created);
+        }
+        EXPECT_EQ(ZUL_READER(return_loan)(typed, &taken, &takenInfos), DDS_RETCODE_OK);
+    };
+    auto* late = DDS_Publisher_create_datawriter(publisher, topic, &DDS_DATAWRITER_QOS_DEFAULT, nullptr, 0);
+    createReader(topic, DDS_DATAREADER_QOS_DEFAULT, &takes);
+    DDS_Publisher_create_datawriter(publisher, topic, &DDS_DATAWRITER_QOS_DEFAULT, &writes,
+                                    DDS_PUBLICATION_MATCHED_STATUS);
+    EXPECT_EQ(DDS_DataWriter_write(late, &sample, &DDS_HANDLE_NIL), DDS_RETCODE_OK);
+    arrivals.await([&] { return arrivals.count > 0; });
+}
+
 TEST_F(TypedEndpoints, ThatNarrowToAnotherType) {
     EXPECT_TRUE(ZUL_READER(as_datareader)(reader) == untypedReader &&
                 ZUL_WRITER(as_datawriter)(writer) == untypedWriter);
