@@ -27,6 +27,10 @@ void openStandardStreams() {
     }
 }
 
+// The library counts a log thread that could not start as started. It keeps its lines then, and would wait
+// for ever for them to be written.
+bool canFlushLog = true;
+
 class LogBridge final : public eprosima::fastdds::dds::LogConsumer {
 public:
     void Consume(const Log::Entry& entry) override {
@@ -43,8 +47,7 @@ public:
 
 void ZULProcess_takeOver() {
     openStandardStreams();
-    // If its thread cannot start, the library's log keeps its lines, and the program goes on.
-    zul::createInLibrary(__func__, false, [] {
+    canFlushLog = zul::createInLibrary(__func__, false, [] {
         Log::ClearConsumers();
         Log::RegisterConsumer(std::make_unique<LogBridge>());
         Log::SetVerbosity(ZULLog_isMiddlewareEnabled(ZUL_LOG_LEVEL_WARNING) ? Log::Warning : Log::Error);
@@ -56,7 +59,9 @@ void ZULProcess_takeOver() {
 }
 
 void ZULProcess_exit(int status) {
-    Log::Flush();
+    if (canFlushLog) {
+        Log::Flush();
+    }
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     std::exit(status); // the sanitizers report when the process ends in the usual way
 #else
