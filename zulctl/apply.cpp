@@ -63,6 +63,7 @@ private:
     std::string restoreCommand() const;
     std::vector<plan::Difference> readBack(const xmlDoc* expected);
     void end(const char* outcome, const std::string& message) {
+        output_.resume();
         output_.print(ApplyEnd{router_->name(), outcome, message, backup_});
     }
 
@@ -209,6 +210,7 @@ std::string Apply::restoreCommand() const {
 // one ends that, too.
 void Apply::putBack(const std::string& why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
+    output_.resume();
     output_.say(router_->name() + ": " + why + "; putting back what ran");
     std::string failure;
     try {

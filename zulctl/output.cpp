@@ -52,6 +52,14 @@ void Output::writeLine(std::string_view text) {
     }
 }
 
+void Output::resume() {
+    if (failure_ == EINTR) {
+        failure_ = 0;
+        std::clearerr(stdout);
+        write("\n"); // the last line may be cut off
+    }
+}
+
 bool Output::hasFailed() const {
     return failure_ != 0 && failure_ != EPIPE && failure_ != EINTR;
 }

@@ -35,6 +35,8 @@ public:
     void print(const std::string& file, const plan::Finding& finding);
     // For people only.
     void say(const std::string& sentence);
+    // An interrupt that ends a write drops what is written after it. From here on it is written again.
+    void resume();
 
     // Standard output could not be written, and standard error has said so. A reader that has just gone is no
     // failure, but nothing more is written to it.

@@ -1,13 +1,15 @@
 """diff, apply and restore against live routers: text, JSON, exit statuses, questions, backups, and what is put back."""
 
+import fcntl
 import os
+import re
 import signal
 import subprocess
 import tempfile
 import unittest
 
 from control import ControlTest
-from processes import BIN, Program
+from processes import BIN, WRITE, Program
 
 SIDES = '<participant_1><domain_id>0</domain_id></participant_1><participant_2><domain_id>1</domain_id></participant_2>'
 PLAN = "1. delete Old\n2. update D: <domain_route><documentation>x</documentation></domain_route>\n3. enable D\n4. create in the router: " \
@@ -203,6 +205,28 @@ class Apply(ControlTest):
                 self.assert_runs("before.xml")
         router.read(0)
         self.assertEqual(self.control("restore", "r1", "r1.backup.xml", "--yes")[0], 0)
+        self.assert_runs("before.xml")
+
+    def test_an_interrupt_while_nobody_reads_does_not_silence_the_rest(self):
+        routes = [route(f"{'n' * 60}{i}") for i in range(30)]
+        self.file("before.xml", document(*routes))
+        self.file("wanted.xml", document())
+        self.practice()
+        read_end, write_end = os.pipe()
+        self.addCleanup(os.close, read_end)
+        fcntl.fcntl(write_end, fcntl.F_SETPIPE_SZ, 4096)  # holds the plan, and not all of the answers
+        with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "wanted.xml", "--yes", stdout=write_end) as applying:
+            os.close(write_end)
+            applying.wait_until_in(WRITE)
+            def waits():
+                return re.search(r"voluntary_ctxt_switches:\s*[0-9]+", self.read(f"/proc/{applying.process.pid}/status"))[0]
+            before = waits()
+            applying.signal(signal.SIGINT)
+            applying.until(lambda: waits() != before, "the write is not interrupted")
+            with open(read_end, encoding="ascii", closefd=False) as output:
+                out = output.read()
+            self.assertEqual(applying.wait()[0], 5)
+        self.assertRegex(out, "\nr1: delete of n+[0-9]+ was interrupted; putting back what ran\n(.*\n)*r1: .*what ran before runs again\n$")
         self.assert_runs("before.xml")
 
     def test_a_router_that_dies_in_the_middle_is_told_of(self):
