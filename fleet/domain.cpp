@@ -262,7 +262,8 @@ void Domain::onData(void* self, DDS_DataReader* reader) {
                     guidOf(info.publication_handle.value));
             }
         }
-    } catch (const std::exception& failure) { // memory; the answer will be missed
+    } catch (const std::exception& failure) { // memory
+        domain.responses_.noteLoss();
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, "zul::fleet::Domain", ZUL_LOG_ANY_FAILURE_s, failure.what());
     }
     ZUL_RoutingService_Administration_CommandResponseDataReader_return_loan(typed, &samples, &infos);

@@ -44,7 +44,7 @@ public:
               std::int32_t& invocation, const OnPiece& onPiece = {});
 
     // The responses to requests of this participant that have arrived since the last call.
-    std::vector<Response> takeResponses() { return responses_.take(); }
+    ResponseQueue::Batch takeResponses() { return responses_.take(); }
 
 private:
     struct Link;

@@ -111,7 +111,7 @@ Clock::time_point Fleet::greet(const Picture& picture, const std::vector<std::st
 }
 
 void Fleet::noteGreetings() {
-    for (const Response& response : domain_.takeResponses()) {
+    for (const Response& response : domain_.takeResponses().responses) {
         if (const auto greeting = greetings_.find(response.invocation); greeting != greetings_.end()) {
             domain_.discovery().noteName(response.writer, greeting->second, &Participant::answersTo);
         }
@@ -205,7 +205,11 @@ Result Fleet::unsent(const std::string& name, const Command& command) const {
 }
 
 void Fleet::drain(Gathering& gathering, const Command& command, const OnResult& onResult) {
-    for (const Response& response : domain_.takeResponses()) {
+    const ResponseQueue::Batch batch = domain_.takeResponses();
+    if (batch.isIncomplete) {
+        gathering.spoil();
+    }
+    for (const Response& response : batch.responses) {
         // What only announces a router is no answer, except to a greeting.
         if (response.kind != ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ANNOUNCEMENT ||
             command.kind == GREETING.kind) {

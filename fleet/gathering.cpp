@@ -119,6 +119,15 @@ void Gathering::interrupt() {
     }
 }
 
+void Gathering::spoil() {
+    for (auto& [invocation, wait] : waits_) {
+        if (!wait.hasEnded) {
+            wait.answer.message = "a part of an answer did not fit in memory; ask fewer routers at a time";
+            end(wait, Status::ERROR);
+        }
+    }
+}
+
 Clock::time_point Gathering::deadline() const {
     Clock::time_point earliest = Clock::time_point::max();
     for (const auto& [invocation, wait] : waits_) {

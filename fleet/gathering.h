@@ -58,6 +58,8 @@ public:
     void expire(Clock::time_point now);
     // Ends all waits.
     void interrupt();
+    // Ends all waits with an error: a response is missing, and nobody knows whose.
+    void spoil();
 
     bool isComplete() const { return open_ == 0; }
     // When `expire` is due.

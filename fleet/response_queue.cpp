@@ -13,11 +13,16 @@ void ResponseQueue::push(Response&& response) {
     }
 }
 
-std::vector<Response> ResponseQueue::take() {
+void ResponseQueue::noteLoss() {
+    const std::lock_guard lock(mutex_);
+    hasLost_ = true;
+}
+
+ResponseQueue::Batch ResponseQueue::take() {
     const std::lock_guard lock(mutex_);
     bytes_ = 0;
     hasRoom_.notify_all();
-    return std::exchange(responses_, {});
+    return {std::exchange(responses_, {}), std::exchange(hasLost_, false)};
 }
 
 void ResponseQueue::close() {

@@ -16,8 +16,14 @@ public:
 
     // From any thread. Waits for room, and drops the response when the queue is closed.
     void push(Response&& response);
+    // From any thread: one that came could not be kept.
+    void noteLoss();
+    struct Batch {
+        std::vector<Response> responses;
+        bool isIncomplete; // at least one is missing
+    };
     // All that have come since the last call.
-    std::vector<Response> take();
+    Batch take();
     // Ends every wait for room, now and later.
     void close();
 
@@ -27,6 +33,7 @@ private:
     std::condition_variable hasRoom_;
     std::vector<Response> responses_;
     std::size_t bytes_ = 0;
+    bool hasLost_ = false;
     bool isClosed_ = false;
 };
 

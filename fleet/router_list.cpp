@@ -71,7 +71,7 @@ void greet(Round& round, Product product, Clock::duration patience) {
 
 void collect(Round& round, std::set<std::string>& answering) {
     const Ends ends(*round.domain);
-    for (const Response& response : round.domain->takeResponses()) {
+    for (const Response& response : round.domain->takeResponses().responses) {
         round.gathering.add(response);
     }
     ends.loseWhoLeft(round.gathering);

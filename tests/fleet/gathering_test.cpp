@@ -102,6 +102,12 @@ TEST_F(GatheringTest, WhoHasGoneOrIsInterruptedIsNotWaitedFor) {
     gathering.interrupt();
     EXPECT_EQ(ended(gathering), "a2:interrupted::0:0 ");
     EXPECT_TRUE(gathering.isComplete());
+    gathering.expect(2, "c", {C}, START);
+    come(2, C, OK, "half of ", false);
+    gathering.spoil();
+    come(2, C, OK, "it", true);
+    EXPECT_EQ(ended(gathering),
+              "c3:error:a part of an answer did not fit in memory; ask fewer routers at a time:1:1 ");
 }
 
 TEST_F(GatheringTest, AnAnswerWithoutEndIsCutOff) {
@@ -141,7 +147,7 @@ TEST(ResponseQueue, HoldsNoMoreThanItsLimitLosesNothingAndLetsGo) {
         while (pushed < seen + LIMIT / (SIZE + sizeof(Response))) {
             std::this_thread::yield();
         }
-        const std::vector<Response> taken = queue.take();
+        const std::vector<Response> taken = queue.take().responses;
         EXPECT_LE(taken.size(), LIMIT / SIZE);
         for (const Response& response : taken) {
             EXPECT_EQ(response.invocation, static_cast<std::int32_t>(seen++));
