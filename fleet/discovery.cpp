@@ -100,6 +100,9 @@ void Discovery::note(const DDS_ParticipantBuiltinTopicData& data, DDS_UnsignedLo
                                        ? Presence::LEASE_RAN_OUT
                                        : Presence::LEFT;
             participant.since = Clock::now();
+            if (gone_.size() == MAX_GONE) {
+                gone_.erase(gone_.begin()); // a wait for it ends by its time-out
+            }
             gone_.push_back(prefix);
             forgetOldest();
         }
@@ -140,10 +143,12 @@ void Discovery::note(const DDS_EndpointBuiltinTopicData& data, bool isReader,
         for (Endpoint& known : participant.endpoints) {
             known.isThere = known.isThere && known.guid != guid;
         }
-        if (instanceState == DDS_ALIVE_INSTANCE_STATE && participant.endpoints.size() < MAX_ENDPOINTS) {
+        if (instanceState == DDS_ALIVE_INSTANCE_STATE) {
             std::erase_if(participant.endpoints, [&](const Endpoint& known) {
                 return !known.isThere && known.topic == topic->topic && known.isReader == isReader;
             });
+        }
+        if (instanceState == DDS_ALIVE_INSTANCE_STATE && participant.endpoints.size() < MAX_ENDPOINTS) {
             Endpoint endpoint{.guid = guid,
                               .product = topic->product,
                               .topic = topic->topic,

@@ -203,7 +203,7 @@ std::set<Guid> Domain::matched() const {
 }
 
 Sent Domain::send(Product product, const Command& command, const std::string& router,
-                  Clock::time_point deadline, std::int32_t& invocation, const OnPiece& onPiece) {
+                  Clock::duration patience, std::int32_t& invocation, const OnPiece& onPiece) {
     Link& link =
         **std::ranges::find_if(links_, [product](const auto& each) { return each->product == product; });
     auto* writer = ZUL_RoutingService_Administration_CommandRequestDataWriter_narrow(link.writer);
@@ -222,6 +222,7 @@ Sent Domain::send(Product product, const Command& command, const std::string& ro
     };
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         fillPiece(request, pieces[i], i + 1 == pieces.size());
+        const auto deadline = Clock::now() + patience;
         for (;;) {
             if (wakeup_.isInterrupted()) {
                 return Sent::INTERRUPTED;
@@ -247,9 +248,14 @@ void Domain::onData(void* self, DDS_DataReader* reader) {
     auto* typed = ZUL_RoutingService_Administration_CommandResponseDataReader_narrow(reader);
     ZUL_RoutingService_Administration_CommandResponseSeq samples{};
     DDS_SampleInfoSeq infos{};
-    if (ZUL_RoutingService_Administration_CommandResponseDataReader_take(
-            typed, &samples, &infos, DDS_LENGTH_UNLIMITED, DDS_ANY_SAMPLE_STATE, DDS_ANY_VIEW_STATE,
-            DDS_ANY_INSTANCE_STATE) != DDS_RETCODE_OK) {
+    const DDS_ReturnCode_t code = ZUL_RoutingService_Administration_CommandResponseDataReader_take(
+        typed, &samples, &infos, DDS_LENGTH_UNLIMITED, DDS_ANY_SAMPLE_STATE, DDS_ANY_VIEW_STATE,
+        DDS_ANY_INSTANCE_STATE);
+    if (code != DDS_RETCODE_OK) {
+        if (code != DDS_RETCODE_NO_DATA) { // they stay where they are, and nothing tells of them again
+            domain.responses_.noteLoss();
+            domain.wakeup_.notify();
+        }
         return;
     }
     const DDS_Long count = ZUL_RoutingService_Administration_CommandResponseSeq_get_length(&samples);

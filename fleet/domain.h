@@ -36,11 +36,11 @@ public:
     std::set<Guid> matched() const;
 
     // Sends a command to the router of that name, in as many samples as it takes, under a number that no
-    // other request has, which is returned in `invocation`. Waits for room until `deadline`, if routers do
-    // not acknowledge. `onPiece`, if there is one, is told of each sample of several, and again while it
-    // waits: bytes of the URL sent so far, and of all of it.
+    // other request has, which is returned in `invocation`. Waits for room up to `patience` for each sample,
+    // if routers do not acknowledge. `onPiece`, if there is one, is told of each sample of several, and again
+    // while it waits: bytes of the URL sent so far, and of all of it.
     using OnPiece = std::function<void(std::size_t sent, std::size_t total)>;
-    Sent send(Product product, const Command& command, const std::string& router, Clock::time_point deadline,
+    Sent send(Product product, const Command& command, const std::string& router, Clock::duration patience,
               std::int32_t& invocation, const OnPiece& onPiece = {});
 
     // The responses to requests of this participant that have arrived since the last call.

@@ -101,7 +101,7 @@ Clock::time_point Fleet::greet(const Picture& picture, const std::vector<std::st
     if (picture.now >= nextGreeting_) {
         for (const std::string& name : wanted) {
             std::int32_t invocation = 0;
-            if (domain_.send(settings_.product, GREETING, name, picture.now, invocation) == Sent::YES) {
+            if (domain_.send(settings_.product, GREETING, name, {}, invocation) == Sent::YES) {
                 greetings_[invocation] = name;
             }
         }
@@ -287,8 +287,7 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
             };
         }
         std::int32_t invocation = 0;
-        switch (domain_.send(settings_.product, command, name, Clock::now() + settings_.timeout, invocation,
-                             onPiece)) {
+        switch (domain_.send(settings_.product, command, name, settings_.timeout, invocation, onPiece)) {
         case Sent::YES:
             gathering.expect(invocation, name, reached.routers, Clock::now());
             break;
@@ -319,9 +318,10 @@ Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
     }
     std::optional<std::chrono::milliseconds> took;
     std::set<std::string> answering;
-    const bool isAsked = !reached.routers.empty() || reached.isNameless;
-    if (isAsked) {
+    bool isAsked = false;
+    if (!reached.routers.empty() || reached.isNameless) {
         ask({name}, GREETING, [&](const Result& result) {
+            isAsked = isAsked || result.wasSent;
             if (result.status == Status::OK) {
                 took = result.took;
                 answering.insert(result.guid);

@@ -46,12 +46,13 @@ Gathering::Wait* Gathering::find(std::int32_t invocation, const GuidPrefix& writ
     }
     if (free == nullptr && begin != end) {
         const Wait& known = begin->second;
-        free =
-            &waits_
-                 .insert(
-                     {invocation,
-                      {.answer = {.router = known.answer.router}, .begin = known.begin, .last = known.begin}})
-                 ->second;
+        free = &waits_
+                    .insert({invocation,
+                             {.answer = {.router = known.answer.router},
+                              .begin = known.begin,
+                              .last = known.begin,
+                              .isExpected = false}})
+                    ->second;
         ++open_;
     }
     if (free != nullptr) {
@@ -72,8 +73,11 @@ const Answer* Gathering::add(const Response& response) {
     }
     wait->answer.message += response.message;
     ++wait->answer.parts;
-    wait->last = std::max(wait->last, response.at); // it may come before the call that sends returns
-    wait->answer.took = std::chrono::duration_cast<std::chrono::milliseconds>(wait->last - wait->begin);
+    const auto at = std::max(wait->last, response.at); // it may come before the call that sends returns
+    if (wait->isExpected) {
+        wait->last = at;
+    }
+    wait->answer.took = std::chrono::duration_cast<std::chrono::milliseconds>(at - wait->begin);
     if (response.isFinal) {
         end(*wait, statusOf(response.kind));
         return nullptr;

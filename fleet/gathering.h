@@ -16,7 +16,8 @@
 
 namespace zul::fleet {
 
-// Bytes. Each part starts the time-out anew, so a router that sends them without end is cut off by size.
+// Bytes. Each part of an expected router starts the time-out anew, so one that sends them without end is cut
+// off by size.
 constexpr std::size_t MAX_ANSWER = 256U << 20;
 
 // A response as it arrived, whoever it is for.
@@ -75,6 +76,7 @@ private:
         Answer answer{};
         Clock::time_point begin{};
         Clock::time_point last{}; // sent, or the last part
+        bool isExpected = true;   // or a stranger, whose parts do not keep us waiting
         bool hasEnded = false;
     };
     Wait* find(std::int32_t invocation, const GuidPrefix& writer);

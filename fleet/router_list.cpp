@@ -3,6 +3,7 @@
 #include "fleet/fleet.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace zul::fleet {
 
@@ -48,9 +49,13 @@ Clock::time_point settled(const std::vector<Domain*>& domains, Clock::duration d
     return last;
 }
 
+// Whose answers came, of all domains and products: one participant may be there in several.
+using Answering = std::set<std::tuple<std::int32_t, Product, std::string>>;
+
+// A domain that is asked. No two requests in it have one number, so each response counts in one gathering.
 struct Round {
     Domain* domain;
-    Gathering gathering;
+    std::map<Product, Gathering> gatherings;
 };
 
 void greet(Round& round, Product product, Clock::duration patience) {
@@ -61,24 +66,29 @@ void greet(Round& round, Product product, Clock::duration patience) {
             named[participant.routerName()].push_back(participant.prefix);
         }
     }
+    Gathering& gathering = round.gatherings.try_emplace(product, patience).first->second;
     for (const auto& [name, routers] : named) {
         std::int32_t invocation = 0;
-        if (round.domain->send(product, GREETING, name, Clock::now() + patience, invocation) == Sent::YES) {
-            round.gathering.expect(invocation, name, routers, Clock::now());
+        if (round.domain->send(product, GREETING, name, patience, invocation) == Sent::YES) {
+            gathering.expect(invocation, name, routers, Clock::now());
         }
     }
 }
 
-void collect(Round& round, std::set<std::string>& answering) {
+void collect(Round& round, Answering& answering) {
     const Ends ends(*round.domain);
-    for (const Response& response : round.domain->takeResponses().responses) {
-        round.gathering.add(response);
-    }
-    ends.loseWhoLeft(round.gathering);
-    round.gathering.expire(ends.now);
-    for (const Answer& answer : round.gathering.takeEnded()) {
-        if (answer.status == Status::OK && answer.writer) {
-            answering.insert(textOf(*answer.writer));
+    const ResponseQueue::Batch batch = round.domain->takeResponses();
+    for (auto& [product, gathering] : round.gatherings) {
+        std::ranges::for_each(batch.responses, [&](const Response& response) { gathering.add(response); });
+        if (batch.isIncomplete) {
+            gathering.spoil();
+        }
+        ends.loseWhoLeft(gathering);
+        gathering.expire(ends.now);
+        for (const Answer& answer : gathering.takeEnded()) {
+            if (answer.status == Status::OK && answer.writer) {
+                answering.emplace(round.domain->id(), product, textOf(*answer.writer));
+            }
         }
     }
 }
@@ -98,27 +108,29 @@ std::vector<RouterRow> list(const std::vector<Domain*>& domains, Wakeup& wakeup,
     std::vector<Round> rounds;
     for (Domain* domain : domains) {
         domain->discovery().takeGone(); // of before
-        Round& round = rounds.emplace_back(Round{domain, Gathering(settings.timeout)});
+        Round& round = rounds.emplace_back(Round{domain, {}});
         for (const Product product : PRODUCTS) {
             addRows(rows, *domain, product);
             greet(round, product, settings.timeout);
         }
     }
-    std::set<std::string> answering;
+    Answering answering;
     for (bool isComplete = false; !isComplete && !wakeup.isInterrupted();) {
         isComplete = true;
         auto next = Clock::time_point::max();
         for (Round& round : rounds) {
             collect(round, answering);
-            isComplete = isComplete && round.gathering.isComplete();
-            next = std::min(next, round.gathering.deadline());
+            for (const auto& [product, gathering] : round.gatherings) {
+                isComplete = isComplete && gathering.isComplete();
+                next = std::min(next, gathering.deadline());
+            }
         }
         if (!isComplete) {
             wakeup.waitUntil(next);
         }
     }
     for (RouterRow& row : rows) {
-        row.answers = answering.contains(row.guid);
+        row.answers = answering.contains({row.domain, row.product, row.guid});
     }
     std::ranges::stable_sort(rows, {}, [](const RouterRow& row) { return std::pair(row.domain, row.name); });
     return rows;

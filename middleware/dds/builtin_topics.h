@@ -35,7 +35,7 @@ struct DDS_EndpointBuiltinTopicData {
     DDS_DeadlineQosPolicy deadline;
     DDS_LivelinessQosPolicy liveliness;
     DDS_OwnershipQosPolicy ownership;
-    DDS_Boolean has_partition; // it is in some partition besides the one without a name
+    DDS_Boolean has_partition; // it is in partitions, all of them with a name
     // A writer writes XCDR version 1; a reader accepts it (OMG XTypes 1.3, 7.6.3.1).
     DDS_Boolean has_xcdr1;
 };

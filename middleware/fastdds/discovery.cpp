@@ -34,6 +34,13 @@ DDS_Duration_t toDuration(const eprosima::fastrtps::Duration_t& duration) {
                : DDS_Duration_t{duration.seconds, duration.nanosec};
 }
 
+// The library does not check this octet of the network.
+DDS_LivelinessQosPolicyKind toKind(fast::LivelinessQosPolicyKind kind) {
+    return kind == fast::AUTOMATIC_LIVELINESS_QOS               ? DDS_AUTOMATIC_LIVELINESS_QOS
+           : kind == fast::MANUAL_BY_PARTICIPANT_LIVELINESS_QOS ? DDS_MANUAL_BY_PARTICIPANT_LIVELINESS_QOS
+                                                                : DDS_MANUAL_BY_TOPIC_LIVELINESS_QOS;
+}
+
 // The first address as text, which the caller keeps until the listener's callback ends; empty for none.
 std::string addressOf(const rtps::ParticipantProxyData& data) {
     for (const auto* locators : {&data.default_locators, &data.metatraffic_locators}) {
@@ -73,12 +80,12 @@ Data toData(const auto& endpoint) {
                                 ? DDS_RELIABLE_RELIABILITY_QOS
                                 : DDS_BEST_EFFORT_RELIABILITY_QOS;
     data.deadline.period = toDuration(qos.m_deadline.period);
-    data.liveliness = {static_cast<DDS_LivelinessQosPolicyKind>(qos.m_liveliness.kind),
-                       toDuration(qos.m_liveliness.lease_duration)};
+    data.liveliness = {toKind(qos.m_liveliness.kind), toDuration(qos.m_liveliness.lease_duration)};
     data.ownership.kind = qos.m_ownership.kind == fast::EXCLUSIVE_OWNERSHIP_QOS ? DDS_EXCLUSIVE_OWNERSHIP_QOS
                                                                                 : DDS_SHARED_OWNERSHIP_QOS;
     const std::vector<std::string> partitions = qos.m_partition.names();
-    data.has_partition = std::ranges::any_of(partitions, [](const auto& name) { return !name.empty(); });
+    const bool isInDefault = partitions.empty() || std::ranges::count(partitions, "") > 0;
+    data.has_partition = isInDefault ? 0 : 1;
     data.has_xcdr1 = hasXcdr1(qos.representation, std::is_same_v<Data, DDS_SubscriptionBuiltinTopicData>);
     return data;
 }

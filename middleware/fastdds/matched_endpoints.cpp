@@ -5,7 +5,7 @@ namespace zul {
 void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
     const std::lock_guard lock(mutex_);
     std::erase(handles_, handle);
-    if (change > 0) {
+    if (change >= 0) {
         handles_.push_back(handle);
     }
 }

@@ -12,7 +12,9 @@ namespace zul {
 
 class MatchedEndpoints {
 public:
-    // `change` is above 0 for an endpoint that is matched now, below for one that no longer is.
+    // `change` is below 0 for an endpoint that is no longer matched. It is 0 when the library reports one
+    // that came and one that left at the same time in one record: the one that is named counts as matched
+    // then, because the library would not tell of it again.
     void update(const DDS_InstanceHandle_t& handle, std::int32_t change);
     // OUT_OF_RESOURCES when the sequence cannot hold them all.
     DDS_ReturnCode_t copyTo(DDS_InstanceHandleSeq* handles) const;

@@ -1,5 +1,6 @@
 // Typed writers and readers over the real library: every form of writing, reading and taking.
 #include "admin_types/type_support.h"
+#include "middleware/fastdds/matched_endpoints.h"
 #include "tests/fastdds/participant.h"
 #include "tests/middleware/captured_log.h"
 
@@ -240,6 +241,16 @@ TEST_F(TypedEndpoints, CalledByTheLibraryBeforeTheyAreComplete) {
                                     DDS_PUBLICATION_MATCHED_STATUS);
     EXPECT_EQ(DDS_DataWriter_write(late, &sample, &DDS_HANDLE_NIL), DDS_RETCODE_OK);
     arrivals.await([&] { return arrivals.count > 0; });
+}
+
+// One that leaves and one that comes at the same time are reported as one change of 0.
+TEST(MatchedEndpoints, OfWhichOneThatCameIsNotLost) {
+    zul::MatchedEndpoints matched;
+    const DDS_InstanceHandle_t came{.value = {1}, .isValid = 1};
+    matched.update(came, 0);
+    EXPECT_TRUE(matched.any([&](const DDS_InstanceHandle_t& handle) { return handle == came; }));
+    matched.update(came, -1);
+    EXPECT_FALSE(matched.any([](const DDS_InstanceHandle_t&) { return true; }));
 }
 
 TEST_F(TypedEndpoints, ThatNarrowToAnotherType) {

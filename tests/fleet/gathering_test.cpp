@@ -72,6 +72,11 @@ TEST_F(GatheringTest, NamesakesGiveAResultEachAndAnUnknownOneIsNotDropped) {
     gathering.expire(START + 2s);
     come(3, C, OK, "c", true, 3s);
     EXPECT_EQ(ended(gathering), "nameless3:ok:c:1:1 late0:no_answer::0:0 ");
+    gathering.expect(4, "a", {A}, START); // a stranger's parts keep nobody waiting
+    come(4, A, OK, "a", true);
+    come(4, B, OK, "and so on", false, 900ms);
+    gathering.expire(START + 1s);
+    EXPECT_EQ(ended(gathering), "a1:ok:a:1:1 a2:no_answer:and so on:1:900 ");
     EXPECT_TRUE(gathering.isComplete());
 }
 
