@@ -4,6 +4,7 @@
 #include "middleware/base/terminal_text.h"
 
 #include <climits>
+#include <mutex>
 #include <new>
 #include <poll.h>
 #include <unistd.h>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr std::size_t MAX_LOGGED = 200; // bytes of one text
 constexpr int OUTPUT_POLL_MILLISECONDS = 100;
+std::mutex g_output; // of the process's routers one writes at a time: the room that it saw is still there
 
 // A text as one piece of a log line.
 std::string shown(std::string_view text) {
@@ -33,6 +35,7 @@ void Worker::log(const Request& request, const std::string& outcome) {
         line = ZULTerminal_shown(line);
     }
     static_assert(4 * (MAX_LOGGED + 64) < PIPE_BUF, "a line fits as soon as a pipe has room");
+    const std::lock_guard lock(g_output);
     pollfd output{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
     while (poll(&output, 1, OUTPUT_POLL_MILLISECONDS) <= 0) {
         if (queue_.isClosed()) {
