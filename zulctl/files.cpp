@@ -82,6 +82,17 @@ private:
     int descriptor_;
 };
 
+// Whether the byte there is a control character, or one of the two bytes of such in UTF-8: C0, DEL, C1.
+bool isControl(const std::string& text, std::size_t at) {
+    const auto byte = [&text](std::size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+    };
+    const auto isSecond = [&byte](std::size_t i) {
+        return i > 0 && byte(i - 1) == 0xC2 && byte(i) >= 0x80 && byte(i) <= 0x9F;
+    };
+    return byte(at) < ' ' || byte(at) == 0x7F || isSecond(at) || isSecond(at + 1);
+}
+
 } // namespace
 
 std::optional<std::string> readFile(const std::string& path, std::string& error) {
@@ -145,10 +156,10 @@ bool writeOnce(const std::string& path, const std::string& text, std::string& er
 
 std::string pathFor(std::string pattern, const std::string& router) {
     std::string name;
-    for (const char character : router) {
+    for (std::size_t i = 0; i < router.size(); ++i) {
+        const char character = router[i];
         const bool isDotName = character == '.' && name.empty();
-        if (character == '/' || character == '%' || isDotName ||
-            static_cast<unsigned char>(character) < ' ') {
+        if (character == '/' || character == '%' || isDotName || isControl(router, i)) {
             std::array<char, 4> code{};
             std::snprintf(code.data(), code.size(), "%%%02x", static_cast<unsigned char>(character));
             name += code.data();

@@ -128,21 +128,22 @@ class Commands(ControlTest):
         folder = self.enterContext(tempfile.TemporaryDirectory())
         self.router("r", "--count", "5", "--parts", "30")
         self.router("quiet", "--silent")
-        self.router("q/..", "--save-dir", folder)
-        status, rows = self.run_json("--discovery", "2", "get", "r*,q/..")
-        self.assertEqual((status, sorted(row["router"] for row in rows)), (0, ["q/..", "r1", "r2", "r3", "r4", "r5"]))
-        self.assertEqual({(row["parts"], row["message"].count("</dds>")) for row in rows if row["router"] != "q/.."}, {(30, 1)})
+        odd = "q/..\x7f\x85"
+        self.router(odd, "--save-dir", folder)
+        status, rows = self.run_json("--discovery", "2", "get", "r*," + odd)
+        self.assertEqual((status, sorted(row["router"] for row in rows)), (0, [odd, "r1", "r2", "r3", "r4", "r5"]))
+        self.assertEqual({(row["parts"], row["message"].count("</dds>")) for row in rows if row["router"] != odd}, {(30, 1)})
         self.assertEqual(len({row["guid"] for row in rows}), 6)
-        self.assertEqual(self.run_text("get", "r1,q/..", "-o", folder + "/{router}.xml")[0], 0)
-        self.assertEqual(sorted(os.listdir(folder)), ["q%2f...xml", "r1.xml"])
+        self.assertEqual(self.run_text("get", "r1," + odd, "-o", folder + "/{router}.xml")[0], 0)
+        self.assertEqual(sorted(os.listdir(folder)), ["q%2f..%7f%c2%85.xml", "r1.xml"])
         self.assertEqual(self.run_text("get", "r1,r2", "-o", folder + "/x")[:2], (2, ""))
         self.assertEqual(self.run_text("get", "r1", "-o", folder + "/none/x")[0], 2)
         # No room: what was there stays.
-        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get q/.. -o {folder}/r1.xml"
+        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get 'q/*' -o {folder}/r1.xml"
         self.assertEqual(subprocess.run(["bash", "-c", full], stderr=subprocess.DEVNULL, check=False, timeout=60).returncode, 2)
         with open(folder + "/r1.xml", encoding="utf-8") as file:
             self.assertIn("</dds>", file.read())
-        self.assertEqual(sorted(os.listdir(folder)), ["q%2f...xml", "r1.xml"])
+        self.assertEqual(sorted(os.listdir(folder)), ["q%2f..%7f%c2%85.xml", "r1.xml"])
         for expected, routers in ((4, "r1,quiet"), (1, "r1,r2"), (4, "r1,nobody")):
             self.assertEqual(self.run_json("-t", "1.5", "--discovery", "1", "enable", routers)[0], expected, routers)
         self.assertEqual(self.run_json("enable", "r1", "no")[0], 3)

@@ -126,6 +126,9 @@ class Shell(ControlTest):
         second.ask(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
         second.type(SEARCH + "non", "none")
         second.ask("\n", "named none\n")
+        with open(first.lines, encoding="utf-8") as file:
+            fcntl.flock(file, fcntl.LOCK_SH)  # whoever reads it does not hold up commands
+            second.ask("enable r last\n", "named last\n")
         second.send("exit\n")
         self.assertEqual(second.wait()[0], 3)
 

@@ -89,6 +89,7 @@ HistoryFile HistoryFile::ofUser(std::string& warning) {
 
 HistoryFile::~HistoryFile() {
     if (fd_ >= 0) {
+        writeUnwritten();
         close(fd_);
     }
 }
@@ -116,10 +117,17 @@ std::vector<std::string> HistoryFile::load() {
     return lines;
 }
 
-void HistoryFile::append(const std::string& line) const {
+void HistoryFile::append(const std::string& line) {
     if (fd_ >= 0 && line.size() <= MAX_LINE && line.find('\n') == std::string::npos) {
-        flock(fd_, LOCK_EX);
-        writeAll(fd_, line + "\n");
+        unwritten_ += line + "\n";
+        writeUnwritten();
+    }
+}
+
+// Somebody may hold the file for as long as he likes; commands do not wait for that.
+void HistoryFile::writeUnwritten() {
+    if (!unwritten_.empty() && flock(fd_, LOCK_EX | LOCK_NB) == 0) {
+        writeAll(fd_, std::exchange(unwritten_, {}));
         flock(fd_, LOCK_UN);
     }
 }

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zul::ctl::prompt {
@@ -16,18 +17,23 @@ public:
     // why, and this remembers nothing.
     static HistoryFile ofUser(std::string& warning);
     ~HistoryFile();
-    HistoryFile(HistoryFile&& other) noexcept : fd_(other.fd_) { other.fd_ = -1; }
+    HistoryFile(HistoryFile&& other) noexcept
+        : fd_(std::exchange(other.fd_, -1)), unwritten_(std::move(other.unwritten_)) {}
     HistoryFile& operator=(HistoryFile&&) = delete;
 
     // The last lines, the oldest first.
     std::vector<std::string> load();
-    // A line that cannot be written is lost.
-    void append(const std::string& line) const;
+    // A line that cannot be written is lost. While another process has locked the file, lines wait for the
+    // next one, or for the end.
+    void append(const std::string& line);
 
 private:
     explicit HistoryFile(int fd) : fd_(fd) {}
 
+    void writeUnwritten();
+
     int fd_; // -1: there is none
+    std::string unwritten_;
 };
 
 } // namespace zul::ctl::prompt
