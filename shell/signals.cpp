@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -20,6 +21,12 @@ void takeBackBrokenPipe() {
     sigaddset(&brokenPipe, SIGPIPE);
     constexpr timespec NOW{0, 0};
     sigtimedwait(&brokenPipe, nullptr, &NOW);
+}
+
+// Whether a write would not block: a full pipe, or a stopped terminal, would hold the handler up.
+bool hasRoom(int descriptor) {
+    pollfd wanted{.fd = descriptor, .events = POLLOUT, .revents = 0};
+    return poll(&wanted, 1, 0) > 0 && (wanted.revents & POLLOUT) != 0;
 }
 
 } // namespace
@@ -41,7 +48,7 @@ int ROUTERShell_setSignalHandler(int signalNumber, void (*handler)(int)) {
 void ROUTERShell_terminateWithSignal(int /*signalNumber*/) {
     const int savedError = errno;
     ROUTERRemoteConfigClient_abortResponseWait(&ROUTERShell_g_instance.client);
-    if (::write(STDOUT_FILENO, "\n", 1) < 0 && errno == EPIPE) {
+    if (hasRoom(STDOUT_FILENO) && ::write(STDOUT_FILENO, "\n", 1) < 0 && errno == EPIPE) {
         takeBackBrokenPipe();
     }
     errno = savedError;

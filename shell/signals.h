@@ -6,7 +6,8 @@
 // runs. A signal that is ignored stays ignored. 0, or -1 on failure.
 int ROUTERShell_setSignalHandler(int signalNumber, void (*handler)(int));
 
-// The handler: aborts the running wait and writes one line feed. Uses system calls and a semaphore only.
+// The handler: aborts the running wait and writes one line feed, if there is room for it. Uses system calls
+// and a semaphore only.
 void ROUTERShell_terminateWithSignal(int signalNumber);
 
 // Installs it for termination, hang-up, interrupt, abort and broken pipe. False at the first failure.

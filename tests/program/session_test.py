@@ -6,7 +6,7 @@ import signal
 import tempfile
 import time
 
-from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, Program, SessionTest, Shell
+from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, WRITE, Program, SessionTest, Shell
 
 ENABLE_SYNTAX = "Command syntax: enable <target_router> [<entity_name>]\n"
 GET_SYNTAX = "Command syntax: get <target_router>\n"
@@ -116,6 +116,20 @@ class Input(SessionTest):
             os.close(output)
             shell.send("foo\nget\nhelp\nexit\n")
             self.assertEqual(shell.wait()[0], 0)
+
+    def test_a_signal_while_there_is_no_room_for_output(self):
+        shell = self.shell()
+        shell.send("sleep 1000\n")
+        shell.wait_until_in(CLOCK_NANOSLEEP)
+        shell.open_ends.remove(shell.read_end)
+        output = os.open(f"/proc/{shell.process.pid}/fd/1", os.O_WRONLY | os.O_NONBLOCK)
+        with open(output, "wb", 0) as pipe:
+            while pipe.write(b" " * 4096):
+                pass
+        shell.signal(signal.SIGINT)
+        shell.wait_until_in(WRITE)
+        shell.open_ends.add(shell.read_end)
+        self.assertEqual(shell.prompt().strip(" "), "")
 
 
 class CommandFile(SessionTest):
