@@ -7,11 +7,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <ctime>
 #include <poll.h>
 #include <unistd.h>
 
 namespace {
+
+constexpr int SIGNALS[] = {SIGTERM, SIGHUP, SIGINT, SIGABRT, SIGPIPE};
 
 // The handler's write to a pipe without a reader raises SIGPIPE, whose handler would write again: left
 // pending, it would go round for ever.
@@ -55,8 +58,24 @@ void ROUTERShell_terminateWithSignal(int /*signalNumber*/) {
 }
 
 bool ROUTERShell_installSignalHandlers() {
-    constexpr int SIGNALS[] = {SIGTERM, SIGHUP, SIGINT, SIGABRT, SIGPIPE};
     return std::all_of(std::begin(SIGNALS), std::end(SIGNALS), [](int signalNumber) {
         return ROUTERShell_setSignalHandler(signalNumber, ROUTERShell_terminateWithSignal) == 0;
     });
 }
+
+namespace zul::shell {
+
+WholeOutput::WholeOutput() {
+    sigset_t handled;
+    sigemptyset(&handled);
+    std::ranges::for_each(SIGNALS, [&handled](int signalNumber) { sigaddset(&handled, signalNumber); });
+    pthread_sigmask(SIG_BLOCK, &handled, &previous_);
+}
+
+WholeOutput::~WholeOutput() {
+    std::fflush(stdout);
+    std::clearerr(stdout); // output that is full or closed now may work again later
+    pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
+}
+
+} // namespace zul::shell

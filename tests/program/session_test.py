@@ -128,8 +128,9 @@ class Input(SessionTest):
                 pass
         shell.signal(signal.SIGINT)
         shell.wait_until_in(WRITE)
+        shell.signal(signal.SIGINT)  # takes effect when the prompt is printed
         shell.open_ends.add(shell.read_end)
-        self.assertEqual(shell.prompt().strip(" "), "")
+        self.assertEqual(shell.expect(f"{Shell.PROMPT}\n")[0].strip(" "), "")
 
 
 class CommandFile(SessionTest):
