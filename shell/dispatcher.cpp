@@ -100,7 +100,9 @@ Outcome reportStatus(int status, const char* xmlUrl) {
     case ROUTER_URL_COMMAND_OK:
         return Outcome::ANSWERED;
     case ROUTER_URL_COMMAND_FILE_OPEN_ERROR:
-        std::printf("Can't open local file %s\n", xmlUrl);
+        std::printf("Can't open local file ");
+        ZULTerminal_print(stdout, xmlUrl);
+        std::printf("\n");
         break;
     case ROUTER_URL_COMMAND_FILE_READ_ERROR:
         std::printf("Error reading local file\n");
@@ -257,7 +259,9 @@ void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordC
     const Command* command = findCommand(words[0]);
     if (command == nullptr) {
         const WholeOutput output;
-        std::printf("Unknown command: %s\n", words[0]);
+        std::printf("Unknown command: ");
+        ZULTerminal_print(stdout, words[0]);
+        std::printf("\n");
         return;
     }
     ROUTERRemoteConfigResult result{};

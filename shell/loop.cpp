@@ -2,6 +2,7 @@
 #include "shell/loop.h"
 
 #include "middleware/base/semaphore.h"
+#include "middleware/base/terminal_text.h"
 #include "product/product_info.h"
 #include "remote_config/exchange.h"
 #include "shell/dispatcher.h"
@@ -31,7 +32,8 @@ void printPrompt() {
 void printWords(std::span<char* const> words) {
     const WholeOutput output;
     for (const char* word : words) {
-        std::printf("%s ", word);
+        ZULTerminal_print(stdout, word);
+        std::printf(" ");
     }
     std::printf("\n");
 }

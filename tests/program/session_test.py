@@ -23,7 +23,9 @@ class Terminal(SessionTest):
         router.expect(r"DISABLE[^\n]*DefaultDomainRoute")
         self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
         self.assertEqual(shell.run(""), "")
-        # What a router or a shell sends is shown, not obeyed.
+        # What a line holds is shown, not obeyed, and so is what a router or a shell sends.
+        for line, printed in ('"\u009b7m"', "Unknown command: "), ('load r1 c "\u009b7m" local', "local file "):
+            self.assertIn(printed + "\\xc2\\x9b7m\n", shell.run(line))
         self.assertRegex(shell.run('enable r1 "\u009b7m\u00e9"'), r"Error: [^\n]*\\xc2\\x9b7m\u00e9[^\n]*\n\Z")
         router.expect(r"entity \\xc2\\x9b7m\u00e9: ")
         # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
