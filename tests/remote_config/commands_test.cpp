@@ -124,6 +124,9 @@ TEST_F(Commands, SendTextInPieces) {
         EXPECT_EQ(pieces(), expected);
         EXPECT_STREQ(result.text, expected.empty() ? "xmlUrl too long" : "done");
     }
+    ZULHeap_failAfter(0);
+    EXPECT_EQ(load("session.x=1", true), ROUTER_URL_COMMAND_SEND_ERROR); // not as a path
+    ZULHeap_failAfter(-1);
 }
 
 TEST_F(Commands, SendALocalFileInPieces) {
