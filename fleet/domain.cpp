@@ -59,7 +59,7 @@ DDS_DataReaderQos responseReaderQos() {
 
 DDS_Topic* createTopic(DDS_DomainParticipant* participant, ZULTypePlugin* plugin, const char* typeName,
                        const char* topicName) {
-    return plugin != nullptr &&
+    return plugin != nullptr && plugin->typeCode != nullptr &&
                    DDS_DomainParticipant_register_type(participant, typeName, plugin) == DDS_RETCODE_OK
                ? DDS_DomainParticipant_create_topic(participant, topicName, typeName, &DDS_TOPIC_QOS_DEFAULT,
                                                     nullptr, DDS_STATUS_MASK_NONE)

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <cstring>
 #include <span>
 #include <string_view>
@@ -123,6 +124,7 @@ void render(const Assignment& assignment, Put put) {
 char* outOfMemory(std::size_t length) {
     ROUTERLog_error(ROUTER_SUBMODULE_REMOTE_CONFIG, "ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet",
                     ZUL_LOG_OUT_OF_HEAP_STRING_d, length);
+    errno = ENOMEM;
     return nullptr;
 }
 

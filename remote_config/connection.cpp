@@ -112,6 +112,9 @@ bool createTopic(DDS_DomainParticipant* participant, const TopicPlan& plan) {
     // oddity 18: the federation variant keeps the routing module's codec and announces its own description
     if (ROUTER_getProductId() == ROUTER_PRODUCT_FEDERATION_SERVICE) {
         plan.plugin->typeCode = plan.federationTypeCode();
+        if (plan.plugin->typeCode == nullptr) {
+            return failed(ZUL_LOG_CREATION_FAILURE_s, plan.pluginText);
+        }
     }
     if (DDS_DomainParticipant_register_type(participant, plan.typeName, plan.plugin) != DDS_RETCODE_OK) {
         return failed(ZUL_LOG_ANY_FAILURE_s, "register type");

@@ -34,7 +34,9 @@ bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* s
         return false; // oddity 17
     }
     if (!wait || self->noResponseWait) {
-        return true; // still waiting: an early response is kept for the next waiting send of this request
+        // Still waiting: for `responseTimeout`, an early response is kept for the next waiting send of this
+        // request.
+        return true;
     }
     ResultText text(*result);
     const WaitEnd end = HandOver(*self).await([result, &text](const Response& response) {

@@ -10,6 +10,7 @@
 #include "remote_config/local_file.h"
 #include "remote_config/log.h"
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -118,7 +119,11 @@ Status sendFile(Upload& upload, const char* path) {
 }
 
 Status sendUpload(Upload upload, const char* xmlUrl, bool isRemote) {
+    errno = 0;
     const ZULStringPtr snippet(ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet(xmlUrl));
+    if (snippet == nullptr && errno == ENOMEM) {
+        return ROUTER_URL_COMMAND_SEND_ERROR; // an assignment is no path
+    }
     const std::string_view text = snippet != nullptr ? snippet.get() : xmlUrl;
     if (isRemote || text.starts_with(INLINE_SCHEME)) {
         return sendText(upload, text);

@@ -10,7 +10,7 @@ enum ROUTERUrlCommandStatus {
     ROUTER_URL_COMMAND_OK = 0, // answered or interrupted, or an argument was refused: see the result
     ROUTER_URL_COMMAND_FILE_OPEN_ERROR = 1, // the local file could not be opened
     ROUTER_URL_COMMAND_FILE_READ_ERROR = 2, // reading the local file failed
-    ROUTER_URL_COMMAND_SEND_ERROR = 3,      // a piece could not be written, or nobody answered
+    ROUTER_URL_COMMAND_SEND_ERROR = 3,      // a piece was not written, nobody answered, or no memory
 };
 
 // Fills `xml_url` and drives the exchange, piece by piece; with `wait`, the last piece gathers the answers.

@@ -10,6 +10,7 @@
 #include "remote_config/exchange.h"
 #include "remote_config/url_commands.h"
 #include "shell/commands.h"
+#include "shell/signals.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -94,11 +95,14 @@ bool readRemoteFlag(const Line& line, std::size_t position, bool& isRemote) {
 
 // The outcome of a URL command's status; `xmlUrl` is the word that names a local file.
 Outcome reportStatus(int status, const char* xmlUrl) {
+    const WholeOutput output;
     switch (status) {
     case ROUTER_URL_COMMAND_OK:
         return Outcome::ANSWERED;
     case ROUTER_URL_COMMAND_FILE_OPEN_ERROR:
-        std::printf("Can't open local file %s\n", xmlUrl);
+        std::printf("Can't open local file ");
+        ZULTerminal_print(stdout, xmlUrl);
+        std::printf("\n");
         break;
     case ROUTER_URL_COMMAND_FILE_READ_ERROR:
         std::printf("Error reading local file\n");
@@ -223,6 +227,7 @@ const Command* findCommand(std::string_view word) {
 }
 
 void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteConfigResult& result) {
+    const WholeOutput output;
     switch (outcome) {
     case Outcome::NOTHING:
         break;
@@ -253,7 +258,10 @@ using namespace zul::shell;
 void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordCount) {
     const Command* command = findCommand(words[0]);
     if (command == nullptr) {
-        std::printf("Unknown command: %s\n", words[0]);
+        const WholeOutput output;
+        std::printf("Unknown command: ");
+        ZULTerminal_print(stdout, words[0]);
+        std::printf("\n");
         return;
     }
     ROUTERRemoteConfigResult result{};
@@ -267,6 +275,7 @@ void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordC
 }
 
 void ROUTERShell_printHelp() {
+    const WholeOutput output;
     const char* product = ROUTER_getProductInfo()->productName;
     std::printf("\n"
                 "%s Shell, licensed under the Apache License, Version 2.0\n"

@@ -60,8 +60,10 @@ int ROUTERShell_run(int productId, int argumentCount, char** arguments) {
         return failed("signal handlers", EXIT_SIGNALS);
     }
     ROUTERShell_main(shell);
-    std::printf("Stopping...\n");
-    std::fflush(stdout);
+    {
+        const zul::shell::WholeOutput output;
+        std::printf("Stopping...\n");
+    }
     ROUTERShell_finalize(shell); // whatever it says, the shell ends
     return EXIT_OK;
 }

@@ -1,16 +1,21 @@
-// One turn of the loop is one line: prompt, read, split, dispatch, flush.
+// One turn of the loop is one line: prompt, read, split, dispatch.
 #include "shell/loop.h"
 
 #include "middleware/base/semaphore.h"
+#include "middleware/base/terminal_text.h"
 #include "product/product_info.h"
 #include "remote_config/exchange.h"
 #include "shell/dispatcher.h"
 #include "shell/line_reader.h"
 #include "shell/log.h"
+#include "shell/signals.h"
 #include "shell/splitter.h"
 
 #include <cstring>
+#include <span>
 #include <termios.h>
+
+using zul::shell::WholeOutput;
 
 namespace {
 
@@ -19,9 +24,18 @@ constexpr std::int32_t COMMAND_FILE_DELAY_SECONDS = 3; // for routers to be disc
 constexpr std::uint32_t FAILED_READ_PAUSE_NANOSECONDS = 250'000'000;
 constexpr const char* CONTEXT = "ROUTERShell_finalize"; // oddity 1
 
-void flushOutput() {
-    std::fflush(stdout);
-    std::clearerr(stdout); // output that is full or closed now may work again later
+void printPrompt() {
+    const WholeOutput output;
+    std::printf("%s> ", ROUTER_getProductInfo()->productName);
+}
+
+void printWords(std::span<char* const> words) {
+    const WholeOutput output;
+    for (const char* word : words) {
+        ZULTerminal_print(stdout, word);
+        std::printf(" ");
+    }
+    std::printf("\n");
 }
 
 // Whether end of input is a key that somebody typed: a terminal that reads line by line, and not hung up.
@@ -42,8 +56,10 @@ void pauseAfterFailedRead(ROUTERShellReadStatus status, std::FILE* input) {
 } // namespace
 
 bool ROUTERShell_initialize(ROUTERShellInstance* self) {
-    std::printf("Domain id %d, timeout %d\n", self->domainId, self->timeout);
-    flushOutput();
+    {
+        const WholeOutput output;
+        std::printf("Domain id %d, timeout %d\n", self->domainId, self->timeout);
+    }
     if (!ROUTERRemoteConfigClient_initialize(&self->client, self->domainId, self->timeout)) {
         shellError(CONTEXT, ZUL_LOG_ANY_FAILURE_s, "initialize remote configuration client");
         return false;
@@ -68,8 +84,7 @@ void ROUTERShell_main(ROUTERShellInstance* self) {
         ZULSleep(COMMAND_FILE_DELAY_SECONDS, 0);
     }
     while (ROUTERShell_g_terminate == 0) {
-        std::printf("%s> ", ROUTER_getProductInfo()->productName);
-        flushOutput();
+        printPrompt();
         const ROUTERShellReadStatus status = ROUTERShellLineReader_read(&reader, line);
         if (status != ROUTER_SHELL_READ_LINE) {
             if (isCommandFile) {
@@ -82,6 +97,7 @@ void ROUTERShell_main(ROUTERShellInstance* self) {
             continue;
         }
         if (std::strlen(line) > LINE_LENGTH_MAX) {
+            const WholeOutput output;
             std::printf("Line too long\n");
             continue;
         }
@@ -90,14 +106,9 @@ void ROUTERShell_main(ROUTERShellInstance* self) {
             continue;
         }
         if (isCommandFile) {
-            for (int i = 0; i < wordCount; ++i) {
-                std::printf("%s ", words[i]);
-            }
-            std::printf("\n");
-            flushOutput();
+            printWords({words, static_cast<std::size_t>(wordCount)});
         }
         ROUTERShell_parseCommand(self, words, wordCount);
-        flushOutput();
     }
     ROUTERShell_g_terminate = 1;
 }

@@ -166,7 +166,8 @@ struct EndpointOperations {
     }
 
     static ZULTypePlugin* newPlugin(const char* typeName) {
-        auto* plugin = ZULHeap_allocate<ZULTypePlugin>();
+        const DDS_TypeCode* code = typeCodeOrNull(IdlType{});
+        auto* plugin = code != nullptr ? ZULHeap_allocate<ZULTypePlugin>() : nullptr;
         if (plugin != nullptr) {
             *plugin = {
                 .onParticipantAttached = ZULParticipantData_new,
@@ -186,7 +187,7 @@ struct EndpointOperations {
                 .getKeyKind = keyKind,
                 .serializeKey = nullptr,
                 .deserializeKey = nullptr,
-                .typeCode = idl::typeCode(IdlType{}),
+                .typeCode = code,
                 .getBuffer = ZULEndpointData_getBuffer,
                 .returnBuffer = ZULEndpointData_returnBuffer,
                 .typeName = typeName,

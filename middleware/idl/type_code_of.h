@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 namespace zul::idl {
 
@@ -104,6 +105,16 @@ const DDS_TypeCode* typeCode(Union<Record>) {
         return built;
     }();
     return &code;
+}
+
+// The same for whoever promises a failure instead of an exception: null when memory is exhausted.
+template <class IdlType>
+const DDS_TypeCode* typeCodeOrNull(IdlType type) {
+    try {
+        return typeCode(type);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 } // namespace zul::idl

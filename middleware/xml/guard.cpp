@@ -57,8 +57,13 @@ DocumentPtr Guard::read() {
         error_.set(0, OUT_OF_MEMORY);
         return nullptr;
     }
+    // What the library reports without naming a parser, such as a broken encoding, it would print.
+    const xmlStructuredErrorFunc previous = xmlStructuredError;
+    void* const previousContext = xmlStructuredErrorContext;
+    xmlSetStructuredErrorFunc(nullptr, [](void*, xmlError*) {});
     DocumentPtr document(xmlCtxtReadIO(parser_.get(), onRead, nullptr, this, nullptr, nullptr,
                                        XML_PARSE_NONET | XML_PARSE_COMPACT));
+    xmlSetStructuredErrorFunc(previousContext, previous);
     return error_.text.empty() ? std::move(document) : nullptr;
 }
 

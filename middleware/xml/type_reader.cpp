@@ -70,11 +70,17 @@ void TypeReader::readSections(const TypeSections& sections, Scope scope) {
 }
 
 void TypeReader::readDefinitions(Element parent, Scope scope) {
-    for (const TypeElement* child = parent.first; child != nullptr; child = child->next) {
+    for (const TypeElement* child = parent.first; child != nullptr && !hasTooLongNames();
+         child = child->next) {
         const std::string_view ownName = attribute(*child, "name");
         const std::string name = ownName.empty() ? "" : scopedName(scope, ownName);
-        ZULXMLTypeEntry* entry = name.empty() ? nullptr : beginEntry(*child, name);
+        ZULXMLTypeEntry* entry = nullptr;
         try {
+            if (!name.empty()) {
+                std::string place = placeOf(child->line);
+                countName(*child, name.size() + place.size());
+                entry = beginEntry(*child, name, std::move(place));
+            }
             const Definition* definition = findDefinition(child->tag);
             if (definition == nullptr) {
                 fail(*child,
@@ -126,14 +132,26 @@ void TypeReader::observe(const TypeElement* definition, const ZULXMLError& error
     }
 }
 
+// Includes put the names of the modules around them before all that they bring.
+void TypeReader::countName(Element element, std::size_t bytes) {
+    constexpr const char* TOO_LONG = "the names of the types are too long in all, with those of the modules "
+                                     "and files that they are in; shorten these";
+    if (hasTooLongNames()) {
+        throw Consequence{{element.line, TOO_LONG}};
+    }
+    names_ += bytes;
+    if (hasTooLongNames()) {
+        fail(element, TOO_LONG);
+    }
+}
+
 // The first of several counts, and any definition more than an announcement.
-ZULXMLTypeEntry* TypeReader::beginEntry(Element element, Name name) {
-    const auto [place, isNew] = types_.byName.try_emplace(name);
-    ZULXMLTypeEntry& entry = place->second;
+ZULXMLTypeEntry* TypeReader::beginEntry(Element element, Name name, std::string place) {
+    const auto [known, isNew] = types_.byName.try_emplace(name);
+    ZULXMLTypeEntry& entry = known->second;
     const bool counts = isNew || (entry.tag == "forward_dcl" && element.tag != entry.tag);
     if (counts) {
-        entry = {
-            .tag = std::string(element.tag), .line = lineOf(element.line), .place = placeOf(element.line)};
+        entry = {.tag = std::string(element.tag), .line = lineOf(element.line), .place = std::move(place)};
     }
     return counts ? &entry : nullptr;
 }
@@ -149,7 +167,8 @@ std::string TypeReader::placeOf(std::int32_t innermost) const {
 }
 
 // Keeps what is wrong with a definition where its name is looked up, and marks the name for those that use
-// it. A failed include has no name: it is what may be missing where a name is not found.
+// it. A failed include has no name: it is what may be missing where a name is not found. So is all that comes
+// after names that are too long.
 void TypeReader::tell(Element element, Name name, ZULXMLTypeEntry* entry, ZULXMLError error,
                       bool isConsequence) {
     error = placed(element, error);
@@ -157,10 +176,10 @@ void TypeReader::tell(Element element, Name name, ZULXMLTypeEntry* entry, ZULXML
     if (!isConsequence) {
         observe(&element, error);
     }
+    if (hasTooLongNames() || (entry == nullptr && element.tag == "include")) {
+        types_.missing.set(error.line, error.text);
+    }
     if (entry == nullptr) {
-        if (element.tag == "include") {
-            types_.missing.set(error.line, error.text);
-        }
         return;
     }
     entry->line = error.line;
@@ -318,7 +337,9 @@ void TypeReader::readEnum(Element element, Scope scope, Name name) {
                                 .isDiscrete = true,
                                 .value = *value,
                                 .enumeration = symbol.type};
-        symbols_.add(scopedName(scope, attribute(child, "name")), enumerator);
+        const std::string enumeratorName = scopedName(scope, attribute(child, "name"));
+        countName(child, enumeratorName.size());
+        symbols_.add(enumeratorName, enumerator);
         next = value->negative ? Integer{value->magnitude > 1, value->magnitude - 1}
                                : Integer{false, value->magnitude + 1};
     });

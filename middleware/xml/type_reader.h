@@ -25,7 +25,7 @@ struct ZULXMLTypeSet {
     std::pmr::monotonic_buffer_resource memory{}; // freed as a whole
     std::pmr::deque<DDS_TypeCode> codes{&memory};
     zul::xml::ByName<ZULXMLTypeEntry> byName{&memory};
-    ZULXMLError missing{}; // the first include that failed
+    ZULXMLError missing{}; // the first include that failed, or that the names are too long in all
 };
 
 namespace zul::xml {
@@ -105,8 +105,11 @@ private:
     // type_reader.cpp: sections, modules and small definitions
     void readSections(const TypeSections& sections, Scope scope);
     void readDefinitions(Element parent, Scope scope);
+    // Counts the bytes of a name that is kept, and of where it is; refuses them when there are too many.
+    void countName(Element element, std::size_t bytes);
+    bool hasTooLongNames() const { return names_ > ZUL_XML_FULL_NAMES_MAX; }
     // The entry of the name that the element defines, if the element is the one that counts; otherwise null.
-    ZULXMLTypeEntry* beginEntry(Element element, Name name);
+    ZULXMLTypeEntry* beginEntry(Element element, Name name, std::string place);
     void tell(Element element, Name name, ZULXMLTypeEntry* entry, ZULXMLError error,
               bool isConsequence = false);
     void observe(const TypeElement* definition, const ZULXMLError& error) const;
@@ -166,6 +169,7 @@ private:
     const TypeSections* sections_ = nullptr;           // those being read
     std::vector<Include> includes_;                    // that lead to it, from the outermost in
     std::set<std::string> included_;                   // files
+    std::size_t names_ = 0; // bytes of the names that are kept, of all files, and of their places
 };
 
 // The type that `type` names through its typedefs; null for null.

@@ -78,7 +78,7 @@ bool Endpoints::createParticipant(std::int32_t domain, const std::string& router
 
 DDS_Topic* Endpoints::createTopic(ZULTypePlugin* plugin, const DDS_TypeCode* federationType,
                                   const char* typeName, const char* topicName) {
-    if (plugin == nullptr) {
+    if (plugin == nullptr || federationType == nullptr) {
         return nullptr;
     }
     // The federation variant keeps the routing module's codec and announces its own description of the type.

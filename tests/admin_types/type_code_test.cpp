@@ -1,6 +1,8 @@
 // The type codes of both modules: what is announced of each type, and how they link.
 #include "admin_types/data_types.h"
 #include "tests/middleware/type_code_text.h"
+#include "tests/support/failing_heap.h"
+#include "tests/support/failing_new.h"
 
 #include <gtest/gtest.h>
 
@@ -35,6 +37,12 @@ std::string replaced(std::string text, const std::vector<std::pair<std::string, 
 
 #define ZUL_TEMPLATE "tests/admin_types/type_code.inc"
 TEST(TypeCodes, OneThatIsAnnouncedOtherwise) {
+    g_newCanFail = true; // each is built once, here
+    EXPECT_GT(failEachAllocation([] {
+                  return ZUL_FederationService_Administration_CommandRequest_get_typecode() != nullptr;
+              }),
+              0);
+    g_newCanFail = false;
     std::string announced;
 #include "admin_types/family/routing_types.inc"
     EXPECT_EQ(announced, replaced(TYPE_CODES + "$EntityName alias<string(255)>\n",

@@ -6,7 +6,7 @@ import signal
 import tempfile
 import time
 
-from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, Program, SessionTest, Shell
+from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, WRITE, Program, SessionTest, Shell
 
 ENABLE_SYNTAX = "Command syntax: enable <target_router> [<entity_name>]\n"
 GET_SYNTAX = "Command syntax: get <target_router>\n"
@@ -23,7 +23,9 @@ class Terminal(SessionTest):
         router.expect(r"DISABLE[^\n]*DefaultDomainRoute")
         self.assertRegex(shell.run("get r1"), r"(?s)\AResult: <dds>.*</dds>\n\n\Z")
         self.assertEqual(shell.run(""), "")
-        # What a router or a shell sends is shown, not obeyed.
+        # What a line holds is shown, not obeyed, and so is what a router or a shell sends.
+        for line, printed in ('"\u009b7m"', "Unknown command: "), ('load r1 c "\u009b7m" local', "local file "):
+            self.assertIn(printed + "\\xc2\\x9b7m\n", shell.run(line))
         self.assertRegex(shell.run('enable r1 "\u009b7m\u00e9"'), r"Error: [^\n]*\\xc2\\x9b7m\u00e9[^\n]*\n\Z")
         router.expect(r"entity \\xc2\\x9b7m\u00e9: ")
         # End of input, twice: the last command's first word runs again by itself, and the terminal is read on.
@@ -116,6 +118,21 @@ class Input(SessionTest):
             os.close(output)
             shell.send("foo\nget\nhelp\nexit\n")
             self.assertEqual(shell.wait()[0], 0)
+
+    def test_a_signal_while_there_is_no_room_for_output(self):
+        shell = self.shell()
+        shell.send("sleep 1000\n")
+        shell.wait_until_in(CLOCK_NANOSLEEP)
+        shell.open_ends.remove(shell.read_end)
+        output = os.open(f"/proc/{shell.process.pid}/fd/1", os.O_WRONLY | os.O_NONBLOCK)
+        with open(output, "wb", 0) as pipe:
+            while pipe.write(b" " * 4096):
+                pass
+        shell.signal(signal.SIGINT)
+        shell.wait_until_in(WRITE)
+        shell.signal(signal.SIGINT)  # takes effect when the prompt is printed
+        shell.open_ends.add(shell.read_end)
+        self.assertEqual(shell.expect(f"{Shell.PROMPT}\n")[0].strip(" "), "")
 
 
 class CommandFile(SessionTest):

@@ -82,6 +82,7 @@ TEST_F(Commands, SendNamesUpToTheirLimitAndRefuseLongerOnes) {
         for (const auto& [target, entity] : {std::pair(255UL, 1UL), {1UL, longest + 1}}) {
             EXPECT_FALSE(prepare(target, entity));
             EXPECT_TRUE(std::string(result.textBuffer).ends_with(" too long")) << result.textBuffer;
+            EXPECT_EQ(std::exchange(result.kind, 0), ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR);
             EXPECT_NE(log.take().find("[sender] failure: "), std::string::npos);
             EXPECT_EQ(client.commandSample->id.invocation, invocation);
         }
@@ -123,6 +124,9 @@ TEST_F(Commands, SendTextInPieces) {
         EXPECT_EQ(pieces(), expected);
         EXPECT_STREQ(result.text, expected.empty() ? "xmlUrl too long" : "done");
     }
+    ZULHeap_failAfter(0);
+    EXPECT_EQ(load("session.x=1", true), ROUTER_URL_COMMAND_SEND_ERROR); // not as a path
+    ZULHeap_failAfter(-1);
 }
 
 TEST_F(Commands, SendALocalFileInPieces) {

@@ -102,6 +102,7 @@ TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
         {open + "<a>\xC3\x28</a></dds>", 2, "UTF-8"},
         {open + "\n<a name='\xED\xA0\x80'/></dds>", 3, ""},
         {open + std::string("<a>\0</a></dds>", 15), 2, ""},
+        {"<?xml version='1.0' encoding='SHIFT_JIS'?>\n<dds>\x81 x</dds>", 2, "Premature end"},
         {open + "<a>\n</b></dds>", 3, "mismatch"},
         {open + "<a name=''/></dds>", 2, "1 to 255 characters"},
         {open + "<a name='" + longName + "'/></dds>", 2, "1 to 255 characters"},
@@ -110,6 +111,7 @@ TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
         {"<dds/>\n<dds/>", 2, "Extra content"},
         {"", 1, ""},
     };
+    testing::internal::CaptureStderr();
     for (const auto& [text, line, reason] : rows) {
         const std::string head = text.substr(0, 60);
         const DocumentPtr document = readText(text);
@@ -120,6 +122,7 @@ TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
         EXPECT_FALSE(document->error.text.empty());
         EXPECT_NE(log.take().find("XML line " + std::to_string(line)), std::string::npos);
     }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); // the library's words, too
     for (const char* path : {"/nonexistent/file.xml", "/dev/zero", "/"}) {
         const DocumentPtr document = readFile(path);
         EXPECT_EQ(document->root, nullptr);

@@ -122,6 +122,20 @@ TEST(TypeRefusals, AnIncludedFileThatIsReadTwiceOrToldOfWrongly) {
     std::ofstream(path / "b.xml") << typesDocument(forEach("a.xml", include) + structOf(member(BYTE), "B"));
     std::ofstream(path / "c.xml") << typesDocument("\n" + forEach("d.xml http://host/e.xml", include));
     std::ofstream(path / "d.xml") << typesDocument("<enum name='E'/>" + structOf(member(named("E")), "D"));
+    std::string modules, ends, structs; // an included file multiplies the names of the modules around it
+    for (int i = 0; i < 60; ++i) {
+        modules += "<module name='" + std::string(255, 'm') + "'>";
+        ends += "</module>";
+    }
+    for (int i = 0; i < 1200; ++i) {
+        structs += structOf(member(BYTE), "S" + std::to_string(i));
+    }
+    std::ofstream(path / "s.xml") << typesDocument(structs);
+    std::ofstream(path / "m.xml") << typesDocument(modules + forEach("s.xml", include) + ends);
+    const DocumentPtr longNames = readFile(path / "m.xml");
+    EXPECT_EQ(ROUTERUtils_getTypeCodeFromXMLDom(longNames.get(), "S0"), nullptr);
+    EXPECT_TRUE(
+        longNames->error.text.starts_with("in 's.xml', line 2: the names of the types are too long in all"));
     const DocumentPtr document = readFile(path / "a.xml");
     for (const auto& [name, line, wrong] :
          {std::tuple{"M::B", 0, ""},
