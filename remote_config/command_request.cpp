@@ -10,7 +10,6 @@ namespace zul::remote_config {
 
 bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfigResult* result) {
     remoteConfigWarning(context, ZUL_LOG_ANY_FAILURE_s, message);
-    result->kind = ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_ERROR;
     ZULString_copyBounded(result->textBuffer, sizeof(result->textBuffer), message);
     return false;
 }

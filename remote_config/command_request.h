@@ -16,8 +16,7 @@ struct Sender {
     Sender(const char* name, std::int32_t kind) : context(name), command(*admin::findCommand(kind)) {}
 };
 
-// Reports a refused argument: a warning in the log, and the same text, as an error, for the operator.
-// Always false.
+// Reports a refused argument: a warning in the log, and the same text for the operator. Always false.
 bool refuseArgument(const char* context, const char* message, ROUTERRemoteConfigResult* result);
 
 // False: a name is too long, and refused. `name` is empty where the command carries none.
