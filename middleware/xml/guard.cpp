@@ -17,6 +17,11 @@ bool isInTag(const xmlParserCtxt& parser) {
            parser.instate != XML_PARSER_CDATA_SECTION;
 }
 
+// Every error has a message, unless memory was too short for that, too.
+bool isOfMemory(const xmlError& error) {
+    return error.code == XML_ERR_NO_MEMORY || error.message == nullptr;
+}
+
 } // namespace
 
 Source textSource(std::string_view text) {
@@ -60,10 +65,15 @@ DocumentPtr Guard::read() {
     // What the library reports without naming a parser, such as a broken encoding, it would print.
     const xmlStructuredErrorFunc previous = xmlStructuredError;
     void* const previousContext = xmlStructuredErrorContext;
-    xmlSetStructuredErrorFunc(nullptr, [](void*, xmlError*) {});
+    xmlSetStructuredErrorFunc(this, [](void* self, xmlError* error) {
+        if (isOfMemory(*error)) {
+            static_cast<Guard*>(self)->error_.set(0, OUT_OF_MEMORY);
+        }
+    });
     DocumentPtr document(xmlCtxtReadIO(parser_.get(), onRead, nullptr, this, nullptr, nullptr,
                                        XML_PARSE_NONET | XML_PARSE_COMPACT));
     xmlSetStructuredErrorFunc(previousContext, previous);
+    isOutOfMemory_ = error_.text == OUT_OF_MEMORY;
     return error_.text.empty() ? std::move(document) : nullptr;
 }
 
@@ -95,7 +105,7 @@ void Guard::noteError(void* context, xmlError* error) {
     }
     Guard& guard = of<Guard>(context);
     guard.protect([&] {
-        const std::string_view message = error->message != nullptr ? error->message : "not well-formed";
+        const std::string_view message = isOfMemory(*error) ? OUT_OF_MEMORY : error->message;
         guard.error_.set(std::max(error->line, 1), std::string(message.substr(0, guard.rules_.messageMax)));
         xmlStopParser(guard.parser());
     });

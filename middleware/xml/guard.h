@@ -54,6 +54,8 @@ public:
     // does not tell.
     DocumentPtr read();
     ZULXMLError takeError() { return std::move(error_); }
+    // Whether that is all that was wrong.
+    bool isOutOfMemory() const { return isOutOfMemory_; }
     std::int32_t line() const; // where the parser is
 
 protected:
@@ -102,6 +104,7 @@ private:
     std::stop_token stop_;
     std::unique_ptr<xmlParserCtxt, ParserDeleter> parser_;
     ZULXMLError error_;
+    bool isOutOfMemory_ = false;
     std::size_t bytes_ = 0;      // handed out so far
     std::size_t sinceEvent_ = 0; // and since the last event
 };

@@ -149,6 +149,7 @@ XmlDocument parse(std::string_view text, Tree tree, const std::stop_token& stop,
     }
     Reader reader(text, tree, stop, names);
     XmlDocument document = reader.read();
+    requireMemory(!reader.isOutOfMemory());
     return document != nullptr ? std::move(document) : throw reader.refusal();
 }
 
