@@ -3,7 +3,6 @@
 import os
 import re
 import signal
-import tempfile
 import time
 
 from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, Program, SessionTest, Shell
@@ -123,10 +122,8 @@ class CommandFile(SessionTest):
 
     def test_runs_to_its_end_with_echo_and_stops(self):
         self.router()
-        with tempfile.NamedTemporaryFile("w", suffix=".cmd") as commands:
-            commands.write('enable\n\nget r1  \nenable r1 "\u009b7m"\n"get" nobody')
-            commands.flush()
-            status, output = self.enterContext(Shell(self.domain, "-timeout", "2", "-cmdFile", commands.name)).wait()
+        commands = self.file("commands", 'enable\n\nget r1  \nenable r1 "\u009b7m"\n"get" nobody')
+        status, output = self.enterContext(Shell(self.domain, "-timeout", "2", "-cmdFile", commands)).wait()
         self.assertEqual(status, 0)
         prompt = Shell.PROMPT
         self.assertTrue(

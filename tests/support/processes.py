@@ -10,6 +10,7 @@ import re
 import select
 import signal
 import subprocess
+import tempfile
 import termios
 import time
 import unittest
@@ -194,6 +195,13 @@ class SessionTest(unittest.TestCase):
     """Starts what a test needs, in the domain of its class, and ends it with the test."""
 
     domain = 0
+
+    def file(self, name, text):
+        """Writes a file, in a folder of its own unless the name has one; returns its path."""
+        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory()), name)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+        return path
 
     def router(self, name="r1", *options, **keywords):
         return self.enterContext(Router(self.domain, name, *options, **keywords))

@@ -6,7 +6,6 @@ import re
 import signal
 import subprocess
 import tempfile
-import unittest
 
 from control import ControlTest, faults, SCHEMA
 from processes import BIN, Program
@@ -44,23 +43,9 @@ class Commands(ControlTest):
                 self.assertTrue(option in manual and option in completed, option)
 
     def test_every_command_does_what_it_says_and_exits_as_it_went(self):
-        self.check_every_command(self.run_text)
-
-    def test_every_command_does_the_same_in_json(self):
-        words = {"ok": "", "error": "error: ", "not_found": "no such entity: "}
-
-        def run(*arguments):
-            status, rows = self.run_json(*arguments)
-            return status, "".join(f"{row['router']}: {row['command']}: {words[row['status']]}{row['message']}\n" for row in rows), ""
-        self.check_every_command(run)
-
-    def check_every_command(self, run):
-        """`run` returns exit status, results as text shows them, and standard error."""
         folder = self.enterContext(tempfile.TemporaryDirectory())
         self.router("r1", "--save-dir", folder)
-        local = os.path.join(folder, "local.xml")
-        with open(local, "w", encoding="utf-8") as file:
-            file.write(DOCUMENT)
+        local = self.file("local.xml", DOCUMENT)
         route = "DefaultDomainRoute"
         for status, expected, *arguments in (
                 (0, "disabled " + route, "disable", "r1", route),
@@ -85,7 +70,7 @@ class Commands(ControlTest):
                 (0, "unloaded other", "unload", "--all"),
                 (1, "no configuration is loaded", "save", "r1,r1")):
             with self.subTest(arguments):
-                found, out, log = run("--discovery", "0.7" if "--all" in arguments else "10", *arguments)
+                found, out, log = self.run_text("--discovery", "0.7" if "--all" in arguments else "10", *arguments)
                 self.assertEqual((found, log), (status, ""), out)
                 self.assertRegex(out, expected)
 
@@ -151,10 +136,8 @@ class Commands(ControlTest):
     def test_an_answer_that_comes_while_another_is_written_counts(self):
         inside = "".join(f"<participant_{i}><domain_id>{i}</domain_id></participant_{i}>" for i in (1, 2))
         inside += "".join(f'<session name="s{i}"/>' for i in range(8000))  # more than a pipe holds
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as file:
-            file.write(f'<dds><routing_service name="top"><domain_route name="d">{inside}</domain_route></routing_service></dds>')
-            file.flush()
-            self.router("big", "--config", file.name, "--delay-ms", "200")
+        document = f'<dds><routing_service name="top"><domain_route name="d">{inside}</domain_route></routing_service></dds>'
+        self.router("big", "--config", self.file("big.xml", document), "--delay-ms", "200")
         slow = self.router("slow", "--delay-ms", "500")
         self.router("quiet", "--silent")
         with subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "-t", "2", "get", "big,slow"], stdout=subprocess.PIPE) as control:
@@ -213,7 +196,3 @@ class Commands(ControlTest):
         silent = self.router("silent", "--silent")  # which obeys all the same
         self.assertEqual(self.run_text("-t", "0.3", "dupdate", "silent", "DefaultDomainRoute", "--xml", "<x/>")[0], 4)
         silent.expect("ENABLE [^\n]*: kept back: OK")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -16,20 +16,19 @@ import termios
 import time
 import unittest
 
-from control import ControlTest
+from control import SHORT_LEASE, ControlTest
 from processes import BIN, WRITE, Program
-from why_test import SHORT_LEASE
 
-NESTED = """<domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1><participant_2><domain_id>6</domain_id>
-</participant_2><session name="s1" enabled="false"><auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route>
-</session><session name="s2"/></domain_route>"""
+NESTED = """<dds><routing_service name="top"><domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1>
+<participant_2><domain_id>6</domain_id></participant_2><session name="s1" enabled="false"><auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route>
+</session><session name="s2"/></domain_route></routing_service></dds>"""
 
 
 class Tree(ControlTest):
     domain = 72
 
     def test_entities_with_their_state_as_text_graph_and_rows(self):
-        self.router("r\"1\\\n\x1b[2J", "--config", self.document(NESTED))
+        self.router("r\"1\\\n\x1b[2J", "--config", self.file("document.xml", NESTED))
         self.router("empty")
         self.router("*")  # is not asked, or everybody would be
         self.assertEqual(self.run_text("unload", "empty")[0], 0)
@@ -52,12 +51,6 @@ class Tree(ControlTest):
         self.assertEqual((status, out.count("{"), out.count("->"), out.count("dashed")), (0, out.count("}"), 4, 1))
         self.assertIn(r'label="r\"1\\\\x0a\\x1b[2J"', out)
         self.assertEqual(self.run_text("--json", "tree", "x", "--dot")[0], 2)
-
-    def document(self, inside):
-        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory()), "document.xml")
-        with open(path, "w", encoding="utf-8") as file:
-            file.write(f'<dds><routing_service name="top">{inside}</routing_service></dds>')
-        return path
 
 
 LEFT, UP, SEARCH, INTERRUPT, END = "\x1b[D", "\x1b[A", "\x12", "\x03", "\x04"
@@ -248,10 +241,8 @@ class Shell(ControlTest):
             self.assertEqual(waiting.wait()[0], 5)
 
     def test_an_answer_cut_off_by_a_terminal_that_changes_its_size(self):
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as long:
-            long.write(f"<dds><routing_service name='S'><documentation>{'x' * 1000000}</documentation></routing_service></dds>")
-            long.flush()
-            self.router("r", "--config", long.name)
+        long = f"<dds><routing_service name='S'><documentation>{'x' * 1000000}</documentation></routing_service></dds>"
+        self.router("r", "--config", self.file("long.xml", long))
         with Prompt(self.domain, self.home) as shell:
             shell.prompt()
             shell.send("get r\n")
@@ -270,10 +261,7 @@ class Shell(ControlTest):
             self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: cannot read standard input: Invalid argument\n"))
 
     def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
-            profile.write(SHORT_LEASE)
-            profile.flush()
-            router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": profile.name})
+        router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", SHORT_LEASE)})
         shell = self.enterContext(Program("zulctl", "-d", self.domain, "--discovery", "0.1", "-t", "0.1", "shell"))
         def ask(expected):
             shell.repeat_until(lambda: shell.send("enable r none\n"), expected)
@@ -289,9 +277,7 @@ class Shell(ControlTest):
     def test_a_long_upload_or_answer_shows_how_far_it_is_on_a_terminal_only(self):
         router = self.router("big", "--count-only")
         self.router("slow", "--delay-ms", "700", "--parts", "30")
-        document = os.path.join(self.home, "document")
-        with open(document, "w", encoding="ascii") as file:
-            file.write("x" * 6_000_000)
+        document = self.file("document", "x" * 6_000_000)
         master, terminal = pty.openpty()
         self.addCleanup(os.close, master)
         shell = self.enterContext(subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "shell"], stdin=subprocess.PIPE,
@@ -324,15 +310,8 @@ class Shell(ControlTest):
         self.assertEqual(self.run_text("load", "big", "c", "--file", document)[2], "")
 
     def test_without_a_place_for_the_history_one_warning(self):
-        blocked = os.path.join(self.home, "file")
-        with open(blocked, "w", encoding="ascii"):
-            pass
-        for environment in ({"HOME": ""}, {"XDG_STATE_HOME": blocked}):
+        for environment in ({"HOME": ""}, {"XDG_STATE_HOME": self.file("file", "")}):
             prompt = self.start(**environment)
             prompt.type("enable ''\n", "zulctl> ")
             prompt.send("exit\n")
             self.assertEqual((prompt.wait()[0], prompt.log.count("no history is kept"), prompt.log.count("\n")), (2, 1, 2), prompt.log)
-
-
-if __name__ == "__main__":
-    unittest.main()

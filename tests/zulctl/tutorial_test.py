@@ -41,7 +41,3 @@ class Tutorial(unittest.TestCase):
             finally:
                 bash.send("kill -CONT $(jobs -p); kill $(jobs -p); echo --over\n")
                 bash.expect("--over")
-
-
-if __name__ == "__main__":
-    unittest.main()

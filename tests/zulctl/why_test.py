@@ -1,19 +1,9 @@
 """Every cause that can be had from live routers, and what other commands say of it."""
 
-import os
 import signal
-import tempfile
-import unittest
 
-from control import ControlTest
-from processes import Program, Router
-
-SHORT_LEASE = """<profiles xmlns="http://www.eprosima.com/XMLSchemas/fastRTPS_Profiles">
-<transport_descriptors><transport_descriptor><transport_id>lo</transport_id><type>UDPv4</type>
-<interfaceWhiteList><address>127.0.0.1</address></interfaceWhiteList></transport_descriptor></transport_descriptors>
-<participant profile_name="p" is_default_profile="true"><rtps><userTransports><transport_id>lo</transport_id></userTransports>
-<useBuiltinTransports>false</useBuiltinTransports><builtin><discovery_config><leaseDuration><sec>2</sec></leaseDuration>
-<leaseAnnouncement><sec>0</sec><nanosec>500000000</nanosec></leaseAnnouncement></discovery_config></builtin></rtps></participant></profiles>"""
+from control import SHORT_LEASE, ControlTest
+from processes import Program
 
 
 class Why(ControlTest):
@@ -61,17 +51,10 @@ class Why(ControlTest):
 
     def test_a_router_that_leaves_or_is_stopped_meanwhile_is_gone(self):
         for number, expected in ((signal.SIGTERM, "gone: it left 0 s ago"), (signal.SIGSTOP, "gone: nothing was heard of it for 2 s")):
-            with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
-                profile.write(SHORT_LEASE)
-                profile.flush()
-                router = self.enterContext(Router(self.domain, "fleeting", "--silent", env={"FASTRTPS_DEFAULT_PROFILES_FILE": profile.name}))
+            router = self.router("fleeting", "--silent", env={"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", SHORT_LEASE)})
             with Program("zulctl", "-d", self.domain, "-t", "60", "get", "fleeting") as waiting:
                 router.expect("kept back")
                 router.signal(number)
                 self.assertEqual(waiting.wait()[0], 4)
                 self.assertIn(expected, waiting.log)
             router.signal(signal.SIGKILL)
-
-
-if __name__ == "__main__":
-    unittest.main()
