@@ -1,25 +1,10 @@
-// What is refused before anything is sent, and how the rest is cut.
+// What is refused before anything is sent.
 #include "fleet/command.h"
 
 #include <gtest/gtest.h>
 
 namespace zul::fleet {
 namespace {
-
-TEST(Command, IsCutAsTheShellCutsALocalFile) {
-    for (const auto& [bytes, sizes] :
-         {std::pair{0, std::vector<std::size_t>{8}}, {4088, {4096}}, {8185, {4096, 4096, 1}}}) {
-        const std::string url = inlineUrl(std::string(static_cast<std::size_t>(bytes), 'x'));
-        std::string joined;
-        std::vector<std::size_t> found;
-        for (const std::string_view piece : piecesOf(url)) {
-            found.push_back(piece.size());
-            joined += piece;
-        }
-        EXPECT_EQ(found, sizes);
-        EXPECT_EQ(joined, url);
-    }
-}
 
 TEST(Command, WhatDoesNotFitIsRefused) {
     const auto names = [](std::size_t length) {
