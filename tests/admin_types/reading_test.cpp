@@ -1,6 +1,7 @@
 // What reading accepts and refuses, and what it then holds; skipping agrees.
 #include "tests/admin_types/samples.h"
 #include "tests/admin_types/wire_text.h"
+#include "tests/support/repeated.h"
 
 #include <gtest/gtest.h>
 
@@ -82,8 +83,8 @@ TEST(Reading, ARequestThatIsReadOtherwise) {
         {"unknown kind", command("0000 0004 0000000F |"), REFUSED},
         {"description of a sender without xml_url", command("0000 0004 00000001 | 0001 0006 00000002 'e' 00 00 00 |"), "0.0.0  1 desc{e,0,}"},
         {"no peers", peers("00000000", ""), "0.0.0  14 peer{dr,1}"},
-        {"sixteen peers", peers("00000010", repeated(16, "00000004 'abc' 00 |")), "0.0.0  14 peer{dr,1" + repeated(16, ",abc") + "}"},
-        {"seventeen peers", peers("00000011", repeated(17, "00000004 'abc' 00 |")), REFUSED},
+        {"sixteen peers", peers("00000010", repeated("00000004 'abc' 00 |", 16)), "0.0.0  14 peer{dr,1" + repeated(",abc", 16) + "}"},
+        {"seventeen peers", peers("00000011", repeated("00000004 'abc' 00 |", 17)), REFUSED},
         {"peer too long", peers("00000001", "00000101" + chars(256) + "00 00 00 00"), REFUSED},
         {"number of peers that overflows", peers("FFFFFFFF", "00000004 'abc' 00 |"), REFUSED},
     };
