@@ -1,12 +1,15 @@
-// What a participant that knows nothing of the administration types learns of them from discovery alone.
+// What is learnt from discovery alone: of the administration types by a participant that knows nothing of
+// them, and of a participant and its reader by a listener of ours, as far as zulctl does not show it.
 #include "admin_types/type_support.h"
 #include "tests/fastdds/participant.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/domain/DomainParticipantFactory.hpp>
 #include <fastdds/dds/domain/DomainParticipantListener.hpp>
 #include <fastrtps/types/TypeObject.h>
+#include <future>
 #include <map>
 #include <mutex>
 
@@ -59,7 +62,29 @@ private:
     std::map<std::string, std::string> seen_;
 };
 
-TEST(Announcement, ATypeThatIsNotOrOtherwiseAnnounced) {
+struct Seen {
+    std::atomic<int> vendor{0};
+    std::atomic<bool> isTold{false};
+    std::promise<std::string> policies{};
+
+    static void noteParticipant(void* self, const DDS_ParticipantBuiltinTopicData* data, DDS_UnsignedLong) {
+        static_cast<Seen*>(self)->vendor = data->rtps_vendor_id[1];
+    }
+    static void noteReader(void* self, const DDS_SubscriptionBuiltinTopicData* data, DDS_UnsignedLong) {
+        const bool isEndless = data->deadline.period.sec == DDS_DURATION_INFINITE.sec &&
+                               data->liveliness.lease_duration.sec == DDS_DURATION_INFINITE.sec;
+        if (!static_cast<Seen*>(self)->isTold.exchange(true)) {
+            static_cast<Seen*>(self)->policies.set_value(std::to_string(data->durability.kind) +
+                                                         std::to_string(data->liveliness.kind) +
+                                                         (isEndless ? " without end" : ""));
+        }
+    }
+};
+
+TEST(Announcement, ATypeVendorOrPolicyThatIsNotOrOtherwiseAnnounced) {
+    Seen seen;
+    const DDS_DomainParticipantListener ours{&seen, Seen::noteParticipant, nullptr, Seen::noteReader};
+    const Participant watching(DOMAIN, {.listener = &ours});
     Listener listener;
     auto* factory = fast::DomainParticipantFactory::get_instance();
     factory->load_profiles();
@@ -96,6 +121,10 @@ TEST(Announcement, ATypeThatIsNotOrOtherwiseAnnounced) {
         {"Federated",
          "ZUL::FederationService::Administration::CommandRequest; 0 id; 1 target_service; 2 command"}};
     EXPECT_EQ(listener.wait(expected.size()), expected);
+    auto policies = seen.policies.get_future();
+    ASSERT_EQ(policies.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    EXPECT_EQ(policies.get(), "00 without end");
+    EXPECT_EQ(seen.vendor, 15);
     EXPECT_EQ(factory->delete_participant(observer)(), 0U);
 }
 
