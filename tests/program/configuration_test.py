@@ -1,5 +1,6 @@
 """Configuration as XML through both programs: every form of a URL, and what the router makes of it."""
 
+import os
 import pathlib
 import tempfile
 
@@ -19,6 +20,8 @@ class Configuration(SessionTest):
             router = self.router(name, "--save-dir", folder, *options)
             shell = self.shell("-timeout", "20", router=router, program=program)
             ok = r"\AResult: .+\n\Z"
+            builtin = pathlib.Path(os.environ["ZUL_SOURCE"], f"resource/xml/ZUL_{name[:-2].upper()}.xml").read_text("utf-8")
+            self.assertEqual(shell.run(f"get {name}"), f"Result: {builtin}\n")
             self.assertRegex(shell.run(f"update {name} . domain_route.participant_2.domain_id=5"), ok)
             # A typed assignment runs to the end of its line, line feed included.
             self.assertRegex(shell.run(f"get {name}"), r"<domain_id>5\s*</domain_id>")
