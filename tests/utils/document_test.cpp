@@ -72,15 +72,10 @@ TEST(Documents, EveryFailedAllocationIsTheFailureThatTheOperationPromises) {
 TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
     CapturedLog log;
     const std::string open = "<dds>\n";
-    const std::string bomb =
-        "<!DOCTYPE dds [\n<!ENTITY a 'aaaaaaaaaa'>\n<!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>]>\n"
-        "<dds>&b;</dds>";
     const std::string longName(ZUL_XML_NAME_MAX + 1, 'n');
     const std::string mib(1 << 20, 'x');
     const std::tuple<std::string, int, const char*> rows[] = {
         {open + repeated("<a>\n", 10000) + repeated("</a>", 10000) + "</dds>", 65, "more than 64 levels"},
-        {open + repeated("<element note='some words that take room'/>", 2500000), 2,
-         "longer than 4194304 bytes"},
         {open + repeated(" ", 100u << 20), 2, "longer than 4194304 bytes"},
         {open + repeated("<a/>\n", ZUL_XML_ELEMENTS_MAX) + "</dds>", 131073, "more than 131072 elements"},
         {open + "<a b='" + mib + "'/></dds>", 2, "longer than 65536 bytes"},
@@ -88,7 +83,6 @@ TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
         {open + "<a " + repeated("b='' ", 12000) + "/></dds>", 2, "Attribute b redefined"},
         {open + "<a name='" + std::string(250, 'x') + "'>" + repeated("<b/>", 80000) + "</a></dds>", 2,
          "too long in all"},
-        {bomb, 2, "must not declare entities"},
         {"<!DOCTYPE dds [\n<!ENTITY a SYSTEM 'file:///etc/hostname'>]><dds>&a;</dds>", 2, "must not declare"},
         {"<!DOCTYPE dds [\n<!ATTLIST a b CDATA 'x'>]><dds/>", 2, "must not declare"},
         {"<!DOCTYPE dds SYSTEM 'x.dtd'>\n<dds>&a;</dds>", 2, "Entity 'a' not defined"},

@@ -6,7 +6,6 @@ import re
 import subprocess
 
 from control import SOURCE, ControlTest
-from processes import BIN
 
 BROKEN = SOURCE / "tests/product/broken_configurations"
 MARK = "<!-- reported: the next line -->"
@@ -74,9 +73,8 @@ class Check(ControlTest):
         self.assertIn("none.xml", rows[1]["message"])
 
     def test_standard_input_and_usage(self):
-        command = [os.path.join(BIN, "zulctl"), "check", "-"]
-        for text, expected in ((b"<dds/>", (0, b"")), (b"<dds>", (1, b"-:1: "))):
-            done = subprocess.run(command, input=text, capture_output=True, check=False, timeout=60)
-            self.assertEqual((done.returncode, done.stdout[:5]), expected)
+        for text, expected in ((b"<dds/>", (0, "")), (b"<dds>", (1, "-:1: "))):
+            status, out, _ = self.run_text("check", "-", input=text)
+            self.assertEqual((status, out[:5]), expected)
         self.assertEqual(self.run_text("check")[0], 2)
         self.assertEqual(self.run_text("check", "--all")[0], 2)
