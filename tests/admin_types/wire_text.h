@@ -17,11 +17,6 @@ struct WireBytes {
     std::set<std::size_t> cuts; // lengths that are still read, the whole one among them
 };
 
-// The wire text of a long string's characters.
-inline std::string chars(std::size_t count) {
-    return "'" + std::string(count, 'n') + "'";
-}
-
 // With an encapsulation header for 0..3; without one, little-endian, for a negative identifier.
 inline WireBytes assemble(const std::string& text, int encapsulationId) {
     WireBytes wire;

@@ -1,6 +1,7 @@
 """What is installed: a program built against it, the programs from the Debian package, manual pages, completion."""
 
 import os
+import pathlib
 import re
 import subprocess
 import tempfile
@@ -52,8 +53,7 @@ class Install(SessionTest):
 
     def test_the_installed_readme_names_only_what_is_installed(self):
         share = os.path.join(self.prefix, "share")
-        with open(f"{share}/doc/zul-remote-config/README.md", encoding="utf-8") as file:
-            text = file.read()
+        text = pathlib.Path(share, "doc/zul-remote-config/README.md").read_text("utf-8")
         self.assertNotIn("./", text)
         named = re.findall(r"/usr/share(/[\w./-]*\w)", text)
         named += [f"/man/man1/{page}.1.gz" for page in re.findall(r"([\w-]+)\(1\)", text)]

@@ -215,7 +215,7 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
     const std::string xml = documentOf({.head = "<outlet/>" + types("<enum name='E'>\n<enumerator name='A'/><enumerator name='B' value='0'/><enumerator name='C'/></enum>"
                                                                     "<typedef/><struct name='S'><member name='m' type='nonBasic'/>"
                                                                     "<member name='n' type='byte' id='x'/></struct>"),
-                                        .participant = "<x/><y/><domain_id>999</domain_id>",
+                                        .participant = "<x/><y/><domain_id>233</domain_id>",
                                         .routes = "text" + route("<output><creation_mode/></output><input/>")});
     EXPECT_EQ(inWords(findFaults(xml, "", {})),
               "2: outlet cannot stand here in dds; expected types, qos_library, adapter_library, routing_service, transformation_library or nothing more\n"
@@ -226,7 +226,7 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
               "3: nonBasicTypeName goes with type=\"nonBasic\", and only with it\n"
               "5: x cannot stand here in participant_1; expected participant_qos, register_type, property or domain_id\n"
               "5: y cannot stand here in participant_1; expected participant_qos, register_type, property or domain_id\n"
-              "5: the domain_id of participant_1 is \"999\"; expected an integer from 0 to 232\n"
+              "5: the domain_id of participant_1 is \"233\"; expected an integer from 0 to 232\n"
               "6: session \"s\" holds text; expected publisher_qos, subscriber_qos, thread_settings, property, reporting, documentation, topic_route, "
               "auto_topic_route, route, auto_route or nothing more\n"
               "7: output cannot stand here in topic_route \"R\"; expected publish_with_original_info, keep_source_timestamp, forward_dispose, "

@@ -31,7 +31,10 @@ TEST(Document, AFaultThatPassesOrIsToldOfAnotherLine) {
         {"<session", std::string("\0<session", 9), "line 10: "},
         {"DefaultSession", "Default\xC3(Session", "line 10: ", "UTF-8"},
         {"", "<routing_service name=\"A\"/>", "line 1: ", "it must be dds"},
+        {"<output/>", "", "line 11: ", "not complete; expected publish_with_original_info, "},
         {"<output/>", "<output><topic_name/><topic_name x=\"\"/></output>", "line 13: ", "expected no attribute"},
+        {"participant=\"1\"", "side=\"1\"", "line 12: ", "no attribute side; expected participant or connection"},
+        {"participant=\"1\"", "participant=\"3\"", "line 12: ", "is \"3\"; expected 1 or 2"},
         {"DefaultSession", std::string(60000, 'n'), "line 10: ", "n...\" of this session is not allowed; "},
         {"<output/>", repeated("\n", 70000) + "<outlet/>", "line 70013: ", "outlet"}, // beyond the library's numbers
         {"</session>", "</session><session name=\"DefaultSession\"/>", "line 15: ", "taken"},

@@ -25,6 +25,7 @@ TEST(Options, OneThatIsNotTaken) {
 }
 
 TEST(Options, ABadOneThatIsTaken) {
+    const std::string longName(255, 'n');
     const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{"--bogus"}, "unknown option --bogus; --help"},
         {{"--domain"}, "needs a value: --domain N"},
@@ -32,6 +33,7 @@ TEST(Options, ABadOneThatIsTaken) {
         {{"--domain", "5x"}, "give an integer"},
         {{"--domain="}, "give an integer"},
         {{"--name", ""}, "1 to 254 characters"},
+        {{"--name", longName.c_str()}, "1 to 254 characters"},
         {{"--silent=yes"}, "takes no value"},
         {{"--parts", "0"}, "from 1 to"},
     };

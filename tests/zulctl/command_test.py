@@ -2,12 +2,13 @@
 
 import json
 import os
+import pathlib
 import re
 import signal
 import subprocess
 import tempfile
 
-from control import ControlTest, faults, SCHEMA
+from control import SCHEMA, SOURCE, ControlTest, faults
 from processes import BIN, Program
 
 SESSION = '<session name="s"/>'
@@ -31,10 +32,8 @@ class Commands(ControlTest):
             self.assertNotEqual(faults(row | bad, SCHEMA), [], bad)
 
     def test_manual_and_completion_know_every_command_and_option(self):
-        packaging = os.path.join(os.environ["ZUL_SOURCE"], "packaging")
-        with open(f"{packaging}/man/zulctl.1", encoding="utf-8") as page, \
-                open(f"{packaging}/bash-completion/zul-shells", encoding="utf-8") as completion:
-            manual, completed = page.read().replace("\\-", "-"), completion.read()
+        manual = (SOURCE / "packaging/man/zulctl.1").read_text("utf-8").replace("\\-", "-")
+        completed = (SOURCE / "packaging/bash-completion/zul-shells").read_text("utf-8")
         commands = re.findall(r"^  ([a-z-]+)  +\w", self.run_text("--help")[1].split("Subcommands:")[1], re.MULTILINE)
         self.assertIn("dupdate", commands)
         for command in commands:
@@ -111,6 +110,7 @@ class Commands(ControlTest):
 
     def test_many_routers_at_once_and_the_worst_of_their_statuses(self):
         folder = self.enterContext(tempfile.TemporaryDirectory())
+        kept = pathlib.Path(folder, "r1.xml")
         self.router("r", "--count", "5", "--parts", "30")
         self.router("quiet", "--silent")
         self.router("q/..", "--save-dir", folder)
@@ -123,10 +123,9 @@ class Commands(ControlTest):
         self.assertEqual(self.run_text("get", "r1,r2", "-o", folder + "/x")[:2], (2, ""))
         self.assertEqual(self.run_text("get", "r1", "-o", folder + "/none/x")[0], 2)
         # No room: what was there stays.
-        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get q/.. -o {folder}/r1.xml"
+        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get q/.. -o {kept}"
         self.assertEqual(subprocess.run(["bash", "-c", full], stderr=subprocess.DEVNULL, check=False, timeout=60).returncode, 2)
-        with open(folder + "/r1.xml", encoding="utf-8") as file:
-            self.assertIn("</dds>", file.read())
+        self.assertIn("</dds>", kept.read_text("utf-8"))
         self.assertEqual(sorted(os.listdir(folder)), ["q%2f...xml", "r1.xml"])
         for expected, routers in ((4, "r1,quiet"), (1, "r1,r2"), (4, "r1,nobody")):
             self.assertEqual(self.run_json("-t", "1.5", "--discovery", "1", "enable", routers)[0], expected, routers)

@@ -3,6 +3,7 @@
 import fcntl
 import json
 import os
+import pathlib
 import pty
 import re
 import resource
@@ -20,8 +21,9 @@ from control import SHORT_LEASE, ControlTest
 from processes import BIN, WRITE, Program
 
 NESTED = """<dds><routing_service name="top"><domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1>
-<participant_2><domain_id>6</domain_id></participant_2><session name="s1" enabled="false"><auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route>
-</session><session name="s2"/></domain_route></routing_service></dds>"""
+<participant_2><domain_id>6</domain_id></participant_2><session name="s1" enabled="false">
+<auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route></session><session name="s2"/></domain_route>
+</routing_service></dds>"""
 
 
 class Tree(ControlTest):
@@ -64,7 +66,7 @@ class Prompt(Program):
         super().__init__("zulctl", "-d", domain, *options, "shell", terminal=True,
                          env={"HOME": home, "TERM": "xterm", "XDG_STATE_HOME": "", **environment})
         fcntl.ioctl(self.write_end, termios.TIOCSWINSZ, struct.pack("4H", 50, 1000, 0, 0))  # no line is broken
-        self.lines = os.path.join(home, ".local/state/zulctl/history")
+        self.lines = pathlib.Path(home, ".local/state/zulctl/history")
 
     def prompt(self):
         return self.expect("zulctl> ")[0]
@@ -113,8 +115,7 @@ class Shell(ControlTest):
         self.assertTrue(first.is_plain())
         self.assertIn("a quote is not closed", first.log)
         self.assertEqual(stat.S_IMODE(os.stat(first.lines).st_mode), 0o600)
-        with open(first.lines, encoding="utf-8") as file:
-            self.assertEqual(file.read().splitlines()[:2], ["enable r none", "enable r two"])
+        self.assertEqual(first.lines.read_text("utf-8").splitlines()[:2], ["enable r none", "enable r two"])
         second = self.start()
         second.ask(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
         second.type(SEARCH + "non", "none")
@@ -178,8 +179,7 @@ class Shell(ControlTest):
                 end(shell)
                 self.assertEqual(shell.wait()[0], 5, (line, end))
                 self.assertTrue(shell.write_end is None or shell.is_plain())
-                with open(shell.lines, encoding="utf-8") as file:
-                    self.assertEqual(file.read().splitlines()[-1], line.rstrip())
+                self.assertEqual(shell.lines.read_text("utf-8").splitlines()[-1], line.rstrip())
 
     def test_stopped_it_gives_the_terminal_back_and_draws_its_prompt_once(self):
         router = self.router("quiet", "--silent")
@@ -206,12 +206,9 @@ class Shell(ControlTest):
             prompt.send(line)
             prompt.until(prompt.is_plain, "it waits in the editor's mode")
             prompt.ask("<ddx\x7fs\n" + END, shown)
-        wanted = os.path.join(self.home, "wanted.xml")
+        wanted = pathlib.Path(self.home, "wanted.xml")
         prompt.type(f"get r -o {wanted}\n", "written")
-        with open(wanted, "r+", encoding="utf-8") as file:
-            text = file.read().replace("<domain_id>1<", "<domain_id>7<")
-            file.seek(0)
-            file.write(text)
+        wanted.write_text(wanted.read_text("utf-8").replace("<domain_id>1<", "<domain_id>7<"), "utf-8")
         prompt.prompt()
         prompt.send(f"apply r {wanted} --backup {self.home}/before.xml\n")
         prompt.until(lambda: "Send 3 commands to r? [y/N] " in prompt.log, "it does not ask")
