@@ -307,7 +307,7 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
 }
 
 Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
-    find({name});
+    find({name, "*"}); // a silent router may have the name of one that answers
     Reach reached = reach(picture(), name);
     for (const Domain* other : others) { // which may have been joined later
         const auto deadline = other->joined() + settings_.discovery;

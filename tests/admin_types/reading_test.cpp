@@ -1,6 +1,7 @@
 // What reading accepts and refuses, and what it then holds; skipping agrees.
 #include "tests/admin_types/samples.h"
 #include "tests/admin_types/wire_text.h"
+#include "tests/support/repeated.h"
 
 #include <gtest/gtest.h>
 
@@ -72,8 +73,8 @@ TEST(Reading, ARequestThatIsReadOtherwise) {
         {"string beyond its parameter", "0001 0004 | 00000003 'r1' 00 00 |" + END, REFUSED},
         {"string length 0", "0001 0004 | 00000000 |" + END, REFUSED},
         {"string without its end", "0001 0007 | 00000003 'r1x' 00 |" + END, REFUSED},
-        {"longest string", "0001 0104 | 00000100" + chars(255) + "00 |" + END, "0.0.0 " + std::string(255, 'n') + " 1"},
-        {"string one longer", "0001 0105 | 00000101" + chars(256) + "00 00 00 00 |" + END, REFUSED},
+        {"longest string", "0001 0104 | 00000100 '" + repeated("n", 255) + "' 00 |" + END, "0.0.0 " + std::string(255, 'n') + " 1"},
+        {"string one longer", "0001 0105 | 00000101 '" + repeated("n", 256) + "' 00 00 00 00 |" + END, REFUSED},
         // Inside the command any unknown member fails, to be understood or not.
         {"unknown member of the command", command(KIND_9 + "0005 0000 |"), REFUSED},
         {"entry to ignore in the command", command(KIND_9 + "3F03 0000 |"), "0.0.0  9"},
@@ -82,9 +83,9 @@ TEST(Reading, ARequestThatIsReadOtherwise) {
         {"unknown kind", command("0000 0004 0000000F |"), REFUSED},
         {"description of a sender without xml_url", command("0000 0004 00000001 | 0001 0006 00000002 'e' 00 00 00 |"), "0.0.0  1 desc{e,0,}"},
         {"no peers", peers("00000000", ""), "0.0.0  14 peer{dr,1}"},
-        {"sixteen peers", peers("00000010", repeated(16, "00000004 'abc' 00 |")), "0.0.0  14 peer{dr,1" + repeated(16, ",abc") + "}"},
-        {"seventeen peers", peers("00000011", repeated(17, "00000004 'abc' 00 |")), REFUSED},
-        {"peer too long", peers("00000001", "00000101" + chars(256) + "00 00 00 00"), REFUSED},
+        {"sixteen peers", peers("00000010", repeated("00000004 'abc' 00 |", 16)), "0.0.0  14 peer{dr,1" + repeated(",abc", 16) + "}"},
+        {"seventeen peers", peers("00000011", repeated("00000004 'abc' 00 |", 17)), REFUSED},
+        {"peer too long", peers("00000001", "00000101 '" + repeated("n", 256) + "' 00 00 00 00"), REFUSED},
         {"number of peers that overflows", peers("FFFFFFFF", "00000004 'abc' 00 |"), REFUSED},
     };
     const std::string full = "0001 000E | 00000002 'e' 00 | 01 00 | 00000002 'x' 00 00 00 | 0002 0004 00000007 |"

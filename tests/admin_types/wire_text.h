@@ -17,14 +17,6 @@ struct WireBytes {
     std::set<std::size_t> cuts; // lengths that are still read, the whole one among them
 };
 
-inline std::string repeated(std::size_t count, const std::string& text) {
-    return count == 0 ? "" : text + repeated(count - 1, text);
-}
-// The wire text of a long string's characters.
-inline std::string chars(std::size_t count) {
-    return "'" + std::string(count, 'n') + "'";
-}
-
 // With an encapsulation header for 0..3; without one, little-endian, for a negative identifier.
 inline WireBytes assemble(const std::string& text, int encapsulationId) {
     WireBytes wire;

@@ -1,4 +1,5 @@
-// What a participant that knows nothing of the administration types learns of them from discovery alone.
+// What is learnt from discovery alone: of the administration types by a participant that knows nothing of
+// them, and of a participant and its reader by a listener of ours, as far as zulctl does not show it.
 #include "admin_types/type_support.h"
 #include "tests/fastdds/participant.h"
 
@@ -40,13 +41,25 @@ public:
     void on_type_discovery(fast::DomainParticipant*, const eprosima::fastrtps::rtps::SampleIdentity&,
                            const eprosima::fastrtps::string_255& topic, const types::TypeIdentifier*,
                            const types::TypeObject* object, types::DynamicType_ptr) override {
-        const std::lock_guard lock(mutex_);
         if (object != nullptr && object->_d() == types::EK_COMPLETE) {
-            seen_[topic.to_string()] = render(object->complete());
-            changed_.notify_all();
+            note(topic.to_string(), render(object->complete()));
         }
     }
-    // What was announced with each topic, once there are so many.
+    DDS_DomainParticipantListener ofOurs() {
+        return {this,
+                [](void* self, const DDS_ParticipantBuiltinTopicData* data, DDS_UnsignedLong) {
+                    static_cast<Listener*>(self)->note("vendor", std::to_string(data->rtps_vendor_id[1]));
+                },
+                nullptr,
+                [](void* self, const DDS_SubscriptionBuiltinTopicData* data, DDS_UnsignedLong) {
+                    const bool isEndless = data->deadline.period.sec == DDS_DURATION_INFINITE.sec &&
+                                           data->liveliness.lease_duration.sec == DDS_DURATION_INFINITE.sec;
+                    static_cast<Listener*>(self)->note("reader", std::to_string(data->durability.kind) +
+                                                                     std::to_string(data->liveliness.kind) +
+                                                                     (isEndless ? " without end" : ""));
+                }};
+    }
+    // What was announced with each topic, the vendor and a reader's policies, once there are so many.
     std::map<std::string, std::string> wait(std::size_t count) {
         std::unique_lock lock(mutex_);
         changed_.wait_for(lock, std::chrono::seconds(20), [&] { return seen_.size() == count; });
@@ -54,13 +67,20 @@ public:
     }
 
 private:
+    void note(const std::string& of, const std::string& what) {
+        const std::lock_guard lock(mutex_);
+        seen_[of] = what;
+        changed_.notify_all();
+    }
     std::mutex mutex_;
     std::condition_variable changed_;
     std::map<std::string, std::string> seen_;
 };
 
-TEST(Announcement, ATypeThatIsNotOrOtherwiseAnnounced) {
+TEST(Announcement, ATypeVendorOrPolicyThatIsNotOrOtherwiseAnnounced) {
     Listener listener;
+    const DDS_DomainParticipantListener ours = listener.ofOurs();
+    const Participant watching(DOMAIN, {.listener = &ours});
     auto* factory = fast::DomainParticipantFactory::get_instance();
     factory->load_profiles();
     fast::DomainParticipantQos qos;
@@ -94,7 +114,9 @@ TEST(Announcement, ATypeThatIsNotOrOtherwiseAnnounced) {
         {"Request", "mutable " + routing + "Request; 0 id; 1 target_router; 2 command"},
         {"Response", routing + "Response; 0 id; 1 kind; 2 message<4096>; 3 is_final"},
         {"Federated",
-         "ZUL::FederationService::Administration::CommandRequest; 0 id; 1 target_service; 2 command"}};
+         "ZUL::FederationService::Administration::CommandRequest; 0 id; 1 target_service; 2 command"},
+        {"vendor", "15"},
+        {"reader", "00 without end"}};
     EXPECT_EQ(listener.wait(expected.size()), expected);
     EXPECT_EQ(factory->delete_participant(observer)(), 0U);
 }

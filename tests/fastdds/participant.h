@@ -7,7 +7,6 @@
 
 struct ParticipantWishes {
     bool announcesTypes = false;
-    const char* name = nullptr;
     const DDS_DomainParticipantListener* listener = nullptr;
 };
 
@@ -16,7 +15,6 @@ struct Participant {
         DDS_DomainParticipantQos qos;
         DDS_DomainParticipantQos_initialize(&qos);
         qos.types.announce_descriptions = wishes.announcesTypes ? 1 : 0;
-        qos.participant_name.name = DDS_String_dup(wishes.name);
         participant =
             DDS_DomainParticipantFactory_create_participant(factory, domain, &qos, wishes.listener, 0);
         DDS_DomainParticipantQos_finalize(&qos);

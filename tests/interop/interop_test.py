@@ -87,7 +87,3 @@ class InteropTest(unittest.TestCase):
                 self.assertEqual((0, "Stopping...\n"), self.shell.exit())
                 self.assertEqual("", self.shell.log + self.router.log)
                 self.check_discovery(product)
-
-
-if __name__ == "__main__":
-    unittest.main()

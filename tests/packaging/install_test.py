@@ -1,6 +1,7 @@
 """What is installed: a program built against it, the programs from the Debian package, manual pages, completion."""
 
 import os
+import pathlib
 import re
 import subprocess
 import tempfile
@@ -52,8 +53,7 @@ class Install(SessionTest):
 
     def test_the_installed_readme_names_only_what_is_installed(self):
         share = os.path.join(self.prefix, "share")
-        with open(f"{share}/doc/zul-remote-config/README.md", encoding="utf-8") as file:
-            text = file.read()
+        text = pathlib.Path(share, "doc/zul-remote-config/README.md").read_text("utf-8")
         self.assertNotIn("./", text)
         named = re.findall(r"/usr/share(/[\w./-]*\w)", text)
         named += [f"/man/man1/{page}.1.gz" for page in re.findall(r"([\w-]+)\(1\)", text)]
@@ -72,18 +72,17 @@ class Install(SessionTest):
                 "-x", "c++", "-", input=text)
 
     def test_a_program_may_use_the_types_alone(self):
-        source = os.path.join(self.directory.name, "types")
-        os.mkdir(source)
-        with open(f"{source}/CMakeLists.txt", "w", encoding="utf-8") as file:
-            file.write("cmake_minimum_required(VERSION 3.25)\nproject(types CXX)\nfind_package(zul_remote_config REQUIRED)\n"
-                       "add_executable(types types.cpp)\ntarget_link_libraries(types zul::remote_config)\n")
-        with open(f"{source}/types.cpp", "w", encoding="utf-8") as file:
-            file.write("""#include "admin_types/type_support.h"
-                int main() {
-                    auto* sample = ZUL_RoutingService_Administration_CommandRequestTypeSupport_create_data();
-                    ZUL_RoutingService_Administration_CommandRequestTypeSupport_print_data(sample, "request", 0);
-                    return ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data(sample);
-                }""")
+        source = os.path.dirname(self.file("CMakeLists.txt", """cmake_minimum_required(VERSION 3.25)
+            project(types CXX)
+            find_package(zul_remote_config REQUIRED)
+            add_executable(types types.cpp)
+            target_link_libraries(types zul::remote_config)"""))
+        self.file(f"{source}/types.cpp", """#include "admin_types/type_support.h"
+            int main() {
+                auto* sample = ZUL_RoutingService_Administration_CommandRequestTypeSupport_create_data();
+                ZUL_RoutingService_Administration_CommandRequestTypeSupport_print_data(sample, "request", 0);
+                return ZUL_RoutingService_Administration_CommandRequestTypeSupport_delete_data(sample);
+            }""")
         self.assertIn("target_router", run(os.path.join(self.build(source), "types")))
 
     def test_the_debian_packages_hold_programs_that_run(self):

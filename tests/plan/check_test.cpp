@@ -3,6 +3,7 @@
 #include "plan/check/check.h"
 #include "plan/document/text.h"
 #include "product/product_info.h"
+#include "tests/support/repeated.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -159,8 +160,8 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         {{.head = LIBRARIES, .routes = route("<input participant='1' connection='1'/><output/>", "route"), .first = connection}, 6,
          "the input of route \"R\" has a participant and a connection; expected one of them"},
         {{.routes = route("<input><topic_name>t</topic_name><content_filter><expression>x</expression>" +
-                          [] { std::string all; for (int i = 0; i < 101; ++i) { all += "<parameter/>"; } return all; }() +
-                          "</content_filter></input><output/>")}, 6, "this is parameter 101 of the content_filter; expected at most 100"},
+                          repeated("<parameter/>", 101) + "</content_filter></input><output/>")}, 6,
+         "this is parameter 101 of the content_filter; expected at most 100"},
         // Types: what is made of a wrong type is not told, nor what the definition has told
         {{.head = types("<struct name='A'><member name='m' type='nonBasic' nonBasicTypeName='X'/></struct>"
                         "<struct name='B'><member name='m' type='nonBasic' nonBasicTypeName='A'/></struct>"),
@@ -214,7 +215,7 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
     const std::string xml = documentOf({.head = "<outlet/>" + types("<enum name='E'>\n<enumerator name='A'/><enumerator name='B' value='0'/><enumerator name='C'/></enum>"
                                                                     "<typedef/><struct name='S'><member name='m' type='nonBasic'/>"
                                                                     "<member name='n' type='byte' id='x'/></struct>"),
-                                        .participant = "<x/><y/><domain_id>999</domain_id>",
+                                        .participant = "<x/><y/><domain_id>233</domain_id>",
                                         .routes = "text" + route("<output><creation_mode/></output><input/>")});
     EXPECT_EQ(inWords(findFaults(xml, "", {})),
               "2: outlet cannot stand here in dds; expected types, qos_library, adapter_library, routing_service, transformation_library or nothing more\n"
@@ -225,7 +226,7 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
               "3: nonBasicTypeName goes with type=\"nonBasic\", and only with it\n"
               "5: x cannot stand here in participant_1; expected participant_qos, register_type, property or domain_id\n"
               "5: y cannot stand here in participant_1; expected participant_qos, register_type, property or domain_id\n"
-              "5: the domain_id of participant_1 is \"999\"; expected an integer from 0 to 232\n"
+              "5: the domain_id of participant_1 is \"233\"; expected an integer from 0 to 232\n"
               "6: session \"s\" holds text; expected publisher_qos, subscriber_qos, thread_settings, property, reporting, documentation, topic_route, "
               "auto_topic_route, route, auto_route or nothing more\n"
               "7: output cannot stand here in topic_route \"R\"; expected publish_with_original_info, keep_source_timestamp, forward_dispose, "
@@ -238,7 +239,7 @@ TEST(Check, AFaultThatHidesAnotherOrComesOutOfOrder) {
 // With the square of their number in any step, each of these would take minutes.
 TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
     constexpr int MANY = 100000;
-    std::string circle, wide, routes, labels, enumerators, unions;
+    std::string circle;
     const auto unionOf = [](const std::string& name, const std::string& cases) {
         return "<union name='" + name + "'><discriminator type='nonBasic' nonBasicTypeName='E'/>" + cases +
                "</union>";
@@ -248,20 +249,19 @@ TEST(Check, AHostileDocumentThatTakesLongOrCrashes) {
         const std::string number = std::to_string(i);
         circle +=
             "<qos_profile name='p" + number + "' base_name='L::p" + std::to_string((i + 1) % MANY) + "'/>";
-        wide += "<x/>";
-        routes +=
-            i % 2 != 0 ? "" : "<topic_route name='r" + number + "'>" + INPUT + "<output/></topic_route>";
-        labels += i % 2 != 0 ? "" : label;
-        enumerators += i % 4 != 0 ? "" : "<enumerator name='e" + number + "'/>";
-        unions += i % 8 != 0 ? "" : unionOf("U" + number, label);
     }
     const std::pair<std::string, std::size_t> rows[] = {
         {documentOf({.head = "<qos_library name='L'>" + circle + "</qos_library>"}), 1},
-        {documentOf({.head = wide + "<y/>"}), MANY + 1},
-        {documentOf({.routes = routes}), 0},
-        {documentOf({.head = types("<enum name='E'><enumerator name='A'/></enum>" + unionOf("U", labels))}),
+        {documentOf({.head = repeated("<x/>", MANY) + "<y/>"}), MANY + 1},
+        {documentOf(
+             {.routes = repeated("<topic_route name='r#'>" + INPUT + "<output/></topic_route>", MANY / 2)}),
+         0},
+        {documentOf({.head = types("<enum name='E'><enumerator name='A'/></enum>" +
+                                   unionOf("U", repeated(label, MANY / 2)))}),
          MANY / 2 - 1},
-        {documentOf({.head = types("<enum name='E'>" + enumerators + "</enum>" + unions)}), 0},
+        {documentOf({.head = types("<enum name='E'>" + repeated("<enumerator name='e#'/>", MANY / 4) +
+                                   "</enum>" + repeated(unionOf("U#", label), MANY / 8))}),
+         0},
         {documentOf({.participant = "<participant_qos><discovery>" +
                                     seconds("announcement_period", "2147483646</sec><sec>2147483646") +
                                     seconds("lease_duration", "1") + "</discovery></participant_qos>"}),

@@ -22,21 +22,14 @@ XmlDocument parse(const std::string& text) {
 }
 
 Answer carryOut(const Step& step, Configuration& router) {
-    switch (step.kind) {
-    case Kind::UPDATE:
-        return router.update(step.entity, step.xml);
-    case Kind::CREATE:
-        return router.create(step.entity, step.xml);
-    case Kind::REMOVE:
-        return router.remove(step.entity);
-    case Kind::ENABLE:
-        return router.changeState(StateChange::ENABLE, step.entity);
-    case Kind::DISABLE:
-        return router.changeState(StateChange::DISABLE, step.entity);
-    case Kind::LOAD:
-        break;
+    const bool enables = step.kind == Kind::ENABLE;
+    if (enables || step.kind == Kind::DISABLE) {
+        return router.changeState(enables ? StateChange::ENABLE : StateChange::DISABLE, step.entity);
     }
-    return router.load(step.xml, step.entity);
+    return step.kind == Kind::UPDATE   ? router.update(step.entity, step.xml)
+           : step.kind == Kind::CREATE ? router.create(step.entity, step.xml)
+           : step.kind == Kind::REMOVE ? router.remove(step.entity)
+                                       : router.load(step.xml, step.entity);
 }
 bool isDone(const Answer& answer) {
     return answer.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;

@@ -1,41 +1,15 @@
-"""The document type definitions of the configuration, checked from outside with xmllint.
-
-What an operator is promised: every shipped configuration follows the definition of its variant,
-a document with one fault does not, and the report names the right line. A file's name begins with
-the variant it belongs to.
-"""
+"""The document type definitions of the configuration: what they declare, and that the table of checks has it."""
 
 import pathlib
 import re
-import subprocess
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 VARIANTS = ("routing", "federation")
-BROKEN = sorted((ROOT / "tests/product/broken_configurations").glob("*.xml"))
-LINE_MARK = "<!-- reported: the next line -->"
 
 
 def dtd_text(variant):
     return (ROOT / f"resource/dtd/{variant}_service.dtd").read_text("ascii")
-
-
-def validate(variant, document):
-    """Validates the bytes `document`; returns xmllint's exit status and what it reports."""
-    command = ["xmllint", "--noout", "--nonet", "--dtdvalid", ROOT / f"resource/dtd/{variant}_service.dtd", "-"]
-    done = subprocess.run(command, input=document, capture_output=True, timeout=60, check=False)
-    return done.returncode, done.stderr.decode("utf-8", "replace")
-
-
-def shipped_documents():
-    """(variant, label, bytes) of everything that has to be accepted."""
-    for path in sorted((ROOT / "examples").glob("*.xml")):
-        yield path.name.split("_")[0], path.name, path.read_bytes()
-    for variant in VARIANTS:
-        path = ROOT / "resource/xml" / f"ZUL_{variant.upper()}_SERVICE.xml"
-        yield variant, path.name, path.read_bytes()
-        for example in re.findall(r"^<dds>$.*?^</dds>$", dtd_text(variant), re.S | re.M):
-            yield variant, f"example inside {variant}_service.dtd", example.encode()
 
 
 def declarations(text):
@@ -53,10 +27,9 @@ def declarations(text):
 class DtdTest(unittest.TestCase):
     def test_every_element_is_declared_once_and_used(self):
         for variant in VARIANTS:
-            with self.subTest(variant):
-                names, used, with_attributes = declarations(dtd_text(variant))
-                self.assertEqual(sorted(names), sorted(used | {"dds"}))
-                self.assertLessEqual(set(with_attributes), set(names))
+            names, used, with_attributes = declarations(dtd_text(variant))
+            self.assertEqual(sorted(names), sorted(used | {"dds"}), variant)
+            self.assertLessEqual(set(with_attributes), set(names), variant)
 
     def test_values_types_and_qos_are_the_same_in_both_variants(self):
         common = [re.search(r"^     2\. VALUES$.*?<!ELEMENT send_window.*?(?=^     6\. )", dtd_text(variant), re.S | re.M)
@@ -82,24 +55,3 @@ class DtdTest(unittest.TestCase):
         self.assertEqual(with_text - {place.rsplit("/", 1)[-1] for place, attribute in places if not attribute}, free)
         for words in re.findall(r'\.words = "([^"]+)"', table):
             self.assertEqual([word for word in words.split() if not re.search(rf"\b{word}\b", texts)], [])
-
-    def test_shipped_documents_are_accepted(self):
-        shipped = list(shipped_documents())
-        self.assertGreaterEqual(len(shipped), 12)
-        for variant, label, document in shipped:
-            with self.subTest(label):
-                self.assertEqual(validate(variant, document), (0, ""))
-
-    def test_broken_documents_are_refused_with_their_line(self):
-        self.assertGreaterEqual(len(BROKEN), 12)
-        for path in BROKEN:
-            with self.subTest(path.name):
-                document = path.read_bytes()
-                lines = document.decode("utf-8").splitlines()
-                marks = [number for number, line in enumerate(lines, 1) if LINE_MARK in line]
-                self.assertEqual(len(marks), 1)
-                status, report = validate(path.name.split("_")[0], document)
-                self.assertEqual(status, 3, "well-formed, but not valid: " + report)
-                first = re.search(r"^-:(\d+): element \S+: validity error", report, re.M)
-                self.assertIsNotNone(first, report)
-                self.assertEqual(int(first[1]), marks[0] + 1, report)

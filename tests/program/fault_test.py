@@ -61,19 +61,17 @@ class Faults(SessionTest):
 
     def test_signal_ends_a_router_that_computes_or_waits_for_a_shell(self):
         pairs = "".join(f"<element><name>p{i}</name><value>1</value></element>" for i in range(60000))
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as update:
-            update.write(f"<domain_route><property><value>{pairs}</value></property></domain_route>")
-            update.flush()
-            for computes in (True, False):
-                router = self.router()
-                shell = self.shell(router=router)
-                shell.send(f"update r1 DefaultDomainRoute {update.name} local\n")
-                router.expect("piece 700,")
-                if not computes:
-                    router.expect("OK updated")
-                    shell.send("get r1\n")
-                    router.expect("GET")
-                    shell.signal(signal.SIGSTOP)
-                    router.wait_until_idle()  # more parts than it may send without acknowledgement
-                router.signal(signal.SIGTERM)
-                self.assertEqual(router.wait(4.5)[0], 0, "a blocked write once lasted 5 s, this update minutes")
+        update = self.file("update.xml", f"<domain_route><property><value>{pairs}</value></property></domain_route>")
+        for computes in (True, False):
+            router = self.router()
+            shell = self.shell(router=router)
+            shell.send(f"update r1 DefaultDomainRoute {update} local\n")
+            router.expect("piece 700,")
+            if not computes:
+                router.expect("OK updated")
+                shell.send("get r1\n")
+                router.expect("GET")
+                shell.signal(signal.SIGSTOP)
+                router.wait_until_idle()  # more parts than it may send without acknowledgement
+            router.signal(signal.SIGTERM)
+            self.assertEqual(router.wait(4.5)[0], 0, "a blocked write once lasted 5 s, this update minutes")

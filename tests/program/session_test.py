@@ -3,7 +3,6 @@
 import os
 import re
 import signal
-import tempfile
 import time
 
 from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, WRITE, Program, SessionTest, Shell
@@ -63,9 +62,9 @@ class Input(SessionTest):
 
     def test_no_signal_ends_the_shell_and_an_ignored_one_stays_ignored(self):
         shell = self.shell()
-        for number in SIGNALS:
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT, signal.SIGABRT, signal.SIGPIPE):
             # One that arrives before the read has begun does not interrupt it: repeat until it does.
-            shell.signal_until(number, "\n.*> ")
+            shell.repeat_until(lambda: shell.signal(number), "\n.*> ")
         self.assertEqual(shell.exit()[0], 0)
         shell = self.shell(preexec=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
         shell.signal(signal.SIGINT)
@@ -108,7 +107,7 @@ class Input(SessionTest):
             shell.wait_until_in(POLL)
             self.assertTrue(shell.run("o").endswith("Unknown command: foo\n"))
             # A signal interrupts the wait as it does a read.
-            self.assertIn("\nUnknown command: foo\n", shell.signal_until(signal.SIGINT, Shell.PROMPT))
+            self.assertIn("\nUnknown command: foo\n", shell.repeat_until(lambda: shell.signal(signal.SIGINT), Shell.PROMPT))
 
     def test_output_that_is_full_or_closed(self):
         read_end, closed = os.pipe()
@@ -140,10 +139,8 @@ class CommandFile(SessionTest):
 
     def test_runs_to_its_end_with_echo_and_stops(self):
         self.router()
-        with tempfile.NamedTemporaryFile("w", suffix=".cmd") as commands:
-            commands.write('enable\n\nget r1  \nenable r1 "\u009b7m"\n"get" nobody')
-            commands.flush()
-            status, output = self.enterContext(Shell(self.domain, "-timeout", "2", "-cmdFile", commands.name)).wait()
+        commands = self.file("commands", 'enable\n\nget r1  \nenable r1 "\u009b7m"\n"get" nobody')
+        status, output = self.enterContext(Shell(self.domain, "-timeout", "2", "-cmdFile", commands)).wait()
         self.assertEqual(status, 0)
         prompt = Shell.PROMPT
         self.assertTrue(
@@ -158,5 +155,5 @@ class CommandFile(SessionTest):
         shell = self.shell("-cmdFile", "/dev/stdin")
         self.assertEqual(shell.run("foo"), "foo \nUnknown command: foo\n")
         shell.send("get")
-        self.assertEqual(shell.signal_until(signal.SIGTERM, r"Stopping\.\.\.\n").strip("\n"), "")
+        self.assertEqual(shell.repeat_until(lambda: shell.signal(signal.SIGTERM), r"Stopping\.\.\.\n").strip("\n"), "")
         self.assertEqual(shell.wait()[0], 0)

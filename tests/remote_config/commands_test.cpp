@@ -6,6 +6,7 @@
 #include "remote_config/local_file.h"
 #include "remote_config/url_commands.h"
 #include "tests/remote_config/client_fixture.h"
+#include "tests/support/repeated.h"
 
 #include <filesystem>
 #include <fstream>
@@ -214,12 +215,7 @@ std::string convert(const std::string& text) {
 }
 
 TEST(Assignment, BecomesASnippet) {
-    std::string names = "session", opening, closing;
-    for (int i = 2; i <= 31; ++i) {
-        names += ".c";
-        opening += "<c>";
-        closing += "</c>";
-    }
+    const std::string names = "session" + repeated(".c", 30);
     const std::pair<std::string, std::string> cases[] = {
         {"session.s1.property[buffer_size]=\"a<b\"",
          "<session><s1><property><value><element><name>buffer_size</name><value> a&lt;b "
@@ -230,8 +226,9 @@ TEST(Assignment, BecomesASnippet) {
          "<auto_topic_route><x>&lt;&quot;&amp;=&quot;&gt;&apos;\xE4</x></auto_topic_route>"},
         {"auto_route.b[]=a.b[c]", "<auto_route><b>a.b[c]</b></auto_route>"},
         {"routing_service.x=1", "<routing_service><x>1</x></routing_service>"},
-        {"routes.x=1", "<routes><x>1</x></routes>"},                          // a plain prefix test
-        {names + "=v", "<session>" + opening + "v" + closing + "</session>"}, // 31 components
+        {"routes.x=1", "<routes><x>1</x></routes>"}, // a plain prefix test
+        {names + "=v",
+         "<session>" + repeated("<c>", 30) + "v" + repeated("</c>", 30) + "</session>"}, // 31 components
     };
     for (const auto& [text, expected] : cases) {
         EXPECT_EQ(convert(text), "str://\"" + expected + "\"");

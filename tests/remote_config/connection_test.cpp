@@ -2,11 +2,9 @@
 #include "product/product_info.h"
 #include "remote_config/client.h"
 #include "tests/remote_config/client_fixture.h"
+#include "tests/support/failing_heap.h"
 
 namespace {
-
-constexpr const char* NO_VERSION =
-    "[ROUTERRemoteConfigClient_createConnection] failure: set service version\n";
 
 class Connection : public testing::Test {
 protected:
@@ -86,20 +84,19 @@ TEST_F(Connection, AFailedStepLeavesNothingBehind) {
 }
 
 TEST_F(Connection, RunsOutOfMemoryAtEveryAllocation) {
-    bool complete = false;
-    for (long n = 0; !complete; ++n) {
-        ASSERT_LT(n, 1000);
-        SCOPED_TRACE(n);
-        ZULHeap_failAfter(n);
-        const bool initialized = connect();
-        ZULHeap_failAfter(-1);
-        const std::string lines = log.take();
-        complete = initialized && lines.empty();
+    bool isConnected = false;
+    std::string lines;
+    const auto connects = [&] {
+        isConnected = connect();
+        lines = log.take();
+        return isConnected && lines.empty();
+    };
+    failEachAllocation(connects, [&](bool isDone) {
         // The version is what it goes on without.
-        EXPECT_EQ(initialized, complete || lines.find(NO_VERSION) != lines.npos);
-        EXPECT_EQ(initialized, fake_dds::world().isConnected);
+        EXPECT_EQ(isConnected, isDone || lines.find("failure: set service version\n") != lines.npos);
+        EXPECT_EQ(isConnected, fake_dds::world().isConnected);
         expectCleanFinalize();
-    }
+    });
 }
 
 TEST_F(Connection, CloseGoesOnAfterAFailedStepAndKeepsTheSemaphores) {

@@ -119,22 +119,14 @@ TEST_F(Dispatcher, PrintsADupdatesSuccessAsAStatus) {
 TEST_F(Dispatcher, AnnouncesHelpsAndEndsWithoutAnOutcome) {
     EXPECT_EQ(run("hello"), "");
     EXPECT_EQ(requests(), Lines{"* 9"});
-    EXPECT_EQ(run("HELP me"), "\nZUL Routing Service Shell, licensed under the Apache License, Version 2.0\n"
-                              "--------------------------------------------\n"
-                              "Commands:\n"
-                              "load     - Load ZUL Routing Service XML configuration\n"
-                              "unload   - Unload current ZUL Routing Service configuration\n"
-                              "enable   - Enable an entity\n"
-                              "disable  - Disable an entity\n"
-                              "pause    - Pause an entity\n"
-                              "resume   - Resume an entity\n"
-                              "update   - Update the configuration of an entity\n"
-                              "create   - Create an entity\n"
-                              "delete   - Delete an entity\n"
-                              "save     - Save ZUL Routing Service configuration to file\n"
-                              "get      - Get  ZUL Routing Service configuration as a string\n"
-                              "add_peer - Add discovery peer for domain participant\n"
-                              "exit     - Exit the shell\n\n");
+    const std::string help = run("HELP me"), line = std::string(44, '-') + "\n";
+    EXPECT_TRUE(help.starts_with(
+        "\nZUL Routing Service Shell, licensed under the Apache License, Version 2.0\n" + line +
+        "Commands:\nload     - Load ZUL Routing Service XML configuration\nunload   - Unload "));
+    EXPECT_TRUE(help.ends_with("\nget      - Get  ZUL Routing Service configuration as a string\n"
+                               "add_peer - Add discovery peer for domain participant\n"
+                               "exit     - Exit the shell\n\n"));
+    EXPECT_EQ(std::ranges::count(help, '\n'), 18) << help;
     for (const char* word : {"exit", "Quit", "q now"}) {
         ROUTERShell_g_terminate = 0;
         EXPECT_EQ(run(word), "");

@@ -1,5 +1,6 @@
 // Lines and their words: quotes, words that run to the end of the line, and what ends or separates words.
 #include "shell/splitter.h"
+#include "tests/support/repeated.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -62,11 +63,7 @@ TEST(Splitter, WordsOfALine) {
 }
 
 TEST(Splitter, LeavesOutWordsBeyondItsRoom) {
-    std::string line;
-    for (int i = 0; i < 2 * ROUTER_SHELL_MAX_WORDS; ++i) {
-        line += std::to_string(i) + " ";
-    }
-    const Words words = split(line + "str://x");
+    const Words words = split(repeated("# ", std::size_t{2} * ROUTER_SHELL_MAX_WORDS) + "str://x");
     EXPECT_EQ(words.size(), std::size_t{ROUTER_SHELL_MAX_WORDS});
     EXPECT_EQ(words.back(), "255");
     int count = 7;

@@ -10,6 +10,7 @@ import re
 import select
 import signal
 import subprocess
+import tempfile
 import termios
 import time
 import unittest
@@ -96,11 +97,8 @@ class Program:
         before, self.output = self.output[: match.start()], self.output[match.end():]
         return before, match
 
-    def signal_until(self, number, pattern):
-        """Sends the signal again and again until the pattern is printed; returns the text before it."""
-        return self.repeat_until(lambda: self.signal(number), pattern)
-
     def repeat_until(self, action, pattern):
+        """Acts again and again until the pattern is printed; returns the text before it."""
         for _ in range(2 * DEADLINE_SECONDS):
             action()
             try:
@@ -185,7 +183,7 @@ class Shell(Program):
                 if "Error: " in self.expect(re.escape(self.PROMPT), 10)[0]:
                     return
             except AssertionError:  # the answer went astray
-                self.signal_until(signal.SIGINT, re.escape(self.PROMPT))
+                self.repeat_until(lambda: self.signal(signal.SIGINT), re.escape(self.PROMPT))
                 self.run("foo")
         raise AssertionError(f"{router.name} never answered")
 
@@ -194,6 +192,13 @@ class SessionTest(unittest.TestCase):
     """Starts what a test needs, in the domain of its class, and ends it with the test."""
 
     domain = 0
+
+    def file(self, name, text):
+        """Writes a file, in a folder of its own unless the name has one; returns its path."""
+        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory()), name)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+        return path
 
     def router(self, name="r1", *options, **keywords):
         return self.enterContext(Router(self.domain, name, *options, **keywords))
@@ -205,6 +210,3 @@ class SessionTest(unittest.TestCase):
         if router:
             shell.connect(router)
         return shell
-
-
-SIGNALS = (signal.SIGTERM, signal.SIGHUP, signal.SIGINT, signal.SIGABRT, signal.SIGPIPE)

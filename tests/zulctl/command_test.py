@@ -2,13 +2,13 @@
 
 import json
 import os
+import pathlib
 import re
 import signal
 import subprocess
 import tempfile
-import unittest
 
-from control import ControlTest, faults, SCHEMA
+from control import SCHEMA, SOURCE, ControlTest, faults
 from processes import BIN, Program
 
 SESSION = '<session name="s"/>'
@@ -32,10 +32,8 @@ class Commands(ControlTest):
             self.assertNotEqual(faults(row | bad, SCHEMA), [], bad)
 
     def test_manual_and_completion_know_every_command_and_option(self):
-        packaging = os.path.join(os.environ["ZUL_SOURCE"], "packaging")
-        with open(f"{packaging}/man/zulctl.1", encoding="utf-8") as page, \
-                open(f"{packaging}/bash-completion/zul-shells", encoding="utf-8") as completion:
-            manual, completed = page.read().replace("\\-", "-"), completion.read()
+        manual = (SOURCE / "packaging/man/zulctl.1").read_text("utf-8").replace("\\-", "-")
+        completed = (SOURCE / "packaging/bash-completion/zul-shells").read_text("utf-8")
         commands = re.findall(r"^  ([a-z-]+)  +\w", self.run_text("--help")[1].split("Subcommands:")[1], re.MULTILINE)
         self.assertIn("dupdate", commands)
         for command in commands:
@@ -44,23 +42,9 @@ class Commands(ControlTest):
                 self.assertTrue(option in manual and option in completed, option)
 
     def test_every_command_does_what_it_says_and_exits_as_it_went(self):
-        self.check_every_command(self.run_text)
-
-    def test_every_command_does_the_same_in_json(self):
-        words = {"ok": "", "error": "error: ", "not_found": "no such entity: "}
-
-        def run(*arguments):
-            status, rows = self.run_json(*arguments)
-            return status, "".join(f"{row['router']}: {row['command']}: {words[row['status']]}{row['message']}\n" for row in rows), ""
-        self.check_every_command(run)
-
-    def check_every_command(self, run):
-        """`run` returns exit status, results as text shows them, and standard error."""
         folder = self.enterContext(tempfile.TemporaryDirectory())
         self.router("r1", "--save-dir", folder)
-        local = os.path.join(folder, "local.xml")
-        with open(local, "w", encoding="utf-8") as file:
-            file.write(DOCUMENT)
+        local = self.file("local.xml", DOCUMENT)
         route = "DefaultDomainRoute"
         for status, expected, *arguments in (
                 (0, "disabled " + route, "disable", "r1", route),
@@ -85,7 +69,7 @@ class Commands(ControlTest):
                 (0, "unloaded other", "unload", "--all"),
                 (1, "no configuration is loaded", "save", "r1,r1")):
             with self.subTest(arguments):
-                found, out, log = run("--discovery", "0.7" if "--all" in arguments else "10", *arguments)
+                found, out, log = self.run_text("--discovery", "0.7" if "--all" in arguments else "10", *arguments)
                 self.assertEqual((found, log), (status, ""), out)
                 self.assertRegex(out, expected)
 
@@ -126,6 +110,7 @@ class Commands(ControlTest):
 
     def test_many_routers_at_once_and_the_worst_of_their_statuses(self):
         folder = self.enterContext(tempfile.TemporaryDirectory())
+        kept = pathlib.Path(folder, "r1.xml")
         self.router("r", "--count", "5", "--parts", "30")
         self.router("quiet", "--silent")
         odd = "q/..\x7f\x85"
@@ -139,10 +124,9 @@ class Commands(ControlTest):
         self.assertEqual(self.run_text("get", "r1,r2", "-o", folder + "/x")[:2], (2, ""))
         self.assertEqual(self.run_text("get", "r1", "-o", folder + "/none/x")[0], 2)
         # No room: what was there stays.
-        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get 'q/*' -o {folder}/r1.xml"
+        full = f"trap '' XFSZ; ulimit -f 0; {BIN}/zulctl -d {self.domain} get 'q/*' -o {kept}"
         self.assertEqual(subprocess.run(["bash", "-c", full], stderr=subprocess.DEVNULL, check=False, timeout=60).returncode, 2)
-        with open(folder + "/r1.xml", encoding="utf-8") as file:
-            self.assertIn("</dds>", file.read())
+        self.assertIn("</dds>", kept.read_text("utf-8"))
         self.assertEqual(sorted(os.listdir(folder)), ["q%2f..%7f%c2%85.xml", "r1.xml"])
         for expected, routers in ((4, "r1,quiet"), (1, "r1,r2"), (4, "r1,nobody")):
             self.assertEqual(self.run_json("-t", "1.5", "--discovery", "1", "enable", routers)[0], expected, routers)
@@ -152,10 +136,8 @@ class Commands(ControlTest):
     def test_an_answer_that_comes_while_another_is_written_counts(self):
         inside = "".join(f"<participant_{i}><domain_id>{i}</domain_id></participant_{i}>" for i in (1, 2))
         inside += "".join(f'<session name="s{i}"/>' for i in range(8000))  # more than a pipe holds
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as file:
-            file.write(f'<dds><routing_service name="top"><domain_route name="d">{inside}</domain_route></routing_service></dds>')
-            file.flush()
-            self.router("big", "--config", file.name, "--delay-ms", "200")
+        document = f'<dds><routing_service name="top"><domain_route name="d">{inside}</domain_route></routing_service></dds>'
+        self.router("big", "--config", self.file("big.xml", document), "--delay-ms", "200")
         slow = self.router("slow", "--delay-ms", "500")
         self.router("quiet", "--silent")
         with subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "-t", "2", "get", "big,slow"], stdout=subprocess.PIPE) as control:
@@ -214,7 +196,3 @@ class Commands(ControlTest):
         silent = self.router("silent", "--silent")  # which obeys all the same
         self.assertEqual(self.run_text("-t", "0.3", "dupdate", "silent", "DefaultDomainRoute", "--xml", "<x/>")[0], 4)
         silent.expect("ENABLE [^\n]*: kept back: OK")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -3,15 +3,23 @@
 import json
 import os
 import re
+import pathlib
 import subprocess
-import sys
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from processes import BIN, SessionTest  # noqa: E402
+from processes import BIN, SessionTest
 
-with open(os.path.join(os.environ["ZUL_SOURCE"], "docs", "zulctl.schema.json"), encoding="utf-8") as file:
-    SCHEMA = json.load(file)
+SOURCE = pathlib.Path(os.environ["ZUL_SOURCE"])
+SCHEMA = json.loads((SOURCE / "docs/zulctl.schema.json").read_text("utf-8"))
 TYPES = {"string": str, "integer": int, "boolean": bool, "array": list, "object": dict}
+
+
+def profile(more):
+    """The profile that keeps DDS on the loopback interface, and more."""
+    return (SOURCE / "tests/support/loopback_profile.xml").read_text("utf-8").replace("</rtps>", more + "</rtps>")
+
+
+SHORT_LEASE = profile("<builtin><discovery_config><leaseDuration><sec>2</sec></leaseDuration>"
+                      "<leaseAnnouncement><sec>0</sec><nanosec>500000000</nanosec></leaseAnnouncement></discovery_config></builtin>")
 
 
 def faults(value, schema):

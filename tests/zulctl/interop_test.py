@@ -1,15 +1,11 @@
 """zulctl and a router on another maker's DDS stack: every command, as text and as JSON; exact bytes out, answers of either byte order in."""
 
 import os
-import sys
-import tempfile
-import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "interop"))
-import wire  # noqa: E402
-from cyclone import CycloneRouter  # noqa: E402
-from control import rows_of  # noqa: E402
-from processes import Program  # noqa: E402
+import wire
+from control import ControlTest, rows_of
+from cyclone import CycloneRouter
+from processes import Program
 
 ROUTER = "r\xfc 1"
 GREETING, DESCRIPTION, DUMMY, NAME, PEERS = 9, 1, 2, 3, 4
@@ -32,7 +28,8 @@ def upload(kind, name, xml):
 
 
 def command(words, request, answer="part 1, part 2"):
-    return words.split(), [(request, answer)], 0, answer, {"status": "ok", "message": answer, "parts": 2}
+    last = {"command": words.split()[0], "status": "ok", "message": answer, "parts": 2}
+    return words.split(), [(request, answer)], 0, answer, last
 
 
 def uploads(words, xml, *asked):
@@ -54,6 +51,7 @@ TABLE = (
     command("load R c --remote-file /a/b", (1, DESCRIPTION, "c", True, "file:///a/b")),
     command("update R --set session.s.p=5", (4, DESCRIPTION, "", True, f'str://"{SNIPPET.replace(" 5", "5")}"')),
     uploads("load R c --xml", TEXT, *upload(1, "c", TEXT)),
+    uploads("load R c --xml", TEXT[:4088], *upload(1, "c", TEXT[:4088])),  # one piece, which it fills
     uploads("create R session d --xml", "<session/>", *upload(10, "d", "<session/>")),
     uploads("dupdate R d --xml", "<x/>", ((8, NAME, "d"), "off"), *upload(4, "d", "<x/>"), ((7, NAME, "d"), "on again")),
     (["tree", "R"], [(GET, STOPPED)], 0, r"domain_route D \[disabled\]", {"path": "D", "state": "disabled"}),
@@ -67,7 +65,7 @@ TABLE = (
 )
 
 
-class Interop(unittest.TestCase):
+class Interop(ControlTest):
     domain = 69
 
     def answer(self, control, router, name, requests):
@@ -102,14 +100,12 @@ class Interop(unittest.TestCase):
     def check(self, row, router, name, *options):
         """A row of the table in both forms."""
         words, requests, status, shown, last = row
-        folder = self.enterContext(tempfile.TemporaryDirectory())
-        with open(os.path.join(folder, "wanted.xml"), "w", encoding="utf-8") as wanted:
-            wanted.write(RUNNING)
-        words = [{"R": name, "RUNNING": wanted.name}.get(word, word) for word in words]
+        wanted = self.file("wanted.xml", RUNNING)
+        words = [{"R": name, "RUNNING": wanted}.get(word, word) for word in words]
         for form in ("text", "json"):
             with self.subTest(words=words[:3], form=form):
                 form_option = ["--json"] if form == "json" else []
-                backup = ["--backup", f"{folder}/{form}.xml"] if "--yes" in words else []
+                backup = ["--backup", f"{wanted}.{form}"] if "--yes" in words else []
                 typed = f'enable "{name}" D\n' if words == ["shell"] else None
                 found, out = self.run_control(router, name, requests, "--discovery", "3", *form_option, *options, *words, *backup, typed=typed)
                 self.assertEqual(found, status, out)
@@ -144,7 +140,3 @@ class Interop(unittest.TestCase):
                 control.send("get r2\n")
                 control.close_input()
                 self.assertIn("part 1", self.answer(control, router, "r2", [(GET, "part 1")])[1])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,11 +1,11 @@
 """A router that is secured by the profile file: whoever has no credentials is told so, whoever has some is answered."""
 
 import os
+import pathlib
 import subprocess
 import tempfile
-import unittest
 
-from control import ControlTest
+from control import ControlTest, profile
 
 GOVERNANCE = """<dds><domain_access_rules><domain_rule><domains><id_range><min>0</min><max>230</max></id_range></domains>
 <allow_unauthenticated_participants>true</allow_unauthenticated_participants><enable_join_access_control>true</enable_join_access_control>
@@ -19,11 +19,6 @@ PERMISSIONS = """<dds><permissions><grant name="all"><subject_name>CN=member</su
 <not_after>2100-01-01T00:00:00</not_after></validity><allow_rule><domains><id_range><min>0</min><max>230</max></id_range></domains>
 <publish><topics><topic>*</topic></topics></publish><subscribe><topics><topic>*</topic></topics></subscribe></allow_rule><default>DENY</default>
 </grant></permissions></dds>"""
-PROFILE = """<profiles xmlns="http://www.eprosima.com/XMLSchemas/fastRTPS_Profiles"><transport_descriptors><transport_descriptor>
-<transport_id>lo</transport_id><type>UDPv4</type><interfaceWhiteList><address>127.0.0.1</address></interfaceWhiteList>
-</transport_descriptor></transport_descriptors><participant profile_name="p" is_default_profile="true"><rtps><userTransports>
-<transport_id>lo</transport_id></userTransports><useBuiltinTransports>false</useBuiltinTransports><propertiesPolicy><properties>{}
-</properties></propertiesPolicy></rtps></participant></profiles>"""
 PROPERTIES = {
     "auth.plugin": "builtin.PKI-DH", "auth.builtin.PKI-DH.identity_ca": "ca.pem", "auth.builtin.PKI-DH.identity_certificate": "member.pem",
     "auth.builtin.PKI-DH.private_key": "member.key", "access.plugin": "builtin.Access-Permissions",
@@ -32,7 +27,7 @@ PROPERTIES = {
 
 
 def make_credentials(folder):
-    """An authority, one member, and the documents that it signs; returns the profile file."""
+    """An authority, one member, and the documents that it signs; returns the profile."""
     def openssl(*arguments):
         subprocess.run(["openssl", *arguments], cwd=folder, check=True, capture_output=True)
 
@@ -41,15 +36,12 @@ def make_credentials(folder):
     openssl("req", *key, "-keyout", "member.key", "-out", "member.csr", "-subj", "/CN=member")
     openssl("x509", "-req", "-in", "member.csr", "-CA", "ca.pem", "-CAkey", "ca.key", "-CAcreateserial", "-out", "member.pem", "-days", "9")
     for name, text in (("governance", GOVERNANCE), ("permissions", PERMISSIONS)):
-        with open(os.path.join(folder, name + ".xml"), "w", encoding="ascii") as file:
-            file.write(text)
+        pathlib.Path(folder, name + ".xml").write_text(text, "ascii")
         openssl("smime", "-sign", "-in", name + ".xml", "-text", "-out", name + ".p7s", "-signer", "ca.pem", "-inkey", "ca.key")
-    profile = os.path.join(folder, "profile.xml")
-    with open(profile, "w", encoding="ascii") as file:
-        file.write(PROFILE.format("".join(
-            f"<property><name>dds.sec.{name}</name><value>{value if value.startswith('builtin.') else f'file://{folder}/{value}'}</value></property>"
-            for name, value in PROPERTIES.items())))
-    return profile
+    properties = "".join(
+        f"<property><name>dds.sec.{name}</name><value>{value if value.startswith('builtin.') else f'file://{folder}/{value}'}</value></property>"
+        for name, value in PROPERTIES.items())
+    return profile(f"<propertiesPolicy><properties>{properties}</properties></propertiesPolicy>")
 
 
 class Secured(ControlTest):
@@ -57,7 +49,7 @@ class Secured(ControlTest):
 
     def test_who_has_no_credentials_is_told_so_and_who_has_some_is_answered(self):
         folder = self.enterContext(tempfile.TemporaryDirectory())
-        credentials = {"FASTRTPS_DEFAULT_PROFILES_FILE": make_credentials(folder)}
+        credentials = {"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", make_credentials(folder))}
         self.router("vault", env=credentials)
         status, rows = self.run_json("--discovery", "1", "why", "vault")
         self.assertEqual((status, rows[0]["cause"]), (4, "not_authenticated"), rows)
@@ -66,7 +58,3 @@ class Secured(ControlTest):
         self.assertEqual((status, rows[0]["message"].split(":")[0]), (4, "not_authenticated"))
         status, rows = self.run_json("get", "vault", env=os.environ | credentials)
         self.assertEqual((status, rows[0]["status"]), (0, "ok"), rows)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -3,6 +3,7 @@
 import fcntl
 import json
 import os
+import pathlib
 import pty
 import re
 import resource
@@ -16,20 +17,20 @@ import termios
 import time
 import unittest
 
-from control import ControlTest
+from control import SHORT_LEASE, ControlTest
 from processes import BIN, WRITE, Program
-from why_test import SHORT_LEASE
 
-NESTED = """<domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1><participant_2><domain_id>6</domain_id>
-</participant_2><session name="s1" enabled="false"><auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route>
-</session><session name="s2"/></domain_route>"""
+NESTED = """<dds><routing_service name="top"><domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1>
+<participant_2><domain_id>6</domain_id></participant_2><session name="s1" enabled="false">
+<auto_topic_route name="t"><input participant="1"/><output/></auto_topic_route></session><session name="s2"/></domain_route>
+</routing_service></dds>"""
 
 
 class Tree(ControlTest):
     domain = 72
 
     def test_entities_with_their_state_as_text_graph_and_rows(self):
-        self.router("r\"1\\\n\x1b[2J", "--config", self.document(NESTED))
+        self.router("r\"1\\\n\x1b[2J", "--config", self.file("document.xml", NESTED))
         self.router("empty")
         self.router("*")  # is not asked, or everybody would be
         self.assertEqual(self.run_text("unload", "empty")[0], 0)
@@ -53,12 +54,6 @@ class Tree(ControlTest):
         self.assertIn(r'label="r\"1\\\\x0a\\x1b[2J"', out)
         self.assertEqual(self.run_text("--json", "tree", "x", "--dot")[0], 2)
 
-    def document(self, inside):
-        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory()), "document.xml")
-        with open(path, "w", encoding="utf-8") as file:
-            file.write(f'<dds><routing_service name="top">{inside}</routing_service></dds>')
-        return path
-
 
 LEFT, UP, SEARCH, INTERRUPT, END = "\x1b[D", "\x1b[A", "\x12", "\x03", "\x04"
 ROUTE = "DefaultDomainRoute"
@@ -71,7 +66,7 @@ class Prompt(Program):
         super().__init__("zulctl", "-d", domain, *options, "shell", terminal=True,
                          env={"HOME": home, "TERM": "xterm", "XDG_STATE_HOME": "", **environment})
         fcntl.ioctl(self.write_end, termios.TIOCSWINSZ, struct.pack("4H", 50, 1000, 0, 0))  # no line is broken
-        self.lines = os.path.join(home, ".local/state/zulctl/history")
+        self.lines = pathlib.Path(home, ".local/state/zulctl/history")
 
     def prompt(self):
         return self.expect("zulctl> ")[0]
@@ -120,8 +115,7 @@ class Shell(ControlTest):
         self.assertTrue(first.is_plain())
         self.assertIn("a quote is not closed", first.log)
         self.assertEqual(stat.S_IMODE(os.stat(first.lines).st_mode), 0o600)
-        with open(first.lines, encoding="utf-8") as file:
-            self.assertEqual(file.read().splitlines()[:2], ["enable r none", "enable r two"])
+        self.assertEqual(first.lines.read_text("utf-8").splitlines()[:2], ["enable r none", "enable r two"])
         second = self.start()
         second.ask(4 * UP + "\x7f\x7f\x7fthree\n", "named three\n")
         second.type(SEARCH + "non", "none")
@@ -188,8 +182,7 @@ class Shell(ControlTest):
                 end(shell)
                 self.assertEqual(shell.wait()[0], 5, (line, end))
                 self.assertTrue(shell.write_end is None or shell.is_plain())
-                with open(shell.lines, encoding="utf-8") as file:
-                    self.assertEqual(file.read().splitlines()[-1], line.rstrip())
+                self.assertEqual(shell.lines.read_text("utf-8").splitlines()[-1], line.rstrip())
 
     def test_stopped_it_gives_the_terminal_back_and_draws_its_prompt_once(self):
         router = self.router("quiet", "--silent")
@@ -216,12 +209,9 @@ class Shell(ControlTest):
             prompt.send(line)
             prompt.until(prompt.is_plain, "it waits in the editor's mode")
             prompt.ask("<ddx\x7fs\n" + END, shown)
-        wanted = os.path.join(self.home, "wanted.xml")
+        wanted = pathlib.Path(self.home, "wanted.xml")
         prompt.type(f"get r -o {wanted}\n", "written")
-        with open(wanted, "r+", encoding="utf-8") as file:
-            text = file.read().replace("<domain_id>1<", "<domain_id>7<")
-            file.seek(0)
-            file.write(text)
+        wanted.write_text(wanted.read_text("utf-8").replace("<domain_id>1<", "<domain_id>7<"), "utf-8")
         prompt.prompt()
         prompt.send(f"apply r {wanted} --backup {self.home}/before.xml\n")
         prompt.until(lambda: "Send 3 commands to r? [y/N] " in prompt.log, "it does not ask")
@@ -232,9 +222,7 @@ class Shell(ControlTest):
     def test_lines_of_a_pipe_without_prompt_or_history(self):
         self.router("r")
         def run(text, *options):
-            done = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), *options, "shell"], input=text, text=True,
-                                  env=dict(os.environ, HOME=self.home), capture_output=True, check=False, timeout=60)
-            return done.returncode, done.stdout, done.stderr
+            return self.run_text(*options, "shell", input=text.encode(), env=dict(os.environ, HOME=self.home))
         self.assertEqual(run(f"# a comment\n\ndisable r {ROUTE}\nenable r {ROUTE} # again\nenable r none"),
                          (3, f"r: disabled {ROUTE}\nr: enabled {ROUTE}\nr: no such entity: no entity named none\n", ""))
         status, out, log = run("fly\nshell\nenable r \\\nenable r 'x\nenable r a b c\n-d 75 --discovery 0.1 enable r\nquit\nlist\n", "--json")
@@ -242,8 +230,6 @@ class Shell(ControlTest):
         for expected in ("fly", "this is the shell", "ends in a backslash", "quote is not closed", "usage: zulctl enable"):
             self.assertIn(expected, log)
         self.assertEqual((run("")[0], run("help enable\n")[0], os.listdir(self.home)), (0, 0, []))
-        unread = subprocess.run(["bash", "-c", f"{BIN}/zulctl -d {self.domain} shell </"], capture_output=True, check=False, timeout=60)
-        self.assertEqual((unread.returncode, unread.stderr), (2, b"zulctl: cannot read standard input: Is a directory\n"))
         with Program("zulctl", "-d", self.domain, "shell") as waiting:
             waiting.send("help\n")
             waiting.expect("Subcommands")
@@ -251,10 +237,8 @@ class Shell(ControlTest):
             self.assertEqual(waiting.wait()[0], 5)
 
     def test_an_answer_cut_off_by_a_terminal_that_changes_its_size(self):
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as long:
-            long.write(f"<dds><routing_service name='S'><documentation>{'x' * 1000000}</documentation></routing_service></dds>")
-            long.flush()
-            self.router("r", "--config", long.name)
+        long = f"<dds><routing_service name='S'><documentation>{'x' * 1000000}</documentation></routing_service></dds>"
+        self.router("r", "--config", self.file("long.xml", long))
         with Prompt(self.domain, self.home) as shell:
             shell.prompt()
             shell.send("get r\n")
@@ -273,10 +257,7 @@ class Shell(ControlTest):
             self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: cannot read standard input: Invalid argument\n"))
 
     def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
-            profile.write(SHORT_LEASE)
-            profile.flush()
-            router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": profile.name})
+        router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", SHORT_LEASE)})
         shell = self.enterContext(Program("zulctl", "-d", self.domain, "--discovery", "0.1", "-t", "0.1", "shell"))
         def ask(expected):
             shell.repeat_until(lambda: shell.send("enable r none\n"), expected)
@@ -292,9 +273,7 @@ class Shell(ControlTest):
     def test_a_long_upload_or_answer_shows_how_far_it_is_on_a_terminal_only(self):
         router = self.router("big", "--count-only")
         self.router("slow", "--delay-ms", "700", "--parts", "30")
-        document = os.path.join(self.home, "document")
-        with open(document, "w", encoding="ascii") as file:
-            file.write("x" * 6_000_000)
+        document = self.file("document", "x" * 6_000_000)
         master, terminal = pty.openpty()
         self.addCleanup(os.close, master)
         shell = self.enterContext(subprocess.Popen([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "shell"], stdin=subprocess.PIPE,
@@ -327,15 +306,8 @@ class Shell(ControlTest):
         self.assertEqual(self.run_text("load", "big", "c", "--file", document)[2], "")
 
     def test_without_a_place_for_the_history_one_warning(self):
-        blocked = os.path.join(self.home, "file")
-        with open(blocked, "w", encoding="ascii"):
-            pass
-        for environment in ({"HOME": ""}, {"XDG_STATE_HOME": blocked}):
+        for environment in ({"HOME": ""}, {"XDG_STATE_HOME": self.file("file", "")}):
             prompt = self.start(**environment)
             prompt.type("enable ''\n", "zulctl> ")
             prompt.send("exit\n")
             self.assertEqual((prompt.wait()[0], prompt.log.count("no history is kept"), prompt.log.count("\n")), (2, 1, 2), prompt.log)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -4,9 +4,8 @@ import os
 import re
 import unittest
 
+from control import SOURCE
 from processes import BIN, Program
-
-SOURCE = os.environ["ZUL_SOURCE"]
 
 
 def steps(text):
@@ -26,8 +25,7 @@ def essence(lines):
 
 class Tutorial(unittest.TestCase):
     def test_its_commands_print_what_it_says(self):
-        with open(os.path.join(SOURCE, "docs/tutorial.md"), encoding="utf-8") as file:
-            known = list(steps(file.read()))
+        known = list(steps((SOURCE / "docs/tutorial.md").read_text("utf-8")))
         self.assertGreater(len(known), 20)
         with Program("/bin/bash") as bash:
             bash.send(f"exec 2>&1; cd '{SOURCE}'\n")
@@ -41,7 +39,3 @@ class Tutorial(unittest.TestCase):
             finally:
                 bash.send("kill -CONT $(jobs -p); kill $(jobs -p); echo --over\n")
                 bash.expect("--over")
-
-
-if __name__ == "__main__":
-    unittest.main()

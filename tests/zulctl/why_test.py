@@ -1,27 +1,17 @@
 """Every cause that can be had from live routers, and what other commands say of it."""
 
-import os
 import signal
-import tempfile
-import unittest
 
-from control import ControlTest
-from processes import Program, Router
-
-SHORT_LEASE = """<profiles xmlns="http://www.eprosima.com/XMLSchemas/fastRTPS_Profiles">
-<transport_descriptors><transport_descriptor><transport_id>lo</transport_id><type>UDPv4</type>
-<interfaceWhiteList><address>127.0.0.1</address></interfaceWhiteList></transport_descriptor></transport_descriptors>
-<participant profile_name="p" is_default_profile="true"><rtps><userTransports><transport_id>lo</transport_id></userTransports>
-<useBuiltinTransports>false</useBuiltinTransports><builtin><discovery_config><leaseDuration><sec>2</sec></leaseDuration>
-<leaseAnnouncement><sec>0</sec><nanosec>500000000</nanosec></leaseAnnouncement></discovery_config></builtin></rtps></participant></profiles>"""
+from control import SHORT_LEASE, ControlTest
+from processes import Program
 
 
 class Why(ControlTest):
     domain = 67
 
-    def check(self, expected, router, *arguments, domain=None):
+    def check(self, expected, router, *arguments, options=(), domain=None):
         """Asks why; returns text and evidence."""
-        status, rows = self.run_json("--discovery", "1", "-t", "0.7", *arguments, "why", router, domain=domain)
+        status, rows = self.run_json("--discovery", "1", "-t", "0.7", *options, "why", router, *arguments, domain=domain)
         self.assertEqual([row["cause"] for row in rows], [expected], rows)
         self.assertEqual(status, 0 if expected == "answers" else 4)
         return "\n".join([rows[0]["text"], *rows[0]["evidence"]])
@@ -39,8 +29,8 @@ class Why(ControlTest):
                 ("no_such_name", "welt", "there are: well, ")):
             with self.subTest(cause):
                 self.assertIn(fact, self.check(cause, name))
-        self.check("answers", "federal", "--federation")
-        self.assertIn("-d 67", self.check_elsewhere())
+        self.check("answers", "federal", options=["--federation"])
+        self.assertIn("-d 67", self.check("other_domain", "well", "--domains", "67-68", domain=68))
         # The other commands say the same, and do not send what could not be answered.
         status, rows = self.run_json("--discovery", "1", "-t", "0.7", "enable", "quiet,types,effort,mute,federal,welt,well")
         self.assertEqual(status, 4)
@@ -54,24 +44,12 @@ class Why(ControlTest):
         self.router("quiet")  # of two with one name the silent one is explained
         self.assertIn("no answer for 700 ms", self.check("silent", "quiet"))
 
-    def check_elsewhere(self):
-        status, rows = self.run_json("--discovery", "1", "why", "well", "--domains", "67-68", domain=68)
-        self.assertEqual((status, rows[0]["cause"]), (4, "other_domain"))
-        return rows[0]["text"]
-
     def test_a_router_that_leaves_or_is_stopped_meanwhile_is_gone(self):
         for number, expected in ((signal.SIGTERM, "gone: it left 0 s ago"), (signal.SIGSTOP, "gone: nothing was heard of it for 2 s")):
-            with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
-                profile.write(SHORT_LEASE)
-                profile.flush()
-                router = self.enterContext(Router(self.domain, "fleeting", "--silent", env={"FASTRTPS_DEFAULT_PROFILES_FILE": profile.name}))
+            router = self.router("fleeting", "--silent", env={"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", SHORT_LEASE)})
             with Program("zulctl", "-d", self.domain, "-t", "60", "get", "fleeting") as waiting:
                 router.expect("kept back")
                 router.signal(number)
                 self.assertEqual(waiting.wait()[0], 4)
                 self.assertIn(expected, waiting.log)
             router.signal(signal.SIGKILL)
-
-
-if __name__ == "__main__":
-    unittest.main()
