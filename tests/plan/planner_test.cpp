@@ -114,6 +114,8 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "update D::s <session>" + PROPERTY + PARTITION + REPORT + "</session>"},
         {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY + REPORT))),
          "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
+        {document(route("D", "0", session(topics("T")))), document(route("D", "0", session("<property><value><element><name>a</name><value/><propagate>true</propagate></element></value></property>" + topics("T")))),
+         "update D::s <session><property><value><element><name>a</name><value></value><propagate>true</propagate></element></value></property></session>"},
         {document(""), document("<administration><domain_id>3</domain_id></administration>", "<qos_library name='Q'/>"),
          "update  <dds><qos_library name=\"Q\"></qos_library><routing_service name=\"S\"><administration><domain_id>3</domain_id></administration></routing_service></dds>"},
         // The first route gives its domain to the administration; it comes to be another one.
