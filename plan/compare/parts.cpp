@@ -122,17 +122,31 @@ std::string sideOf(const xmlNode* end) {
     return attributeOf(end, "participant") + attributeOf(end, "connection");
 }
 
+// Whether the domain route has the connection of an adapter on that side; the sides come before its sessions.
+bool isConnection(const xmlNode* end, const std::string& side) {
+    constexpr int LEVELS = 3; // to the route, the session, the domain route
+    const xmlNode* around = end;
+    for (int i = 0; i < LEVELS && around != nullptr; ++i) {
+        around = around->parent;
+    }
+    for (const xmlNode* child : elementsIn(around)) {
+        const std::string_view tag = tagOf(child);
+        if (tag.ends_with("_" + side) && (tag.starts_with("participant") || tag.starts_with("connection"))) {
+            return tag.starts_with("connection");
+        }
+    }
+    return false;
+}
+
 void Collector::addSide() {
     std::string side = sideOf(element_);
     if (side.empty() && tag_ == "output") {
         const xmlNode* input = lastChild(element_->parent, "input");
         side = input != nullptr && sideOf(input) == "2" ? "1" : "2";
     }
-    const bool isConnection = xmlHasProp(element_, toXml("connection")) != nullptr;
-    parts_.push_back({.tag = "participant",
-                      .value = side.empty() ? "1" : side,
-                      .written = isConnection ? "connection" : "participant",
-                      .isAttribute = true});
+    side = side.empty() ? "1" : side;
+    const char* word = isConnection(element_, side) ? "connection" : "participant";
+    parts_.push_back({.tag = "participant", .value = std::move(side), .written = word, .isAttribute = true});
 }
 
 void Collector::addItems(const xmlNode* list) {

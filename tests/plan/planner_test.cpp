@@ -95,6 +95,12 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
     const auto changed = [](const std::string& qos) {
         return "update  <dds><qos_library name=\"Q\"><qos_profile name=\"a\">" + qos + "</qos_profile></qos_library></dds>";
     };
+    const auto adapted = [](const std::string& second, const std::string& input, const std::string& output) {
+        return document("<domain_route name='D'><connection_1 plugin_name='L::A'/>" + second + session("<route name='R'><input" + input +
+                        "><stream_name>x</stream_name></input><output" + output + "><topic_name>t</topic_name></output></route>") + "</domain_route>",
+                        "<adapter_library name='L'><adapter_plugin name='A'><library_file>f</library_file><factory_function>f</factory_function></adapter_plugin></adapter_library>");
+    };
+    const std::string ADAPTER = "<connection_2 plugin_name='L::A'/>", PARTICIPANT = "<participant_2><domain_id>1</domain_id></participant_2>";
     const struct { std::string running, wanted, plan; } rows[] = {
         {document(route("D", "0", "")), document(route("D", "0", "")), ""},
         {profiled(""), profiled(RELIABLE), changed(RELIABLE) + "; disable D::s::T; enable D::s::T"},
@@ -116,6 +122,11 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
         {document(route("D", "0", session(topics("T")))), document(route("D", "0", session("<property><value><element><name>a</name><value/><propagate>true</propagate></element></value></property>" + topics("T")))),
          "update D::s <session><property><value><element><name>a</name><value></value><propagate>true</propagate></element></value></property></session>"},
+        // A side is a participant or a connection, as the domain route has it.
+        {adapted(ADAPTER, " connection='2'", " connection='1'"), adapted(ADAPTER, "", ""),
+         "update D::s::R <route><input connection=\"1\"></input><output connection=\"2\"></output></route>"},
+        {adapted(PARTICIPANT, " participant='2'", ""), adapted(PARTICIPANT, "", ""),
+         "delete D::s::R; create D::s <route name=\"R\"><input><stream_name>x</stream_name></input><output><topic_name>t</topic_name></output></route>"},
         {document(""), document("<administration><domain_id>3</domain_id></administration>", "<qos_library name='Q'/>"),
          "update  <dds><qos_library name=\"Q\"></qos_library><routing_service name=\"S\"><administration><domain_id>3</domain_id></administration></routing_service></dds>"},
         // The first route gives its domain to the administration; it comes to be another one.
