@@ -76,7 +76,8 @@ public:
             return;
         }
         // Of a repeated setting the last one counts.
-        xmlNode* found = identity.empty() ? children.findLast(tag) : children.find(tag, identity);
+        const bool isOnly = identity.empty() && !isItem(child);
+        xmlNode* found = isOnly ? children.findLast(tag) : children.find(tag, identity);
         if (found != nullptr) {
             merge(found, child);
         } else {

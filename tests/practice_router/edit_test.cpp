@@ -90,6 +90,7 @@ TEST_F(Edit, AnUpdateThatChangesSomethingElse) {
         {"D", nested("session s2", property("size", "16")), property("size", "16") + "\n            </session>"},
         {"D", "<session name=\"s2\">" + property("new", "1") + "</session>",
          "<value>" + line + "        <element><name>size</name><value>8</value></element>" + line + "        <element><name>new</name>"},
+        {"D", nested("session s2", property("", "1")), "<name>size</name><value>8</value></element>" + line + "        <element><name/>"},
         // Where the definition orders the elements, a new one goes where it belongs.
         {"D::s1::T", "<topic_route><transformation plugin_name=\"L::P\"/></topic_route>",
          "</input>" + line + "    <transformation plugin_name=\"L::P\"/>" + line + "    <output/>"},
