@@ -70,6 +70,14 @@ std::string identityIn(const xmlNode* element, std::string_view parent) {
     return element->properties != nullptr ? nameOf(element) : "";
 }
 
+// Whether an element with policies, or the profile that it is in, starts from another profile.
+bool hasBase(const xmlNode* qos) {
+    const auto has = [](const xmlNode* element) {
+        return element->type == XML_ELEMENT_NODE && xmlHasProp(element, toXml("base_name")) != nullptr;
+    };
+    return has(qos) || (qos->parent != nullptr && has(qos->parent));
+}
+
 class Collector {
 public:
     explicit Collector(const xmlNode* element) : element_(element), tag_(tagOf(element)) {}
@@ -160,10 +168,22 @@ void Collector::addItems(const xmlNode* list) {
                 part.element = item;
             }
         }
-        // No name in a list is the same as one empty name.
-        if (!part.identity.empty() || holdsPairs(tag_)) {
-            parts_.push_back(std::move(part));
-        }
+        parts_.push_back(std::move(part));
+    }
+    if (holdsPairs(tag_)) {
+        return;
+    }
+    // No name in a list is the same as one empty name. It counts where it replaces the names of a base
+    // profile.
+    const auto isEmpty = [](const Part& part) {
+        return part.identity.empty();
+    };
+    const bool isPartition = tag_ == "partition";
+    const bool replaces = isPartition && list != nullptr && hasBase(element_->parent);
+    if (!isPartition || (std::ranges::all_of(parts_, isEmpty) && !replaces)) {
+        std::erase_if(parts_, isEmpty);
+    } else if (parts_.empty()) {
+        parts_.push_back({.isPresent = true});
     }
 }
 

@@ -97,6 +97,8 @@ TEST(Compare, ADifferenceThatIsMissedOrNotNamed) {
         {session("<subscriber_qos name='x'><partition><name><element>y</element></name></partition></subscriber_qos>"),
          session("<subscriber_qos name='z' base_name='Q::P'/>"),
          "changed D::s/subscriber_qos.name: x -> z; removed D::s/subscriber_qos.partition[y]: y -> ; added D::s/subscriber_qos.base_name:  -> Q::P"},
+        {profile("<publisher_qos base_name='Q::P'/>"), profile("<publisher_qos base_name='Q::P'><partition><name/></partition></publisher_qos>"),
+         "added /qos_library[Q].qos_profile[P].publisher_qos.partition[]:  -> "},
         {input(" participant='2'"), input(""), "changed D::s::T/input.participant: 2 -> 1; changed D::s::T/output.participant: 1 -> 2"},
         {input(""), input("", "<content_filter><expression>x</expression><parameter>1</parameter><parameter/></content_filter>"),
          "added D::s::T/input.content_filter.expression:  -> x; added D::s::T/input.content_filter.parameter[0]:  -> 1; added D::s::T/input.content_filter.parameter[1]:  -> "},

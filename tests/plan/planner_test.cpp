@@ -122,6 +122,8 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
         {document(route("D", "0", session(topics("T")))), document(route("D", "0", session("<property><value><element><name>a</name><value/><propagate>true</propagate></element></value></property>" + topics("T")))),
          "update D::s <session><property><value><element><name>a</name><value></value><propagate>true</propagate></element></value></property></session>"},
+        {document(route("D", "0", session(PARTITION + topics("T")))), document(route("D", "0", session("<publisher_qos><partition><name><element>x</element><element/></name></partition></publisher_qos>" + topics("T")))),
+         "update D::s <session><publisher_qos><partition><name><element></element></name></partition></publisher_qos></session>"},
         // A side is a participant or a connection, as the domain route has it.
         {adapted(ADAPTER, " connection='2'", " connection='1'"), adapted(ADAPTER, "", ""),
          "update D::s::R <route><input connection=\"1\"></input><output connection=\"2\"></output></route>"},
