@@ -190,15 +190,6 @@ std::size_t countCharacters(std::string_view text) {
         std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-bool holdsText(const xmlNode* element) {
-    for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (isText(child)) {
-            return true;
-        }
-    }
-    return false;
-}
-
 std::string expectedInteger(const Field& field) {
     const bool isAny = field.least == INTEGER_MIN && field.most == INTEGER_MAX;
     return "an integer " +

@@ -123,6 +123,8 @@ TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
         {UPDATE, "D", "<session name=\"s9\"/>", "session \"s9\" matches nothing"},
         {UPDATE, "D", nested("routing_service administration", ""), "routing_service matches"},
         {UPDATE, "", nested("domain_route documentation", "1"), "several"},
+        {UPDATE, "D", "<session enabled=\"false\"><s1/></session>", "several elements session match"},
+        {UPDATE, "D", "<session>x<s1/></session>", "several elements session match"},
         {UPDATE, "D", nested("domain_route", "5"), "holds elements"},
         {UPDATE, "D", nested("domain_route participant_1", "<domain_id>1</domain_id><domain_id>2</domain_id>"),
          "a second domain_id in participant_1; expected one"},
