@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::string_view TYPES = "types";
 constexpr std::string_view TYPE_ORDER = TYPES;
+constexpr const char* EVERY_TOPIC = "*";
 
 template <std::size_t size>
 bool isOneOf(std::string_view tag, const std::array<std::string_view, size>& tags) {
@@ -35,6 +36,11 @@ bool isFiltered(std::string_view tag, std::string_view parent) {
     return (parent == "qos_profile" || parent == "monitoring") && isOneOf(tag, TAGS);
 }
 
+std::string filterOf(const xmlNode* element) {
+    const std::string filter = attributeOf(element, "topic_filter");
+    return filter.empty() ? EVERY_TOPIC : filter;
+}
+
 bool isQos(std::string_view tag) {
     return tag.ends_with("_qos");
 }
@@ -51,8 +57,7 @@ xmlNode* lastChild(const xmlNode* parent, std::string_view tag) {
 std::string identityIn(const xmlNode* element, std::string_view parent) {
     const std::string_view tag = tagOf(element);
     if (isFiltered(tag, parent)) {
-        const std::string filter = attributeOf(element, "topic_filter");
-        return filter.empty() ? "*" : filter;
+        return filterOf(element);
     }
     if (isQos(tag)) {
         return {};
@@ -109,6 +114,7 @@ void Collector::addAttributes() {
     for (const xmlAttr* attribute = element_->properties; attribute != nullptr; attribute = attribute->next) {
         const std::string_view name = toView(attribute->name);
         if (isSchemaLocation(attribute) || (isNamed && name == "name") ||
+            (name == "topic_filter" && filterOf(element_) == EVERY_TOPIC) ||
             (isEnd && (name == "participant" || name == "connection"))) {
             continue;
         }
@@ -269,7 +275,7 @@ void Collector::keepOne() {
         const auto [found, isFirst] = seen.try_emplace(keyOf(part), i);
         if (isFiltered(part.tag, tag_)) {
             isKept[i] = isFirst && !isClosed[part.tag];
-            isClosed[part.tag] = isClosed[part.tag] || part.identity == "*";
+            isClosed[part.tag] = isClosed[part.tag] || part.identity == EVERY_TOPIC;
         } else if (!isFirst && part.order == TYPE_ORDER) {
             part.identity += " (" + std::to_string(++found->second) + ")";
         } else if (!isFirst) {

@@ -76,6 +76,7 @@ TEST(Compare, TwoWaysToSayTheSameThatCountAsDifferent) {
         {profile("<datawriter_qos><deadline><period><sec>0</sec><nanosec>250000000</nanosec></period></deadline><resource_limits><max_samples>-1</max_samples></resource_limits></datawriter_qos>"),
          profile("<datawriter_qos><resource_limits><max_samples>LENGTH_UNLIMITED</max_samples></resource_limits><deadline><period><nanosec>250000000</nanosec></period></deadline></datawriter_qos>")},
         {profile("<datawriter_qos topic_filter='a*'/><datawriter_qos/>"), profile("<datawriter_qos topic_filter='a*'/><datawriter_qos/><datawriter_qos topic_filter='b'/>")},
+        {profile("<datareader_qos topic_filter='*'/>"), profile("<datareader_qos/>")},
         {types("<struct name='A'><member name='x' type='int32'/></struct>"),
          types("<struct extensibility='extensible' nested='false' name='A'><member type='int32' stringMaxLength='-1' name='x' key='false'/></struct>")},
         {types("<enum name='E'><enumerator name='a'/></enum><module name='M'/>"), types("<enum name='E'><enumerator name='a'/></enum>") + "<types><module name='M'/></types>"},
