@@ -103,6 +103,8 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the forward_dispose of topic_route \"R\" is \"True\"; expected true or false"},
         {{.routes = "<thread_settings><mask>STDIO|X</mask></thread_settings>"}, 6, "the mask of thread_settings is \"STDIO|X\"; expected "
          "MASK_DEFAULT, FLOATING_POINT, STDIO, REALTIME_PRIORITY or PRIORITY_ENFORCE, with | between them"},
+        {{.routes = "<thread_settings><mask>ST DIO</mask></thread_settings>"}, 6, "the mask of thread_settings is \"ST DIO\"; expected MASK_DEFAULT, "},
+        {{.routes = "<thread_settings><mask>STDIO|MASK_DEFAULT</mask></thread_settings>"}, 6, "the mask of thread_settings is \"STDIO|MASK_DEFAULT\"; expected "},
         {{.head = reader("<user_data><value><!-- -->a<!-- --> <!-- -->b*</value></user_data>")}, 2, "the value of user_data is \"a b*\"; expected base64"},
         {{.head = reader("<user_data><value><element>a</element></value></user_data>")}, 2, "the value of user_data is not made up as it should be; "
          "expected a text, and no elements"},
