@@ -224,7 +224,7 @@ void Check::checkOthers(const xmlNode* element) {
         bool hasPath = false;
         for (const xmlNode* child : elementsIn(element)) {
             saves = tagOf(child) == "save_on_update" ? child : saves;
-            hasPath = hasPath || tagOf(child) == "save_path";
+            hasPath = tagOf(child) == "save_path" ? !textOf(child).empty() : hasPath;
         }
         if (saves != nullptr && !hasPath && textOf(saves) == "true") {
             addAt(saves, "save_on_update is true and the administration has no save_path; expected one");

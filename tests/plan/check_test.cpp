@@ -148,7 +148,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
                          "</discovery></participant_qos>"}, 4, "3 times the announcement_period in discovery is above the lease_duration"},
         {{.more = "<monitoring>" + seconds("sampling_period", "DURATION_INFINITE_SEC") + seconds("status_publication_period", "9") + "</monitoring>"}, 8,
          "the sampling_period in monitoring is above the status_publication_period"},
-        {{.more = admin("<save_on_update>true</save_on_update>")}, 8, "save_on_update is true and the administration has no save_path"},
+        {{.more = admin("<save_on_update>true</save_on_update><save_path> </save_path>")}, 8, "save_on_update is true and the administration has no save_path"},
         // Routes and their ends
         {{.routes = route("<input participant='2'><topic_name>t</topic_name></input>\n<output participant='2'/>")}, 7,
          "both ends of topic_route \"R\" are on side 2; expected the output on side 1"},
