@@ -220,11 +220,6 @@ void Planner::updateService() {
     if (hasSections ? !document.isEmpty() : !settings.snippet.isEmpty()) {
         take(std::move(step));
     }
-    bool isLeft = Settings(service_, wantedService_).isDifferent;
-    compareSections(work_.get(), wanted_, [&isLeft](auto&&...) { isLeft = true; });
-    if (isLeft) {
-        refuseWhatIsLeft();
-    }
 }
 
 // False when that does not bring about what is wanted.

@@ -134,6 +134,7 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
         // The first route gives its domain to the administration; it comes to be another one.
         {document(route("A", "5", "") + route("B", "6", "") + "<administration/>"), document(route("B", "6", "") + "<administration><domain_id>5</domain_id></administration>"),
          "delete A; update  <routing_service><administration><domain_id>5</domain_id></administration></routing_service>"},
+        {document(route("D", "0", "") + "<monitoring/>"), document("<monitoring/>"), "delete D"},
         {document(route("D", "0", "")) .insert(5, "<routing_service name='T'/>"), document(route("D", "2", "", OFF)),
          "disable S::D; update S::D <domain_route><participant_1><domain_id>2</domain_id></participant_1></domain_route>"},
     };
