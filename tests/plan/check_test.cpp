@@ -148,6 +148,8 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
                          "</discovery></participant_qos>"}, 4, "3 times the announcement_period in discovery is above the lease_duration"},
         {{.more = "<monitoring>" + seconds("sampling_period", "DURATION_INFINITE_SEC") + seconds("status_publication_period", "9") + "</monitoring>"}, 8,
          "the sampling_period in monitoring is above the status_publication_period"},
+        {{.more = "<monitoring>" + seconds("status_publication_period", "0") + "</monitoring>"}, 8, "the sampling_period (1 s by default) in monitoring is above"},
+        {{.more = "<monitoring>" + seconds("sampling_period", "6") + "</monitoring>"}, 8, "is above the status_publication_period (5 s by default);"},
         {{.more = admin("<save_on_update>true</save_on_update><save_path> </save_path>")}, 8, "save_on_update is true and the administration has no save_path"},
         // Routes and their ends
         {{.routes = route("<input participant='2'><topic_name>t</topic_name></input>\n<output participant='2'/>")}, 7,
