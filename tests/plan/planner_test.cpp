@@ -153,6 +153,8 @@ TEST(Planner, WhatNoCommandCanDoIsNotNamed) {
         {document("", "<qos_library name='Q'/><types><enum name='E'><enumerator name='a'/></enum></types>"), document(""),
          "wanted of /qos_library[Q], /types.enum[E].enumerator[a]; an update"},
         {document(""), document("<x/>"), "what is wanted: line 1"},
+        {document("", "<types><typedef name='T' type='string' stringMaxLength='5'/></types>"), document("", "<types><typedef name='T' type='int32'/></types>"),
+         "after the commands: stringMaxLength goes with a string"},
         {document("<domain_route/>"), document(""), "the router's own document: line 1: domain_route has no name of its own"},
         {document(route("D", "0", "") + route("D", "1", "")), document(""), "has no name of its own"},
         {document(route("D::s", "0", "")), document(""), "has no name of its own"},
