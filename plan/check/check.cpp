@@ -28,6 +28,7 @@ struct Rules {
     std::vector<const Relation*> relations;
     std::optional<EntityLevel> level;
     bool isRoute;
+    bool isLibrary; // its names are a list of their own
 };
 
 class Check {
@@ -49,7 +50,7 @@ private:
     void addAt(const xmlNode* at, std::string what);
     const Rules& rulesOf(const xmlNode* element);
     void checkElement(const xmlNode* element, const Rules& rules, Names& siblings);
-    void checkName(const xmlNode* entity, Names& siblings);
+    void checkName(const xmlNode* element, const Rules& rules, Names& siblings);
     void checkField(const Field& field, const xmlNode* element);
     void checkAttribute(const Field& field, const xmlNode* element);
     void checkOthers(const xmlNode* element);
@@ -120,11 +121,12 @@ const Rules& Check::rulesOf(const xmlNode* element) {
                                       .fields = findFields(tag),
                                       .relations = findRelations(tag),
                                       .level = levelOf(element),
-                                      .isRoute = levelOf(element) == EntityLevel::ROUTE})
+                                      .isRoute = levelOf(element) == EntityLevel::ROUTE,
+                                      .isLibrary = tag.ends_with("_library")})
         .first->second;
 }
 
-// `siblings` are the names of the entities before it in the same parent.
+// `siblings` are the names of the entities and libraries before it in the same parent.
 void Check::checkElement(const xmlNode* element, const Rules& rules, Names& siblings) {
     if (stop_.stop_requested()) {
         throw Refusal{STOPPED};
@@ -134,8 +136,8 @@ void Check::checkElement(const xmlNode* element, const Rules& rules, Names& sibl
         return; // nothing in it comes before the first finding; or it was reported with its parent
     }
     Definition::check(*rules.rule, element, report_);
-    if (rules.level) {
-        checkName(element, siblings);
+    if (rules.level || rules.isLibrary) {
+        checkName(element, rules, siblings);
     }
     if (rules.fields != nullptr) {
         for (const Field* field : rules.fields->attributes) {
@@ -164,16 +166,17 @@ void Check::checkElement(const xmlNode* element, const Rules& rules, Names& sibl
     }
 }
 
-void Check::checkName(const xmlNode* entity, Names& siblings) {
-    const std::string name = nameOf(entity);
-    const std::string what = "the name " + quoted(name) + " of this " + std::string(tagOf(entity));
-    if (xmlHasProp(entity, toXml("name")) == nullptr) {
-        return; // reported as a missing attribute
+void Check::checkName(const xmlNode* element, const Rules& rules, Names& siblings) {
+    const std::string name = nameOf(element);
+    const std::string tag(tagOf(element));
+    const std::string what = "the name " + quoted(name) + " of this " + tag;
+    if (xmlHasProp(element, toXml("name")) == nullptr || (rules.isLibrary && !isName(name))) {
+        return; // reported as a missing attribute, or with the fields
     }
     if (!isName(name)) {
-        addAt(entity, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
-    } else if (!siblings.insert(name).second) {
-        addAt(entity, what + " is taken by an element beside it; choose another");
+        addAt(element, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
+    } else if (!siblings.insert(rules.isLibrary ? tag + std::string(PATH_SEPARATOR) + name : name).second) {
+        addAt(element, what + " is taken by an element beside it; choose another");
     }
 }
 
@@ -224,7 +227,7 @@ void Check::checkOthers(const xmlNode* element) {
         bool hasPath = false;
         for (const xmlNode* child : elementsIn(element)) {
             saves = tagOf(child) == "save_on_update" ? child : saves;
-            hasPath = hasPath || tagOf(child) == "save_path";
+            hasPath = tagOf(child) == "save_path" ? !textOf(child).empty() : hasPath;
         }
         if (saves != nullptr && !hasPath && textOf(saves) == "true") {
             addAt(saves, "save_on_update is true and the administration has no save_path; expected one");

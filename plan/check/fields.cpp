@@ -2,6 +2,7 @@
 #include "plan/check/fields.h"
 
 #include "middleware/dds/dds.h"
+#include "middleware/xml/text.h"
 #include "plan/document/entity.h"
 #include "plan/document/text.h"
 #include "plan/document/xml_nodes.h"
@@ -164,15 +165,16 @@ bool isAmong(std::string_view words, std::string_view word) {
     return !forEachPart(words, ' ', [word](std::string_view each) { return each != word; });
 }
 
+// The first of the words is the default, which no other goes with.
 bool areFlags(std::string_view words, std::string_view value) {
-    return forEachPart(value, '|', [words](std::string_view part) {
-        std::string word;
-        for (const char c : part) {
-            if (static_cast<unsigned char>(c) > ' ') {
-                word += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-            }
-        }
-        return isAmong(words, word);
+    const std::string_view usual = words.substr(0, words.find(' '));
+    const bool isOne = value.find('|') == std::string_view::npos;
+    return forEachPart(value, '|', [&](std::string_view part) {
+        std::string word(xml::trimmed(part));
+        std::ranges::transform(word, word.begin(), [](char c) {
+            return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        });
+        return isAmong(words, word) && (isOne || word != usual);
     });
 }
 
@@ -188,15 +190,6 @@ std::string listedWords(std::string_view words) {
 std::size_t countCharacters(std::string_view text) {
     return static_cast<std::size_t>(
         std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
-bool holdsText(const xmlNode* element) {
-    for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (isText(child)) {
-            return true;
-        }
-    }
-    return false;
 }
 
 std::string expectedInteger(const Field& field) {

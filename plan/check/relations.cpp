@@ -14,6 +14,8 @@ struct Relation {
     std::int64_t factor = 1;      // times the lesser must not be above the greater
     std::string_view unless = {}; // a place in the holder: the relation holds only while this has its default
     std::string_view usual = {};  // that default
+    std::int64_t lesserSeconds = -1; // of durations the defaults; -1: none is known
+    std::int64_t greaterSeconds = -1;
 };
 
 namespace {
@@ -33,7 +35,7 @@ constexpr Relation RELATIONS[] = {
     {.holder = "send_window",    .lesser = "min_size", .greater = "max_size"},
     {.holder = "datareader_qos", .lesser = "time_based_filter/minimum_separation", .greater = "deadline/period", .isDuration = true},
     {.holder = "discovery",      .lesser = "announcement_period", .greater = "lease_duration", .isDuration = true, .factor = 3},
-    {.holder = "monitoring",     .lesser = "sampling_period", .greater = "status_publication_period", .isDuration = true},
+    {.holder = "monitoring",     .lesser = "sampling_period", .greater = "status_publication_period", .isDuration = true, .lesserSeconds = 1, .greaterSeconds = 5},
     {.holder = "reporting",      .lesser = "sampling_period", .greater = "status_publication_period", .isDuration = true},
 };
 // clang-format on
@@ -51,9 +53,9 @@ const xmlNode* findAt(const xmlNode* element, std::string_view place) {
     return element;
 }
 
-std::optional<std::int64_t> valueAt(const Relation& relation, const xmlNode* element) {
+std::optional<std::int64_t> valueAt(const Relation& relation, const xmlNode* element, std::int64_t seconds) {
     if (element == nullptr) {
-        return std::nullopt;
+        return seconds >= 0 ? std::optional(seconds * NANOSECONDS) : std::nullopt;
     }
     const auto value = relation.isDuration ? parseDuration(element) : parseInteger(textOf(element));
     return value && *value >= 0 ? value : std::nullopt;
@@ -82,6 +84,10 @@ std::string words(std::string_view place) {
                : std::string(place.substr(slash + 1)) + " of " + std::string(place.substr(0, slash));
 }
 
+std::string byDefault(const xmlNode* element, std::int64_t seconds) {
+    return element != nullptr ? "" : " (" + std::to_string(seconds) + " s by default)";
+}
+
 } // namespace
 
 std::vector<const Relation*> findRelations(std::string_view tag) {
@@ -96,15 +102,18 @@ std::vector<const Relation*> findRelations(std::string_view tag) {
 
 void checkRelation(const Relation& relation, const xmlNode* holder, const Report& report) {
     const xmlNode* lesser = findAt(holder, relation.lesser);
-    const auto low = valueAt(relation, lesser);
-    const auto high = valueAt(relation, findAt(holder, relation.greater));
+    const xmlNode* greater = findAt(holder, relation.greater);
+    const auto low = valueAt(relation, lesser, relation.lesserSeconds);
+    const auto high = valueAt(relation, greater, relation.greaterSeconds);
     if (!low || !high || *high == INFINITE || !isMeant(relation, holder)) {
         return;
     }
     if (*low == INFINITE || *low * relation.factor > *high) {
         const std::string times = relation.factor != 1 ? std::to_string(relation.factor) + " times " : "";
-        report(lesser, times + "the " + words(relation.lesser) + " in " + describe(holder) +
-                           " is above the " + words(relation.greater) + "; expected at most as much");
+        report(lesser != nullptr ? lesser : greater,
+               times + "the " + words(relation.lesser) + byDefault(lesser, relation.lesserSeconds) + " in " +
+                   describe(holder) + " is above the " + words(relation.greater) +
+                   byDefault(greater, relation.greaterSeconds) + "; expected at most as much");
     }
 }
 

@@ -54,7 +54,6 @@ bool isBase64(std::string_view text) {
 }
 
 std::optional<std::int64_t> parseDuration(const xmlNode* duration) {
-    constexpr std::int64_t NANOSECONDS = 1'000'000'000;
     std::int64_t seconds = 0;
     std::int64_t nanoseconds = 0;
     for (const xmlNode* part : elementsIn(duration)) {

@@ -23,6 +23,7 @@ bool isBase64(std::string_view text);
 
 // The length of time of an element with sec and nanosec, in nanoseconds; INFINITE where it says so. Nothing:
 // one of them is not as it should be.
+constexpr std::int64_t NANOSECONDS = 1'000'000'000; // in a second
 constexpr std::int64_t INFINITE = std::numeric_limits<std::int64_t>::max();
 std::optional<std::int64_t> parseDuration(const xmlNode* duration);
 

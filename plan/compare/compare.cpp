@@ -199,7 +199,8 @@ void Comparison::noteLone(const Part& part, Change change) {
 // A part that holds others is reported by what it holds.
 void Comparison::expand(const Part& part, Change change) {
     const std::vector<Part> inside = part.element != nullptr ? partsOf(part.element) : std::vector<Part>{};
-    if (!part.value.empty() || (inside.empty() && (part.isPresent || part.isAttribute))) {
+    const bool isItem = part.tag.empty(); // a pair is not complete without its value, however empty
+    if (!part.value.empty() || isItem || (inside.empty() && (part.isPresent || part.isAttribute))) {
         noteOneSided(change, part.value);
     }
     for (const Part& each : inside) {

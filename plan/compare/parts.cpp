@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::string_view TYPES = "types";
 constexpr std::string_view TYPE_ORDER = TYPES;
+constexpr const char* EVERY_TOPIC = "*";
 
 template <std::size_t size>
 bool isOneOf(std::string_view tag, const std::array<std::string_view, size>& tags) {
@@ -35,6 +36,11 @@ bool isFiltered(std::string_view tag, std::string_view parent) {
     return (parent == "qos_profile" || parent == "monitoring") && isOneOf(tag, TAGS);
 }
 
+std::string filterOf(const xmlNode* element) {
+    const std::string filter = attributeOf(element, "topic_filter");
+    return filter.empty() ? EVERY_TOPIC : filter;
+}
+
 bool isQos(std::string_view tag) {
     return tag.ends_with("_qos");
 }
@@ -51,8 +57,7 @@ xmlNode* lastChild(const xmlNode* parent, std::string_view tag) {
 std::string identityIn(const xmlNode* element, std::string_view parent) {
     const std::string_view tag = tagOf(element);
     if (isFiltered(tag, parent)) {
-        const std::string filter = attributeOf(element, "topic_filter");
-        return filter.empty() ? "*" : filter;
+        return filterOf(element);
     }
     if (isQos(tag)) {
         return {};
@@ -68,6 +73,14 @@ std::string identityIn(const xmlNode* element, std::string_view parent) {
         return member != nullptr ? nameOf(member) : "";
     }
     return element->properties != nullptr ? nameOf(element) : "";
+}
+
+// Whether an element with policies, or the profile that it is in, starts from another profile.
+bool hasBase(const xmlNode* qos) {
+    const auto has = [](const xmlNode* element) {
+        return element->type == XML_ELEMENT_NODE && xmlHasProp(element, toXml("base_name")) != nullptr;
+    };
+    return has(qos) || (qos->parent != nullptr && has(qos->parent));
 }
 
 class Collector {
@@ -101,6 +114,7 @@ void Collector::addAttributes() {
     for (const xmlAttr* attribute = element_->properties; attribute != nullptr; attribute = attribute->next) {
         const std::string_view name = toView(attribute->name);
         if (isSchemaLocation(attribute) || (isNamed && name == "name") ||
+            (name == "topic_filter" && filterOf(element_) == EVERY_TOPIC) ||
             (isEnd && (name == "participant" || name == "connection"))) {
             continue;
         }
@@ -122,17 +136,31 @@ std::string sideOf(const xmlNode* end) {
     return attributeOf(end, "participant") + attributeOf(end, "connection");
 }
 
+// Whether the domain route has the connection of an adapter on that side; the sides come before its sessions.
+bool isConnection(const xmlNode* end, const std::string& side) {
+    constexpr int LEVELS = 3; // to the route, the session, the domain route
+    const xmlNode* around = end;
+    for (int i = 0; i < LEVELS && around != nullptr; ++i) {
+        around = around->parent;
+    }
+    for (const xmlNode* child : elementsIn(around)) {
+        const std::string_view tag = tagOf(child);
+        if (tag.ends_with("_" + side) && (tag.starts_with("participant") || tag.starts_with("connection"))) {
+            return tag.starts_with("connection");
+        }
+    }
+    return false;
+}
+
 void Collector::addSide() {
     std::string side = sideOf(element_);
     if (side.empty() && tag_ == "output") {
         const xmlNode* input = lastChild(element_->parent, "input");
         side = input != nullptr && sideOf(input) == "2" ? "1" : "2";
     }
-    const bool isConnection = xmlHasProp(element_, toXml("connection")) != nullptr;
-    parts_.push_back({.tag = "participant",
-                      .value = side.empty() ? "1" : side,
-                      .written = isConnection ? "connection" : "participant",
-                      .isAttribute = true});
+    side = side.empty() ? "1" : side;
+    const char* word = isConnection(element_, side) ? "connection" : "participant";
+    parts_.push_back({.tag = "participant", .value = std::move(side), .written = word, .isAttribute = true});
 }
 
 void Collector::addItems(const xmlNode* list) {
@@ -146,10 +174,22 @@ void Collector::addItems(const xmlNode* list) {
                 part.element = item;
             }
         }
-        // No name in a list is the same as one empty name.
-        if (!part.identity.empty() || holdsPairs(tag_)) {
-            parts_.push_back(std::move(part));
-        }
+        parts_.push_back(std::move(part));
+    }
+    if (holdsPairs(tag_)) {
+        return;
+    }
+    // No name in a list is the same as one empty name. It counts where it replaces the names of a base
+    // profile.
+    const auto isEmpty = [](const Part& part) {
+        return part.identity.empty();
+    };
+    const bool isPartition = tag_ == "partition";
+    const bool replaces = isPartition && list != nullptr && hasBase(element_->parent);
+    if (!isPartition || (std::ranges::all_of(parts_, isEmpty) && !replaces)) {
+        std::erase_if(parts_, isEmpty);
+    } else if (parts_.empty()) {
+        parts_.push_back({.isPresent = true});
     }
 }
 
@@ -235,7 +275,7 @@ void Collector::keepOne() {
         const auto [found, isFirst] = seen.try_emplace(keyOf(part), i);
         if (isFiltered(part.tag, tag_)) {
             isKept[i] = isFirst && !isClosed[part.tag];
-            isClosed[part.tag] = isClosed[part.tag] || part.identity == "*";
+            isClosed[part.tag] = isClosed[part.tag] || part.identity == EVERY_TOPIC;
         } else if (!isFirst && part.order == TYPE_ORDER) {
             part.identity += " (" + std::to_string(++found->second) + ")";
         } else if (!isFirst) {

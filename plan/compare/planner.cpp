@@ -23,7 +23,9 @@ namespace {
 
 using Kind = Step::Kind;
 
-constexpr std::size_t MAX_NAMED = 3; // differences in one message
+constexpr std::size_t MAX_NAMED = 3;                // differences in one message
+constexpr std::size_t CHECKED_ELEMENTS = 1'000'000; // in all checks after single steps: about a second
+constexpr const char* AFTERWARDS = "what would run after the commands: ";
 
 // What takes effect only when the entity is enabled again, by the comments of the definitions.
 constexpr std::array<std::string_view, 14> FIXED{
@@ -41,6 +43,23 @@ bool isFixed(Steps steps, Change change) {
 
 bool isEnabledAttribute(Steps steps) {
     return steps.size() == 1 && steps.front()->isAttribute && steps.front()->tag == "enabled";
+}
+
+bool isAccepted(const xmlDoc* document) {
+    try {
+        checkDocument(document, {});
+    } catch (const Refusal&) {
+        return false;
+    }
+    return true;
+}
+
+std::size_t countElements(const xmlNode* root) {
+    std::size_t count = 1;
+    for (const xmlNode* child : elementsIn(root)) {
+        count += countElements(child);
+    }
+    return count;
 }
 
 // What an entity's own settings differ in, but for its being enabled.
@@ -76,6 +95,9 @@ public:
           work_(copyXml(const_cast<xmlDoc*>(running))),
           service_(findService(work_.get(), configuration)) {
         isOneOfSeveral_ = configurationsOf(running).size() > 1;
+        // Where one has values that only the router knows, a check says nothing.
+        isChecked_ = isAccepted(running) && isAccepted(wanted);
+        checksLeft_ = CHECKED_ELEMENTS / countElements(xmlDocGetRootElement(running));
         if (isOneOfSeveral_ && findChild(service_, configuration) != nullptr) {
             throw Refusal{"the domain route " + configuration_ +
                           " has the name of its configuration, and there are "
@@ -94,10 +116,8 @@ private:
     void create(const std::string& parent, const xmlNode* wanted) {
         take({.kind = Kind::CREATE, .entity = addressOf(parent), .xml = textOfElement(wanted)});
     }
-    void take(Step&& step) {
-        play(step, work_.get(), configuration_);
-        steps_.push_back(std::move(step));
-    }
+    void take(Step&& step);
+    void checkWork() const;
     void enableWaiting();
     void refuseWhatIsLeft() const;
     // Where there are several configurations, the path names the one that is meant: a router that runs
@@ -114,6 +134,8 @@ private:
     XmlDocument work_;
     xmlNode* service_;
     bool isOneOfSeveral_ = false;
+    bool isChecked_ = false;
+    std::size_t checksLeft_ = 0; // after single steps; the end is checked in any case
     Plan steps_;
     std::vector<std::string> waiting_; // to be enabled, those around before those inside
     ChangedProfiles changedProfiles_;
@@ -173,6 +195,26 @@ std::string listed(const std::vector<Difference>& differences) {
                        : "");
 }
 
+void Planner::take(Step&& step) {
+    play(step, work_.get(), configuration_);
+    if ((step.kind == Kind::UPDATE || step.kind == Kind::CREATE) && checksLeft_ > 0) {
+        --checksLeft_;
+        checkWork();
+    }
+    steps_.push_back(std::move(step));
+}
+
+// A router refuses what would make its document invalid.
+void Planner::checkWork() const {
+    try {
+        if (isChecked_) {
+            checkDocument(work_.get(), {});
+        }
+    } catch (const Refusal& refusal) {
+        throw Refusal{AFTERWARDS + refusal.why};
+    }
+}
+
 void Planner::refuseWhatIsLeft() const {
     const auto left = compare(work_.get(), wanted_, configuration_);
     if (!left.empty()) {
@@ -219,11 +261,6 @@ void Planner::updateService() {
     }
     if (hasSections ? !document.isEmpty() : !settings.snippet.isEmpty()) {
         take(std::move(step));
-    }
-    bool isLeft = Settings(service_, wantedService_).isDifferent;
-    compareSections(work_.get(), wanted_, [&isLeft](auto&&...) { isLeft = true; });
-    if (isLeft) {
-        refuseWhatIsLeft();
     }
 }
 
@@ -329,7 +366,8 @@ Plan Planner::plan() {
         visitChildren(service_, wantedService_, {}, {});
     }
     refuseWhatIsLeft();
-    checkForms(work_.get(), "what would run after the commands: ");
+    checkForms(work_.get(), AFTERWARDS);
+    checkWork();
     return std::move(steps_);
 }
 

@@ -134,7 +134,7 @@ void Snippet::add(Steps steps, Change change, const std::string& to) {
         childOf(*element, "sec").text = parts.sec;
         childOf(*element, "nanosec").text = parts.nanosec;
     } else if (last.tag.empty()) {
-        if (element->text.empty()) { // a pair
+        if (holdsPairs(steps[steps.size() - 2]->tag)) {
             childOf(*element, "value").text = to;
         }
     } else {

@@ -95,7 +95,7 @@ constexpr Row ATTRIBUTES[] = {
     {"optional",          {.absent = "false"}},
     {"visibility",        {.absent = "public"}},
     {"modifier",          {.absent = "none"}},
-    {"extensibility",     {.form = WORDS, .absent = "APPENDABLE"}},
+    {"extensibility",     {.form = EXTENSIBILITY, .absent = "appendable"}},
     {"stringMaxLength",   {.form = INTEGER, .absent = "-1"}},
     {"sequenceMaxLength", {.form = INTEGER}},
     {"id",                {.form = INTEGER}},
@@ -147,7 +147,16 @@ std::string words(std::string_view text) {
     std::ranges::transform(upper, upper.begin(), [](char c) {
         return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     });
-    return upper == "EXTENSIBLE" ? "APPENDABLE" : sorted(upper, '|');
+    return sorted(upper, '|');
+}
+
+// In small letters, the only ones that a document may have.
+std::string extensibility(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return lower == "extensible" ? "appendable" : lower;
 }
 
 // The rows of a table by their names. Of those that fit the first counts.
@@ -195,6 +204,8 @@ std::string canonical(ValueForm form, std::string_view text) {
         return sorted(text, ',');
     case WORDS:
         return words(text);
+    case EXTENSIBILITY:
+        return extensibility(text);
     case TEXT:
     case DURATION:
         break;

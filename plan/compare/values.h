@@ -10,7 +10,7 @@
 
 namespace zul::plan {
 
-enum class ValueForm { TEXT, INTEGER, DURATION, PATTERNS, WORDS };
+enum class ValueForm { TEXT, INTEGER, DURATION, PATTERNS, WORDS, EXTENSIBILITY };
 
 struct ValueRule {
     ValueForm form = ValueForm::TEXT;

@@ -23,8 +23,12 @@ typename Map::mapped_type lookUp(const Map& map, const std::string& key) {
 
 } // namespace
 
+bool isItem(const xmlNode* element) {
+    return tagOf(element) == "element";
+}
+
 std::string identityOf(const xmlNode* element) {
-    if (tagOf(element) != "element") {
+    if (!isItem(element)) {
         return nameOf(element);
     }
     for (xmlNode* part : elementsIn(element)) {
@@ -56,7 +60,7 @@ void Children::note(xmlNode* child) {
     Tagged& tagged = byTag_[std::string(tag)];
     tagged.last = child;
     ++tagged.count;
-    if (!identity.empty()) {
+    if (!identity.empty() || isItem(child)) {
         byIdentity_[keyOf(tag, identity)] = child;
     }
     if (levelOf(child)) {

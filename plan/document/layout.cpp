@@ -38,14 +38,6 @@ void removeBlanks(xmlNode* parent) {
     }
 }
 
-bool holdsText(const xmlNode* parent) {
-    const xmlNode* child = parent->children;
-    while (child != nullptr && !isText(child)) {
-        child = child->next;
-    }
-    return child != nullptr;
-}
-
 // A name and its value, as in a property, stay on one line.
 bool isPair(const xmlNode* element) {
     bool isFlat = tagOf(element) == "element";

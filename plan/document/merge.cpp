@@ -76,7 +76,8 @@ public:
             return;
         }
         // Of a repeated setting the last one counts.
-        xmlNode* found = identity.empty() ? children.findLast(tag) : children.find(tag, identity);
+        const bool isOnly = identity.empty() && !isItem(child);
+        xmlNode* found = isOnly ? children.findLast(tag) : children.find(tag, identity);
         if (found != nullptr) {
             merge(found, child);
         } else {
@@ -125,9 +126,10 @@ private:
         }
     }
 
-    // Several elements have the tag: each next tag must be the name of one of them.
+    // Several elements have the tag: each next tag must be the name of one of them. What else it holds would
+    // be for none of them.
     void mergeByNames(const Children& children, xmlNode* child) {
-        xmlNode* part = firstChild(child);
+        xmlNode* part = child->properties == nullptr && !holdsText(child) ? firstChild(child) : nullptr;
         do {
             xmlNode* named =
                 part != nullptr ? children.find(tagOf(child), std::string(tagOf(part))) : nullptr;

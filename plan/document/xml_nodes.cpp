@@ -61,6 +61,15 @@ bool isText(const xmlNode* node) {
     return node->type == XML_CDATA_SECTION_NODE || (node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 0);
 }
 
+bool holdsText(const xmlNode* element) {
+    for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
+        if (isText(child)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void setText(xmlNode* node, const std::string& text) {
     const xmlNode* only = node->children;
     if (only != nullptr && only->next == nullptr && only->type == XML_TEXT_NODE &&

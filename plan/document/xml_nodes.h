@@ -45,6 +45,8 @@ inline Elements elementsIn(const xmlNode* parent) {
 
 // Whether a node is text that counts: anything but blanks, or a CDATA section.
 bool isText(const xmlNode* node);
+// Whether such a node is among the children.
+bool holdsText(const xmlNode* element);
 
 // Puts `text`, taken literally, in place of everything inside `node`.
 void setText(xmlNode* node, const std::string& text);

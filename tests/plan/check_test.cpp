@@ -104,6 +104,8 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the forward_dispose of topic_route \"R\" is \"True\"; expected true or false"},
         {{.routes = "<thread_settings><mask>STDIO|X</mask></thread_settings>"}, 6, "the mask of thread_settings is \"STDIO|X\"; expected "
          "MASK_DEFAULT, FLOATING_POINT, STDIO, REALTIME_PRIORITY or PRIORITY_ENFORCE, with | between them"},
+        {{.routes = "<thread_settings><mask>ST DIO</mask></thread_settings>"}, 6, "the mask of thread_settings is \"ST DIO\"; expected MASK_DEFAULT, "},
+        {{.routes = "<thread_settings><mask>STDIO|MASK_DEFAULT</mask></thread_settings>"}, 6, "the mask of thread_settings is \"STDIO|MASK_DEFAULT\"; expected "},
         {{.head = reader("<user_data><value><!-- -->a<!-- --> <!-- -->b*</value></user_data>")}, 2, "the value of user_data is \"a b*\"; expected base64"},
         {{.head = reader("<user_data><value><element>a</element></value></user_data>")}, 2, "the value of user_data is not made up as it should be; "
          "expected a text, and no elements"},
@@ -123,6 +125,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
          "the propagate of element is \"1\"; expected true or false"},
         // Names and references
         {{.head = "<qos_library name='L::M'/>"}, 2, "the attribute name of qos_library \"L::M\" is \"L::M\"; expected 1 to 254 letters, digits"},
+        {{.head = LIBRARIES + profile("") + "\n<qos_library name='T'/><qos_library name='L'/>"}, 3, "the name \"L\" of this qos_library is taken by an element beside it"},
         {{.head = profile("", "base_name='L::Q'")}, 2, "the attribute base_name of qos_profile \"P\" is \"L::Q\"; expected the path Library::Profile"},
         {{.head = profile(""), .participant = "<participant_qos base_name='P'/>"}, 4, "of participant_qos is \"P\"; expected the path Library::Profile"},
         {{.first = connection}, 4, "the attribute plugin_name of connection_1 is \"A::F\"; expected the path Library::Plugin of an adapter_plugin"},
@@ -147,7 +150,9 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
                          "</discovery></participant_qos>"}, 4, "3 times the announcement_period in discovery is above the lease_duration"},
         {{.more = "<monitoring>" + seconds("sampling_period", "DURATION_INFINITE_SEC") + seconds("status_publication_period", "9") + "</monitoring>"}, 8,
          "the sampling_period in monitoring is above the status_publication_period"},
-        {{.more = admin("<save_on_update>true</save_on_update>")}, 8, "save_on_update is true and the administration has no save_path"},
+        {{.more = "<monitoring>" + seconds("status_publication_period", "0") + "</monitoring>"}, 8, "the sampling_period (1 s by default) in monitoring is above"},
+        {{.more = "<monitoring>" + seconds("sampling_period", "6") + "</monitoring>"}, 8, "is above the status_publication_period (5 s by default);"},
+        {{.more = admin("<save_on_update>true</save_on_update><save_path> </save_path>")}, 8, "save_on_update is true and the administration has no save_path"},
         // Routes and their ends
         {{.routes = route("<input participant='2'><topic_name>t</topic_name></input>\n<output participant='2'/>")}, 7,
          "both ends of topic_route \"R\" are on side 2; expected the output on side 1"},

@@ -45,6 +45,15 @@ std::string inWords(const Plan& plan) {
     return text;
 }
 
+// Leaves the router with what is wanted.
+void carryOut(const Plan& plan, Configuration& router, const std::string& wanted) {
+    for (const Step& step : plan) {
+        const Answer answer = carryOut(step, router);
+        ASSERT_TRUE(isDone(answer)) << answer.text << "\n" << inWords(plan) << "\n" << router.text();
+    }
+    ASSERT_EQ(compare(parse(router.text()).get(), parse(wanted).get(), "S").size(), 0U);
+}
+
 std::string document(const std::string& routes, const std::string& before = {}) {
     return "<dds>" + before + "<routing_service name='S'>" + routes + "</routing_service></dds>";
 }
@@ -79,10 +88,18 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
     const auto changed = [](const std::string& qos) {
         return "update  <dds><qos_library name=\"Q\"><qos_profile name=\"a\">" + qos + "</qos_profile></qos_library></dds>";
     };
+    const auto adapted = [](const std::string& second, const std::string& input, const std::string& output) {
+        return document("<domain_route name='D'><connection_1 plugin_name='L::A'/>" + second + session("<route name='R'><input" + input +
+                        "><stream_name>x</stream_name></input><output" + output + "><topic_name>t</topic_name></output></route>") + "</domain_route>",
+                        "<adapter_library name='L'><adapter_plugin name='A'><library_file>f</library_file><factory_function>f</factory_function></adapter_plugin></adapter_library>");
+    };
+    const std::string ADAPTER = "<connection_2 plugin_name='L::A'/>", PARTICIPANT = "<participant_2><domain_id>1</domain_id></participant_2>";
     const struct { std::string running, wanted, plan; } rows[] = {
         {document(route("D", "0", "")), document(route("D", "0", "")), ""},
         {profiled(""), profiled(RELIABLE), changed(RELIABLE) + "; disable D::s::T; enable D::s::T"},
         {profiled(""), profiled(DEADLINE), changed(DEADLINE)},
+        {document("", "<types><enum name='E'><enumerator name='a'/></enum></types>"), document("", "<types><enum name='E' extensibility='final'><enumerator name='a'/></enum></types>"),
+         "update  <dds><types><enum name=\"E\" extensibility=\"final\"></enum></types></dds>"},
         {document(route("D", "0", "", OFF)), document(route("D", "7", "", OFF)),
          "update D <domain_route><participant_1><domain_id>7</domain_id></participant_1></domain_route>"},
         {document(route("D", "0", session(topics("T")))), document(route("D", "0x7", session(topics("T", RELIABLE, OFF)))),
@@ -96,16 +113,30 @@ TEST(Planner, CommandsThatAreNotNeededOrInAnOrderThatDoesNotWork) {
          "update D::s <session>" + PROPERTY + PARTITION + REPORT + "</session>"},
         {document(route("D", "0", session(topics("T") + PROPERTY + PARTITION))), document(route("D", "0", session(topics("T") + PROPERTY + REPORT))),
          "delete D::s; create D <session name=\"s\">" + topics("T") + PROPERTY + REPORT + "</session>"},
+        {document(route("D", "0", session(topics("T")))), document(route("D", "0", session("<property><value><element><name>a</name><value/><propagate>true</propagate></element></value></property>" + topics("T")))),
+         "update D::s <session><property><value><element><name>a</name><value></value><propagate>true</propagate></element></value></property></session>"},
+        {document(route("D", "0", session(PARTITION + topics("T")))), document(route("D", "0", session("<publisher_qos><partition><name><element>x</element><element/></name></partition></publisher_qos>" + topics("T")))),
+         "update D::s <session><publisher_qos><partition><name><element></element></name></partition></publisher_qos></session>"},
+        // A side is a participant or a connection, as the domain route has it.
+        {adapted(ADAPTER, " connection='2'", " connection='1'"), adapted(ADAPTER, "", ""),
+         "update D::s::R <route><input connection=\"1\"></input><output connection=\"2\"></output></route>"},
+        {adapted(PARTICIPANT, " participant='2'", ""), adapted(PARTICIPANT, "", ""),
+         "delete D::s::R; create D::s <route name=\"R\"><input><stream_name>x</stream_name></input><output><topic_name>t</topic_name></output></route>"},
         {document(""), document("<administration><domain_id>3</domain_id></administration>", "<qos_library name='Q'/>"),
          "update  <dds><qos_library name=\"Q\"></qos_library><routing_service name=\"S\"><administration><domain_id>3</domain_id></administration></routing_service></dds>"},
         // The first route gives its domain to the administration; it comes to be another one.
         {document(route("A", "5", "") + route("B", "6", "") + "<administration/>"), document(route("B", "6", "") + "<administration><domain_id>5</domain_id></administration>"),
          "delete A; update  <routing_service><administration><domain_id>5</domain_id></administration></routing_service>"},
+        {document(route("D", "0", "") + "<monitoring/>"), document("<monitoring/>"), "delete D"},
         {document(route("D", "0", "")) .insert(5, "<routing_service name='T'/>"), document(route("D", "2", "", OFF)),
          "disable S::D; update S::D <domain_route><participant_1><domain_id>2</domain_id></participant_1></domain_route>"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(inWords(makePlan(parse(row.running).get(), parse(row.wanted).get(), "S")), row.plan);
+        const Plan plan = makePlan(parse(row.running).get(), parse(row.wanted).get(), "S");
+        EXPECT_EQ(inWords(plan), row.plan);
+        Configuration router;
+        ASSERT_TRUE(isDone(router.load(row.running, "S"))) << row.running;
+        carryOut(plan, router, row.wanted);
     }
 }
 
@@ -115,6 +146,8 @@ TEST(Planner, WhatNoCommandCanDoIsNotNamed) {
         {document("", "<qos_library name='Q'/><types><enum name='E'><enumerator name='a'/></enum></types>"), document(""),
          "wanted of /qos_library[Q], /types.enum[E].enumerator[a]; an update"},
         {document(""), document("<x/>"), "what is wanted: line 1"},
+        {document("", "<types><typedef name='T' type='string' stringMaxLength='5'/></types>"), document("", "<types><typedef name='T' type='int32'/></types>"),
+         "after the commands: stringMaxLength goes with a string"},
         {document("<domain_route/>"), document(""), "the router's own document: line 1: domain_route has no name of its own"},
         {document(route("D", "0", "") + route("D", "1", "")), document(""), "has no name of its own"},
         {document(route("D::s", "0", "")), document(""), "has no name of its own"},
@@ -267,15 +300,6 @@ private:
     std::mt19937 varies_;
     std::string path_;
 };
-
-// Leaves the router with what is wanted.
-void carryOut(const Plan& plan, Configuration& router, const std::string& wanted) {
-    for (const Step& step : plan) {
-        const Answer answer = carryOut(step, router);
-        ASSERT_TRUE(isDone(answer)) << answer.text << "\n" << inWords(plan) << "\n" << router.text();
-    }
-    ASSERT_EQ(compare(parse(router.text()).get(), parse(wanted).get(), "S").size(), 0U);
-}
 
 TEST(Planner, APlanThatEndsElsewhereOrCannotBeTakenBack) {
     constexpr unsigned PAIRS = 1000;

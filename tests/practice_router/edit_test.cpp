@@ -88,6 +88,7 @@ TEST_F(Edit, AnUpdateThatChangesSomethingElse) {
         {"D", nested("session s2", property("size", "16")), property("size", "16") + "\n            </session>"},
         {"D", "<session name=\"s2\">" + property("new", "1") + "</session>",
          "<value>" + line + "        <element><name>size</name><value>8</value></element>" + line + "        <element><name>new</name>"},
+        {"D", nested("session s2", property("", "1")), "<name>size</name><value>8</value></element>" + line + "        <element><name/>"},
         // Where the definition orders the elements, a new one goes where it belongs.
         {"D::s1::T", "<topic_route><transformation plugin_name=\"T::P\"/></topic_route>",
          "</input>" + line + "    <transformation plugin_name=\"T::P\"/>" + line + "    <output/>"},
@@ -119,6 +120,8 @@ TEST_F(Edit, ARefusedCommandThatChangesSomethingOrDoesNotSayWhy) {
         {UPDATE, "D", "<session name=\"s9\"/>", "session \"s9\" matches nothing"},
         {UPDATE, "D", nested("routing_service administration", ""), "routing_service matches"},
         {UPDATE, "", nested("domain_route documentation", "1"), "several"},
+        {UPDATE, "D", "<session enabled=\"false\"><s1/></session>", "several elements session match"},
+        {UPDATE, "D", "<session>x<s1/></session>", "several elements session match"},
         {UPDATE, "D", nested("domain_route", "5"), "holds elements"},
         {UPDATE, "D", nested("domain_route participant_1", "<domain_id>1</domain_id><domain_id>2</domain_id>"),
          "a second domain_id in participant_1; expected one"},
