@@ -5,7 +5,7 @@ import re
 import signal
 import time
 
-from processes import CLOCK_NANOSLEEP, POLL, SIGNALS, WRITE, Program, SessionTest, Shell
+from processes import CLOCK_NANOSLEEP, POLL, WRITE, Program, SessionTest, Shell
 
 ENABLE_SYNTAX = "Command syntax: enable <target_router> [<entity_name>]\n"
 GET_SYNTAX = "Command syntax: get <target_router>\n"
