@@ -58,7 +58,7 @@ private:
     void ask(std::size_t commands);
     void backUp();
     bool sendAll(const plan::Plan& plan, Outcome& outcome);
-    void putBack(const std::string& why, Outcome& outcome);
+    void putBack(std::string why, Outcome& outcome);
     std::string wayBack();
     std::string restoreCommand() const;
     std::vector<plan::Difference> readBack(const xmlDoc* expected);
@@ -207,8 +207,8 @@ std::string Apply::restoreCommand() const {
 }
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second
-// one ends that, too.
-void Apply::putBack(const std::string& why, Outcome& outcome) {
+// one ends that, too. A copy of `why`: the way back may write its own failure over failure_.
+void Apply::putBack(std::string why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
     output_.resume();
     output_.say(router_->name() + ": " + why + "; putting back what ran");
