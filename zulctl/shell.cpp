@@ -113,6 +113,7 @@ void Shell::runWords(const std::vector<std::string>& words) {
         argv.erase(argv.begin() + 1);
         argv.push_back("--help");
     }
+    std::clearerr(stdout); // an interrupt may have ended a write of the prompt
     const Parsed parsed = parseArguments(static_cast<int>(argv.size()), argv.data(), defaults_);
     status_ = parsed.status;
     if (parsed.arguments) {
@@ -121,7 +122,7 @@ void Shell::runWords(const std::vector<std::string>& words) {
         completion_.forget();
     }
     std::fflush(stdout);
-    isOver_ = std::ferror(stdout) != 0; // nobody reads on
+    isOver_ = std::ferror(stdout) != 0 && !wakeup_.isInterrupted(); // nobody reads on
 }
 
 void Shell::runLine(const std::string& text) {

@@ -260,6 +260,13 @@ class Shell(ControlTest):
                     self.assertIsNone(shell.process.poll())
                 shell.signal(signal.SIGWINCH)
             self.assertEqual(shell.prompt().count("x"), 1000000)
+            shell.send("get r\n")
+            shell.expect("x{1000}")
+            for _ in range(20):
+                while shell._state("syscall")[0] != WRITE:
+                    self.assertIsNone(shell.process.poll())
+                shell.signal(signal.SIGINT)
+            shell.ask("help get\n", "print the router")
 
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors of its own")
     def test_a_wait_that_fails_for_ever(self):
