@@ -201,9 +201,11 @@ std::string Apply::wayBack() {
 }
 
 std::string Apply::restoreCommand() const {
+    const std::string file = (backup_.starts_with('-') ? "./" : "") + backup_; // or it would be an option
     return "zulctl -d " + std::to_string(arguments_.domain) +
-           (arguments_.settings.product == fleet::Product::FEDERATION ? " --federation" : "") + " restore " +
-           asWord(router_->name()) + " " + asWord(backup_);
+           (arguments_.settings.product == fleet::Product::FEDERATION ? " --federation" : "") + " restore" +
+           (arguments_.configuration ? " --configuration " + asWord(*arguments_.configuration) : "") + " " +
+           asWord(router_->name()) + " " + asWord(file);
 }
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second

@@ -232,13 +232,14 @@ class Apply(ControlTest):
 
     def test_a_router_that_dies_in_the_middle_is_told_of(self):
         router = self.practice("--delay-ms", "300")
-        with Program("zulctl", "-d", self.domain, "-t", "1.5", "--json", "--discovery", "1", "apply", "r1", "wanted.xml", "--yes") as applying:
+        with Program("zulctl", "-d", self.domain, "-t", "1.5", "--json", "--discovery", "1", "apply", "r1", "wanted.xml", "--yes",
+                     "--configuration", "S", "--backup", "-b.xml") as applying:
             applying.expect('"deleted Old"')
             router.signal(signal.SIGKILL)
             applying.expect('"outcome":"not_put_back","message":"update of D was not answered; putting back failed: [^"]*'
-                            f'zulctl -d {self.domain} restore r1 r1.backup.xml","backup":"r1.backup.xml"')
+                            f'zulctl -d {self.domain} restore --configuration S r1 ./-b.xml","backup":"-b.xml"')
             self.assertEqual(applying.wait()[0], 4)
-        self.assertEqual(self.read("r1.backup.xml").strip(), self.read("before.xml"))
+        self.assertEqual(self.read("-b.xml").strip(), self.read("before.xml"))
 
 
 if __name__ == "__main__":
