@@ -165,8 +165,9 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     fleet.ask(names, disable, [&](const Result& result) {
         outcome.add(result.status);
         output.print(result, true);
-        if (result.status == Status::OK || (result.wasSent && (result.status == Status::INTERRUPTED ||
-                                                               result.status == Status::NO_ANSWER))) {
+        if (result.status == Status::OK ||
+            (result.wasSent && (result.status == Status::INTERRUPTED || result.status == Status::NO_ANSWER ||
+                                !result.isWhole))) {
             stopped.insert(result.router);
         }
         if (result.status != Status::OK) {
