@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <unistd.h>
 
 namespace zul::ctl {
@@ -34,6 +35,20 @@ std::string asWord(const std::string& word) {
         quoted += c == '\'' ? "'\\''" : std::string(1, c);
     }
     return quoted + "'";
+}
+
+// The exception that is being handled. Between the first command and the last none may end the program:
+// memory may run out anywhere, and what ran is put back all the same.
+Failure caught() {
+    try {
+        throw;
+    } catch (const Failure& failure) {
+        return failure;
+    } catch (const plan::Refusal& refusal) {
+        return {EXIT_REFUSED, refusal.why};
+    } catch (const std::exception& exception) {
+        return {EXIT_USAGE, exception.what()};
+    }
 }
 
 class Apply {
@@ -149,8 +164,8 @@ void Apply::backUp() {
 // Shows each answer. False when one is not what it should be, with the words for it in failure_.
 bool Apply::sendAll(const plan::Plan& plan, Outcome& outcome) {
     for (const plan::Step& step : plan) {
-        const fleet::Command command = commandOf(step);
         try {
+            const fleet::Command command = commandOf(step);
             const Result result = router_->send(command);
             outcome.add(result.status);
             output_.print(result, true);
@@ -161,7 +176,8 @@ bool Apply::sendAll(const plan::Plan& plan, Outcome& outcome) {
                        (result.status == Status::INTERRUPTED ? " was interrupted"
                         : result.status == Status::NO_ANSWER ? " was not answered"
                                                              : " was refused");
-        } catch (const Failure& failure) {
+        } catch (...) {
+            const Failure failure = caught();
             outcome.add(failure.status);
             failure_ = failure.message;
         }
@@ -217,7 +233,8 @@ void Apply::putBack(std::string why, Outcome& outcome) {
     std::string failure;
     try {
         failure = wayBack();
-    } catch (const Failure& thrown) {
+    } catch (...) {
+        const Failure thrown = caught();
         failure = thrown.message;
         outcome.add(thrown.status == EXIT_INTERRUPTED ? EXIT_INTERRUPTED : EXIT_DONE);
     }
@@ -265,7 +282,8 @@ int Apply::run() {
     std::vector<plan::Difference> left;
     try {
         left = readBack(wanted_.document.get());
-    } catch (const Failure& failure) {
+    } catch (...) {
+        const Failure failure = caught();
         outcome.add(failure.status);
         putBack("reading back failed: " + failure.message, outcome);
         return outcome.status();

@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <exception>
 #include <system_error>
 #include <unistd.h>
 
@@ -34,6 +35,7 @@ private:
     Got read(std::string& line);
     void remember(const std::string& line);
     void runLine(const std::string& text);
+    void tryLine(const std::string& text);
     void runWords(const std::vector<std::string>& words);
     Got signalled();
 
@@ -143,6 +145,16 @@ void Shell::runLine(const std::string& text) {
     }
 }
 
+// A line that memory does not suffice for does not end the shell either.
+void Shell::tryLine(const std::string& text) {
+    try {
+        runLine(text);
+    } catch (const std::exception& failure) {
+        complain(failure.what());
+        status_ = EXIT_USAGE;
+    }
+}
+
 int Shell::run() {
     std::string line;
     while (!isOver_) {
@@ -155,7 +167,7 @@ int Shell::run() {
             return EXIT_USAGE;
         }
         if (got == Got::INPUT) {
-            runLine(line);
+            tryLine(line);
         }
         // At a prompt an interrupt ends the line, without one everything.
         const bool isInterrupted = wakeup_.takeInterrupt() || got == Got::STOPPED;

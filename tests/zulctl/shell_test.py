@@ -269,12 +269,21 @@ class Shell(ControlTest):
             shell.ask("help get\n", "print the router")
 
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors of its own")
-    def test_a_wait_that_fails_for_ever(self):
+    def test_a_line_without_memory_and_a_wait_that_fails_for_ever(self):
         with Program("zulctl", "-d", self.domain, "shell") as shell:
             shell.wait_until_idle()
+            big = os.path.join(self.home, "big")
+            with open(big, "wb") as file:
+                file.truncate(200 << 20)
+            with open(f"/proc/{shell.process.pid}/statm", encoding="ascii") as file:
+                limit = int(file.read().split()[0]) * resource.getpagesize() + (100 << 20)
+            resource.prlimit(shell.process.pid, resource.RLIMIT_AS, (limit, limit))
+            shell.send(f"check {big}\nhelp\n")
+            shell.expect("Subcommands")
+            self.assertEqual(shell.log, "zulctl: std::bad_alloc\n")
             resource.prlimit(shell.process.pid, resource.RLIMIT_NOFILE, (1, 1))  # poll refuses two descriptors
             shell.send("help\n")
-            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: cannot read standard input: Invalid argument\n"))
+            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: std::bad_alloc\nzulctl: cannot read standard input: Invalid argument\n"))
 
     def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
         with tempfile.NamedTemporaryFile("w", suffix=".xml") as profile:
