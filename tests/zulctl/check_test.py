@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import socket
 import subprocess
 import tempfile
 import unittest
@@ -63,8 +64,12 @@ class Check(ControlTest):
     def test_standard_input_and_usage(self):
         command = [os.path.join(BIN, "zulctl"), "check", "-"]
         for text, expected in ((b"<dds/>", (0, b"")), (b"<dds>", (1, b"-:1: "))):
-            done = subprocess.run(command, input=text, capture_output=True, check=False, timeout=60)
-            self.assertEqual((done.returncode, done.stdout[:5]), expected)
+            ends = socket.socketpair()  # which has no name to be opened by
+            ends[0].sendall(text)
+            ends[0].close()
+            with ends[1] as end:
+                done = subprocess.run(command, stdin=end, capture_output=True, check=False, timeout=60)
+            self.assertEqual((done.returncode, done.stdout[:5]), expected, done)
         self.assertEqual(self.run_text("check")[0], 2)
         self.assertEqual(self.run_text("check", "--all")[0], 2)
 
