@@ -70,6 +70,7 @@ class Check(ControlTest):
             with ends[1] as end:
                 done = subprocess.run(command, stdin=end, capture_output=True, check=False, timeout=60)
             self.assertEqual((done.returncode, done.stdout[:5]), expected, done)
+        self.assertEqual(self.run_text("check", *[self.file("good.xml", "<dds/>")] * 1001), (0, "", ""))
         self.assertEqual(self.run_text("check")[0], 2)
         self.assertEqual(self.run_text("check", "--all")[0], 2)
 
