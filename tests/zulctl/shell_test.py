@@ -205,6 +205,17 @@ class Shell(ControlTest):
         prompt.ask(INTERRUPT, "quiet: interrupted")
         self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
         self.assertEqual(prompt.wait()[0], 5)
+        with Program("/bin/bash", "--norc", "-i", terminal=True, env={"HOME": self.home}) as bash:
+            for line in ("help exit\n", "pause quiet\n"):  # stopped at the prompt and in a wait it can be ended
+                bash.send(f"{BIN}/zulctl -d {self.domain} shell\n")
+                bash.expect("zulctl> ")
+                bash.send(line)
+                router.expect("PAUSE [^\n]*kept back") if line.startswith("pause") else bash.expect("zulctl> ")
+                bash.send("\x1a")
+                bash.until(lambda: "Stopped" in bash.log, "it does not stop")
+                bash.log = ""
+                bash.send("kill %1; until wait %1; s=$?; [ $s -lt 128 ]; do :; done; echo status $s\n")
+                bash.expect("status 5\n")
 
     def test_an_answer_or_a_document_is_typed_on_a_terminal_that_shows_and_edits_it(self):
         self.router("r")

@@ -12,6 +12,7 @@
 #include <locale.h>
 #include <new>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace zul::ctl::prompt {
 
@@ -84,6 +85,7 @@ struct Editor::Library {
     Library& operator=(const Library&) = delete;
     ~Library() {
         if (editor != nullptr) {
+            leaveAnothersTerminal();
             el_end(editor);
         }
         if (history != nullptr) {
@@ -91,6 +93,14 @@ struct Editor::Library {
         }
         uselocale(localeBefore);
         freeLocale(locale);
+    }
+
+    // Whoever sets a terminal that another job has now is stopped: after this the library does not, until
+    // the next line.
+    void leaveAnothersTerminal() const {
+        if (tcgetpgrp(STDIN_FILENO) != getpgrp()) {
+            el_set(editor, EL_EDITMODE, 0);
+        }
     }
 
     static Editor& of(EditLine* line) {
@@ -153,6 +163,7 @@ Got Editor::readCharacter(wchar_t& character) {
             continue;
         }
         if (got_ != Got::INPUT) {
+            library_->leaveAnothersTerminal();
             return got_;
         }
         char32_t code = 0;
@@ -171,6 +182,7 @@ Got Editor::readCharacter(wchar_t& character) {
 
 Got Editor::readLine(std::string& line) {
     got_ = Got::INPUT;
+    el_set(library_->editor, EL_EDITMODE, 1);
     el_resize(library_->editor);
     int length = 0;
     const char* text = el_gets(library_->editor, &length);
