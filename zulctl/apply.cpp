@@ -270,10 +270,17 @@ int Apply::run() {
         end("planned", "nothing was sent");
         return EXIT_DONE;
     }
-    if (!arguments_.isYes) {
-        ask(plan.size());
+    try {
+        if (!arguments_.isYes) {
+            ask(plan.size());
+        }
+        backUp();
+    } catch (const Failure& failure) {
+        if (output_.isJson() && !failure.message.empty()) { // standard error tells people
+            end("not_sent", failure.message);
+        }
+        throw;
     }
-    backUp();
     Outcome outcome;
     if (!sendAll(plan, outcome)) {
         putBack(failure_, outcome);

@@ -123,6 +123,8 @@ class Apply(ControlTest):
             with self.subTest(arguments):
                 found, _, log = self.control(*arguments, input=b"y\n")
                 self.assertEqual((found, reason in log), (status, True), log)
+        status, rows = self.control_json("apply", "r1", "wanted.xml", "--yes", "--backup", "kept.xml")
+        self.assertEqual((status, rows[-1]["outcome"], rows[-1]["backup"]), (2, "not_sent", ""))
         with open("/dev/full", "w", encoding="utf-8") as full:
             unseen = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "--discovery", "1", "apply", "r1", "wanted.xml", "--yes"],
                                     stdout=full, stderr=subprocess.PIPE, text=True, check=False, timeout=60)
