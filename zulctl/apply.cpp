@@ -132,6 +132,7 @@ void Apply::ask(std::size_t commands) {
     const std::string question = "Send " + std::to_string(commands) +
                                  (commands == 1 ? " command to " : " commands to ") + router_->name() +
                                  "? [y/N] ";
+    output_.progress().clear();
     if (!isYes(oneLine(question), session_.wakeup())) {
         end("declined", "nothing was sent");
         throw Failure{EXIT_INTERRUPTED, ""};
@@ -251,7 +252,7 @@ void Apply::putBack(std::string why, Outcome& outcome) {
 }
 
 int Apply::run() {
-    router_.emplace(arguments_, session_, true);
+    router_.emplace(arguments_, session_, output_.progress(), true);
     before_ = router_->get();
     running_ = parseDocument(before_, "the document of " + router_->name(), EXIT_REFUSED);
     configuration_ =
