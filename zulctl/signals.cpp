@@ -52,6 +52,9 @@ void onEnd(int signalNumber) {
         restoreTerminal();
         _exit(EXIT_INTERRUPTED);
     }
+    if (g_isEnding.load()) {
+        signal(SIGTTOU, SIG_IGN); // it was stopped while the terminal was being set, perhaps
+    }
     wakeup->interrupt();
     ring();
     errno = before;

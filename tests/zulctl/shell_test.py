@@ -212,7 +212,7 @@ class Shell(ControlTest):
                 bash.send(line)
                 router.expect("PAUSE [^\n]*kept back") if line.startswith("pause") else bash.expect("zulctl> ")
                 bash.send("\x1a")
-                bash.until(lambda: "Stopped" in bash.log, "it does not stop")
+                bash.until(lambda: re.search("Stopped.*bash-[^ ]* ", bash.log, re.DOTALL), "it does not stop")
                 bash.log = ""
                 bash.send("kill %1; until wait %1; s=$?; [ $s -lt 128 ]; do :; done; echo status $s\n")
                 bash.expect("status 5\n")

@@ -95,10 +95,11 @@ struct Editor::Library {
         freeLocale(locale);
     }
 
-    // Whoever sets a terminal that another job has now is stopped: after this the library does not, until
-    // the next line.
+    // Whoever sets a terminal that another job has now is stopped.
+    static bool isTerminalOurs() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
+    // After this the library does not set it until the next line.
     void leaveAnothersTerminal() const {
-        if (tcgetpgrp(STDIN_FILENO) != getpgrp()) {
+        if (!isTerminalOurs()) {
             el_set(editor, EL_EDITMODE, 0);
         }
     }
@@ -154,6 +155,9 @@ Got Editor::readCharacter(wchar_t& character) {
     for (;;) {
         char byte = 0;
         got_ = input_.readByte(byte);
+        if (got_ == Got::REDRAW && !Library::isTerminalOurs()) {
+            continue; // in the foreground it is told to again
+        }
         if (got_ == Got::REDRAW) {
             el_resize(library_->editor);
             el_set(library_->editor, EL_PREP_TERM, 0);
