@@ -176,7 +176,8 @@ Result Fleet::toResult(Answer&& answer, const Command& command) const {
                   .parts = answer.parts,
                   .took = answer.took,
                   .guid = answer.writer ? textOf(*answer.writer) : "",
-                  .wasSent = true};
+                  .wasSent = true,
+                  .isWhole = answer.isWhole};
     if (result.status == Status::NO_ANSWER) {
         Picture now = picture();
         // Of two routers with one name, only the one that is silent says why.

@@ -31,6 +31,7 @@ struct Result {
     std::chrono::milliseconds took{};
     std::string guid{};   // prefix of the router's participant; empty when it is not known
     bool wasSent = false; // it may have acted, whatever the status is
+    bool isWhole = true;  // else the error is not the router's: what it answered was lost
 };
 using OnResult = std::function<void(Result&&)>;
 

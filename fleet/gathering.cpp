@@ -68,6 +68,7 @@ const Answer* Gathering::add(const Response& response) {
     }
     if (response.message.size() > MAX_ANSWER - wait->answer.message.size()) {
         wait->answer.message = "its answer is longer than " + std::to_string(MAX_ANSWER) + " bytes";
+        wait->answer.isWhole = false;
         end(*wait, Status::ERROR);
         return nullptr;
     }
@@ -95,7 +96,8 @@ void Gathering::end(Wait& wait, Status status) {
                       .status = status,
                       .message = std::move(wait.answer.message),
                       .parts = wait.answer.parts,
-                      .took = wait.answer.took});
+                      .took = wait.answer.took,
+                      .isWhole = wait.answer.isWhole});
     wait.answer.message = {};
 }
 
@@ -127,6 +129,7 @@ void Gathering::spoil() {
     for (auto& [invocation, wait] : waits_) {
         if (!wait.hasEnded) {
             wait.answer.message = "a part of an answer did not fit in memory; ask fewer routers at a time";
+            wait.answer.isWhole = false;
             end(wait, Status::ERROR);
         }
     }

@@ -40,6 +40,7 @@ struct Answer {
     std::string message{}; // of all parts
     std::size_t parts = 0;
     std::chrono::milliseconds took{}; // from the request to the last part
+    bool isWhole = true;              // else the error is not the router's: what it answered was lost
 };
 
 class Gathering {

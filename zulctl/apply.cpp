@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <unistd.h>
 
 namespace zul::ctl {
@@ -36,6 +37,20 @@ std::string asWord(const std::string& word) {
     return quoted + "'";
 }
 
+// The exception that is being handled. Between the first command and the last none may end the program:
+// memory may run out anywhere, and what ran is put back all the same.
+Failure caught() {
+    try {
+        throw;
+    } catch (const Failure& failure) {
+        return failure;
+    } catch (const plan::Refusal& refusal) {
+        return {EXIT_REFUSED, refusal.why};
+    } catch (const std::exception& exception) {
+        return {EXIT_USAGE, exception.what()};
+    }
+}
+
 class Apply {
 public:
     Apply(const Arguments& arguments, Session& session, Output& output)
@@ -58,7 +73,7 @@ private:
     void ask(std::size_t commands);
     void backUp();
     bool sendAll(const plan::Plan& plan, Outcome& outcome);
-    void putBack(const std::string& why, Outcome& outcome);
+    void putBack(std::string why, Outcome& outcome);
     std::string wayBack();
     std::string restoreCommand() const;
     std::vector<plan::Difference> readBack(const xmlDoc* expected);
@@ -117,6 +132,7 @@ void Apply::ask(std::size_t commands) {
     const std::string question = "Send " + std::to_string(commands) +
                                  (commands == 1 ? " command to " : " commands to ") + router_->name() +
                                  "? [y/N] ";
+    output_.progress().clear();
     if (!isYes(oneLine(question), session_.wakeup())) {
         end("declined", "nothing was sent");
         throw Failure{EXIT_INTERRUPTED, ""};
@@ -149,8 +165,8 @@ void Apply::backUp() {
 // Shows each answer. False when one is not what it should be, with the words for it in failure_.
 bool Apply::sendAll(const plan::Plan& plan, Outcome& outcome) {
     for (const plan::Step& step : plan) {
-        const fleet::Command command = commandOf(step);
         try {
+            const fleet::Command command = commandOf(step);
             const Result result = router_->send(command);
             outcome.add(result.status);
             output_.print(result, true);
@@ -161,7 +177,8 @@ bool Apply::sendAll(const plan::Plan& plan, Outcome& outcome) {
                        (result.status == Status::INTERRUPTED ? " was interrupted"
                         : result.status == Status::NO_ANSWER ? " was not answered"
                                                              : " was refused");
-        } catch (const Failure& failure) {
+        } catch (...) {
+            const Failure failure = caught();
             outcome.add(failure.status);
             failure_ = failure.message;
         }
@@ -201,21 +218,24 @@ std::string Apply::wayBack() {
 }
 
 std::string Apply::restoreCommand() const {
+    const std::string file = (backup_.starts_with('-') ? "./" : "") + backup_; // or it would be an option
     return "zulctl -d " + std::to_string(arguments_.domain) +
-           (arguments_.settings.product == fleet::Product::FEDERATION ? " --federation" : "") + " restore " +
-           asWord(router_->name()) + " " + asWord(backup_);
+           (arguments_.settings.product == fleet::Product::FEDERATION ? " --federation" : "") + " restore" +
+           (arguments_.configuration ? " --configuration " + asWord(*arguments_.configuration) : "") + " " +
+           asWord(router_->name()) + " " + asWord(file);
 }
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second
-// one ends that, too.
-void Apply::putBack(const std::string& why, Outcome& outcome) {
+// one ends that, too. A copy of `why`: the way back may write its own failure over failure_.
+void Apply::putBack(std::string why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
     output_.resume();
     output_.say(router_->name() + ": " + why + "; putting back what ran");
     std::string failure;
     try {
         failure = wayBack();
-    } catch (const Failure& thrown) {
+    } catch (...) {
+        const Failure thrown = caught();
         failure = thrown.message;
         outcome.add(thrown.status == EXIT_INTERRUPTED ? EXIT_INTERRUPTED : EXIT_DONE);
     }
@@ -232,7 +252,7 @@ void Apply::putBack(const std::string& why, Outcome& outcome) {
 }
 
 int Apply::run() {
-    router_.emplace(arguments_, session_, true);
+    router_.emplace(arguments_, session_, output_.progress(), true);
     before_ = router_->get();
     running_ = parseDocument(before_, "the document of " + router_->name(), EXIT_REFUSED);
     configuration_ =
@@ -251,10 +271,17 @@ int Apply::run() {
         end("planned", "nothing was sent");
         return EXIT_DONE;
     }
-    if (!arguments_.isYes) {
-        ask(plan.size());
+    try {
+        if (!arguments_.isYes) {
+            ask(plan.size());
+        }
+        backUp();
+    } catch (const Failure& failure) {
+        if (output_.isJson() && !failure.message.empty()) { // standard error tells people
+            end("not_sent", failure.message);
+        }
+        throw;
     }
-    backUp();
     Outcome outcome;
     if (!sendAll(plan, outcome)) {
         putBack(failure_, outcome);
@@ -263,7 +290,8 @@ int Apply::run() {
     std::vector<plan::Difference> left;
     try {
         left = readBack(wanted_.document.get());
-    } catch (const Failure& failure) {
+    } catch (...) {
+        const Failure failure = caught();
         outcome.add(failure.status);
         putBack("reading back failed: " + failure.message, outcome);
         return outcome.status();

@@ -15,7 +15,7 @@ namespace zul::ctl {
 
 namespace {
 
-constexpr std::size_t ANY = 1000; // words
+constexpr std::size_t ANY = 10'000'000; // words; more than a command line holds
 constexpr char MARK = '\x01';
 constexpr double LONGEST_SECONDS = 1e6;
 

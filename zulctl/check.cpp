@@ -20,7 +20,7 @@ int checkFiles(const Arguments& arguments, fleet::Wakeup& wakeup, Output& output
     for (const std::string& file : arguments.words) {
         const bool isInput = file == STANDARD_INPUT;
         std::string error;
-        const auto text = readFile(isInput ? "/dev/stdin" : file, error);
+        const auto text = isInput ? readStandardInput(error) : readFile(file, error);
         if (wakeup.isInterrupted()) {
             return EXIT_INTERRUPTED;
         }

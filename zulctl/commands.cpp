@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <set>
 #include <span>
 
@@ -147,7 +148,8 @@ int request(const Arguments& arguments, Session& session, Output& output) {
     return outcome.status();
 }
 
-// What was stopped is started again, also after interrupts; those answers are not awaited for long.
+// What was stopped is started again, also after interrupts and without memory; those answers are not awaited
+// for long.
 int dupdate(const Arguments& arguments, Session& session, Output& output) {
     fleet::Wakeup& wakeup = session.wakeup();
     const Command update = commandOf(arguments);
@@ -162,24 +164,32 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     Outcome outcome;
     std::set<std::string> stopped; // for certain or perhaps
     std::set<std::string> failed;
-    fleet.ask(names, disable, [&](const Result& result) {
-        outcome.add(result.status);
-        output.print(result, true);
-        if (result.status == Status::OK || (result.wasSent && (result.status == Status::INTERRUPTED ||
-                                                               result.status == Status::NO_ANSWER))) {
-            stopped.insert(result.router);
-        }
-        if (result.status != Status::OK) {
-            failed.insert(result.router);
-        }
-    });
-    std::vector<std::string> next;
-    std::ranges::set_difference(stopped, failed, std::back_inserter(next));
+    std::set<std::string> unheard(names.begin(), names.end());
     const auto show = [&](const Result& result) {
         outcome.add(result.status);
         output.print(result, true);
     };
-    fleet.ask(next, update, show);
+    std::exception_ptr thrown; // memory
+    try {
+        fleet.ask(names, disable, [&](const Result& result) {
+            if (result.status == Status::OK ||
+                (result.wasSent && (result.status == Status::INTERRUPTED ||
+                                    result.status == Status::NO_ANSWER || !result.isWhole))) {
+                stopped.insert(result.router);
+            }
+            if (result.status != Status::OK) {
+                failed.insert(result.router);
+            }
+            unheard.erase(result.router);
+            show(result);
+        });
+        std::vector<std::string> next;
+        std::ranges::set_difference(stopped, failed, std::back_inserter(next));
+        fleet.ask(next, update, show);
+    } catch (...) {
+        thrown = std::current_exception();
+        stopped.merge(unheard);
+    }
     bool isInterrupted = false;
     fleet::Settings settings = arguments.settings;
     std::vector<std::string> left(stopped.begin(), stopped.end());
@@ -200,6 +210,9 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     }
     if (isInterrupted) {
         wakeup.interrupt();
+    }
+    if (thrown) {
+        std::rethrow_exception(thrown);
     }
     return outcome.status();
 }

@@ -7,7 +7,7 @@ namespace zul::ctl {
 
 int diff(const Arguments& arguments, Session& session, Output& output) {
     const LocalDocument wanted(arguments.words.front());
-    OneRouter router(arguments, session, false);
+    OneRouter router(arguments, session, output.progress(), false);
     const plan::XmlDocument running =
         parseDocument(router.get(), "the document of " + router.name(), EXIT_REFUSED);
     const std::string configuration =

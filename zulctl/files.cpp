@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
 #include <string_view>
 #include <sys/stat.h>
@@ -93,10 +94,7 @@ bool isControl(const std::string& text, std::size_t at) {
     return byte(at) < ' ' || byte(at) == 0x7F || isSecond(at) || isSecond(at + 1);
 }
 
-} // namespace
-
-std::optional<std::string> readFile(const std::string& path, std::string& error) {
-    const File file(std::fopen(path.c_str(), "rbe"));
+std::optional<std::string> readWhole(const File& file, const std::string& path, std::string& error) {
     if (file == nullptr) {
         error = explain("open", path);
         return std::nullopt;
@@ -121,6 +119,17 @@ std::optional<std::string> readFile(const std::string& path, std::string& error)
         return std::nullopt;
     }
     return text;
+}
+
+} // namespace
+
+std::optional<std::string> readFile(const std::string& path, std::string& error) {
+    return readWhole(File(std::fopen(path.c_str(), "rbe")), path, error);
+}
+
+std::optional<std::string> readStandardInput(std::string& error) {
+    const int descriptor = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
+    return readWhole(File(descriptor < 0 ? nullptr : fdopen(descriptor, "rb")), "standard input", error);
 }
 
 bool writeFile(const std::string& path, const std::string& text, std::string& error) {

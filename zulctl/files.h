@@ -8,6 +8,8 @@ namespace zul::ctl {
 
 // Nothing, with `error` filled, when it cannot be read.
 std::optional<std::string> readFile(const std::string& path, std::string& error);
+// The same of what standard input has left.
+std::optional<std::string> readStandardInput(std::string& error);
 // Replaces a file by one with the same rights, or leaves it as it was; what is no plain file is written to.
 // False, with `error` filled, when it cannot be written whole.
 bool writeFile(const std::string& path, const std::string& text, std::string& error);

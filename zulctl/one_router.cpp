@@ -31,11 +31,12 @@ Failure severalOfOneName(const std::string& name, const std::vector<std::string>
 
 } // namespace
 
-OneRouter::OneRouter(const Arguments& arguments, Session& session, bool isSure)
+OneRouter::OneRouter(const Arguments& arguments, Session& session, ProgressLine& progress, bool isSure)
     : name_(arguments.routers.front()),
       domain_(session.domain(arguments.domain, arguments.settings.product)),
       settings_(arguments.settings),
       fleet_(domain_, session.wakeup(), settings_) {
+    fleet_.onProgress(progress.callback());
     std::vector<std::string> words{name_};
     if (isSure) {
         words.emplace_back("*");

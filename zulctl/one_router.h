@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plan/document/xml.h"
+#include "zulctl/progress.h"
 #include "zulctl/session.h"
 
 #include <optional>
@@ -11,8 +12,9 @@ namespace zul::ctl {
 
 class OneRouter {
 public:
-    // Joins the domain and looks for the router. `isSure`: looks on for others of its name.
-    OneRouter(const Arguments& arguments, Session& session, bool isSure);
+    // Joins the domain and looks for the router. `isSure`: looks on for others of its name. The progress line
+    // must outlive this.
+    OneRouter(const Arguments& arguments, Session& session, ProgressLine& progress, bool isSure);
 
     const std::string& name() const { return name_; }
     // The document that it runs.

@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <exception>
 #include <system_error>
 #include <unistd.h>
 
@@ -34,6 +35,7 @@ private:
     Got read(std::string& line);
     void remember(const std::string& line);
     void runLine(const std::string& text);
+    void tryLine(const std::string& text);
     void runWords(const std::vector<std::string>& words);
     Got signalled();
 
@@ -113,6 +115,7 @@ void Shell::runWords(const std::vector<std::string>& words) {
         argv.erase(argv.begin() + 1);
         argv.push_back("--help");
     }
+    std::clearerr(stdout); // an interrupt may have ended a write of the prompt
     const Parsed parsed = parseArguments(static_cast<int>(argv.size()), argv.data(), defaults_);
     status_ = parsed.status;
     if (parsed.arguments) {
@@ -121,7 +124,7 @@ void Shell::runWords(const std::vector<std::string>& words) {
         completion_.forget();
     }
     std::fflush(stdout);
-    isOver_ = std::ferror(stdout) != 0; // nobody reads on
+    isOver_ = std::ferror(stdout) != 0 && !wakeup_.isInterrupted(); // nobody reads on
 }
 
 void Shell::runLine(const std::string& text) {
@@ -142,6 +145,16 @@ void Shell::runLine(const std::string& text) {
     }
 }
 
+// A line that memory does not suffice for does not end the shell either.
+void Shell::tryLine(const std::string& text) {
+    try {
+        runLine(text);
+    } catch (const std::exception& failure) {
+        complain(failure.what());
+        status_ = EXIT_USAGE;
+    }
+}
+
 int Shell::run() {
     std::string line;
     while (!isOver_) {
@@ -154,7 +167,7 @@ int Shell::run() {
             return EXIT_USAGE;
         }
         if (got == Got::INPUT) {
-            runLine(line);
+            tryLine(line);
         }
         // At a prompt an interrupt ends the line, without one everything.
         const bool isInterrupted = wakeup_.takeInterrupt() || got == Got::STOPPED;

@@ -22,9 +22,16 @@ std::atomic<bool> g_redraw{false};
 termios g_terminal; // as it was found
 std::atomic<bool> g_hasTerminal{false};
 
+// Only while the terminal is this job's: who sets another's is stopped.
+void setTerminal(const termios& terminal) {
+    if (tcgetpgrp(STDIN_FILENO) == getpgrp()) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
+    }
+}
+
 void restoreTerminal() {
     if (g_hasTerminal.load()) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &g_terminal);
+        setTerminal(g_terminal);
     }
 }
 
@@ -45,6 +52,9 @@ void onEnd(int signalNumber) {
         restoreTerminal();
         _exit(EXIT_INTERRUPTED);
     }
+    if (g_isEnding.load()) {
+        signal(SIGTTOU, SIG_IGN); // it was stopped while the terminal was being set, perhaps
+    }
     wakeup->interrupt();
     ring();
     errno = before;
@@ -58,7 +68,7 @@ void onStop(int /*signalNumber*/) {
     restoreTerminal();
     kill(getpid(), SIGSTOP);
     if (hasOurs) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &ours);
+        setTerminal(ours);
     }
     g_redraw.store(true);
     ring();
@@ -145,7 +155,7 @@ UsualTerminal::UsualTerminal() {
 
 UsualTerminal::~UsualTerminal() {
     if (isChanged_) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+        setTerminal(before_);
     }
 }
 

@@ -22,7 +22,8 @@ std::string ended(Gathering& gathering) {
     for (const Answer& answer : gathering.takeEnded()) {
         text += answer.router + std::to_string(answer.writer ? (*answer.writer)[0] : 0) + ":" +
                 NAMES[static_cast<std::size_t>(answer.status)] + ":" + answer.message + ":" +
-                std::to_string(answer.parts) + ":" + std::to_string(answer.took.count()) + " ";
+                std::to_string(answer.parts) + ":" + std::to_string(answer.took.count()) +
+                (answer.isWhole ? " " : " cut ");
     }
     return text;
 }
@@ -112,7 +113,7 @@ TEST_F(GatheringTest, WhoHasGoneOrIsInterruptedIsNotWaitedFor) {
     gathering.spoil();
     come(2, C, OK, "it", true);
     EXPECT_EQ(ended(gathering),
-              "c3:error:a part of an answer did not fit in memory; ask fewer routers at a time:1:1 ");
+              "c3:error:a part of an answer did not fit in memory; ask fewer routers at a time:1:1 cut ");
 }
 
 TEST_F(GatheringTest, AnAnswerWithoutEndIsCutOff) {
@@ -120,7 +121,7 @@ TEST_F(GatheringTest, AnAnswerWithoutEndIsCutOff) {
     gathering.add({1, A, OK, std::string(MAX_ANSWER, 'x'), false, START});
     EXPECT_FALSE(gathering.isComplete());
     come(1, A, OK, "x", false);
-    EXPECT_EQ(ended(gathering), "a1:error:its answer is longer than 268435456 bytes:1:0 ");
+    EXPECT_EQ(ended(gathering), "a1:error:its answer is longer than 268435456 bytes:1:0 cut ");
     EXPECT_TRUE(gathering.isComplete());
 }
 

@@ -123,6 +123,8 @@ class Apply(ControlTest):
             with self.subTest(arguments):
                 found, _, log = self.control(*arguments, input=b"y\n")
                 self.assertEqual((found, reason in log), (status, True), log)
+        status, rows = self.control_json("apply", "r1", "wanted.xml", "--yes", "--backup", "kept.xml")
+        self.assertEqual((status, rows[-1]["outcome"], rows[-1]["backup"]), (2, "not_sent", ""))
         with open("/dev/full", "w", encoding="utf-8") as full:
             unseen = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "--discovery", "1", "apply", "r1", "wanted.xml", "--yes"],
                                     stdout=full, stderr=subprocess.PIPE, text=True, check=False, timeout=60)
@@ -190,22 +192,23 @@ class Apply(ControlTest):
     def test_an_interrupt_in_the_middle_leaves_what_ran(self):
         router = self.practice("--delay-ms", "300")
         back, failed = "what ran before runs again", "putting back failed: .* restore r1 r1.backup(-[0-9])?.xml"
-        for answer, what, interrupts, outcome in (("delete: deleted Old", "update of D was interrupted", 1, back),
-                                                  ("create: created New", "reading back failed", 1, back),
-                                                  ("delete: deleted Old", "update of D was interrupted", 2, failed)):
+        for answer, what, second, outcome in (("delete: deleted Old", "update of D was interrupted", None, back),
+                                              ("create: created New", "reading back failed", None, back),
+                                              ("delete: deleted Old", "update of D was interrupted", "", failed),
+                                              ("enable: enabled D", "create of the router was interrupted", r"1\. [^\n]*\n", failed)):
             with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "wanted.xml", "--yes") as applying:
                 applying.expect(f"r1: {answer}\n")
                 applying.signal(signal.SIGINT)
                 applying.expect(f"{what}[^\n]*; putting back what ran\n")
-                if interrupts == 2:
+                if second is not None:
+                    applying.expect(second)
                     applying.signal(signal.SIGINT)
                 applying.expect(f"r1: {what}[^\n]*; [^\n]*{outcome}\n")
                 self.assertEqual(applying.wait()[0], 5)
-            if interrupts == 1:
-                self.assert_runs("before.xml")
-        router.read(0)
-        self.assertEqual(self.control("restore", "r1", "r1.backup.xml", "--yes")[0], 0)
-        self.assert_runs("before.xml")
+            if second is not None:
+                router.read(0)
+                self.assertEqual(self.control("restore", "r1", "r1.backup.xml", "--yes")[0], 0)
+            self.assert_runs("before.xml")
 
     def test_an_interrupt_while_nobody_reads_does_not_silence_the_rest(self):
         routes = [route(f"{'n' * 60}{i}") for i in range(30)]
@@ -231,13 +234,14 @@ class Apply(ControlTest):
 
     def test_a_router_that_dies_in_the_middle_is_told_of(self):
         router = self.practice("--delay-ms", "300")
-        with Program("zulctl", "-d", self.domain, "-t", "1.5", "--json", "--discovery", "1", "apply", "r1", "wanted.xml", "--yes") as applying:
+        with Program("zulctl", "-d", self.domain, "-t", "1.5", "--json", "--discovery", "1", "apply", "r1", "wanted.xml", "--yes",
+                     "--configuration", "S", "--backup", "-b.xml") as applying:
             applying.expect('"deleted Old"')
             router.signal(signal.SIGKILL)
             applying.expect('"outcome":"not_put_back","message":"update of D was not answered; putting back failed: [^"]*'
-                            f'zulctl -d {self.domain} restore r1 r1.backup.xml","backup":"r1.backup.xml"')
+                            f'zulctl -d {self.domain} restore --configuration S r1 ./-b.xml","backup":"-b.xml"')
             self.assertEqual(applying.wait()[0], 4)
-        self.assertEqual(self.read("r1.backup.xml").strip(), self.read("before.xml"))
+        self.assertEqual(self.read("-b.xml").strip(), self.read("before.xml"))
 
 
 if __name__ == "__main__":

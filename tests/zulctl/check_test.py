@@ -3,6 +3,7 @@ are shipped, and of those that are broken, xmllint says the same from outside.""
 
 import os
 import re
+import socket
 import subprocess
 
 from control import SOURCE, ControlTest
@@ -74,7 +75,12 @@ class Check(ControlTest):
 
     def test_standard_input_and_usage(self):
         for text, expected in ((b"<dds/>", (0, "")), (b"<dds>", (1, "-:1: "))):
-            status, out, _ = self.run_text("check", "-", input=text)
+            ends = socket.socketpair()  # which has no name to be opened by
+            ends[0].sendall(text)
+            ends[0].close()
+            with ends[1] as end:
+                status, out, _ = self.run_text("check", "-", stdin=end)
             self.assertEqual((status, out[:5]), expected)
+        self.assertEqual(self.run_text("check", *[self.file("good.xml", "<dds/>")] * 1001), (0, "", ""))
         self.assertEqual(self.run_text("check")[0], 2)
         self.assertEqual(self.run_text("check", "--all")[0], 2)

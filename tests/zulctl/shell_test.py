@@ -201,6 +201,17 @@ class Shell(ControlTest):
         prompt.ask(INTERRUPT, "quiet: interrupted")
         self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
         self.assertEqual(prompt.wait()[0], 5)
+        with Program("/bin/bash", "--norc", "-i", terminal=True, env={"HOME": self.home}) as bash:
+            for line in ("help exit\n", "pause quiet\n"):  # stopped at the prompt and in a wait it can be ended
+                bash.send(f"{BIN}/zulctl -d {self.domain} shell\n")
+                bash.expect("zulctl> ")
+                bash.send(line)
+                router.expect("PAUSE [^\n]*kept back") if line.startswith("pause") else bash.expect("zulctl> ")
+                bash.send("\x1a")
+                bash.until(lambda: re.search("Stopped.*bash-[^ ]* ", bash.log, re.DOTALL), "it does not stop")
+                bash.log = ""
+                bash.send("kill %1; until wait %1; s=$?; [ $s -lt 128 ]; do :; done; echo status $s\n")
+                bash.expect("status 5\n")
 
     def test_an_answer_or_a_document_is_typed_on_a_terminal_that_shows_and_edits_it(self):
         self.router("r")
@@ -247,14 +258,30 @@ class Shell(ControlTest):
                     self.assertIsNone(shell.process.poll())
                 shell.signal(signal.SIGWINCH)
             self.assertEqual(shell.prompt().count("x"), 1000000)
+            shell.send("get r\n")
+            shell.expect("x{1000}")
+            for _ in range(20):
+                while shell._state("syscall")[0] != WRITE:
+                    self.assertIsNone(shell.process.poll())
+                shell.signal(signal.SIGINT)
+            shell.ask("help get\n", "print the router")
 
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors of its own")
-    def test_a_wait_that_fails_for_ever(self):
+    def test_a_line_without_memory_and_a_wait_that_fails_for_ever(self):
         with Program("zulctl", "-d", self.domain, "shell") as shell:
             shell.wait_until_idle()
+            big = os.path.join(self.home, "big")
+            with open(big, "wb") as file:
+                file.truncate(200 << 20)
+            with open(f"/proc/{shell.process.pid}/statm", encoding="ascii") as file:
+                limit = int(file.read().split()[0]) * resource.getpagesize() + (100 << 20)
+            resource.prlimit(shell.process.pid, resource.RLIMIT_AS, (limit, limit))
+            shell.send(f"check {big}\nhelp\n")
+            shell.expect("Subcommands")
+            self.assertEqual(shell.log, "zulctl: std::bad_alloc\n")
             resource.prlimit(shell.process.pid, resource.RLIMIT_NOFILE, (1, 1))  # poll refuses two descriptors
             shell.send("help\n")
-            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: cannot read standard input: Invalid argument\n"))
+            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: std::bad_alloc\nzulctl: cannot read standard input: Invalid argument\n"))
 
     def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
         router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", SHORT_LEASE)})

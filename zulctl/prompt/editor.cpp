@@ -12,6 +12,7 @@
 #include <locale.h>
 #include <new>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace zul::ctl::prompt {
 
@@ -84,6 +85,7 @@ struct Editor::Library {
     Library& operator=(const Library&) = delete;
     ~Library() {
         if (editor != nullptr) {
+            leaveAnothersTerminal();
             el_end(editor);
         }
         if (history != nullptr) {
@@ -91,6 +93,15 @@ struct Editor::Library {
         }
         uselocale(localeBefore);
         freeLocale(locale);
+    }
+
+    // Whoever sets a terminal that another job has now is stopped.
+    static bool isTerminalOurs() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
+    // After this the library does not set it until the next line.
+    void leaveAnothersTerminal() const {
+        if (!isTerminalOurs()) {
+            el_set(editor, EL_EDITMODE, 0);
+        }
     }
 
     static Editor& of(EditLine* line) {
@@ -144,6 +155,9 @@ Got Editor::readCharacter(wchar_t& character) {
     for (;;) {
         char byte = 0;
         got_ = input_.readByte(byte);
+        if (got_ == Got::REDRAW && !Library::isTerminalOurs()) {
+            continue; // in the foreground it is told to again
+        }
         if (got_ == Got::REDRAW) {
             el_resize(library_->editor);
             el_set(library_->editor, EL_PREP_TERM, 0);
@@ -153,6 +167,7 @@ Got Editor::readCharacter(wchar_t& character) {
             continue;
         }
         if (got_ != Got::INPUT) {
+            library_->leaveAnothersTerminal();
             return got_;
         }
         char32_t code = 0;
@@ -171,6 +186,7 @@ Got Editor::readCharacter(wchar_t& character) {
 
 Got Editor::readLine(std::string& line) {
     got_ = Got::INPUT;
+    el_set(library_->editor, EL_EDITMODE, 1);
     el_resize(library_->editor);
     int length = 0;
     const char* text = el_gets(library_->editor, &length);
