@@ -27,7 +27,7 @@ constexpr const char* NOT_A_TERMINAL = "standard input is no terminal, so nobody
 // A word as a POSIX shell reads it.
 std::string asWord(const std::string& word) {
     constexpr const char* PLAIN = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./";
-    if (!word.empty() && word.front() != '-' && word.find_first_not_of(PLAIN) == std::string::npos) {
+    if (!word.empty() && word.find_first_not_of(PLAIN) == std::string::npos) {
         return word;
     }
     std::string quoted = "'";
@@ -218,11 +218,11 @@ std::string Apply::wayBack() {
 }
 
 std::string Apply::restoreCommand() const {
-    const std::string file = (backup_.starts_with('-') ? "./" : "") + backup_; // or it would be an option
     return "zulctl -d " + std::to_string(arguments_.domain) +
            (arguments_.settings.product == fleet::Product::FEDERATION ? " --federation" : "") + " restore" +
-           (arguments_.configuration ? " --configuration " + asWord(*arguments_.configuration) : "") + " " +
-           asWord(router_->name()) + " " + asWord(file);
+           (arguments_.configuration ? " --configuration " + asWord(*arguments_.configuration) : "") +
+           (router_->name().starts_with('-') || backup_.starts_with('-') ? " -- " : " ") +
+           asWord(router_->name()) + " " + asWord(backup_);
 }
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second

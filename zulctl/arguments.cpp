@@ -6,10 +6,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
+#include <system_error>
 
 namespace zul::ctl {
 
@@ -127,18 +130,26 @@ bool needsMark(std::string_view word) {
     return word == "++" || word.starts_with(MARK) || (word.starts_with('[') && word.ends_with(']'));
 }
 
+// It also gives the words after "--" to nobody, and the next word to an option with nothing after its "=".
 std::vector<std::string> marked(int argc, const char* const* argv) {
-    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
-    for (std::string& word : words) {
-        if (needsMark(word)) {
-            word.insert(word.begin(), MARK);
+    std::vector<std::string> words;
+    bool takesOptions = true;
+    for (const std::string word : std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0 ? 1 : 0)) {
+        if (takesOptions && word == "--") {
+            takesOptions = false;
+        } else if (needsMark(word) || (!takesOptions && word.starts_with('-'))) {
+            words.push_back(MARK + word);
+        } else if (word.starts_with("--") && word.find('=') == word.size() - 1) {
+            words.insert(words.end(), {word.substr(0, word.size() - 1), ""});
+        } else {
+            words.push_back(word);
         }
     }
     return words;
 }
 
 void unmark(std::string& word) {
-    if (word.starts_with(MARK) && needsMark(std::string_view(word).substr(1))) {
+    if (word.starts_with(MARK) && (needsMark(std::string_view(word).substr(1)) || word.substr(1, 1) == "-")) {
         word.erase(0, 1);
     }
 }
@@ -299,6 +310,15 @@ void CommandLine::add(const CommandRow& row) {
     }
 }
 
+// After help or a version. A reader that has gone is no failure.
+Parsed printed() {
+    if ((std::fflush(stdout) == 0 && std::ferror(stdout) == 0) || errno == EPIPE) {
+        return {};
+    }
+    std::fprintf(stderr, "zulctl: cannot write: %s\n", std::generic_category().message(errno).c_str());
+    return {.status = EXIT_USAGE};
+}
+
 } // namespace
 
 std::span<const CommandRow> commandRows() {
@@ -340,7 +360,7 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         if (raw.isVersion) {
             const ZULProductVersion version = ZULProductVersion_get();
             std::printf("zulctl %d.%d%c\n", version.major, version.minor, version.release);
-            return {};
+            return printed();
         }
         if (arguments.command == nullptr) {
             throw UsageError{"which command? --help lists them"};
@@ -352,7 +372,7 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         assignWords(raw, arguments);
     } catch (const CLI::Success& wanted) { // help
         app.exit(wanted);
-        return {};
+        return printed();
     } catch (const CLI::Error& error) {
         const std::vector<std::string> left = app.remaining();
         const bool isUnknown =

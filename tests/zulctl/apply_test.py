@@ -239,7 +239,7 @@ class Apply(ControlTest):
             applying.expect('"deleted Old"')
             router.signal(signal.SIGKILL)
             applying.expect('"outcome":"not_put_back","message":"update of D was not answered; putting back failed: [^"]*'
-                            f'zulctl -d {self.domain} restore --configuration S r1 ./-b.xml","backup":"-b.xml"')
+                            f'zulctl -d {self.domain} restore --configuration S -- r1 -b.xml","backup":"-b.xml"')
             self.assertEqual(applying.wait()[0], 4)
         self.assertEqual(self.read("-b.xml").strip(), self.read("before.xml"))
 

@@ -102,6 +102,9 @@ class Commands(ControlTest):
         router.expect("ENABLE [^\n]*Süd")
         for word in ("++", "[]", "[a,b]", "\x01++", "\x01"):
             self.assertEqual(self.run_json("enable", name, word)[1][0]["entity"], word)
+        for word in ("-y", "--", "--json"):
+            self.assertEqual(self.run_json("enable", "--", name, word)[1][0]["entity"], word)
+        self.assertRegex(self.run_json("update", name, "--xml=", entity)[1][0]["message"], "no entity")
         with Program("zulctl", "-d", self.domain, "enable", name, entity, terminal=True) as shown:
             self.assertNotIn("\x1b", shown.wait()[1])
         self.assertEqual(self.run_json("--discovery", "0.7", "list")[1][0]["router"], name)
@@ -158,10 +161,10 @@ class Commands(ControlTest):
     def test_the_end_comes_when_it_is_asked_for(self):
         with open("/dev/full", "w", encoding="utf-8") as full:
             self.router("r", "--count", "3")
-            done = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), "get", "r1"], stdout=full, check=False,
-                                  stderr=subprocess.PIPE, text=True, timeout=60)
-        self.assertEqual(done.returncode, 2)
-        self.assertIn("No space left", done.stderr)
+            for words in (["get", "r1"], ["--help"]):
+                done = subprocess.run([os.path.join(BIN, "zulctl"), "-d", str(self.domain), *words], stdout=full, check=False,
+                                      stderr=subprocess.PIPE, text=True, timeout=60)
+                self.assertEqual((done.returncode, "No space left" in done.stderr), (2, True), words)
         # A reader that has gone, and no standard output at all: no word about it.
         for line in ("| head -c 1 >/dev/null; exit ${PIPESTATUS[0]}", ">&-"):
             done = subprocess.run(["bash", "-c", f"{BIN}/zulctl -d {self.domain} --json get r1,r2,r3 {line}"], check=False,
