@@ -47,7 +47,7 @@ Failure caught() {
     } catch (const plan::Refusal& refusal) {
         return {EXIT_REFUSED, refusal.why};
     } catch (const std::exception& exception) {
-        return {EXIT_USAGE, exception.what()};
+        return {EXIT_USAGE, wordsOf(exception)};
     }
 }
 

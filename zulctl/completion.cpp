@@ -92,7 +92,11 @@ void Completion::Place::pass(const std::string& word) {
         }
         option.clear();
     } else if (word.starts_with('-') && word.size() > 1) {
-        passOption(word);
+        const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
+        passOption(word.substr(0, equals));
+        if (equals != std::string::npos && !option.empty()) {
+            pass(word.substr(equals + 1));
+        }
     } else if (command != nullptr) {
         words.push_back(word);
     } else if (word == "help") {

@@ -3,8 +3,10 @@
 
 #include "zulctl/signals.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -27,6 +29,19 @@ constexpr std::size_t MAX_FILE = 256U << 20; // bytes; more is no configuration
 
 std::string explain(const char* what, const std::string& path) {
     return std::string("cannot ") + what + " " + path + ": " + std::generic_category().message(errno);
+}
+
+// What is no plain file may take nothing for as long as it likes: there an interrupt ends the writing. A pipe
+// takes pieces of that size whole or not at all, so one interrupt is enough.
+bool writeUnlessInterrupted(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = write(descriptor, text.data(), std::min<std::size_t>(text.size(), PIPE_BUF));
+        if (count < 0) {
+            return false;
+        }
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
 }
 
 bool writeAll(int descriptor, std::string_view text) {
@@ -144,9 +159,14 @@ bool writeFile(const std::string& path, const std::string& text, std::string& er
             return isWritten;
         }
     }
-    const File file(std::fopen(path.c_str(), "wbe"));
-    const bool isWritten = file != nullptr && writeAll(fileno(file.get()), text);
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    bool isWritten = descriptor >= 0 && writeUnlessInterrupted(descriptor, text) &&
+                     (fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS); // it may have no disk
     error = isWritten ? "" : explain("write", path);
+    if (descriptor >= 0 && close(descriptor) != 0 && isWritten) {
+        error = explain("write", path);
+        isWritten = false;
+    }
     return isWritten;
 }
 

@@ -3,6 +3,7 @@
 #include "product/product_info.h"
 #include "zulctl/arguments.h"
 #include "zulctl/commands.h"
+#include "zulctl/session.h"
 #include "zulctl/signals.h"
 
 #include <cstdio>
@@ -39,7 +40,7 @@ int main(int argc, char** argv) {
     try {
         status = run(argc, argv);
     } catch (const std::exception& failure) { // memory
-        std::fprintf(stderr, "zulctl: %s\n", failure.what());
+        std::fprintf(stderr, "zulctl: %s\n", zul::ctl::wordsOf(failure).c_str());
     }
     ZULProcess_exit(status);
 }

@@ -2,8 +2,13 @@
 #include "zulctl/session.h"
 
 #include <algorithm>
+#include <new>
 
 namespace zul::ctl {
+
+std::string wordsOf(const std::exception& failure) {
+    return dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ? "out of memory" : failure.what();
+}
 
 void Outcome::add(fleet::Status status) {
     constexpr int STATUSES[] = {EXIT_DONE, EXIT_REFUSED, EXIT_NOT_FOUND, EXIT_NO_ANSWER, EXIT_INTERRUPTED};

@@ -4,6 +4,7 @@
 
 #include "zulctl/arguments.h"
 
+#include <exception>
 #include <map>
 #include <memory>
 #include <set>
@@ -11,6 +12,9 @@
 #include <string>
 
 namespace zul::ctl {
+
+// An exception's words for standard error.
+std::string wordsOf(const std::exception& failure);
 
 // What ends a command early, with words for standard error.
 struct Failure {

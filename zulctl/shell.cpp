@@ -150,7 +150,7 @@ void Shell::tryLine(const std::string& text) {
     try {
         runLine(text);
     } catch (const std::exception& failure) {
-        complain(failure.what());
+        complain(wordsOf(failure));
         status_ = EXIT_USAGE;
     }
 }

@@ -18,7 +18,7 @@ import time
 import unittest
 
 from control import SHORT_LEASE, ControlTest
-from processes import BIN, WRITE, Program
+from processes import BIN, POLL, WRITE, Program
 
 NESTED = """<dds><routing_service name="top"><domain_route name="d"><participant_1><domain_id>5</domain_id></participant_1>
 <participant_2><domain_id>6</domain_id></participant_2><session name="s1" enabled="false">
@@ -229,6 +229,19 @@ class Shell(ControlTest):
         self.assertTrue(prompt.is_plain())
         prompt.ask("n\x7fy\n", "r: runs what ")
         prompt.type(f"apply r {wanted}\n", "nothing is to be sent")
+
+    def test_a_file_that_takes_nothing_holds_a_command_up_until_an_interrupt(self):
+        self.router("r")
+        pipe = os.path.join(self.home, "pipe")
+        os.mkfifo(pipe)
+        with open(os.open(pipe, os.O_RDWR), "wb", buffering=0) as full:
+            fcntl.fcntl(full, fcntl.F_SETPIPE_SZ, 4096)
+            full.write(4096 * b"x")
+            shell = self.start()
+            shell.send(f"get r -o {pipe}\n")
+            shell.wait_until_in(WRITE)
+            shell.send(INTERRUPT)
+            shell.wait_until_in(POLL)
 
     def test_lines_of_a_pipe_without_prompt_or_history(self):
         self.router("r")
