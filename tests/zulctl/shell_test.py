@@ -291,7 +291,7 @@ class Shell(ControlTest):
             resource.prlimit(shell.process.pid, resource.RLIMIT_AS, (limit, limit))
             shell.send(f"check {big}\nhelp\n")
             shell.expect("Subcommands")
-            self.assertEqual(shell.log, "zulctl: std::bad_alloc\n")
+            self.assertEqual(shell.log, "zulctl: out of memory\n")
             resource.prlimit(shell.process.pid, resource.RLIMIT_NOFILE, (1, 1))  # poll refuses two descriptors
             shell.send("help\n")
             self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: std::bad_alloc\nzulctl: cannot read standard input: Invalid argument\n"))
