@@ -294,7 +294,7 @@ class Shell(ControlTest):
             self.assertEqual(shell.log, "zulctl: out of memory\n")
             resource.prlimit(shell.process.pid, resource.RLIMIT_NOFILE, (1, 1))  # poll refuses two descriptors
             shell.send("help\n")
-            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: std::bad_alloc\nzulctl: cannot read standard input: Invalid argument\n"))
+            self.assertEqual((shell.wait()[0], shell.log), (2, "zulctl: out of memory\nzulctl: cannot read standard input: Invalid argument\n"))
 
     def test_a_router_that_was_given_up_and_came_back_is_asked_again(self):
         router = self.router("r", env={"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", SHORT_LEASE)})
