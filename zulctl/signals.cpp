@@ -22,9 +22,10 @@ std::atomic<bool> g_redraw{false};
 termios g_terminal; // as it was found
 std::atomic<bool> g_hasTerminal{false};
 
-// Only while the terminal is this job's: who sets another's is stopped.
+// Not while another job has the terminal: who sets it then is stopped.
 void setTerminal(const termios& terminal) {
-    if (tcgetpgrp(STDIN_FILENO) == getpgrp()) {
+    const pid_t owner = tcgetpgrp(STDIN_FILENO);
+    if (owner < 0 || owner == getpgrp()) { // none owns a terminal that is not the controlling one
         tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
     }
 }

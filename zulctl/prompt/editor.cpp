@@ -96,7 +96,10 @@ struct Editor::Library {
     }
 
     // Whoever sets a terminal that another job has now is stopped.
-    static bool isTerminalOurs() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
+    static bool isTerminalOurs() {
+        const pid_t owner = tcgetpgrp(STDIN_FILENO);
+        return owner < 0 || owner == getpgrp(); // none owns a terminal that is not the controlling one
+    }
     // After this the library does not set it until the next line.
     void leaveAnothersTerminal() const {
         if (!isTerminalOurs()) {
