@@ -179,8 +179,7 @@ void Collector::addItems(const xmlNode* list) {
     if (holdsPairs(tag_)) {
         return;
     }
-    // No name in a list is the same as one empty name. It counts where it replaces the names of a base
-    // profile.
+    // No name in a list is the same as one empty name, but counts where it replaces those of a base profile.
     const auto isEmpty = [](const Part& part) {
         return part.identity.empty();
     };

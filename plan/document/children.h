@@ -16,8 +16,7 @@ namespace zul::plan {
 // Whether an element is one of a list of pairs or texts.
 bool isItem(const xmlNode* element);
 // What tells an element from its siblings of the same tag: its name attribute or, in a list of pairs, its
-// name element; in a list of texts the text itself. Empty when there can be only one, or for an item that is
-// empty.
+// name element; in a list of texts the text itself. Empty when there can be only one, or for an empty item.
 std::string identityOf(const xmlNode* element);
 
 class Children {
