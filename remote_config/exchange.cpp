@@ -34,9 +34,8 @@ bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* s
         return false; // oddity 17
     }
     if (!wait || self->noResponseWait) {
-        // Still waiting: for `responseTimeout`, an early response is kept for the next waiting send of this
-        // request.
-        return true;
+        return true; // still waiting: for `responseTimeout`, an early response is kept for the send that
+                     // waits
     }
     ResultText text(*result);
     const WaitEnd end = HandOver(*self).await([result, &text](const Response& response) {
