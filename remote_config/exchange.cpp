@@ -34,8 +34,8 @@ bool ROUTERRemoteConfigClient_continueCommandRequest(ROUTERRemoteConfigClient* s
         return false; // oddity 17
     }
     if (!wait || self->noResponseWait) {
-        return true; // still waiting: for `responseTimeout`, an early response is kept for the send that
-                     // waits
+        // Still waiting: an early response is kept for `responseTimeout`, for the next send that waits.
+        return true;
     }
     ResultText text(*result);
     const WaitEnd end = HandOver(*self).await([result, &text](const Response& response) {
