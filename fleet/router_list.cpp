@@ -79,7 +79,9 @@ void collect(Round& round, Answering& answering) {
     const Ends ends(*round.domain);
     const ResponseQueue::Batch batch = round.domain->takeResponses();
     for (auto& [product, gathering] : round.gatherings) {
-        std::ranges::for_each(batch.responses, [&](const Response& response) { gathering.add(response); });
+        for (const Response& response : batch.responses) {
+            gathering.add(response);
+        }
         if (batch.isIncomplete) {
             gathering.spoil();
         }
