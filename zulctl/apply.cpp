@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <exception>
 #include <unistd.h>
+#include <utility>
 
 namespace zul::ctl {
 
@@ -73,7 +74,7 @@ private:
     void ask(std::size_t commands);
     void backUp();
     bool sendAll(const plan::Plan& plan, Outcome& outcome);
-    void putBack(std::string why, Outcome& outcome);
+    void putBack(const std::string& why, Outcome& outcome);
     std::string wayBack();
     std::string restoreCommand() const;
     std::vector<plan::Difference> readBack(const xmlDoc* expected);
@@ -226,8 +227,8 @@ std::string Apply::restoreCommand() const {
 }
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second
-// one ends that, too. A copy of `why`: the way back may write its own failure over failure_.
-void Apply::putBack(std::string why, Outcome& outcome) {
+// one ends that, too. `why` is not failure_, which the way back may overwrite.
+void Apply::putBack(const std::string& why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
     output_.resume();
     output_.say(router_->name() + ": " + why + "; putting back what ran");
@@ -284,7 +285,7 @@ int Apply::run() {
     }
     Outcome outcome;
     if (!sendAll(plan, outcome)) {
-        putBack(failure_, outcome);
+        putBack(std::exchange(failure_, {}), outcome);
         return outcome.status();
     }
     std::vector<plan::Difference> left;
