@@ -115,6 +115,20 @@ class Program:
         """Waits until the program's main thread is in that system call."""
         self.until(lambda: self._state("syscall")[0] == system_call, f"it was never seen in system call {system_call}")
 
+    def interrupt_write(self, number):
+        """Sends the signal while the main thread waits in a write, and returns when it waits again. Reads nothing."""
+        def times_waited():
+            with open(f"/proc/{self.process.pid}/status", encoding="ascii") as status:
+                return re.search("voluntary_ctxt_switches:.*", status.read())[0]
+        end = time.monotonic() + DEADLINE_SECONDS
+        while self._state("syscall")[0] != WRITE and time.monotonic() < end:
+            pass
+        before = times_waited()
+        self.signal(number)
+        while times_waited() == before:
+            if time.monotonic() > end:
+                raise AssertionError("it was never seen waiting in a write")
+
     def wait_until_idle(self):
         """Waits until the program prints nothing and uses no processor time for half a second."""
         def rests():

@@ -9,7 +9,7 @@ import tempfile
 import unittest
 
 from control import ControlTest
-from processes import BIN, WRITE, Program
+from processes import BIN, Program
 
 SIDES = '<participant_1><domain_id>0</domain_id></participant_1><participant_2><domain_id>1</domain_id></participant_2>'
 PLAN = "1. delete Old\n2. update D: <domain_route><documentation>x</documentation></domain_route>\n3. enable D\n4. create in the router: " \
@@ -220,12 +220,7 @@ class Apply(ControlTest):
         fcntl.fcntl(write_end, fcntl.F_SETPIPE_SZ, 4096)  # holds the plan, and not all of the answers
         with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "wanted.xml", "--yes", stdout=write_end) as applying:
             os.close(write_end)
-            applying.wait_until_in(WRITE)
-            def waits():
-                return re.search(r"voluntary_ctxt_switches:\s*[0-9]+", self.read(f"/proc/{applying.process.pid}/status"))[0]
-            before = waits()
-            applying.signal(signal.SIGINT)
-            applying.until(lambda: waits() != before, "the write is not interrupted")
+            applying.interrupt_write(signal.SIGINT)
             with open(read_end, encoding="ascii", closefd=False) as output:
                 out = output.read()
             self.assertEqual(applying.wait()[0], 5)
