@@ -2,7 +2,6 @@
 
 import fcntl
 import os
-import re
 import signal
 import subprocess
 import tempfile
