@@ -2,6 +2,7 @@
 #include "zulctl/signals.h"
 
 #include "zulctl/arguments.h"
+#include "zulctl/prompt/terminal.h"
 
 #include <atomic>
 #include <cerrno>
@@ -22,10 +23,8 @@ std::atomic<bool> g_redraw{false};
 termios g_terminal; // as it was found
 std::atomic<bool> g_hasTerminal{false};
 
-// Not while another job has the terminal: who sets it then is stopped.
 void setTerminal(const termios& terminal) {
-    const pid_t owner = tcgetpgrp(STDIN_FILENO);
-    if (owner < 0 || owner == getpgrp()) { // none owns a terminal that is not the controlling one
+    if (prompt::isTerminalOurs()) {
         tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
     }
 }

@@ -2,6 +2,7 @@
 // of signals stays off: it sends them on to the whole process group.
 #include "zulctl/prompt/editor.h"
 
+#include "zulctl/prompt/terminal.h"
 #include "zulctl/prompt/words.h"
 
 #include <algorithm>
@@ -94,12 +95,6 @@ struct Editor::Library {
         uselocale(localeBefore);
         freeLocale(locale);
     }
-
-    // Whoever sets a terminal that another job has now is stopped.
-    static bool isTerminalOurs() {
-        const pid_t owner = tcgetpgrp(STDIN_FILENO);
-        return owner < 0 || owner == getpgrp(); // none owns a terminal that is not the controlling one
-    }
     // After this the library does not set it until the next line.
     void leaveAnothersTerminal() const {
         if (!isTerminalOurs()) {
@@ -158,7 +153,7 @@ Got Editor::readCharacter(wchar_t& character) {
     for (;;) {
         char byte = 0;
         got_ = input_.readByte(byte);
-        if (got_ == Got::REDRAW && !Library::isTerminalOurs()) {
+        if (got_ == Got::REDRAW && !isTerminalOurs()) {
             continue; // in the foreground it is told to again
         }
         if (got_ == Got::REDRAW) {
