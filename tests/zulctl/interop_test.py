@@ -16,6 +16,7 @@ LIBRARY = '<adapter_library name="L"><adapter_plugin name="P"><library_file>l</l
 RUNNING = f'<dds>{LIBRARY}<routing_service name="S"><domain_route name="D"><connection_1 plugin_name="L::P"/>' \
           '<connection_2 plugin_name="L::P"/></domain_route></routing_service></dds>'
 STOPPED = RUNNING.replace('"D"', '"D" enabled="false"')
+ODD, STOPPED_ODD = (text.replace('"S"', '"S" enabled="later"') for text in (RUNNING, STOPPED))  # as only its router knows
 GET = 13, DUMMY, 0
 ENABLE = (7, NAME, "D"), "enabled D"
 
@@ -61,6 +62,7 @@ TABLE = (
     (["apply", "R", "RUNNING", "--yes"], [(GET, STOPPED), ENABLE, (GET, RUNNING)], 0, "1. enable D\n", {"outcome": "applied"}),
     (["apply", "R", "RUNNING", "--yes"], [(GET, STOPPED), ENABLE, (GET, STOPPED)], 1, "1. enable D\n", {"outcome": "differs"}),
     (["restore", "R", "RUNNING", "--yes"], [(GET, STOPPED), ENABLE, (GET, RUNNING)], 0, "1. enable D\n", {"outcome": "applied"}),
+    (["restore", "R", "ODD", "--yes"], [(GET, STOPPED_ODD), ENABLE, (GET, ODD)], 0, "attribute enabled(.|\n)*1. enable D\n", {"outcome": "applied"}),
     (["shell"], [ENABLE], 0, "enabled D", {"entity": "D", "message": "enabled D"}),
 )
 
@@ -100,8 +102,8 @@ class Interop(ControlTest):
     def check(self, row, router, name, *options):
         """A row of the table in both forms."""
         words, requests, status, shown, last = row
-        wanted = self.file("wanted.xml", RUNNING)
-        words = [{"R": name, "RUNNING": wanted}.get(word, word) for word in words]
+        wanted, odd = self.file("wanted.xml", RUNNING), self.file("odd.xml", ODD)
+        words = [{"R": name, "RUNNING": wanted, "ODD": odd}.get(word, word) for word in words]
         for form in ("text", "json"):
             with self.subTest(words=words[:3], form=form):
                 form_option = ["--json"] if form == "json" else []
