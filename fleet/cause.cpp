@@ -70,7 +70,7 @@ std::string incompatiblePolicy(const Endpoint& endpoint) {
                    : "DATA_REPRESENTATION: it does not write XCDR version 1, which zulctl reads";
     }
     if (qos.has_partition != 0) {
-        return "PARTITION: it is in a partition, zulctl in none";
+        return "PARTITION: it is in a partition; zulctl is in none, unless a profile file says so";
     }
     if (qos.ownership.kind != DDS_SHARED_OWNERSHIP_QOS) {
         return "OWNERSHIP: its is EXCLUSIVE, that of zulctl SHARED";

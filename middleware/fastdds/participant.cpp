@@ -105,7 +105,8 @@ Wrapper* adopt(const char* context, std::vector<std::unique_ptr<Wrapper>>& owner
     });
 }
 
-// A QoS with which a publisher or subscriber leaves it to us when its endpoints start.
+// A QoS with which a publisher or subscriber leaves it to us when its endpoints start. What a profile file
+// has set stays: the library takes that by itself for its own constant only, which a copy is not.
 template <class Qos>
 Qos withoutAutoenable(Qos qos) {
     qos.entity_factory().autoenable_created_entities = false;
@@ -130,8 +131,8 @@ DDS_Publisher* DDS_DomainParticipant_create_publisher(DDS_DomainParticipant* sel
                                                       DDS_StatusMask /*mask*/) {
     return adopt(__func__, self->publishers, [self](DDS_Publisher& publisher) {
         publisher.owner = self;
-        publisher.publisher =
-            self->participant->create_publisher(withoutAutoenable(fast::PUBLISHER_QOS_DEFAULT));
+        publisher.publisher = self->participant->create_publisher(
+            withoutAutoenable(self->participant->get_default_publisher_qos()));
         return enableIfDue(publisher.publisher, *self);
     });
 }
@@ -142,8 +143,8 @@ DDS_Subscriber* DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant* s
                                                         DDS_StatusMask /*mask*/) {
     return adopt(__func__, self->subscribers, [self](DDS_Subscriber& subscriber) {
         subscriber.owner = self;
-        subscriber.subscriber =
-            self->participant->create_subscriber(withoutAutoenable(fast::SUBSCRIBER_QOS_DEFAULT));
+        subscriber.subscriber = self->participant->create_subscriber(
+            withoutAutoenable(self->participant->get_default_subscriber_qos()));
         return enableIfDue(subscriber.subscriber, *self);
     });
 }

@@ -18,6 +18,9 @@ def profile(more):
     return (SOURCE / "tests/support/loopback_profile.xml").read_text("utf-8").replace("</rtps>", more + "</rtps>")
 
 
+IN_PARTITION = profile("").replace("</profiles>", "".join(
+    f'<{kind} profile_name="{kind}" is_default_profile="true"><qos><partition><names><name>P</name></names></partition></qos></{kind}>'
+    for kind in ("publisher", "subscriber")) + "</profiles>")
 SHORT_LEASE = profile("<builtin><discovery_config><leaseDuration><sec>2</sec></leaseDuration>"
                       "<leaseAnnouncement><sec>0</sec><nanosec>500000000</nanosec></leaseAnnouncement></discovery_config></builtin>")
 

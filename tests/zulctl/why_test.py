@@ -1,17 +1,18 @@
 """Every cause that can be had from live routers, and what other commands say of it."""
 
+import os
 import signal
 
-from control import SHORT_LEASE, ControlTest
+from control import IN_PARTITION, SHORT_LEASE, ControlTest
 from processes import Program
 
 
 class Why(ControlTest):
     domain = 67
 
-    def check(self, expected, router, *arguments, options=(), domain=None):
+    def check(self, expected, router, *arguments, options=(), **keywords):
         """Asks why; returns text and evidence."""
-        status, rows = self.run_json("--discovery", "1", "-t", "0.7", *options, "why", router, *arguments, domain=domain)
+        status, rows = self.run_json("--discovery", "1", "-t", "0.7", *options, "why", router, *arguments, **keywords)
         self.assertEqual([row["cause"] for row in rows], [expected], rows)
         self.assertEqual(status, 0 if expected == "answers" else 4)
         return "\n".join([rows[0]["text"], *rows[0]["evidence"]])
@@ -43,6 +44,12 @@ class Why(ControlTest):
                           for name in ("well", "quiet", "types", "effort", "mute", "federal")})
         self.router("quiet")  # of two with one name the silent one is explained
         self.assertIn("no answer for 700 ms", self.check("silent", "quiet"))
+
+    def test_a_profile_file_may_put_both_ends_into_a_partition(self):
+        inside = {"FASTRTPS_DEFAULT_PROFILES_FILE": self.file("profile.xml", IN_PARTITION)}
+        self.router("r1", env=inside)
+        self.assertIn("PARTITION: it is in a partition", self.check("incompatible_qos", "r1"))
+        self.check("answers", "r1", env=os.environ | inside)
 
     def test_a_router_that_leaves_or_is_stopped_meanwhile_is_gone(self):
         for number, expected in ((signal.SIGTERM, "gone: it left 0 s ago"), (signal.SIGSTOP, "gone: nothing was heard of it for 2 s")):
