@@ -4,8 +4,8 @@ namespace zul {
 
 void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
     const std::lock_guard lock(mutex_);
-    std::erase(handles_, handle);
-    if (change >= 0) {
+    const bool wasMatched = std::erase(handles_, handle) > 0;
+    if (change > 0 || (change == 0 && !wasMatched)) {
         handles_.push_back(handle);
     }
 }

@@ -12,9 +12,9 @@ namespace zul {
 
 class MatchedEndpoints {
 public:
-    // `change` is below 0 for an endpoint that is no longer matched. It is 0 when the library reports one
-    // that came and one that left at the same time in one record: the one that is named counts as matched
-    // then, because the library would not tell of it again.
+    // `change` is above 0 for an endpoint that is matched now, and below 0 for one that is no longer. It is 0
+    // when the library reports several at the same time, whose counts it keeps in one record: then one that
+    // was not matched has come, and one that was has left.
     void update(const DDS_InstanceHandle_t& handle, std::int32_t change);
     // OUT_OF_RESOURCES when the sequence cannot hold them all.
     DDS_ReturnCode_t copyTo(DDS_InstanceHandleSeq* handles) const;
