@@ -117,7 +117,7 @@ template <class Endpoint, class Remove>
 Endpoint* adoptEndpoint(std::vector<std::unique_ptr<Endpoint>>& owner, std::unique_ptr<Endpoint> created,
                         bool isDue, Remove remove) {
     Endpoint* endpoint = owner.emplace_back(std::move(created)).get();
-    if (!isDue || endpoint->enable()) {
+    if (!isDue || callLibrary(__func__, false, [endpoint] { return endpoint->enable(); })) {
         return endpoint;
     }
     remove(*endpoint);
