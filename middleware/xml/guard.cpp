@@ -35,7 +35,7 @@ Source textSource(std::string_view text) {
 Guard::Guard(const Rules& rules, Source source, std::stop_token stop)
     : rules_(rules), source_(std::move(source)), stop_(std::move(stop)), parser_(xmlNewParserCtxt()) {
     if (parser_ == nullptr) {
-        return;
+        throw std::bad_alloc();
     }
     parser_->_private = this;
     xmlSAXHandler& events = *parser_->sax;
@@ -57,23 +57,20 @@ Guard::Guard(const Rules& rules, Source source, std::stop_token stop)
     events.serror = noteError;
 }
 
-DocumentPtr Guard::read() {
-    if (parser_ == nullptr) {
-        error_.set(0, OUT_OF_MEMORY);
-        return nullptr;
-    }
-    // What the library reports without naming a parser, such as a broken encoding, it would print.
-    const xmlStructuredErrorFunc previous = xmlStructuredError;
-    void* const previousContext = xmlStructuredErrorContext;
-    xmlSetStructuredErrorFunc(this, [](void* self, xmlError* error) {
-        if (isOfMemory(*error)) {
-            static_cast<Guard*>(self)->error_.set(0, OUT_OF_MEMORY);
+Guard::UnnamedErrors::UnnamedErrors(Guard* guard) {
+    xmlSetStructuredErrorFunc(guard, [](void* self, xmlError* error) {
+        if (error->level >= XML_ERR_ERROR) { // ahead of the parser, so on a line that is not known
+            static_cast<Guard*>(self)->note(*error, 0);
         }
     });
+}
+
+DocumentPtr Guard::read() {
     DocumentPtr document(xmlCtxtReadIO(parser_.get(), onRead, nullptr, this, nullptr, nullptr,
                                        XML_PARSE_NONET | XML_PARSE_COMPACT));
-    xmlSetStructuredErrorFunc(previousContext, previous);
-    isOutOfMemory_ = error_.text == OUT_OF_MEMORY;
+    if (error_.text == OUT_OF_MEMORY) {
+        throw std::bad_alloc();
+    }
     return error_.text.empty() ? std::move(document) : nullptr;
 }
 
@@ -104,11 +101,17 @@ void Guard::noteError(void* context, xmlError* error) {
         return;
     }
     Guard& guard = of<Guard>(context);
-    guard.protect([&] {
-        const std::string_view message = isOfMemory(*error) ? OUT_OF_MEMORY : error->message;
-        guard.error_.set(std::max(error->line, 1), std::string(message.substr(0, guard.rules_.messageMax)));
-        xmlStopParser(guard.parser());
-    });
+    guard.note(*error, std::max(error->line, 1));
+    xmlStopParser(guard.parser());
+}
+
+void Guard::note(const xmlError& error, int line) {
+    try {
+        const std::string_view message = isOfMemory(error) ? OUT_OF_MEMORY : error.message;
+        error_.set(line, std::string(message.substr(0, rules_.messageMax)));
+    } catch (const std::bad_alloc&) {
+        error_.set(0, OUT_OF_MEMORY);
+    }
 }
 
 int Guard::onRead(void* self, char* buffer, int size) {

@@ -45,23 +45,21 @@ using DocumentPtr = std::unique_ptr<xmlDoc, ParserDeleter>;
 
 class Guard {
 public:
-    // `rules` must outlive this.
+    // `rules` must outlive this. Throws std::bad_alloc, as `read` does.
     Guard(const Rules& rules, Source source, std::stop_token stop = {});
     Guard(const Guard&) = delete;
     Guard& operator=(const Guard&) = delete;
 
-    // Reads the whole source. Null when something is wrong: `takeError` says what, or nothing if the library
-    // does not tell.
+    // Reads the whole source. Null when something is wrong with it: `takeError` says what, or nothing if the
+    // library does not tell.
     DocumentPtr read();
     ZULXMLError takeError() { return std::move(error_); }
-    // Whether that is all that was wrong.
-    bool isOutOfMemory() const { return isOutOfMemory_; }
     std::int32_t line() const; // where the parser is
 
 protected:
     ~Guard() = default;
 
-    // The reader sets its events here; each gets the parser as its context. Null when memory is exhausted.
+    // The reader sets its events here; each gets the parser as its context.
     xmlParserCtxt* parser() const { return parser_.get(); }
     template <class Reader>
     static Reader& of(void* context) {
@@ -96,15 +94,27 @@ private:
     template <class... Arguments>
     static void refuseDeclaration(void* context, Arguments...);
     static void noteError(void* context, xmlError* error);
+    void note(const xmlError& error, int line);
     static int onRead(void* guard, char* buffer, int size);
     int handOut(char* buffer, std::size_t size);
+
+    // What the library reports without naming a parser, such as a broken encoding, it would print; while this
+    // lives, the guard takes note of it.
+    struct UnnamedErrors {
+        explicit UnnamedErrors(Guard* guard);
+        ~UnnamedErrors() { xmlSetStructuredErrorFunc(previousContext, previous); }
+        UnnamedErrors(const UnnamedErrors&) = delete;
+        UnnamedErrors& operator=(const UnnamedErrors&) = delete;
+        xmlStructuredErrorFunc previous = xmlStructuredError;
+        void* previousContext = xmlStructuredErrorContext;
+    };
 
     const Rules& rules_;
     Source source_;
     std::stop_token stop_;
-    std::unique_ptr<xmlParserCtxt, ParserDeleter> parser_;
     ZULXMLError error_;
-    bool isOutOfMemory_ = false;
+    UnnamedErrors unnamedErrors_{this};
+    std::unique_ptr<xmlParserCtxt, ParserDeleter> parser_;
     std::size_t bytes_ = 0;      // handed out so far
     std::size_t sinceEvent_ = 0; // and since the last event
 };

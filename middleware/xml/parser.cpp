@@ -1,5 +1,5 @@
 // Sources of bytes (text, file) for the reader of events, and what becomes of its error: kept or logged.
-// Memory that runs out here is an error of the document.
+// Memory that runs out says nothing of the document, so then there is none.
 #include "middleware/xml/parser.h"
 
 #include "middleware/base/log.h"
@@ -18,21 +18,21 @@ const ZULXMLExtensionRegistry* registryOf(const ZULXMLParser* parser) {
 // A document that `read` has filled; null when there is no memory for one.
 template <class Read>
 ZULXMLDocument* newDocument(const Read& read) {
-    auto* document = new (std::nothrow) ZULXMLDocument;
     try {
-        if (document != nullptr) {
-            read(*document);
-        }
+        std::unique_ptr<ZULXMLDocument, void (*)(ZULXMLDocument*)> document(new ZULXMLDocument,
+                                                                            ZULXMLDocument_delete);
+        read(*document);
+        return document.release();
     } catch (const std::bad_alloc&) {
-        document->error.set(0, "out of memory");
+        return nullptr;
     }
-    return document;
 }
 
 ZULXMLDocument* logged(ZULXMLDocument* document, const char* context) {
-    if (document != nullptr && document->root == nullptr) {
-        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_XML_PARSE_FAILURE_ds, document->error.line,
-                          std::string_view(document->error.text));
+    if (document == nullptr || document->root == nullptr) {
+        const std::string_view reason = document != nullptr ? document->error.text : "out of memory";
+        ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_XML_PARSE_FAILURE_ds,
+                          document != nullptr ? document->error.line : 0, reason);
     }
     return document;
 }

@@ -39,20 +39,18 @@ class Reader : public Guard {
 public:
     Reader(ZULXMLDocument& document, const ZULXMLExtensionRegistry* registry, Source source)
         : Guard(RULES, std::move(source)), document_(document), registry_(registry) {
-        if (parser() != nullptr) {
-            xmlSAXHandler& events = *parser()->sax;
-            events.startElementNs = onStartElement;
-            events.endElementNs = onEndElement;
-            events.characters = onCharacters;
-            events.ignorableWhitespace = onCharacters;
-            events.cdataBlock = onCharacters;
-            events.comment = [](void* context, const xmlChar*) {
-                of<Reader>(context).noteEvent();
-            };
-            events.processingInstruction = nullptr;
-            events.reference = nullptr;
-            events.internalSubset = nullptr;
-        }
+        xmlSAXHandler& events = *parser()->sax;
+        events.startElementNs = onStartElement;
+        events.endElementNs = onEndElement;
+        events.characters = onCharacters;
+        events.ignorableWhitespace = onCharacters;
+        events.cdataBlock = onCharacters;
+        events.comment = [](void* context, const xmlChar*) {
+            of<Reader>(context).noteEvent();
+        };
+        events.processingInstruction = nullptr;
+        events.reference = nullptr;
+        events.internalSubset = nullptr;
     }
 
 private:

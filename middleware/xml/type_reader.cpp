@@ -48,7 +48,7 @@ bool TypeReader::read(const TypeSections& sections) {
         ZULXMLTypeEntry& entry = types_.byName.at(name);
         entry.code = nullptr;
         entry.reason = entry.place + reason;
-        if (isOwn) {
+        if (isOwn && !hasTooLongNames()) { // what was not read is not missing
             first_.set(entry.line, entry.reason);
             observe(nullptr, {entry.line, entry.reason});
         }

@@ -39,9 +39,6 @@ class Reader : public xml::Guard {
 public:
     Reader(std::string_view text, Tree tree, const std::stop_token& stop, xmlDict* names)
         : Guard(RULES, xml::textSource(text), stop), tree_(tree) {
-        if (parser() == nullptr) {
-            return;
-        }
         if (names != nullptr) {
             xmlDictFree(parser()->dict);
             parser()->dict = names;
@@ -149,7 +146,6 @@ XmlDocument parse(std::string_view text, Tree tree, const std::stop_token& stop,
     }
     Reader reader(text, tree, stop, names);
     XmlDocument document = reader.read();
-    requireMemory(!reader.isOutOfMemory());
     return document != nullptr ? std::move(document) : throw reader.refusal();
 }
 
