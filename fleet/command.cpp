@@ -7,6 +7,8 @@
 #include "product/vocabulary.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <new>
 
 namespace zul::fleet {
 
@@ -45,7 +47,11 @@ std::string remoteFileUrl(std::string_view path) {
 }
 
 std::string assignmentUrl(const std::string& assignment) {
+    errno = 0;
     const ZULStringPtr snippet(ROUTERRemoteConfigClient_convertAssignmentToXmlSnippet(assignment.c_str()));
+    if (snippet == nullptr && errno == ENOMEM) {
+        throw std::bad_alloc();
+    }
     return snippet != nullptr ? snippet.get() : "";
 }
 
