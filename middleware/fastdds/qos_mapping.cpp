@@ -1,5 +1,6 @@
-// Each QoS of this system to its counterpart. What the library lacks is noted where it would be set; what a
-// profile file has set is kept unless this system sets it itself.
+// Each QoS of this system to its counterpart. What the library lacks is noted where it would be set. What a
+// profile file has set of a participant is kept unless this system sets it itself; the QoS of writers and
+// readers comes from here alone.
 #include "middleware/fastdds/qos_mapping.h"
 
 #include <algorithm>
