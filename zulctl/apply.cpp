@@ -232,10 +232,10 @@ std::string Apply::restoreCommand() const {
 }
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second
-// one ends that, too. `why` is not failure_, which the way back may overwrite.
+// one ends that, too. What it silenced stays silent until the end, or the way back would wait for a pipe that
+// nobody reads. `why` is not failure_, which the way back may overwrite.
 void Apply::putBack(const std::string& why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
-    output_.resume();
     output_.say(router_->name() + ": " + why + "; putting back what ran");
     std::string failure;
     try {

@@ -213,17 +213,18 @@ class Apply(ControlTest):
         routes = [route(f"{'n' * 60}{i}") for i in range(30)]
         self.file("before.xml", document(*routes))
         self.file("wanted.xml", document())
-        self.practice()
+        router = self.practice()
         read_end, write_end = os.pipe()
         self.addCleanup(os.close, read_end)
         fcntl.fcntl(write_end, fcntl.F_SETPIPE_SZ, 4096)  # holds the plan, and not all of the answers
         with Program("zulctl", "-d", self.domain, "--discovery", "1", "apply", "r1", "wanted.xml", "--yes", stdout=write_end) as applying:
             os.close(write_end)
             applying.interrupt_write(signal.SIGINT)
+            router.expect("CREATE.*GET[^\n]*\n")  # the way back, which nobody has to read of
             with open(read_end, encoding="ascii", closefd=False) as output:
                 out = output.read()
             self.assertEqual(applying.wait()[0], 5)
-        self.assertRegex(out, "\nr1: delete of n+[0-9]+ was interrupted; putting back what ran\n(.*\n)*r1: .*what ran before runs again\n$")
+        self.assertRegex(out, "\nr1: delete of n+[0-9]+ was interrupted; what ran before runs again\n$")
         self.assert_runs("before.xml")
 
     def test_a_router_that_dies_in_the_middle_is_told_of(self):
