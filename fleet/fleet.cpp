@@ -259,7 +259,8 @@ void Fleet::awaitRoom(Gathering& gathering, const Command& command, Clock::time_
     }
 }
 
-void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult) {
+void Fleet::ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult,
+                std::set<std::string>* left) {
     const auto end = Clock::now() + settings_.longest;
     domain_.discovery().takeGone(); // from before: one that went and came back is here
     Gathering gathering(settings_.timeout);
@@ -286,6 +287,9 @@ void Fleet::ask(const std::vector<std::string>& names, const Command& command, c
             onPiece = [this, &name](std::size_t sent, std::size_t total) {
                 onProgress_({.router = name, .bytes = sent, .total = total});
             };
+        }
+        if (left != nullptr) {
+            left->erase(name);
         }
         std::int32_t invocation = 0;
         switch (domain_.send(settings_.product, command, name, settings_.timeout, invocation, onPiece)) {

@@ -73,8 +73,10 @@ public:
     std::vector<std::string> find(const std::vector<std::string>& words);
 
     // Sends each router one request, and hands over the results as they come. A router that cannot be reached
-    // is not asked. The command must be one that `refusal` lets pass.
-    void ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult);
+    // is not asked. The command must be one that `refusal` lets pass. From `left`, if it is given, each name
+    // is erased right before its request is sent; so whatever is thrown, those that remain were sent none.
+    void ask(const std::vector<std::string>& names, const Command& command, const OnResult& onResult,
+             std::set<std::string>* left = nullptr);
 
     // From now on `ask` tells how far uploads and answers of several samples are.
     void onProgress(OnProgress callback) { onProgress_ = std::move(callback); }

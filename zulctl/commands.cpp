@@ -165,48 +165,59 @@ int dupdate(const Arguments& arguments, Session& session, Output& output) {
     std::set<std::string> stopped; // for certain or perhaps
     std::set<std::string> failed;
     std::set<std::string> unheard(names.begin(), names.end());
+    std::set<std::string> unsent = unheard;
     const auto show = [&](const Result& result) {
         outcome.add(result.status);
         output.print(result, true);
     };
+    const auto noteStopped = [&](const Result& result) {
+        if (result.status == Status::OK ||
+            (result.wasSent && (result.status == Status::INTERRUPTED || result.status == Status::NO_ANSWER ||
+                                !result.isWhole))) {
+            stopped.insert(result.router);
+        }
+        unheard.erase(result.router);
+        if (result.status != Status::OK) {
+            failed.insert(result.router);
+        }
+        show(result);
+    };
     std::exception_ptr thrown; // memory
     try {
-        fleet.ask(names, disable, [&](const Result& result) {
-            if (result.status == Status::OK ||
-                (result.wasSent && (result.status == Status::INTERRUPTED ||
-                                    result.status == Status::NO_ANSWER || !result.isWhole))) {
-                stopped.insert(result.router);
-            }
-            if (result.status != Status::OK) {
-                failed.insert(result.router);
-            }
-            unheard.erase(result.router);
-            show(result);
-        });
+        fleet.ask(names, disable, noteStopped, &unsent);
         std::vector<std::string> next;
         std::ranges::set_difference(stopped, failed, std::back_inserter(next));
         fleet.ask(next, update, show);
     } catch (...) {
         thrown = std::current_exception();
+        std::erase_if(unheard, [&unsent](const std::string& name) { return unsent.contains(name); });
         stopped.merge(unheard);
     }
     bool isInterrupted = false;
     fleet::Settings settings = arguments.settings;
-    std::vector<std::string> left(stopped.begin(), stopped.end());
-    while (!left.empty()) {
+    const auto noteStarted = [&](const Result& result) {
+        if (wakeup.isInterrupted() && !result.wasSent && result.status == Status::INTERRUPTED) {
+            stopped.insert(result.router);
+        } else {
+            stopped.erase(result.router);
+            show(result);
+        }
+    };
+    while (!stopped.empty()) {
         if (wakeup.takeInterrupt()) {
             isInterrupted = true;
             settings.timeout = std::min<fleet::Clock::duration>(settings.timeout, std::chrono::seconds(1));
         }
-        std::vector<std::string> unsent;
-        Fleet(domain, wakeup, settings).ask(left, enable, [&](const Result& result) {
-            if (wakeup.isInterrupted() && !result.wasSent && result.status == Status::INTERRUPTED) {
-                unsent.push_back(result.router);
-            } else {
-                show(result);
+        const std::size_t before = stopped.size();
+        try {
+            const std::vector<std::string> next(stopped.begin(), stopped.end());
+            Fleet(domain, wakeup, settings).ask(next, enable, noteStarted, &stopped);
+        } catch (...) { // go on with the others
+            thrown = std::current_exception();
+            if (stopped.size() == before) {
+                stopped.erase(stopped.begin());
             }
-        });
-        left = std::move(unsent);
+        }
     }
     if (isInterrupted) {
         wakeup.interrupt();
