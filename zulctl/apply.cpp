@@ -105,7 +105,8 @@ void Apply::checkWanted() {
         if (!isRestore_) {
             throw Failure{EXIT_USAGE, what};
         }
-        output_.say(what + "; whether a backup is good is for the router to say, so it is asked");
+        std::fprintf(stderr, "zulctl: %s; going on all the same, because the router may know it\n",
+                     oneLine(what).c_str());
     }
 }
 
