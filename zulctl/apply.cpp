@@ -43,10 +43,10 @@ std::string asWord(const std::string& word) {
 Failure caught() {
     try {
         throw;
-    } catch (const Failure& failure) {
-        return failure;
-    } catch (const plan::Refusal& refusal) {
-        return {EXIT_REFUSED, refusal.why};
+    } catch (Failure& failure) {
+        return std::move(failure);
+    } catch (plan::Refusal& refusal) {
+        return {EXIT_REFUSED, std::move(refusal.why)};
     } catch (const std::exception& exception) {
         return {EXIT_USAGE, wordsOf(exception)};
     }
@@ -185,9 +185,9 @@ bool Apply::sendAll(const plan::Plan& plan, Outcome& outcome) {
                         : result.status == Status::NO_ANSWER ? " was not answered"
                                                              : " was refused");
         } catch (...) {
-            const Failure failure = caught();
+            Failure failure = caught();
             outcome.add(failure.status);
-            failure_ = failure.message;
+            failure_ = std::move(failure.message);
         }
         return false;
     }
@@ -237,13 +237,13 @@ std::string Apply::restoreCommand() const {
 // nobody reads. `why` is not failure_, which the way back may overwrite.
 void Apply::putBack(const std::string& why, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
-    output_.say(router_->name() + ": " + why + "; putting back what ran");
     std::string failure;
     try {
+        output_.say(router_->name() + ": " + why + "; putting back what ran");
         failure = wayBack();
     } catch (...) {
-        const Failure thrown = caught();
-        failure = thrown.message;
+        Failure thrown = caught();
+        failure = std::move(thrown.message);
         outcome.add(thrown.status == EXIT_INTERRUPTED ? EXIT_INTERRUPTED : EXIT_DONE);
     }
     if (failure.empty()) {
