@@ -17,7 +17,8 @@ void Outcome::add(fleet::Status status) {
 
 int Outcome::status() const {
     constexpr int ORDER[] = {EXIT_INTERRUPTED, EXIT_USAGE, EXIT_NO_ANSWER, EXIT_REFUSED, EXIT_NOT_FOUND};
-    const auto* first = std::ranges::find_if(ORDER, [this](int each) { return seen_.contains(each); });
+    const auto* first =
+        std::ranges::find_if(ORDER, [this](int each) { return seen_.test(static_cast<std::size_t>(each)); });
     return first != std::end(ORDER) ? *first : EXIT_DONE;
 }
 

@@ -4,10 +4,10 @@
 
 #include "zulctl/arguments.h"
 
+#include <bitset>
 #include <exception>
 #include <map>
 #include <memory>
-#include <set>
 #include <span>
 #include <string>
 
@@ -26,11 +26,11 @@ struct Failure {
 class Outcome {
 public:
     void add(fleet::Status status);
-    void add(int status) { seen_.insert(status); }
+    void add(int status) { seen_.set(static_cast<std::size_t>(status)); }
     int status() const;
 
 private:
-    std::set<int> seen_;
+    std::bitset<8> seen_; // by status; needs no memory, which may have run out
 };
 
 // Throws a Failure if it cannot be joined.
