@@ -18,7 +18,7 @@ struct Picture {
     std::vector<Participant> participants{};
     std::set<Guid> matched{}; // endpoints of others that match ours
     Clock::time_point now{};
-    // What became of a request to the router, if one was sent.
+    // What became of a request to the router, if one was sent and that is known.
     enum class Reply { NOT_ASKED, ANSWERED, NONE } reply = Reply::NOT_ASKED;
     std::chrono::milliseconds waited{}; // for the answer, or until it came
     // What other domains showed, where they were looked at.

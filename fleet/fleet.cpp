@@ -323,10 +323,10 @@ Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
     }
     std::optional<std::chrono::milliseconds> took;
     std::set<std::string> answering;
-    bool isAsked = false;
+    bool isSilent = false; // not when its answer was lost, or the wait was interrupted
     if (!reached.routers.empty() || reached.isNameless) {
         ask({name}, GREETING, [&](const Result& result) {
-            isAsked = isAsked || result.wasSent;
+            isSilent = isSilent || (result.wasSent && result.status == Status::NO_ANSWER);
             if (result.status == Status::OK) {
                 took = result.took;
                 answering.insert(result.guid);
@@ -345,7 +345,7 @@ Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
         took.reset();
     }
     // Who answered to the name has it, whatever its participant is called.
-    now.reply = took ? Picture::Reply::ANSWERED : isAsked ? Picture::Reply::NONE : Picture::Reply::NOT_ASKED;
+    now.reply = took ? Picture::Reply::ANSWERED : isSilent ? Picture::Reply::NONE : Picture::Reply::NOT_ASKED;
     now.waited = took.value_or(toMilliseconds(settings_.timeout));
     for (Domain* other : others) {
         now.others.push_back(pictureOf(*other, settings_.product));
