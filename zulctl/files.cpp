@@ -144,7 +144,13 @@ std::optional<std::string> readFile(const std::string& path, std::string& error)
 
 std::optional<std::string> readStandardInput(std::string& error) {
     const int descriptor = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
-    return readWhole(File(descriptor < 0 ? nullptr : fdopen(descriptor, "rb")), "standard input", error);
+    const File file(descriptor < 0 ? nullptr : fdopen(descriptor, "rb"));
+    if (file == nullptr && descriptor >= 0) {
+        const int failure = errno;
+        close(descriptor);
+        errno = failure;
+    }
+    return readWhole(file, "standard input", error);
 }
 
 bool writeFile(const std::string& path, const std::string& text, std::string& error) {
