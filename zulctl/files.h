@@ -19,8 +19,8 @@ bool writeFile(const std::string& path, const std::string& text, std::string& er
 bool writeOnce(const std::string& path, const std::string& text, std::string& error);
 
 constexpr const char* ROUTER_PLACE = "{router}";
-// The path with each {router} replaced by the router's name. What in a name could lead to another folder is
-// written as %NN.
+// The path with each {router} replaced by the router's name. What in a name could lead to another folder, and
+// each control character, is written as %NN.
 std::string pathFor(std::string pattern, const std::string& router);
 
 } // namespace zul::ctl
