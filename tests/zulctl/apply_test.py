@@ -5,7 +5,6 @@ import os
 import signal
 import subprocess
 import tempfile
-import unittest
 
 from control import ControlTest
 from processes import BIN, Program
@@ -36,8 +35,7 @@ class Apply(ControlTest):
         self.file("wanted.xml", document(route("D", "<documentation>x</documentation>"), route("New")))
 
     def file(self, name, text):
-        with open(name, "w", encoding="utf-8") as file:
-            file.write(text)
+        return super().file(os.path.join(self.folder, name), text)
 
     def read(self, name):
         with open(name, encoding="utf-8") as file:
@@ -237,7 +235,3 @@ class Apply(ControlTest):
                             f'zulctl -d {self.domain} restore --configuration S -- r1 -b.xml","backup":"-b.xml"')
             self.assertEqual(applying.wait()[0], 4)
         self.assertEqual(self.read("-b.xml").strip(), self.read("before.xml"))
-
-
-if __name__ == "__main__":
-    unittest.main()
