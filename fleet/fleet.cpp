@@ -327,7 +327,7 @@ Cause Fleet::why(const std::string& name, const std::vector<Domain*>& others) {
     if (!reached.routers.empty() || reached.isNameless) {
         ask({name}, GREETING, [&](const Result& result) {
             isSilent = isSilent || (result.wasSent && result.status == Status::NO_ANSWER);
-            if (result.status == Status::OK) {
+            if (isAnswer(result.status) && result.isWhole) {
                 took = result.took;
                 answering.insert(result.guid);
             }

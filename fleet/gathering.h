@@ -31,6 +31,10 @@ struct Response {
 };
 
 enum class Status { OK, ERROR, NOT_FOUND, NO_ANSWER, INTERRUPTED };
+// Whether a router has spoken, be it to refuse.
+constexpr bool isAnswer(Status status) {
+    return status == Status::OK || status == Status::ERROR || status == Status::NOT_FOUND;
+}
 
 // What became of one request at one router.
 struct Answer {

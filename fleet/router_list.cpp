@@ -88,7 +88,7 @@ void collect(Round& round, Answering& answering) {
         ends.loseWhoLeft(gathering);
         gathering.expire(ends.now);
         for (const Answer& answer : gathering.takeEnded()) {
-            if (answer.status == Status::OK && answer.writer) {
+            if (isAnswer(answer.status) && answer.isWhole && answer.writer) {
                 answering.emplace(round.domain->id(), product, textOf(*answer.writer));
             }
         }

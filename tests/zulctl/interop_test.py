@@ -69,6 +69,7 @@ TABLE = (
 
 class Interop(ControlTest):
     domain = 69
+    greeted = 0  # the kind of response to a greeting
 
     def answer(self, control, router, name, requests):
         """Answers what zulctl asks until it ends, which has to be exactly the requests; returns status and both outputs."""
@@ -80,7 +81,7 @@ class Interop(ControlTest):
                 payload = router.request()[1]
                 identity = wire.identity_of(payload)
                 if payload == wire.request(identity, name, GREETING, DUMMY, 0):  # again until it is answered
-                    router.write(wire.response(identity, 0, "it is me", True, "<"))
+                    router.write(wire.response(identity, self.greeted, "it is me", True, "<"))
                     continue
                 request, answer = requests.pop(0)
                 self.assertEqual(payload, wire.request(identity, name, *request))
@@ -125,10 +126,11 @@ class Interop(ControlTest):
             self.check(command("get R", GET), router, ROUTER, "--federation")
 
     def test_who_is_there_and_why_not(self):
-        for product, options, timeout, status, shown, cause, fact in (
-                ("Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
-                ("Routing", ["xcdr2"], "0.5", 4, " no .*: r2", "incompatible_qos", "DATA_REPRESENTATION: it does not read XCDR version 1"),
-                ("Other", [], "0.5", 4, r"PARTICIPANT\n\Z", "unknown", "its request reader is not seen")):
+        for self.greeted, product, options, timeout, status, shown, cause, fact in (
+                (0, "Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
+                (1, "Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
+                (0, "Routing", ["xcdr2"], "0.5", 4, " no .*: r2", "incompatible_qos", "DATA_REPRESENTATION: it does not read XCDR version 1"),
+                (0, "Other", [], "0.5", 4, r"PARTICIPANT\n\Z", "unknown", "its request reader is not seen")):
             with CycloneRouter(self.domain, product, "ZUL Routing Service: r2", *options) as router:
                 listed = {"router": "r2", "answers": status == 0} if product == "Routing" else {}
                 self.check((["list"], [], 0, shown, listed), router, "r2", "-t", timeout)
