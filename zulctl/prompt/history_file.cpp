@@ -124,9 +124,10 @@ void HistoryFile::append(const std::string& line) {
     }
 }
 
-// Somebody may hold the file for as long as he likes; commands do not wait for that.
+// Somebody may hold the file for as long as he likes; commands do not wait for that. Where there are no
+// locks, as on some network file systems, nobody holds it.
 void HistoryFile::writeUnwritten() {
-    if (!unwritten_.empty() && flock(fd_, LOCK_EX | LOCK_NB) == 0) {
+    if (!unwritten_.empty() && (flock(fd_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)) {
         writeAll(fd_, std::exchange(unwritten_, {}));
         flock(fd_, LOCK_UN);
     }

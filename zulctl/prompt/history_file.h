@@ -1,5 +1,6 @@
 // The lines of earlier sessions, in a file that only the user can read, a line each. A line is appended when
-// it is entered, so nothing is lost however the program ends, and programs share the file.
+// it is entered, so nothing is lost however the program ends, except while another process has locked the
+// file. Programs share it.
 #pragma once
 
 #include <optional>
