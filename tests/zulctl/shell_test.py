@@ -274,6 +274,14 @@ class Shell(ControlTest):
                 shell.interrupt_write(signal.SIGINT)
             shell.ask("help get\n", "print the router")
 
+    def test_the_terminal_edits_where_the_user_wants_it(self):
+        pathlib.Path(self.home, ".editrc").write_text("edit off\n", "utf-8")
+        prompt = self.start()
+        self.assertTrue(prompt.is_plain())
+        prompt.ask("help save\n", "] save ROUTERS")
+        prompt.send(END)
+        self.assertEqual((prompt.wait()[0], prompt.log), (0, ""))
+
     @unittest.skipIf(os.environ.get("ZUL_SANITIZE"), "a sanitizer needs descriptors of its own")
     def test_a_line_without_memory_and_a_wait_that_fails_for_ever(self):
         with Program("zulctl", "-d", self.domain, "shell") as shell:

@@ -144,7 +144,10 @@ Editor::Editor(Input& input, std::FILE* screen, const char* prompt, Complete com
         el_set(line, EL_BIND, key, function, nullptr);
     }
     el_source(line, nullptr); // the user's own
-    el_set(line, EL_SETTY, "-x", "-echo", "-icanon", nullptr);
+    el_get(line, EL_EDITMODE, &isEditing_);
+    if (isEditing_ != 0) {
+        el_set(line, EL_SETTY, "-x", "-echo", "-icanon", nullptr);
+    }
 }
 
 Editor::~Editor() = default;
@@ -184,15 +187,17 @@ Got Editor::readCharacter(wchar_t& character) {
 
 Got Editor::readLine(std::string& line) {
     got_ = Got::INPUT;
-    el_set(library_->editor, EL_EDITMODE, 1);
+    el_set(library_->editor, EL_EDITMODE, isEditing_);
     el_resize(library_->editor);
     int length = 0;
     const char* text = el_gets(library_->editor, &length);
-    if (text == nullptr || length <= 0) {
+    if (text == nullptr || length <= 0 || got_ == Got::STOPPED) {
         std::fputs("\n", screen_); // what was typed stays where it is
         std::fflush(screen_);
         // The library gives up by itself when it cannot set the terminal.
-        return got_ == Got::END || input_.isHungUp() ? Got::HANG_UP : got_ == Got::INPUT ? Got::END : got_;
+        return input_.isHungUp() || (got_ == Got::END && isEditing_ != 0) ? Got::HANG_UP
+               : got_ == Got::INPUT                                       ? Got::END
+                                                                          : got_;
     }
     line.assign(text, static_cast<std::size_t>(length));
     if (line.ends_with('\n')) {

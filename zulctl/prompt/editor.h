@@ -1,6 +1,6 @@
 // A line editor on a terminal: keys as in emacs, history, search, completion. The only user of libedit. While
 // no line is read, the terminal shows nothing that is typed, so that what is typed ahead appears once, at its
-// prompt. One at a time, one thread.
+// prompt; where the user switched editing off, the terminal stays as it is. One at a time, one thread.
 #pragma once
 
 #include "zulctl/prompt/input.h"
@@ -45,6 +45,7 @@ private:
     const char* prompt_;
     Complete complete_;
     Got got_ = Got::INPUT; // why the line that is read ends early
+    int isEditing_ = 1;    // 0: the user's editrc or the library switched it off
     std::unique_ptr<Library> library_;
 };
 
