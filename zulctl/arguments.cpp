@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <span>
+#include <sstream>
 #include <system_error>
 
 namespace zul::ctl {
@@ -310,9 +311,9 @@ void CommandLine::add(const CommandRow& row) {
     }
 }
 
-// After help or a version. A reader that has gone is no failure.
+// After help or a version. A reader that has gone is no failure, nor is an interrupt.
 Parsed printed() {
-    if ((std::fflush(stdout) == 0 && std::ferror(stdout) == 0) || errno == EPIPE) {
+    if ((std::fflush(stdout) == 0 && std::ferror(stdout) == 0) || errno == EPIPE || errno == EINTR) {
         return {};
     }
     std::fprintf(stderr, "zulctl: cannot write: %s\n", std::generic_category().message(errno).c_str());
@@ -370,8 +371,10 @@ Parsed parseArguments(int argc, const char* const* argv, const Arguments& defaul
         }
         unmark(raw, arguments);
         assignWords(raw, arguments);
-    } catch (const CLI::Success& wanted) { // help
-        app.exit(wanted);
+    } catch (const CLI::Success& wanted) {
+        std::ostringstream help; // std::cout would stay bad after an interrupt
+        app.exit(wanted, help);
+        std::fputs(help.str().c_str(), stdout);
         return printed();
     } catch (const CLI::Error& error) {
         const std::vector<std::string> left = app.remaining();

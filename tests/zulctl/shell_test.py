@@ -274,11 +274,13 @@ class Shell(ControlTest):
                 shell.interrupt_write(signal.SIGINT)
             shell.ask("help get\n", "print the router")
 
-    def test_the_terminal_edits_where_the_user_wants_it(self):
+    def test_the_terminal_edits_where_the_user_wants_it_and_an_interrupt_ends_one_help_only(self):
         pathlib.Path(self.home, ".editrc").write_text("edit off\n", "utf-8")
         prompt = self.start()
         self.assertTrue(prompt.is_plain())
-        prompt.ask("help save\n", "] save ROUTERS")
+        prompt.send("\x13help\n")  # Ctrl-S: nothing is shown until Ctrl-Q
+        prompt.interrupt_write(signal.SIGINT)
+        prompt.ask("\x11help save\n", "] save ROUTERS")
         prompt.send(END)
         self.assertEqual((prompt.wait()[0], prompt.log), (0, ""))
 
