@@ -61,8 +61,9 @@ std::vector<std::string> placesOf(const CommandRow& row) {
 
 // Where in a line a word is.
 struct Completion::Place {
-    bool isNowhere = false; // nothing is known to follow
-    bool isHelp = false;    // of the command that is wanted
+    bool isNowhere = false;   // nothing is known to follow
+    bool isHelp = false;      // of the command that is wanted
+    bool takesOptions = true; // until "--"
     const CommandRow* command = nullptr;
     std::vector<Option> options = optionsOf(nullptr); // that may follow
     std::string option{};                             // whose value it is; empty: none
@@ -71,31 +72,35 @@ struct Completion::Place {
     fleet::Product product{};
 
     void pass(const std::string& word);
-    void passOption(const std::string& word);
+    std::size_t passOption(const std::string& word);
 };
 
-void Completion::Place::passOption(const std::string& word) {
-    const auto known = std::ranges::find(options, word, &Option::name);
-    option = known != options.end() && !known->value.empty() ? word : "";
-    if (word == "--all") { // in place of ROUTERS
+// Returns where in the word its value begins; 0: nowhere.
+std::size_t Completion::Place::passOption(const std::string& word) {
+    const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
+    const std::string name = word.substr(0, equals);
+    const auto known = std::ranges::find(options, name, &Option::name);
+    option = known != options.end() && !known->value.empty() ? name : "";
+    if (name == "--all") { // in place of ROUTERS
         words.insert(words.begin(), "*");
-    } else if (word == "--federation") {
+    } else if (name == "--federation") {
         product = fleet::Product::FEDERATION;
     }
+    return equals != std::string::npos && !option.empty() ? equals + 1 : 0;
 }
 
 // A word before the one that is completed.
 void Completion::Place::pass(const std::string& word) {
-    if (!option.empty()) {
+    if (takesOptions && word == "--") {
+        takesOptions = false;
+    } else if (!option.empty()) {
         if (option == "-d" || option == "--domain") {
             domain = std::atoi(word.c_str());
         }
         option.clear();
-    } else if (word.starts_with('-') && word.size() > 1) {
-        const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
-        passOption(word.substr(0, equals));
-        if (equals != std::string::npos && !option.empty()) {
-            pass(word.substr(equals + 1));
+    } else if (takesOptions && word.starts_with('-') && word.size() > 1) {
+        if (const std::size_t value = passOption(word); value > 0) {
+            pass(word.substr(value));
         }
     } else if (command != nullptr) {
         words.push_back(word);
@@ -204,12 +209,17 @@ prompt::Completions Completion::complete(const std::string& typed) {
     if (place.isNowhere) {
         return {};
     }
+    const bool isOption = place.option.empty() && place.takesOptions && word.starts_with('-');
+    const std::size_t value = isOption && word.find('=') != std::string::npos ? place.passOption(word) : 0;
     if (!place.option.empty()) {
         if (place.option == "--file" || place.option == "-o" || place.option == "--output" ||
             place.option == "--backup") {
-            words = filesLike(word);
+            words = filesLike(word.substr(value));
         }
-    } else if (word.starts_with('-')) {
+        for (std::string& each : words) {
+            each.insert(0, word, 0, value);
+        }
+    } else if (isOption) {
         for (const Option& option : place.options) {
             if (option.name.starts_with("--")) {
                 words.push_back(option.name);

@@ -109,10 +109,12 @@ class Install(SessionTest):
     def test_options_are_completed(self):
         folder = os.path.join(self.prefix, "share/bash-completion/completions")
         for program, word, expected in (("zulrssh", "-d", "-domainId"), ("zulfssh", "-cm", "-cmdFile"), ("zulctl", "du", "dupdate"),
+                                        ("zulctl", "get r --output = /et", "/etc"), ("zulctl", "get r --output=/et", "--output=/etc"),
                                         ("zul-practice-router", "--dom", "--domain")):
             # What bash does: it loads the file of the program's name and calls the function registered there.
             script = f"""source '{folder}/{program}'
-                COMP_WORDS=({program} {word}); COMP_CWORD=1; COMP_LINE='{program} {word}'; COMP_POINT=${{#COMP_LINE}}
+                COMP_WORDS=({program} {word}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); COMP_LINE='{program} {word}'
+                COMP_POINT=${{#COMP_LINE}}
                 "$(complete -p {program} | sed 's/.*-F \\([^ ]*\\).*/\\1/')" {program} {word} {program}
                 printf '%s\\n' "${{COMPREPLY[@]}}" """
             self.assertIn(expected, [line.strip() for line in run("bash", "-c", script).split("\n")], program)

@@ -142,6 +142,8 @@ class Shell(ControlTest):
         prompt.type("get 'plant two,plant o\t", "ne' ")
         prompt.type("--out\t", "put ")
         prompt.type(self.home + "/.lo\t", "cal/")
+        prompt.type(f" --output={self.home}/.lo\t", "cal/")
+        prompt.type(" -- --out\tx", "--out[^p]*x")
         prompt.type(INTERRUPT, "zulctl> ")
         # A router that does not answer holds up nothing.
         self.router("quiet", "--silent")
