@@ -203,7 +203,7 @@ class Shell(ControlTest):
         prompt.ask(INTERRUPT, "quiet: interrupted")
         self.assertNotIn("zulctl>", prompt.type("exit\n", "exit"))
         self.assertEqual(prompt.wait()[0], 5)
-        with Program("/bin/bash", "--norc", "-i", terminal=True, env={"HOME": self.home}) as bash:
+        with Program("/bin/bash", "--norc", "-i", terminal=True, env={"HOME": self.home, "PS1": "bash-$ "}) as bash:
             for line in ("help exit\n", "pause quiet\n"):  # stopped at the prompt and in a wait it can be ended
                 bash.send(f"{BIN}/zulctl -d {self.domain} shell\n")
                 bash.expect("zulctl> ")
