@@ -85,6 +85,13 @@ Outcome addPeer(const Line& line) {
                                                                 isFirst, line.words[4], &line.result));
 }
 
+// The text is a router's words, or the user's.
+void printLine(const char* head, const char* text) {
+    std::fputs(head, stdout);
+    ZULTerminal_print(stdout, text);
+    std::printf("\n");
+}
+
 // The word after an XML URL says who reads a path: the router (also when it is absent) or the shell.
 bool readRemoteFlag(const Line& line, std::size_t position, bool& isRemote) {
     const bool isLocal = ZULString_equalsIgnoreCase(line.wordOrEmpty(position), "local");
@@ -100,9 +107,7 @@ Outcome reportStatus(int status, const char* xmlUrl) {
     case ROUTER_URL_COMMAND_OK:
         return Outcome::ANSWERED;
     case ROUTER_URL_COMMAND_FILE_OPEN_ERROR:
-        std::printf("Can't open local file ");
-        ZULTerminal_print(stdout, xmlUrl);
-        std::printf("\n");
+        printLine("Can't open local file ", xmlUrl);
         break;
     case ROUTER_URL_COMMAND_FILE_READ_ERROR:
         std::printf("Error reading local file\n");
@@ -236,9 +241,7 @@ void printOutcome(Outcome outcome, const Command& command, const ROUTERRemoteCon
         break;
     case Outcome::ANSWERED: {
         const bool isOk = result.kind == ZUL_ROUTING_SERVICE_COMMAND_RESPONSE_OK;
-        std::printf(isOk ? "Result: " : "Error: ");
-        ZULTerminal_print(stdout, result.text != nullptr ? result.text : "(null)"); // a router's words
-        std::printf("\n");
+        printLine(isOk ? "Result: " : "Error: ", result.text != nullptr ? result.text : "(null)");
         break;
     }
     case Outcome::UNANSWERED:
@@ -259,9 +262,7 @@ void ROUTERShell_parseCommand(ROUTERShellInstance* self, char** words, int wordC
     const Command* command = findCommand(words[0]);
     if (command == nullptr) {
         const WholeOutput output;
-        std::printf("Unknown command: ");
-        ZULTerminal_print(stdout, words[0]);
-        std::printf("\n");
+        printLine("Unknown command: ", words[0]);
         return;
     }
     ROUTERRemoteConfigResult result{};
