@@ -119,14 +119,25 @@ TEST_F(Dispatcher, PrintsADupdatesSuccessAsAStatus) {
 TEST_F(Dispatcher, AnnouncesHelpsAndEndsWithoutAnOutcome) {
     EXPECT_EQ(run("hello"), "");
     EXPECT_EQ(requests(), Lines{"* 9"});
-    const std::string help = run("HELP me"), line = std::string(44, '-') + "\n";
-    EXPECT_TRUE(help.starts_with(
-        "\nZUL Routing Service Shell, licensed under the Apache License, Version 2.0\n" + line +
-        "Commands:\nload     - Load ZUL Routing Service XML configuration\nunload   - Unload "));
-    EXPECT_TRUE(help.ends_with("\nget      - Get  ZUL Routing Service configuration as a string\n"
-                               "add_peer - Add discovery peer for domain participant\n"
-                               "exit     - Exit the shell\n\n"));
-    EXPECT_EQ(std::ranges::count(help, '\n'), 18) << help;
+    EXPECT_EQ(run("HELP me"), R"(
+ZUL Routing Service Shell, licensed under the Apache License, Version 2.0
+--------------------------------------------
+Commands:
+load     - Load ZUL Routing Service XML configuration
+unload   - Unload current ZUL Routing Service configuration
+enable   - Enable an entity
+disable  - Disable an entity
+pause    - Pause an entity
+resume   - Resume an entity
+update   - Update the configuration of an entity
+create   - Create an entity
+delete   - Delete an entity
+save     - Save ZUL Routing Service configuration to file
+get      - Get  ZUL Routing Service configuration as a string
+add_peer - Add discovery peer for domain participant
+exit     - Exit the shell
+
+)");
     for (const char* word : {"exit", "Quit", "q now"}) {
         ROUTERShell_g_terminate = 0;
         EXPECT_EQ(run(word), "");
