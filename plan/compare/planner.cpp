@@ -97,7 +97,6 @@ public:
         isOneOfSeveral_ = configurationsOf(running).size() > 1;
         // Where one has values that only the router knows, a check says nothing.
         isChecked_ = isAccepted(running) && isAccepted(wanted);
-        checksLeft_ = CHECKED_ELEMENTS / countElements(xmlDocGetRootElement(running));
         if (isOneOfSeveral_ && findChild(service_, configuration) != nullptr) {
             throw Refusal{"the domain route " + configuration_ +
                           " has the name of its configuration, and there are "
@@ -135,7 +134,7 @@ private:
     xmlNode* service_;
     bool isOneOfSeveral_ = false;
     bool isChecked_ = false;
-    std::size_t checksLeft_ = 0; // after single steps; the end is checked in any case
+    std::size_t elementsLeft_ = CHECKED_ELEMENTS; // to be checked; the end is checked in any case
     Plan steps_;
     std::vector<std::string> waiting_; // to be enabled, those around before those inside
     ChangedProfiles changedProfiles_;
@@ -197,9 +196,12 @@ std::string listed(const std::vector<Difference>& differences) {
 
 void Planner::take(Step&& step) {
     play(step, work_.get(), configuration_);
-    if ((step.kind == Kind::UPDATE || step.kind == Kind::CREATE) && checksLeft_ > 0) {
-        --checksLeft_;
-        checkWork();
+    if ((step.kind == Kind::UPDATE || step.kind == Kind::CREATE) && elementsLeft_ > 0) {
+        const std::size_t elements = countElements(xmlDocGetRootElement(work_.get()));
+        elementsLeft_ -= std::min(elements, elementsLeft_);
+        if (elementsLeft_ > 0) {
+            checkWork();
+        }
     }
     steps_.push_back(std::move(step));
 }
