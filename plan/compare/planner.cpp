@@ -26,6 +26,7 @@ using Kind = Step::Kind;
 constexpr std::size_t MAX_NAMED = 3;                // differences in one message
 constexpr std::size_t CHECKED_ELEMENTS = 1'000'000; // in all checks after single steps: about a second
 constexpr const char* AFTERWARDS = "what would run after the commands: ";
+constexpr const char* LOAD_INSTEAD = "load the whole file instead";
 
 // What takes effect only when the entity is enabled again, by the comments of the definitions.
 constexpr std::array<std::string_view, 14> FIXED{
@@ -118,7 +119,7 @@ private:
     void take(Step&& step);
     void checkWork() const;
     void enableWaiting();
-    void refuseWhatIsLeft() const;
+    void refuseWhatIsLeft(bool alsoInside) const;
     // Where there are several configurations, the path names the one that is meant: a router that runs
     // another finds nothing there.
     std::string addressOf(const std::string& path) const {
@@ -213,15 +214,21 @@ void Planner::checkWork() const {
             checkDocument(work_.get(), {});
         }
     } catch (const Refusal& refusal) {
-        throw Refusal{AFTERWARDS + refusal.why};
+        // The lines are of the copy.
+        throw Refusal{AFTERWARDS + refusal.why.substr(lineInWords(refusal.line).size()) + "; " +
+                      LOAD_INSTEAD};
     }
 }
 
-void Planner::refuseWhatIsLeft() const {
-    const auto left = compare(work_.get(), wanted_, configuration_);
+// Only of the service and the sections, or also of the entities inside.
+void Planner::refuseWhatIsLeft(bool alsoInside) const {
+    auto left = compare(work_.get(), wanted_, configuration_);
+    std::erase_if(left, [alsoInside](const Difference& difference) {
+        return !alsoInside && !difference.path.starts_with('/');
+    });
     if (!left.empty()) {
         throw Refusal{"no command can bring about what is wanted of " + listed(left) +
-                      "; an update only adds and replaces, so load the whole file instead"};
+                      "; an update only adds and replaces, so " + LOAD_INSTEAD};
     }
 }
 
@@ -262,7 +269,12 @@ void Planner::updateService() {
         step.xml = settings.snippet.text();
     }
     if (hasSections ? !document.isEmpty() : !settings.snippet.isEmpty()) {
-        take(std::move(step));
+        try {
+            take(std::move(step));
+        } catch (const Refusal&) {
+            refuseWhatIsLeft(false); // what cannot go may be why
+            throw;
+        }
     }
 }
 
@@ -367,7 +379,7 @@ Plan Planner::plan() {
         updateService();
         visitChildren(service_, wantedService_, {}, {});
     }
-    refuseWhatIsLeft();
+    refuseWhatIsLeft(true);
     checkForms(work_.get(), AFTERWARDS);
     checkWork();
     return std::move(steps_);
