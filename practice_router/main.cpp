@@ -79,8 +79,20 @@ struct Instance {
 };
 using Instances = std::vector<std::unique_ptr<Instance>>;
 
+// Closes all queues at once, before the first thread is waited for: it may wait for another one's line.
+struct Closing {
+    const Instances& instances;
+
+    ~Closing() {
+        for (const auto& instance : instances) {
+            instance->queue.close();
+        }
+    }
+};
+
 int run(const Options& options, const Instances& instances) {
     const sigset_t ending = blockSignals();
+    const Closing closing{instances};
     for (const auto& instance : instances) {
         std::string error;
         if (!instance->endpoints.open(options.domain, instance->router.name(), options, instance->queue,
@@ -97,9 +109,6 @@ int run(const Options& options, const Instances& instances) {
     }
     int signalNumber = 0;
     sigwait(&ending, &signalNumber);
-    for (const auto& instance : instances) {
-        instance->queue.close(); // all at once, before the first is waited for
-    }
     return 0;
 }
 

@@ -37,7 +37,8 @@ void Worker::log(const Request& request, const std::string& outcome) {
     static_assert(4 * (MAX_LOGGED + 64) < PIPE_BUF, "a line fits as soon as a pipe has room");
     const std::lock_guard lock(g_output);
     pollfd output{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
-    while (poll(&output, 1, OUTPUT_POLL_MILLISECONDS) <= 0) {
+    // At the end each of many workers comes here in turn: then none waits.
+    while (poll(&output, 1, queue_.isClosed() ? 0 : OUTPUT_POLL_MILLISECONDS) <= 0) {
         if (queue_.isClosed()) {
             return;
         }
