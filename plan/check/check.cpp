@@ -28,7 +28,7 @@ struct Rules {
     std::vector<const Relation*> relations;
     std::optional<EntityLevel> level;
     bool isRoute;
-    bool isLibrary; // its names are a list of their own
+    bool hasOwnNames; // elements of other tags may have the same
 };
 
 class Check {
@@ -122,11 +122,12 @@ const Rules& Check::rulesOf(const xmlNode* element) {
                                       .relations = findRelations(tag),
                                       .level = levelOf(element),
                                       .isRoute = levelOf(element) == EntityLevel::ROUTE,
-                                      .isLibrary = tag.ends_with("_library")})
+                                      .hasOwnNames = tag.ends_with("_library") || tag.ends_with("_plugin") ||
+                                                     tag == "qos_profile"})
         .first->second;
 }
 
-// `siblings` are the names of the entities and libraries before it in the same parent.
+// `siblings` are the names of the entities, libraries, profiles and plugins before it in the same parent.
 void Check::checkElement(const xmlNode* element, const Rules& rules, Names& siblings) {
     if (stop_.stop_requested()) {
         throw Refusal{STOPPED};
@@ -136,7 +137,7 @@ void Check::checkElement(const xmlNode* element, const Rules& rules, Names& sibl
         return; // nothing in it comes before the first finding; or it was reported with its parent
     }
     Definition::check(*rules.rule, element, report_);
-    if (rules.level || rules.isLibrary) {
+    if (rules.level || rules.hasOwnNames) {
         checkName(element, rules, siblings);
     }
     if (rules.fields != nullptr) {
@@ -170,12 +171,12 @@ void Check::checkName(const xmlNode* element, const Rules& rules, Names& sibling
     const std::string name = nameOf(element);
     const std::string tag(tagOf(element));
     const std::string what = "the name " + quoted(name) + " of this " + tag;
-    if (xmlHasProp(element, toXml("name")) == nullptr || (rules.isLibrary && !isName(name))) {
+    if (xmlHasProp(element, toXml("name")) == nullptr || (rules.hasOwnNames && !isName(name))) {
         return; // reported as a missing attribute, or with the fields
     }
     if (!isName(name)) {
         addAt(element, what + " is not allowed; expected 1 to 254 letters, digits, \"_\" and \"-\"");
-    } else if (!siblings.insert(rules.isLibrary ? tag + std::string(PATH_SEPARATOR) + name : name).second) {
+    } else if (!siblings.insert(rules.hasOwnNames ? tag + std::string(PATH_SEPARATOR) + name : name).second) {
         addAt(element, what + " is taken by an element beside it; choose another");
     }
 }

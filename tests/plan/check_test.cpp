@@ -126,6 +126,7 @@ TEST(Check, AFaultThatPassesOrIsToldTwice) {
         // Names and references
         {{.head = "<qos_library name='L::M'/>"}, 2, "the attribute name of qos_library \"L::M\" is \"L::M\"; expected 1 to 254 letters, digits"},
         {{.head = LIBRARIES + profile("") + "\n<qos_library name='T'/><qos_library name='L'/>"}, 3, "the name \"L\" of this qos_library is taken by an element beside it"},
+        {{.head = "<qos_library name='L'><qos_profile name='P'/>\n<qos_profile name='P'/></qos_library>"}, 3, "the name \"P\" of this qos_profile is taken by an element beside it"},
         {{.head = profile("", "base_name='L::Q'")}, 2, "the attribute base_name of qos_profile \"P\" is \"L::Q\"; expected the path Library::Profile"},
         {{.head = profile(""), .participant = "<participant_qos base_name='P'/>"}, 4, "of participant_qos is \"P\"; expected the path Library::Profile"},
         {{.first = connection}, 4, "the attribute plugin_name of connection_1 is \"A::F\"; expected the path Library::Plugin of an adapter_plugin"},
