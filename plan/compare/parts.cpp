@@ -145,6 +145,9 @@ bool isConnection(const xmlNode* end, const std::string& side) {
     }
     for (const xmlNode* child : elementsIn(around)) {
         const std::string_view tag = tagOf(child);
+        if (levelOf(child)) {
+            return false;
+        }
         if (tag.ends_with("_" + side) && (tag.starts_with("participant") || tag.starts_with("connection"))) {
             return tag.starts_with("connection");
         }
