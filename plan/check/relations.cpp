@@ -61,18 +61,11 @@ std::optional<std::int64_t> valueAt(const Relation& relation, const xmlNode* ele
     return value && *value >= 0 ? value : std::nullopt;
 }
 
-// A base profile may have set what decides.
-bool hasBase(const xmlNode* holder) {
-    const auto has = [](const xmlNode* element) {
-        return xmlHasProp(element, toXml("base_name")) != nullptr;
-    };
-    return has(holder) || has(holder->parent) || has(holder->parent->parent);
-}
-
 bool isMeant(const Relation& relation, const xmlNode* holder) {
     if (relation.unless.empty()) {
         return true;
     }
+    // A base profile may have set what decides.
     const xmlNode* decides = findAt(holder, relation.unless);
     return decides != nullptr ? textOf(decides) == relation.usual : !hasBase(holder);
 }

@@ -75,14 +75,6 @@ std::string identityIn(const xmlNode* element, std::string_view parent) {
     return element->properties != nullptr ? nameOf(element) : "";
 }
 
-// Whether an element with policies, or the profile that it is in, starts from another profile.
-bool hasBase(const xmlNode* qos) {
-    const auto has = [](const xmlNode* element) {
-        return element->type == XML_ELEMENT_NODE && xmlHasProp(element, toXml("base_name")) != nullptr;
-    };
-    return has(qos) || (qos->parent != nullptr && has(qos->parent));
-}
-
 class Collector {
 public:
     explicit Collector(const xmlNode* element) : element_(element), tag_(tagOf(element)) {}
@@ -187,7 +179,7 @@ void Collector::addItems(const xmlNode* list) {
         return part.identity.empty();
     };
     const bool isPartition = tag_ == "partition";
-    const bool replaces = isPartition && list != nullptr && hasBase(element_->parent);
+    const bool replaces = isPartition && list != nullptr && hasBase(element_);
     if (!isPartition || (std::ranges::all_of(parts_, isEmpty) && !replaces)) {
         std::erase_if(parts_, isEmpty);
     } else if (parts_.empty()) {

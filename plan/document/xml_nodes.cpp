@@ -35,6 +35,16 @@ std::string attributeOf(const xmlNode* node, const char* name) {
     return toString(xmlGetNoNsProp(node, toXml(name)));
 }
 
+bool hasBase(const xmlNode* element) {
+    constexpr int LEVELS = 3;
+    for (int i = 0; i < LEVELS && element != nullptr; ++i, element = element->parent) {
+        if (xmlHasProp(element, toXml("base_name")) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // A name may be long, and be described for each of many children: it is not copied.
 std::string describe(const xmlNode* node) {
     const xmlAttr* name = xmlHasProp(node, toXml("name"));

@@ -15,6 +15,9 @@ std::string attributeOf(const xmlNode* node, const char* name);
 inline std::string nameOf(const xmlNode* node) {
     return attributeOf(node, "name");
 }
+// Whether an element, or one of the two around it, starts from another profile: a policy is in an element for
+// an entity's kind, and that is in a profile.
+bool hasBase(const xmlNode* element);
 // The tag and, in quotes, the name attribute of a node, for messages.
 std::string describe(const xmlNode* node);
 // All text inside, without the blanks around it.
