@@ -417,7 +417,7 @@ void play(const Step& step, xmlDoc* document, std::string_view configuration) {
         return;
     }
     Layout layout(document);
-    Children(entity, layout).insert(root);
+    insertChild(entity, root, layout);
 }
 
 Plan makePlan(const xmlDoc* running, const xmlDoc* wanted, std::string_view configuration) {

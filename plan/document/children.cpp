@@ -21,6 +21,37 @@ typename Map::mapped_type lookUp(const Map& map, const std::string& key) {
     return found != map.end() ? found->second : typename Map::mapped_type{};
 }
 
+const ContentModel& contentOf(const xmlNode* element) {
+    return Definition::ofProduct().find(tagOf(element))->content;
+}
+
+ContentModel::State endOf(const xmlNode* parent) {
+    const ContentModel& content = contentOf(parent);
+    ContentModel::State end = content.begin();
+    for (const xmlNode* child : elementsIn(parent)) {
+        end = content.after(end, tagOf(child)).value_or(ContentModel::State{});
+    }
+    return end;
+}
+
+// Keeps `end` the state after all children.
+void insertIn(xmlNode* parent, xmlNode* child, Layout& layout, ContentModel::State& end) {
+    const ContentModel& content = contentOf(parent);
+    const std::string_view tag = tagOf(child);
+    const auto atEnd = content.after(end, tag);
+    const bool fitsAtEnd = atEnd && atEnd->isComplete;
+    const std::optional<xmlNode*> place =
+        fitsAtEnd ? std::optional<xmlNode*>(nullptr) : content.placeFor(tag, parent);
+    if (!place) {
+        throw Refusal{shortened(tag) + " has no place in " + describe(parent) +
+                      "; after its other elements may come " + content.expected(end)};
+    }
+    xmlUnlinkNode(child);
+    xmlSetTreeDoc(child, parent->doc);
+    layout.insert(parent, child, *place);
+    end = fitsAtEnd ? *atEnd : endOf(parent);
+}
+
 } // namespace
 
 bool isItem(const xmlNode* element) {
@@ -39,18 +70,9 @@ std::string identityOf(const xmlNode* element) {
     return textOf(element);
 }
 
-Children::Children(xmlNode* parent, Layout& layout)
-    : parent_(parent), content_(Definition::ofProduct().find(tagOf(parent))->content), layout_(layout) {
+Children::Children(xmlNode* parent, Layout& layout) : parent_(parent), layout_(layout), end_(endOf(parent)) {
     for (xmlNode* child : elementsIn(parent)) {
         note(child);
-    }
-    findEnd();
-}
-
-void Children::findEnd() {
-    end_ = content_.begin();
-    for (xmlNode* child : elementsIn(parent_)) {
-        end_ = content_.after(end_, tagOf(child)).value_or(ContentModel::State{});
     }
 }
 
@@ -85,24 +107,13 @@ bool Children::hasSeveral(std::string_view tag) const {
 }
 
 void Children::insert(xmlNode* child) {
-    const std::string_view tag = tagOf(child);
-    const auto atEnd = content_.after(end_, tag);
-    const bool fitsAtEnd = atEnd && atEnd->isComplete;
-    const std::optional<xmlNode*> place =
-        fitsAtEnd ? std::optional<xmlNode*>(nullptr) : content_.placeFor(tag, parent_);
-    if (!place) {
-        throw Refusal{shortened(tag) + " has no place in " + describe(parent_) +
-                      "; after its other elements may come " + content_.expected(end_)};
-    }
-    xmlUnlinkNode(child);
-    xmlSetTreeDoc(child, parent_->doc);
-    layout_.insert(parent_, child, *place);
+    insertIn(parent_, child, layout_, end_);
     note(child);
-    if (fitsAtEnd) {
-        end_ = *atEnd;
-    } else {
-        findEnd();
-    }
+}
+
+void insertChild(xmlNode* parent, xmlNode* child, Layout& layout) {
+    ContentModel::State end = endOf(parent);
+    insertIn(parent, child, layout, end);
 }
 
 } // namespace zul::plan

@@ -36,19 +36,20 @@ public:
 
 private:
     void note(xmlNode* child);
-    void findEnd();
 
     struct Tagged {
         xmlNode* last = nullptr;
         std::size_t count = 0;
     };
     xmlNode* parent_;
-    const ContentModel& content_;
     Layout& layout_;
     ContentModel::State end_; // after all children
     std::unordered_map<std::string, Tagged> byTag_;
     std::unordered_map<std::string, xmlNode*> byIdentity_; // tag and identity
     std::unordered_map<std::string, xmlNode*> entities_;   // by name
 };
+
+// As Children::insert, for a single child: nothing is prepared for look-ups.
+void insertChild(xmlNode* parent, xmlNode* child, Layout& layout);
 
 } // namespace zul::plan

@@ -88,7 +88,7 @@ Answer Configuration::create(std::string_view parentPath, std::string_view snipp
         xmlNode* child = xmlDocGetRootElement(addition.get());
         checkChild(parent, child);
         Layout layout(parent->doc);
-        Children(parent, layout).insert(child);
+        insertChild(parent, child, layout);
         return draft.activate("created " + pathInWords(child));
     });
 }
