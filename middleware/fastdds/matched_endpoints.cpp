@@ -4,6 +4,10 @@ namespace zul {
 
 void MatchedEndpoints::update(const DDS_InstanceHandle_t& handle, std::int32_t change) {
     const std::lock_guard lock(mutex_);
+    if (change == 0 && handle == last_) {
+        return;
+    }
+    last_ = handle;
     const bool wasMatched = std::erase(handles_, handle) > 0;
     if (change > 0 || (change == 0 && !wasMatched)) {
         handles_.push_back(handle);

@@ -245,13 +245,20 @@ TEST_F(TypedEndpoints, CalledByTheLibraryBeforeTheyAreComplete) {
 
 // Those that come and leave at the same time may all be reported as a change of 0.
 TEST(MatchedEndpoints, OfWhichNoneIsLostOrKeptByAChangeThatSaysNothing) {
-    const DDS_InstanceHandle_t other{.value = {1}, .isValid = 1};
-    for (const std::int32_t leaves : {-1, 0}) {
+    const DDS_InstanceHandle_t one{.value = {1}, .isValid = 1}, other{.value = {2}, .isValid = 1};
+    for (const std::int32_t change : {1, 0}) {
         zul::MatchedEndpoints matched;
-        matched.update(other, 0);
-        EXPECT_TRUE(matched.any([&](const DDS_InstanceHandle_t& handle) { return handle == other; }));
-        matched.update(other, leaves);
-        EXPECT_FALSE(matched.any([](const DDS_InstanceHandle_t&) { return true; })) << leaves;
+        const auto holds = [&](const DDS_InstanceHandle_t& which) {
+            return matched.any([&](const DDS_InstanceHandle_t& handle) { return handle == which; });
+        };
+        for (const auto& [handle, told] : {std::pair{one, change}, {one, 0}, {other, change}, {other, 0}}) {
+            matched.update(handle, told);
+            EXPECT_TRUE(holds(handle)) << change;
+        }
+        for (const std::int32_t told : {-change, 0}) {
+            matched.update(one, told);
+            EXPECT_TRUE(!holds(one) && holds(other)) << change;
+        }
     }
 }
 
