@@ -30,7 +30,8 @@ ZULXMLDocument* newDocument(const Read& read) {
 
 ZULXMLDocument* logged(ZULXMLDocument* document, const char* context) {
     if (document == nullptr || document->root == nullptr) {
-        const std::string_view reason = document != nullptr ? document->error.text : "out of memory";
+        const std::string_view reason =
+            document != nullptr ? std::string_view(document->error.text) : "out of memory";
         ZULLog_middleware(ZUL_LOG_LEVEL_ERROR, context, ZUL_LOG_XML_PARSE_FAILURE_ds,
                           document != nullptr ? document->error.line : 0, reason);
     }
