@@ -59,7 +59,7 @@ const char* roleOf(const Endpoint& endpoint) {
 }
 
 // Which policy keeps a router's endpoint from matching ours (OMG DDS 1.4, 2.2.3); empty when none of those
-// that are known does. Ours are reliable and volatile, and have the defaults for the rest.
+// that are known does, partitions apart. Ours are reliable and volatile, and have the defaults for the rest.
 std::string incompatiblePolicy(const Endpoint& endpoint) {
     const DDS_EndpointBuiltinTopicData& qos = endpoint.qos;
     const bool limitsTime = qos.deadline.period.sec != DDS_DURATION_INFINITE.sec;
@@ -68,9 +68,6 @@ std::string incompatiblePolicy(const Endpoint& endpoint) {
         return endpoint.isReader
                    ? "DATA_REPRESENTATION: it does not read XCDR version 1, which zulctl writes"
                    : "DATA_REPRESENTATION: it does not write XCDR version 1, which zulctl reads";
-    }
-    if (qos.has_partition != 0) {
-        return "PARTITION: it is in a partition; zulctl is in none, unless a profile file says so";
     }
     if (qos.ownership.kind != DDS_SHARED_OWNERSHIP_QOS) {
         return "OWNERSHIP: its is EXCLUSIVE, that of zulctl SHARED";
@@ -86,6 +83,15 @@ std::string incompatiblePolicy(const Endpoint& endpoint) {
            : qos.liveliness.kind != DDS_AUTOMATIC_LIVELINESS_QOS || limitsLiveliness
                ? "LIVELINESS: it requests more than AUTOMATIC without end, which zulctl offers"
                : "";
+}
+
+// Which policy keeps a router's endpoint apart from ours. A profile file may put ours into its partition,
+// too.
+std::string policyBetween(const Endpoint& endpoint) {
+    const std::string policy = incompatiblePolicy(endpoint);
+    return policy.empty() && endpoint.qos.has_partition != 0
+               ? "PARTITION: it is in a partition; zulctl is in none, unless a profile file says so"
+               : policy;
 }
 
 std::size_t distance(const std::string& left, const std::string& right) {
@@ -150,7 +156,7 @@ std::optional<Cause> endpointFault(const Picture& picture, const Participant& pa
                                                      ": its type is " + endpoint->type + ", that of zulctl " +
                                                      typeOf(*endpoint)}};
         }
-        if (const std::string policy = incompatiblePolicy(*endpoint); !policy.empty()) {
+        if (const std::string policy = policyBetween(*endpoint); !policy.empty()) {
             return Cause{CauseKind::INCOMPATIBLE_QOS,
                          std::string("the policies of its ") + roleOf(*endpoint) +
                              " do not fit those of zulctl: " + policy.substr(0, policy.find(':')),
