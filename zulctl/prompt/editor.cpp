@@ -191,7 +191,7 @@ Got Editor::readLine(std::string& line) {
     el_resize(library_->editor);
     int length = 0;
     const char* text = el_gets(library_->editor, &length);
-    if (text == nullptr || length <= 0 || got_ == Got::STOPPED) {
+    if (text == nullptr || length <= 0 || got_ == Got::STOPPED || got_ == Got::FAILED) {
         std::fputs("\n", screen_); // what was typed stays where it is
         std::fflush(screen_);
         // The library gives up by itself when it cannot set the terminal.

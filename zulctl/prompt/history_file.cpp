@@ -61,6 +61,12 @@ bool writeAll(int fd, const std::string& text) {
     return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
+// Somebody may hold the file for as long as he likes; commands do not wait for that. Where there are no
+// locks, as on some network file systems, nobody holds it.
+bool takeLock(int fd) {
+    return flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
 } // namespace
 
 HistoryFile HistoryFile::ofUser(std::string& warning) {
@@ -98,7 +104,7 @@ std::vector<std::string> HistoryFile::load() {
     if (fd_ < 0) {
         return {};
     }
-    const bool isMine = flock(fd_, LOCK_EX | LOCK_NB) == 0;
+    const bool isMine = takeLock(fd_);
     struct stat status {};
     fstat(fd_, &status);
     std::vector<std::string> lines = readLines(fd_, status.st_size);
@@ -124,10 +130,8 @@ void HistoryFile::append(const std::string& line) {
     }
 }
 
-// Somebody may hold the file for as long as he likes; commands do not wait for that. Where there are no
-// locks, as on some network file systems, nobody holds it.
 void HistoryFile::writeUnwritten() {
-    if (!unwritten_.empty() && (flock(fd_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)) {
+    if (!unwritten_.empty() && takeLock(fd_)) {
         writeAll(fd_, std::exchange(unwritten_, {}));
         flock(fd_, LOCK_UN);
     }
