@@ -74,7 +74,7 @@ private:
     void ask(std::size_t commands);
     void backUp();
     bool sendAll(const plan::Plan& plan, Outcome& outcome);
-    void putBack(const std::string& why, Outcome& outcome);
+    void putBack(const char* head, const std::string& reason, Outcome& outcome);
     std::string wayBack();
     std::string restoreCommand() const;
     std::vector<plan::Difference> readBack(const xmlDoc* expected);
@@ -234,11 +234,13 @@ std::string Apply::restoreCommand() const {
 
 // An interrupt that brought us here is taken back meanwhile, so that the way back can be waited for; a second
 // one ends that, too. What it silenced stays silent until the end, or the way back would wait for a pipe that
-// nobody reads. `why` is not failure_, which the way back may overwrite.
-void Apply::putBack(const std::string& why, Outcome& outcome) {
+// nobody reads. `reason` is not failure_, which the way back may overwrite.
+void Apply::putBack(const char* head, const std::string& reason, Outcome& outcome) {
     const bool wasInterrupted = session_.wakeup().takeInterrupt();
+    std::string why;
     std::string failure;
     try {
+        why = head + reason;
         output_.say(router_->name() + ": " + why + "; putting back what ran");
         failure = wayBack();
     } catch (...) {
@@ -291,7 +293,7 @@ int Apply::run() {
     }
     Outcome outcome;
     if (!sendAll(plan, outcome)) {
-        putBack(std::exchange(failure_, {}), outcome);
+        putBack("", std::exchange(failure_, {}), outcome);
         return outcome.status();
     }
     std::vector<plan::Difference> left;
@@ -300,7 +302,7 @@ int Apply::run() {
     } catch (...) {
         const Failure failure = caught();
         outcome.add(failure.status);
-        putBack("reading back failed: " + failure.message, outcome);
+        putBack("reading back failed: ", failure.message, outcome);
         return outcome.status();
     }
     if (!left.empty()) {
