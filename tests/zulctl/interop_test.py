@@ -128,7 +128,7 @@ class Interop(ControlTest):
     def test_who_is_there_and_why_not(self):
         for self.greeted, product, options, timeout, status, shown, cause, fact in (
                 (0, "Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
-                (1, "Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
+                (2, "Routing", [], "10", 0, " yes .*: r2", "answers", "it answered after"),
                 (0, "Routing", ["xcdr2"], "0.5", 4, " no .*: r2", "incompatible_qos", "DATA_REPRESENTATION: it does not read XCDR version 1"),
                 (0, "Other", [], "0.5", 4, r"PARTICIPANT\n\Z", "unknown", "its request reader is not seen")):
             with CycloneRouter(self.domain, product, "ZUL Routing Service: r2", *options) as router:
