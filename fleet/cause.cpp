@@ -85,8 +85,7 @@ std::string incompatiblePolicy(const Endpoint& endpoint) {
                : "";
 }
 
-// Which policy keeps a router's endpoint apart from ours. A profile file may put ours into its partition,
-// too.
+// Which policy keeps a router's endpoint apart from ours. A profile file may put both into one partition.
 std::string policyBetween(const Endpoint& endpoint) {
     const std::string policy = incompatiblePolicy(endpoint);
     return policy.empty() && endpoint.qos.has_partition != 0
